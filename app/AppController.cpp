@@ -1,0 +1,119 @@
+#include "app/AppController.h"
+
+#include <QCoreApplication>
+#include <QThread>
+
+#include "app/PermissionService.h"
+#include "app/UpdaterService.h"
+#include "platform/Activation.h"
+#include "platform/Displays.h"
+#include "platform/LoginItems.h"
+#include "platform/Platform.h"
+#include "platform/UserDefaults.h"
+
+AppController& AppController::shared() {
+    // Lives until the process ends, like the application itself.
+    static AppController* instance = new AppController();
+    return *instance;
+}
+
+AppController::AppController(QObject* parent) : QObject(parent) {
+    const PlatformServices& platform = Platform::services();
+
+    // 1. Both permission answers, screen recording first.
+    m_permissionState = PermissionService::currentState();
+
+    // 2. The other published properties start empty (see the member initialisers).
+
+    // 3. Plain fields.
+    m_defaults = platform.userDefaults;
+    m_dockIconKey = QStringLiteral("dockIconVisible");
+    m_autoCheckForUpdatesKey = QStringLiteral("autoCheckForUpdatesOnLaunch");
+    m_adjustWindowSizeKey = QStringLiteral("adjustWindowSizeToTargetScreen");
+    m_shortcutDisplayRecordsKey = QStringLiteral("shortcutDisplayRecords.v1");
+    m_updaterService = &UpdaterService::shared();
+    m_previewLoadID = QUuid::createUuid();
+
+    // 4. Defaults, key by key; a value of any type counts as present.
+    if (!m_defaults->contains(m_dockIconKey)) {
+        m_defaults->setObject(m_dockIconKey, false);
+    }
+    if (!m_defaults->contains(m_autoCheckForUpdatesKey)) {
+        m_defaults->setObject(m_autoCheckForUpdatesKey, true);
+    }
+    if (!m_defaults->contains(m_adjustWindowSizeKey)) {
+        m_defaults->setObject(m_adjustWindowSizeKey, false);
+    }
+
+    // 5. The preferences.
+    m_dockIconVisible = m_defaults->boolForKey(m_dockIconKey);
+    m_autoCheckForUpdatesEnabled = m_defaults->boolForKey(m_autoCheckForUpdatesKey);
+    m_adjustWindowSizeToTargetScreen = m_defaults->boolForKey(m_adjustWindowSizeKey);
+
+    // 6. Launch at login is whatever the login-item service says.
+    m_launchAtLoginEnabled = platform.loginItems->status() == LoginItemStatus::Enabled;
+
+    // 7. The updater follows the preference.
+    m_updaterService->updaterController()->updater()->setAutomaticallyChecksForUpdates(m_autoCheckForUpdatesEnabled);
+
+    // 8.-9. The remembered displays, their lists and their hot-key handlers.
+    m_shortcutDisplayRecords = loadShortcutDisplayRecords();
+    refreshShortcutDisplays();
+
+    // 10. A display configuration change rebuilds only the shortcut lists.
+    QPointer<AppController> weakSelf(this);
+    m_screenParametersObserver =
+        connect(platform.displays, &Displays::screenParametersChanged, this, [weakSelf] {
+            if (weakSelf) {
+                weakSelf->refreshShortcutDisplays();
+            }
+        }, Qt::QueuedConnection);
+}
+
+AppController::~AppController() {
+    Q_ASSERT(QCoreApplication::instance() == nullptr || QThread::currentThread() == QCoreApplication::instance()->thread());
+}
+
+void AppController::setStatusMessage(const QString& message) {
+    publish(m_statusMessage, message, &AppController::statusMessageChanged);
+}
+
+void AppController::setAdjustWindowSizeToTargetScreen(bool adjust) {
+    publish(m_adjustWindowSizeToTargetScreen, adjust, &AppController::adjustWindowSizeToTargetScreenChanged);
+}
+
+void AppController::setPermissionState(const PermissionState& state) {
+    publish(m_permissionState, state, &AppController::permissionStateChanged);
+}
+
+void AppController::setDisplays(const QList<DisplaySnapshot>& displays) {
+    publish(m_displays, displays, &AppController::displaysChanged);
+}
+
+void AppController::setIsLoadingPreviews(bool loading) {
+    publish(m_isLoadingPreviews, loading, &AppController::isLoadingPreviewsChanged);
+}
+
+void AppController::setDockIconVisible(bool visible) {
+    publish(m_dockIconVisible, visible, &AppController::dockIconVisibleChanged);
+    m_defaults->setObject(m_dockIconKey, visible);
+    Platform::services().activation->setActivationPolicy(m_dockIconVisible ? ActivationPolicy::Regular
+                                                                            : ActivationPolicy::Accessory);
+}
+
+void AppController::setAutoCheckForUpdatesEnabled(bool enabled) {
+    publish(m_autoCheckForUpdatesEnabled, enabled, &AppController::autoCheckForUpdatesEnabledChanged);
+    m_defaults->setObject(m_autoCheckForUpdatesKey, enabled);
+    m_updaterService->updaterController()->updater()->setAutomaticallyChecksForUpdates(enabled);
+}
+
+void AppController::setLaunchAtLogin(bool enabled) {
+    LoginItems* loginItems = Platform::services().loginItems;
+    QString error;
+    const bool succeeded = enabled ? loginItems->registerMainApp(&error) : loginItems->unregisterMainApp(&error);
+    if (!succeeded) {
+        setStatusMessage(QStringLiteral("Unable to update login item: ") + error);
+    }
+    publish(m_launchAtLoginEnabled, loginItems->status() == LoginItemStatus::Enabled,
+            &AppController::launchAtLoginEnabledChanged);
+}

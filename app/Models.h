@@ -1,0 +1,89 @@
+#pragma once
+
+#include <QImage>
+#include <QList>
+#include <QRectF>
+#include <QString>
+#include <optional>
+
+#include "platform/Types.h"
+
+// One connected display at one moment.
+struct DisplayDescriptor {
+    CGDirectDisplayID id = 0;
+    QString persistentID;
+    int index = 0;  // 1-based position in the platform's screen order
+    QString name;
+    QRectF bounds;  // global display space, origin at the main display's top-left corner, y downwards
+
+    bool operator==(const DisplayDescriptor&) const = default;
+};
+
+// One application's qualifying windows on one display.
+struct DisplayAppGroup {
+    pid_t pid = 0;
+    QString name;
+    int windowCount = 0;
+
+    bool operator==(const DisplayAppGroup&) const = default;
+};
+
+// One display as the panel shows it.
+struct DisplaySnapshot {
+    CGDirectDisplayID id = 0;
+    QString persistentID;
+    int index = 0;
+    QString name;
+    QRectF bounds;
+    std::optional<QImage> previewImage;
+    std::optional<int> visibleWindowCount;    // absent: not counted yet
+    std::optional<int> invisibleWindowCount;  // absent: not counted yet
+    QList<DisplayAppGroup> appGroups;
+
+    // A card to show before capture has finished: no picture, no counts, no groups.
+    static DisplaySnapshot placeholder(const DisplayDescriptor& descriptor) {
+        DisplaySnapshot snapshot;
+        snapshot.id = descriptor.id;
+        snapshot.persistentID = descriptor.persistentID;
+        snapshot.index = descriptor.index;
+        snapshot.name = descriptor.name;
+        snapshot.bounds = descriptor.bounds;
+        return snapshot;
+    }
+};
+
+// Which of the two required grants the process holds.
+struct PermissionState {
+    bool screenRecordingGranted = false;
+    bool accessibilityGranted = false;
+
+    bool bothGranted() const { return screenRecordingGranted && accessibilityGranted; }
+    bool operator==(const PermissionState&) const = default;
+};
+
+// Outcome of a move: windows moved, windows tried.
+struct WindowMoveResult {
+    int movedCount = 0;
+    int attemptedCount = 0;
+
+    bool operator==(const WindowMoveResult&) const = default;
+};
+
+// A remembered display and its last known name and position.
+struct ShortcutDisplayRecord {
+    QString id;
+    QString lastKnownName;
+    std::optional<int> lastKnownIndex;
+
+    bool operator==(const ShortcutDisplayRecord&) const = default;
+};
+
+// One row of the shortcut settings.
+struct ShortcutDisplayItem {
+    QString id;
+    QString name;
+    std::optional<int> index;
+    bool isConnected = false;
+
+    bool operator==(const ShortcutDisplayItem&) const = default;
+};

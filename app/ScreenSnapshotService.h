@@ -1,0 +1,53 @@
+#pragma once
+
+#include <QHash>
+#include <QList>
+#include <QSet>
+#include <optional>
+
+#include "app/Models.h"
+#include "platform/Accessibility.h"
+#include "platform/WindowServer.h"
+
+// One window of the window list that counts as a user window.
+struct QualifiedWindow {
+    QRectF bounds;
+    bool isOnScreen = false;
+    pid_t ownerPID = 0;
+    QString ownerName;
+
+    bool operator==(const QualifiedWindow&) const = default;
+};
+
+// What the Accessibility tree tells about the windows of one process.
+struct AXWindowMetadata {
+    bool axQuerySupported = false;
+    QSet<qint64> windowIDsForFiltering;
+
+    bool operator==(const AXWindowMetadata&) const = default;
+};
+
+// The inventory of displays and windows. Stateless: every call reads the platform afresh.
+namespace ScreenSnapshotService {
+
+// The connected displays, main display first, with contiguous 1-based indexes.
+QList<DisplayDescriptor> currentDisplayDescriptors();
+// "v<vendor>-m<model>-s<serial>", "v<vendor>-m<model>-u<unit>" or "display-<id>".
+QString stableDisplayIdentifier(CGDirectDisplayID display);
+
+// One snapshot per descriptor with picture, window counts and application groups. Runs off the main thread.
+QList<DisplaySnapshot> captureDisplaySnapshots(const QList<DisplayDescriptor>& descriptors);
+
+// Every qualifying window of every display, front to back.
+QList<QualifiedWindow> qualifyingWindows();
+QHash<pid_t, AXWindowMetadata> axWindowMetadataByOwnerPID(const QSet<pid_t>& pids);
+QList<DisplayAppGroup> groupedApplications(const QList<QualifiedWindow>& windows);
+
+// Readers of one window-list entry.
+std::optional<pid_t> ownerPID(const WindowInfo& entry);
+std::optional<qint64> windowID(const WindowInfo& entry);
+bool isOnScreen(const WindowInfo& entry);
+// The element's role when it reads as a string.
+std::optional<QString> role(const AXUIElement& element);
+
+}  // namespace ScreenSnapshotService

@@ -1,0 +1,10 @@
+#include "platform/fake/FakePlatform.h"
+
+FakePlatform::FakePlatform() {
+    Platform::install({&displays, &windowServer, &workspace, &accessibility, &hotKeys, &keyboardLayout, &userDefaults,
+                       &loginItems, &permissions, &activation});
+}
+
+FakePlatform::~FakePlatform() {
+    Platform::install({});
+}

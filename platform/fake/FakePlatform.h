@@ -1,0 +1,33 @@
+#pragma once
+
+#include "platform/Platform.h"
+#include "platform/fake/FakeAccessibility.h"
+#include "platform/fake/FakeActivation.h"
+#include "platform/fake/FakeDisplays.h"
+#include "platform/fake/FakeHotKeys.h"
+#include "platform/fake/FakeKeyboardLayout.h"
+#include "platform/fake/FakeLoginItems.h"
+#include "platform/fake/FakePermissions.h"
+#include "platform/fake/FakeUserDefaults.h"
+#include "platform/fake/FakeWindowServer.h"
+#include "platform/fake/FakeWorkspace.h"
+
+// Every platform service in memory. Constructing one installs it; tests script it through its members.
+class FakePlatform {
+public:
+    FakePlatform();
+    ~FakePlatform();
+    FakePlatform(const FakePlatform&) = delete;
+    FakePlatform& operator=(const FakePlatform&) = delete;
+
+    FakeDisplays displays;
+    FakeWindowServer windowServer;
+    FakeWorkspace workspace;
+    FakeAccessibility accessibility;
+    FakeHotKeys hotKeys;
+    FakeKeyboardLayout keyboardLayout;
+    FakeUserDefaults userDefaults;
+    FakeLoginItems loginItems;
+    FakePermissions permissions;
+    FakeActivation activation;
+};

@@ -1,0 +1,153 @@
+#include "platform/x11/FileUserDefaults.h"
+
+#include <QDateTime>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QSaveFile>
+#include <QStandardPaths>
+#include <cstdio>
+
+namespace {
+
+std::optional<QVariant> decodeValue(const QJsonValue& stored) {
+    if (!stored.isObject() || stored.toObject().size() != 1) {
+        return std::nullopt;
+    }
+    const QJsonObject object = stored.toObject();
+    const QString type = object.begin().key();
+    const QJsonValue value = object.begin().value();
+    if (type == QLatin1String("bool") && value.isBool()) {
+        return QVariant(value.toBool());
+    }
+    if (type == QLatin1String("integer") && value.isDouble()) {
+        return QVariant(static_cast<qint64>(value.toDouble()));
+    }
+    if (type == QLatin1String("string") && value.isString()) {
+        return QVariant(value.toString());
+    }
+    if (type == QLatin1String("data") && value.isString()) {
+        const auto decoded = QByteArray::fromBase64Encoding(value.toString().toLatin1(),
+                                                            QByteArray::AbortOnBase64DecodingErrors);
+        if (decoded) {
+            return QVariant(*decoded);
+        }
+    }
+    return std::nullopt;
+}
+
+QJsonValue encodeValue(const QVariant& value) {
+    switch (value.typeId()) {
+        case QMetaType::Bool:
+            return QJsonObject{{QStringLiteral("bool"), value.toBool()}};
+        case QMetaType::Int:
+        case QMetaType::UInt:
+        case QMetaType::LongLong:
+        case QMetaType::ULongLong:
+            return QJsonObject{{QStringLiteral("integer"), value.toLongLong()}};
+        case QMetaType::QByteArray:
+            return QJsonObject{{QStringLiteral("data"), QString::fromLatin1(value.toByteArray().toBase64())}};
+        default:
+            return QJsonObject{{QStringLiteral("string"), value.toString()}};
+    }
+}
+
+}  // namespace
+
+FileUserDefaults::FileUserDefaults(QString path) : m_path(std::move(path)) {
+    load();
+}
+
+QString FileUserDefaults::standardPath() {
+    QString base = qEnvironmentVariable("XDG_CONFIG_HOME");
+    if (base.isEmpty()) {
+        base = QDir::homePath() + QStringLiteral("/.config");
+    }
+    return base + QStringLiteral("/lattica/defaults.json");
+}
+
+void FileUserDefaults::load() {
+    QFile file(m_path);
+    if (!file.exists()) {
+        return;
+    }
+    if (!file.open(QIODevice::ReadOnly)) {
+        keepDamagedFile(file.errorString());
+        return;
+    }
+    QJsonParseError error;
+    const QJsonDocument document = QJsonDocument::fromJson(file.readAll(), &error);
+    file.close();
+    if (error.error != QJsonParseError::NoError || !document.isObject()) {
+        keepDamagedFile(error.error != QJsonParseError::NoError ? error.errorString()
+                                                                : QStringLiteral("not a JSON object"));
+        return;
+    }
+    const QJsonObject object = document.object();
+    bool damaged = false;
+    for (auto it = object.begin(); it != object.end(); ++it) {
+        const std::optional<QVariant> value = decodeValue(it.value());
+        if (value) {
+            m_values.insert(it.key(), *value);
+        } else {
+            damaged = true;
+        }
+    }
+    if (damaged) {
+        // Keep a copy of what could not be read before the next write drops it.
+        const QString copy = m_path + QStringLiteral(".corrupt-") +
+                             QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-hhmmss"));
+        QFile::copy(m_path, copy);
+        std::fprintf(stderr, "Lattica: some preferences in %s could not be read; a copy is kept at %s\n",
+                     qPrintable(m_path), qPrintable(copy));
+    }
+}
+
+void FileUserDefaults::keepDamagedFile(const QString& reason) {
+    const QString kept = m_path + QStringLiteral(".corrupt-") +
+                         QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-hhmmss"));
+    QFile::remove(kept);
+    const bool moved = QFile::rename(m_path, kept);
+    std::fprintf(stderr, "Lattica: the preferences file %s could not be read (%s); %s\n", qPrintable(m_path),
+                 qPrintable(reason), moved ? qPrintable(QStringLiteral("it is kept at ") + kept)
+                                          : "it is left in place and will be replaced");
+}
+
+void FileUserDefaults::save() {
+    QJsonObject object;
+    for (auto it = m_values.cbegin(); it != m_values.cend(); ++it) {
+        object.insert(it.key(), encodeValue(it.value()));
+    }
+    QDir().mkpath(QFileInfo(m_path).absolutePath());
+    QSaveFile file(m_path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(QJsonDocument(object).toJson(QJsonDocument::Indented)) < 0 ||
+        !file.commit()) {
+        std::fprintf(stderr, "Lattica: cannot write the preferences to %s: %s\n", qPrintable(m_path),
+                     qPrintable(file.errorString()));
+    }
+}
+
+QVariant FileUserDefaults::object(const QString& key) const {
+    return m_values.value(key);
+}
+
+void FileUserDefaults::setObject(const QString& key, const QVariant& value) {
+    if (!value.isValid()) {
+        removeObject(key);
+        return;
+    }
+    m_values.insert(key, value);
+    save();
+}
+
+void FileUserDefaults::removeObject(const QString& key) {
+    if (m_values.remove(key) > 0) {
+        save();
+    }
+}
+
+QStringList FileUserDefaults::keys() const {
+    return m_values.keys();
+}

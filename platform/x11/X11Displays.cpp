@@ -1,0 +1,236 @@
+#include "platform/x11/X11Displays.h"
+
+#include <xcb/randr.h>
+
+#include <cstdlib>
+
+#include "platform/x11/Edid.h"
+#include "platform/x11/X11Connection.h"
+
+namespace {
+
+// Events of one configuration change arrive in bursts; announce the change once they settle.
+constexpr int kCoalesceMilliseconds = 40;
+
+template <typename Reply>
+struct FreeDeleter {
+    void operator()(Reply* reply) const { std::free(reply); }
+};
+template <typename Reply>
+using ReplyPtr = std::unique_ptr<Reply, FreeDeleter<Reply>>;
+
+}  // namespace
+
+X11Displays::X11Displays(X11Connection& connection)
+    : m_connection(connection), m_capture(connection.displayName()) {
+    xcb_connection_t* xcb = m_connection.xcb();
+    const xcb_query_extension_reply_t* randr = xcb_get_extension_data(xcb, &xcb_randr_id);
+    if (randr != nullptr && randr->present) {
+        m_randrFirstEvent = randr->first_event;
+        ReplyPtr<xcb_randr_query_version_reply_t> version(
+            xcb_randr_query_version_reply(xcb, xcb_randr_query_version(xcb, 1, 5), nullptr));
+        m_hasRandr15 = version && (version->major_version > 1 || version->minor_version >= 5);
+        xcb_randr_select_input(xcb, m_connection.root(),
+                               XCB_RANDR_NOTIFY_MASK_SCREEN_CHANGE | XCB_RANDR_NOTIFY_MASK_OUTPUT_CHANGE |
+                                   XCB_RANDR_NOTIFY_MASK_CRTC_CHANGE | XCB_RANDR_NOTIFY_MASK_OUTPUT_PROPERTY |
+                                   XCB_RANDR_NOTIFY_MASK_RESOURCE_CHANGE);
+        m_connection.flush();
+    }
+    m_coalesceTimer.setSingleShot(true);
+    m_coalesceTimer.setInterval(kCoalesceMilliseconds);
+    connect(&m_coalesceTimer, &QTimer::timeout, this, &X11Displays::checkForConfigurationChange);
+    m_eventHandler = m_connection.addEventHandler([this](xcb_generic_event_t* event) { return handleEvent(event); });
+    m_signalledMonitors = fetchMonitors();
+}
+
+X11Displays::~X11Displays() {
+    m_connection.removeEventHandler(m_eventHandler);
+}
+
+bool X11Displays::handleEvent(xcb_generic_event_t* event) {
+    const uint8_t type = event->response_type & 0x7f;
+    if (m_randrFirstEvent != 0 &&
+        (type == m_randrFirstEvent + XCB_RANDR_SCREEN_CHANGE_NOTIFY || type == m_randrFirstEvent + XCB_RANDR_NOTIFY)) {
+        m_coalesceTimer.start();
+    }
+    return false;
+}
+
+void X11Displays::checkForConfigurationChange() {
+    const QList<Monitor> monitors = fetchMonitors();
+    if (monitors != m_signalledMonitors) {
+        m_signalledMonitors = monitors;
+        Q_EMIT screenParametersChanged();
+    }
+}
+
+QList<X11Displays::Monitor> X11Displays::fetchMonitors() {
+    QList<Monitor> monitors;
+    xcb_connection_t* xcb = m_connection.xcb();
+    if (!m_hasRandr15 || m_connection.hasError()) {
+        m_monitors = monitors;
+        return monitors;
+    }
+    const xcb_atom_t edidAtom = m_connection.atom("EDID");
+
+    // Stage 1: the monitors and the screen's outputs (for unit numbers).
+    auto monitorsCookie = xcb_randr_get_monitors(xcb, m_connection.root(), 1);
+    auto resourcesCookie = xcb_randr_get_screen_resources_current(xcb, m_connection.root());
+    ReplyPtr<xcb_randr_get_monitors_reply_t> monitorsReply(xcb_randr_get_monitors_reply(xcb, monitorsCookie, nullptr));
+    ReplyPtr<xcb_randr_get_screen_resources_current_reply_t> resources(
+        xcb_randr_get_screen_resources_current_reply(xcb, resourcesCookie, nullptr));
+    if (!monitorsReply) {
+        m_monitors = monitors;
+        return monitors;
+    }
+    QList<xcb_randr_output_t> screenOutputs;
+    if (resources) {
+        const xcb_randr_output_t* outputs = xcb_randr_get_screen_resources_current_outputs(resources.get());
+        const int count = xcb_randr_get_screen_resources_current_outputs_length(resources.get());
+        screenOutputs = QList<xcb_randr_output_t>(outputs, outputs + count);
+    }
+
+    // Stage 2: for every monitor its name, its first output's name and EDID, all requests sent first.
+    struct Pending {
+        Monitor monitor;
+        xcb_randr_output_t output = XCB_NONE;
+        xcb_get_atom_name_cookie_t nameCookie{};
+        xcb_randr_get_output_info_cookie_t outputCookie{};
+        xcb_randr_get_output_property_cookie_t edidCookie{};
+    };
+    QList<Pending> pending;
+    for (auto it = xcb_randr_get_monitors_monitors_iterator(monitorsReply.get()); it.rem > 0;
+         xcb_randr_monitor_info_next(&it)) {
+        const xcb_randr_monitor_info_t* info = it.data;
+        Pending entry;
+        entry.monitor.rootRect = QRect(info->x, info->y, info->width, info->height);
+        entry.monitor.primary = info->primary != 0;
+        const int outputCount = xcb_randr_monitor_info_outputs_length(info);
+        entry.output = outputCount > 0 ? xcb_randr_monitor_info_outputs(info)[0] : XCB_NONE;
+        // A monitor without an output is numbered by its name atom.
+        entry.monitor.id = entry.output != XCB_NONE ? entry.output : info->name;
+        entry.nameCookie = xcb_get_atom_name(xcb, info->name);
+        if (entry.output != XCB_NONE) {
+            entry.outputCookie = xcb_randr_get_output_info(xcb, entry.output, XCB_CURRENT_TIME);
+            entry.edidCookie = xcb_randr_get_output_property(xcb, entry.output, edidAtom, XCB_ATOM_ANY, 0, 256, 0, 0);
+            entry.monitor.unit = static_cast<quint32>(qMax<qsizetype>(0, screenOutputs.indexOf(entry.output)));
+        }
+        pending.append(entry);
+    }
+    for (Pending& entry : pending) {
+        QString monitorName;
+        if (ReplyPtr<xcb_get_atom_name_reply_t> name(xcb_get_atom_name_reply(xcb, entry.nameCookie, nullptr)); name) {
+            monitorName = QString::fromLatin1(xcb_get_atom_name_name(name.get()), xcb_get_atom_name_name_length(name.get()));
+        }
+        QString outputName;
+        std::optional<Edid> edid;
+        if (entry.output != XCB_NONE) {
+            ReplyPtr<xcb_randr_get_output_info_reply_t> output(
+                xcb_randr_get_output_info_reply(xcb, entry.outputCookie, nullptr));
+            if (output) {
+                outputName = QString::fromUtf8(reinterpret_cast<const char*>(xcb_randr_get_output_info_name(output.get())),
+                                               xcb_randr_get_output_info_name_length(output.get()));
+            }
+            ReplyPtr<xcb_randr_get_output_property_reply_t> property(
+                xcb_randr_get_output_property_reply(xcb, entry.edidCookie, nullptr));
+            if (property && property->format == 8) {
+                const QByteArray data(reinterpret_cast<const char*>(xcb_randr_get_output_property_data(property.get())),
+                                      xcb_randr_get_output_property_data_length(property.get()));
+                edid = parseEdid(data);
+            }
+        }
+        if (edid) {
+            entry.monitor.vendor = edid->vendor;
+            entry.monitor.model = edid->model;
+            entry.monitor.serial = edid->serial;
+        }
+        if (edid && !edid->monitorName.isEmpty()) {
+            entry.monitor.name = edid->monitorName;
+        } else if (!outputName.isEmpty()) {
+            entry.monitor.name = outputName;
+        } else {
+            entry.monitor.name = monitorName;
+        }
+        monitors.append(entry.monitor);
+    }
+    std::stable_partition(monitors.begin(), monitors.end(), [](const Monitor& monitor) { return monitor.primary; });
+
+    m_monitors = monitors;
+    QMutexLocker lock(&m_rectMutex);
+    for (const Monitor& monitor : monitors) {
+        m_rootRects.insert(monitor.id, monitor.rootRect);
+    }
+    return monitors;
+}
+
+QPoint X11Displays::globalOriginInRoot() {
+    if (m_monitors.isEmpty()) {
+        fetchMonitors();
+    }
+    return m_monitors.isEmpty() ? QPoint() : m_monitors.first().rootRect.topLeft();
+}
+
+const X11Displays::Monitor* X11Displays::findMonitor(CGDirectDisplayID display) {
+    for (int attempt = 0; attempt < 2; ++attempt) {
+        for (const Monitor& monitor : m_monitors) {
+            if (monitor.id == display) {
+                return &monitor;
+            }
+        }
+        fetchMonitors();
+    }
+    return nullptr;
+}
+
+QList<PlatformScreen> X11Displays::screens() {
+    QList<PlatformScreen> screens;
+    for (const Monitor& monitor : fetchMonitors()) {
+        PlatformScreen screen;
+        screen.deviceDescription.insert(QLatin1String(kNSScreenNumber), monitor.id);
+        screen.localizedName = monitor.name;
+        screens.append(screen);
+    }
+    return screens;
+}
+
+QRectF X11Displays::bounds(CGDirectDisplayID display) {
+    const Monitor* monitor = findMonitor(display);
+    if (monitor == nullptr) {
+        return {};
+    }
+    const QPoint origin = m_monitors.first().rootRect.topLeft();
+    return QRectF(monitor->rootRect.translated(-origin));
+}
+
+quint32 X11Displays::vendorNumber(CGDirectDisplayID display) {
+    const Monitor* monitor = findMonitor(display);
+    return monitor != nullptr ? monitor->vendor : 0;
+}
+
+quint32 X11Displays::modelNumber(CGDirectDisplayID display) {
+    const Monitor* monitor = findMonitor(display);
+    return monitor != nullptr ? monitor->model : 0;
+}
+
+quint32 X11Displays::serialNumber(CGDirectDisplayID display) {
+    const Monitor* monitor = findMonitor(display);
+    return monitor != nullptr ? monitor->serial : 0;
+}
+
+quint32 X11Displays::unitNumber(CGDirectDisplayID display) {
+    const Monitor* monitor = findMonitor(display);
+    return monitor != nullptr ? monitor->unit : 0;
+}
+
+QImage X11Displays::createImage(CGDirectDisplayID display) {
+    QRect rect;
+    {
+        QMutexLocker lock(&m_rectMutex);
+        const auto found = m_rootRects.constFind(display);
+        if (found == m_rootRects.constEnd()) {
+            return {};
+        }
+        rect = *found;
+    }
+    return m_capture.capture(rect);
+}

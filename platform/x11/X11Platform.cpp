@@ -1,0 +1,44 @@
+#include "platform/x11/X11Platform.h"
+
+#include "platform/x11/FileUserDefaults.h"
+#include "platform/x11/X11Connection.h"
+#include "platform/x11/X11Displays.h"
+#include "platform/x11/X11Permissions.h"
+#include "platform/x11/XdgLoginItems.h"
+
+struct X11Platform::Owned {
+    std::unique_ptr<X11Displays> displays;
+    std::unique_ptr<FileUserDefaults> userDefaults;
+    std::unique_ptr<XdgLoginItems> loginItems;
+    std::unique_ptr<X11Permissions> permissions;
+};
+
+std::unique_ptr<X11Platform> X11Platform::connect(const QByteArray& displayName) {
+    std::unique_ptr<X11Connection> connection = X11Connection::open(displayName);
+    if (!connection) {
+        return nullptr;
+    }
+    return std::unique_ptr<X11Platform>(new X11Platform(std::move(connection)));
+}
+
+X11Platform::X11Platform(std::unique_ptr<X11Connection> connection)
+    : m_connection(std::move(connection)), m_owned(std::make_unique<Owned>()) {
+    X11Connection& x11 = *m_connection;
+    m_owned->displays = std::make_unique<X11Displays>(x11);
+    m_owned->userDefaults = std::make_unique<FileUserDefaults>(FileUserDefaults::standardPath());
+    m_owned->loginItems = std::make_unique<XdgLoginItems>(XdgLoginItems::standardPath());
+    m_owned->permissions = std::make_unique<X11Permissions>(x11);
+
+    m_services.displays = m_owned->displays.get();
+    m_services.userDefaults = m_owned->userDefaults.get();
+    m_services.loginItems = m_owned->loginItems.get();
+    m_services.permissions = m_owned->permissions.get();
+}
+
+X11Platform::~X11Platform() {
+    m_owned.reset();
+}
+
+void X11Platform::install() {
+    Platform::install(m_services);
+}

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <QByteArray>
+#include <memory>
+
+#include "platform/Platform.h"
+
+class X11Connection;
+
+// Every platform service on a live X server. Creating one connects to the server; install() makes the
+// services the ones the program uses.
+class X11Platform {
+public:
+    // Nothing when no X server answers on the display.
+    static std::unique_ptr<X11Platform> connect(const QByteArray& displayName = {});
+    ~X11Platform();
+    X11Platform(const X11Platform&) = delete;
+    X11Platform& operator=(const X11Platform&) = delete;
+
+    void install();
+    const PlatformServices& services() const { return m_services; }
+    X11Connection& connection() const { return *m_connection; }
+
+private:
+    explicit X11Platform(std::unique_ptr<X11Connection> connection);
+
+    std::unique_ptr<X11Connection> m_connection;
+    // Owned services, destroyed before the connection.
+    struct Owned;
+    std::unique_ptr<Owned> m_owned;
+    PlatformServices m_services;
+};

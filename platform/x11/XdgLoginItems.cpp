@@ -1,0 +1,79 @@
+#include "platform/x11/XdgLoginItems.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QSaveFile>
+#include <QSettings>
+
+XdgLoginItems::XdgLoginItems(QString entryPath) : m_entryPath(std::move(entryPath)) {}
+
+QString XdgLoginItems::standardPath() {
+    QString base = qEnvironmentVariable("XDG_CONFIG_HOME");
+    if (base.isEmpty()) {
+        base = QDir::homePath() + QStringLiteral("/.config");
+    }
+    return base + QStringLiteral("/autostart/lattica.desktop");
+}
+
+LoginItemStatus XdgLoginItems::status() {
+    QFile file(m_entryPath);
+    if (!file.open(QIODevice::ReadOnly)) {
+        return LoginItemStatus::NotRegistered;
+    }
+    // Desktop entries are simple "Key=value" lines; a hidden or disabled entry does not start.
+    while (!file.atEnd()) {
+        const QString line = QString::fromUtf8(file.readLine()).trimmed();
+        const qsizetype equals = line.indexOf(QLatin1Char('='));
+        if (equals < 0) {
+            continue;
+        }
+        const QString key = line.left(equals).trimmed();
+        const QString value = line.mid(equals + 1).trimmed().toLower();
+        if ((key == QLatin1String("Hidden") && value == QLatin1String("true")) ||
+            (key == QLatin1String("X-GNOME-Autostart-enabled") && value == QLatin1String("false"))) {
+            return LoginItemStatus::NotRegistered;
+        }
+    }
+    return LoginItemStatus::Enabled;
+}
+
+bool XdgLoginItems::registerMainApp(QString* error) {
+    const QString directory = QFileInfo(m_entryPath).absolutePath();
+    if (!QDir().mkpath(directory)) {
+        *error = QStringLiteral("Cannot create the folder %1.").arg(directory);
+        return false;
+    }
+    QString executable = QCoreApplication::applicationFilePath();
+    executable.replace(QLatin1Char('"'), QLatin1String("\\\""));
+    const QByteArray entry = QStringLiteral(
+                                 "[Desktop Entry]\n"
+                                 "Type=Application\n"
+                                 "Name=Lattica\n"
+                                 "Comment=Preview displays and move windows from one display to another\n"
+                                 "Exec=\"%1\"\n"
+                                 "Icon=lattica\n"
+                                 "Terminal=false\n"
+                                 "X-GNOME-Autostart-enabled=true\n")
+                                 .arg(executable)
+                                 .toUtf8();
+    QSaveFile file(m_entryPath);
+    if (!file.open(QIODevice::WriteOnly) || file.write(entry) != entry.size() || !file.commit()) {
+        *error = file.errorString();
+        return false;
+    }
+    return true;
+}
+
+bool XdgLoginItems::unregisterMainApp(QString* error) {
+    QFile file(m_entryPath);
+    if (!file.exists()) {
+        return true;
+    }
+    if (!file.remove()) {
+        *error = file.errorString();
+        return false;
+    }
+    return true;
+}

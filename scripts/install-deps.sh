@@ -1,0 +1,31 @@
+#!/usr/bin/env bash
+# Installs everything Lattica needs to build, run and test on Debian 12.
+# Idempotent and non-interactive; works as root or through sudo.
+set -euo pipefail
+
+PACKAGES=(
+  build-essential cmake ninja-build pkg-config clang-format ccache
+  qt6-base-dev qt6-base-dev-tools libqt6svg6-dev
+  libxcb1-dev libxcb-randr0-dev libxcb-shm0-dev libxcb-xtest0-dev libxcb-xkb-dev
+  libxcb-res0-dev libxcb-keysyms1-dev libxcb-icccm4-dev libxcb-ewmh-dev libxkbcommon-x11-dev libxkbcommon-dev
+  libgtest-dev libgmock-dev libbenchmark-dev
+  xvfb x11-xserver-utils x11-utils xdotool wmctrl openbox icewm trayer imagemagick
+  x11-xkb-utils xauth dbus-x11 fonts-dejavu-core
+)
+
+missing=()
+for p in "${PACKAGES[@]}"; do
+  dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
+done
+
+if [ ${#missing[@]} -eq 0 ]; then
+  echo "install-deps: all ${#PACKAGES[@]} packages present"
+  exit 0
+fi
+
+SUDO=""
+if [ "$(id -u)" -ne 0 ]; then SUDO="sudo"; fi
+export DEBIAN_FRONTEND=noninteractive
+echo "install-deps: installing ${missing[*]}"
+$SUDO apt-get update -qq
+$SUDO apt-get install -y -qq --no-install-recommends "${missing[@]}"

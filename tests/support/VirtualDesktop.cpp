@@ -1,0 +1,64 @@
+#include "tests/support/VirtualDesktop.h"
+
+#include <QCoreApplication>
+#include <QDeadlineTimer>
+#include <QProcess>
+#include <QThread>
+#include <cstdio>
+
+QList<QRect> VirtualDesktop::layout() {
+    QList<QRect> monitors;
+    int x = 0;
+    const QString spec = qEnvironmentVariable("LATTICA_TEST_LAYOUT", QStringLiteral("1920x1080,2560x1440,1280x1024"));
+    for (const QString& part : spec.split(QLatin1Char(','), Qt::SkipEmptyParts)) {
+        const QStringList size = part.split(QLatin1Char('x'));
+        const int width = size.value(0).toInt();
+        const int height = size.value(1).toInt();
+        monitors.append(QRect(x, 0, width, height));
+        x += width;
+    }
+    return monitors;
+}
+
+int VirtualDesktop::run(const QString& program, const QStringList& arguments, int timeoutMs) {
+    QProcess process;
+    process.setProcessChannelMode(QProcess::ForwardedChannels);
+    process.start(program, arguments);
+    if (!process.waitForFinished(timeoutMs)) {
+        process.kill();
+        process.waitForFinished();
+        return -1;
+    }
+    return process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
+}
+
+QString VirtualDesktop::output(const QString& program, const QStringList& arguments, int timeoutMs) {
+    QProcess process;
+    process.setProcessChannelMode(QProcess::SeparateChannels);
+    process.start(program, arguments);
+    if (!process.waitForFinished(timeoutMs)) {
+        process.kill();
+        process.waitForFinished();
+    }
+    const QByteArray errors = process.readAllStandardError();
+    if (!errors.isEmpty()) {
+        std::fputs(errors.constData(), stderr);
+    }
+    return QString::fromUtf8(process.readAllStandardOutput());
+}
+
+bool VirtualDesktop::waitUntil(const std::function<bool()>& predicate, int timeoutMs) {
+    QDeadlineTimer deadline(timeoutMs);
+    while (!predicate()) {
+        if (deadline.hasExpired()) {
+            return false;
+        }
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+        QThread::msleep(2);
+    }
+    return true;
+}
+
+QString VirtualDesktop::sourcePath(const QString& relative) {
+    return QStringLiteral(LATTICA_SOURCE_DIR "/") + relative;
+}

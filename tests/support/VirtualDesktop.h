@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QRect>
+#include <QString>
+#include <QStringList>
+#include <functional>
+
+// Helpers for tests that run on the virtual desktop (see scripts/virtual-desktop.sh).
+namespace VirtualDesktop {
+
+// The monitors the desktop was started with, left to right, in root coordinates.
+QList<QRect> layout();
+// Runs a command to its end and returns its exit status; its output goes to the test log.
+int run(const QString& program, const QStringList& arguments, int timeoutMs = 10000);
+// Runs a command and returns its standard output.
+QString output(const QString& program, const QStringList& arguments, int timeoutMs = 10000);
+// Spins the Qt event loop until the predicate holds or the time limit passes.
+bool waitUntil(const std::function<bool()>& predicate, int timeoutMs = 5000);
+// Path of a file in the source tree.
+QString sourcePath(const QString& relative);
+
+}  // namespace VirtualDesktop
