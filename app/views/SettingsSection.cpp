@@ -1,0 +1,99 @@
+#include "app/views/SettingsSection.h"
+
+namespace SettingsSections {
+
+QList<SettingsSection> allCases() {
+    return {SettingsSection::Permissions, SettingsSection::Behavior, SettingsSection::Shortcuts,
+            SettingsSection::Updates,     SettingsSection::About,    SettingsSection::Debug};
+}
+
+QList<SettingsSection> sidebarSections() {
+    return {SettingsSection::Permissions, SettingsSection::Behavior, SettingsSection::Shortcuts,
+            SettingsSection::Updates, SettingsSection::About};
+}
+
+QString rawValue(SettingsSection section) {
+    switch (section) {
+        case SettingsSection::Permissions:
+            return QStringLiteral("permissions");
+        case SettingsSection::Behavior:
+            return QStringLiteral("behavior");
+        case SettingsSection::Shortcuts:
+            return QStringLiteral("shortcuts");
+        case SettingsSection::Updates:
+            return QStringLiteral("updates");
+        case SettingsSection::About:
+            return QStringLiteral("about");
+        case SettingsSection::Debug:
+            return QStringLiteral("debug");
+    }
+    return {};
+}
+
+std::optional<SettingsSection> fromRawValue(const QString& value) {
+    for (const SettingsSection section : allCases()) {
+        if (rawValue(section) == value) {
+            return section;
+        }
+    }
+    return std::nullopt;
+}
+
+QString title(SettingsSection section) {
+    switch (section) {
+        case SettingsSection::Permissions:
+            return QStringLiteral("Permissions");
+        case SettingsSection::Behavior:
+            return QStringLiteral("Behavior");
+        case SettingsSection::Shortcuts:
+            return QStringLiteral("Shortcuts");
+        case SettingsSection::Updates:
+            return QStringLiteral("Updates");
+        case SettingsSection::About:
+            return QStringLiteral("About");
+        case SettingsSection::Debug:
+            return QStringLiteral("Debug");
+    }
+    return {};
+}
+
+QString symbol(SettingsSection section) {
+    switch (section) {
+        case SettingsSection::Permissions:
+            return QStringLiteral("hand.raised");
+        case SettingsSection::Behavior:
+            return QStringLiteral("slider.horizontal.3");
+        case SettingsSection::Shortcuts:
+            return QStringLiteral("keyboard");
+        case SettingsSection::Updates:
+            return QStringLiteral("arrow.triangle.2.circlepath");
+        case SettingsSection::About:
+            return QStringLiteral("info.circle");
+        case SettingsSection::Debug:
+            return QStringLiteral("ladybug");
+    }
+    return {};
+}
+
+QString description(SettingsSection section) {
+    switch (section) {
+        case SettingsSection::Permissions:
+            return QStringLiteral(
+                "Review required macOS permissions and quickly open the related System Settings pages.");
+        case SettingsSection::Behavior:
+            return QStringLiteral(
+                "Control how Lattica behaves at login, in the Dock, and during cross-display window moves.");
+        case SettingsSection::Shortcuts:
+            return QStringLiteral(
+                "Assign a global keyboard shortcut per connected display to move the currently focused window.");
+        case SettingsSection::Updates:
+            return QStringLiteral("Choose how update checks run and manually trigger an update check at any time.");
+        case SettingsSection::About:
+            return {};
+        case SettingsSection::Debug:
+            return QStringLiteral("Use developer-only tools for testing onboarding and permission-related flows.");
+    }
+    return {};
+}
+
+}  // namespace SettingsSections

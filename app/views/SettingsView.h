@@ -1,0 +1,32 @@
+#pragma once
+
+#include <QWidget>
+
+#include "app/views/SettingsSection.h"
+
+class AppController;
+class QLabel;
+class QStackedWidget;
+class SettingsSidebar;
+
+// The content of the settings window: a sidebar of sections and the chosen section's page.
+// It keeps no state of its own besides the selected section.
+class SettingsView : public QWidget {
+    Q_OBJECT
+public:
+    explicit SettingsView(AppController& controller, QWidget* parent = nullptr);
+
+    SettingsSection selectedSection() const { return m_selectedSection; }
+    void setSelectedSection(SettingsSection section);
+
+protected:
+    // Every time the window appears the permission badges and the shortcut rows are brought up to date.
+    void showEvent(QShowEvent* event) override;
+
+private:
+    AppController& m_controller;
+    SettingsSection m_selectedSection = SettingsSection::Permissions;
+    SettingsSidebar* m_sidebar = nullptr;
+    QStackedWidget* m_pages = nullptr;
+    QLabel* m_statusLabel = nullptr;
+};
