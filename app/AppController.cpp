@@ -62,16 +62,19 @@ AppController::AppController(QObject* parent) : QObject(parent) {
 
     // 10. A display configuration change rebuilds only the shortcut lists.
     QPointer<AppController> weakSelf(this);
-    m_screenParametersObserver =
-        connect(platform.displays, &Displays::screenParametersChanged, this, [weakSelf] {
+    m_screenParametersObserver = connect(
+        platform.displays, &Displays::screenParametersChanged, this,
+        [weakSelf] {
             if (weakSelf) {
                 weakSelf->refreshShortcutDisplays();
             }
-        }, Qt::QueuedConnection);
+        },
+        Qt::QueuedConnection);
 }
 
 AppController::~AppController() {
-    Q_ASSERT(QCoreApplication::instance() == nullptr || QThread::currentThread() == QCoreApplication::instance()->thread());
+    Q_ASSERT(QCoreApplication::instance() == nullptr ||
+             QThread::currentThread() == QCoreApplication::instance()->thread());
 }
 
 void AppController::setStatusMessage(const QString& message) {
@@ -98,7 +101,7 @@ void AppController::setDockIconVisible(bool visible) {
     publish(m_dockIconVisible, visible, &AppController::dockIconVisibleChanged);
     m_defaults->setObject(m_dockIconKey, visible);
     Platform::services().activation->setActivationPolicy(m_dockIconVisible ? ActivationPolicy::Regular
-                                                                            : ActivationPolicy::Accessory);
+                                                                           : ActivationPolicy::Accessory);
 }
 
 void AppController::setAutoCheckForUpdatesEnabled(bool enabled) {

@@ -84,8 +84,7 @@ public:
     // Reads one attribute. On success fills value and returns kAXErrorSuccess.
     virtual AXError copyAttributeValue(const AXUIElement& element, const QString& attribute, QVariant* value) = 0;
     // Writes one attribute; returns once the change is applied or a short time limit has passed.
-    virtual AXError setAttributeValue(const AXUIElement& element, const QString& attribute,
-                                      const QVariant& value) = 0;
+    virtual AXError setAttributeValue(const AXUIElement& element, const QString& attribute, const QVariant& value) = 0;
     // Reads many attributes at once, in request order. Backends that can pipeline requests override this.
     virtual QList<AXAttributeReply> copyAttributeValues(const QList<AXAttributeRequest>& requests);
 };

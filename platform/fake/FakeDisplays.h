@@ -16,8 +16,8 @@ public:
         quint32 model = 0;
         quint32 serial = 0;
         quint32 unit = 0;
-        QImage image;                   // what createImage returns; null means the capture fails
-        bool hasScreenNumber = true;    // false lists the screen without "NSScreenNumber"
+        QImage image;                 // what createImage returns; null means the capture fails
+        bool hasScreenNumber = true;  // false lists the screen without "NSScreenNumber"
     };
 
     // Replaces the connected displays (main display first) without signalling.

@@ -29,8 +29,8 @@ std::optional<QVariant> decodeValue(const QJsonValue& stored) {
         return QVariant(value.toString());
     }
     if (type == QLatin1String("data") && value.isString()) {
-        const auto decoded = QByteArray::fromBase64Encoding(value.toString().toLatin1(),
-                                                            QByteArray::AbortOnBase64DecodingErrors);
+        const auto decoded =
+            QByteArray::fromBase64Encoding(value.toString().toLatin1(), QByteArray::AbortOnBase64DecodingErrors);
         if (decoded) {
             return QVariant(*decoded);
         }
@@ -106,13 +106,13 @@ void FileUserDefaults::load() {
 }
 
 void FileUserDefaults::keepDamagedFile(const QString& reason) {
-    const QString kept = m_path + QStringLiteral(".corrupt-") +
-                         QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-hhmmss"));
+    const QString kept =
+        m_path + QStringLiteral(".corrupt-") + QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-hhmmss"));
     QFile::remove(kept);
     const bool moved = QFile::rename(m_path, kept);
-    std::fprintf(stderr, "Lattica: the preferences file %s could not be read (%s); %s\n", qPrintable(m_path),
-                 qPrintable(reason), moved ? qPrintable(QStringLiteral("it is kept at ") + kept)
-                                          : "it is left in place and will be replaced");
+    std::fprintf(
+        stderr, "Lattica: the preferences file %s could not be read (%s); %s\n", qPrintable(m_path), qPrintable(reason),
+        moved ? qPrintable(QStringLiteral("it is kept at ") + kept) : "it is left in place and will be replaced");
 }
 
 void FileUserDefaults::save() {

@@ -21,8 +21,7 @@ using ReplyPtr = std::unique_ptr<Reply, FreeDeleter<Reply>>;
 
 }  // namespace
 
-X11Displays::X11Displays(X11Connection& connection)
-    : m_connection(connection), m_capture(connection.displayName()) {
+X11Displays::X11Displays(X11Connection& connection) : m_connection(connection), m_capture(connection.displayName()) {
     xcb_connection_t* xcb = m_connection.xcb();
     const xcb_query_extension_reply_t* randr = xcb_get_extension_data(xcb, &xcb_randr_id);
     if (randr != nullptr && randr->present) {
@@ -120,7 +119,8 @@ QList<X11Displays::Monitor> X11Displays::fetchMonitors() {
     for (Pending& entry : pending) {
         QString monitorName;
         if (ReplyPtr<xcb_get_atom_name_reply_t> name(xcb_get_atom_name_reply(xcb, entry.nameCookie, nullptr)); name) {
-            monitorName = QString::fromLatin1(xcb_get_atom_name_name(name.get()), xcb_get_atom_name_name_length(name.get()));
+            monitorName =
+                QString::fromLatin1(xcb_get_atom_name_name(name.get()), xcb_get_atom_name_name_length(name.get()));
         }
         QString outputName;
         std::optional<Edid> edid;
@@ -128,8 +128,9 @@ QList<X11Displays::Monitor> X11Displays::fetchMonitors() {
             ReplyPtr<xcb_randr_get_output_info_reply_t> output(
                 xcb_randr_get_output_info_reply(xcb, entry.outputCookie, nullptr));
             if (output) {
-                outputName = QString::fromUtf8(reinterpret_cast<const char*>(xcb_randr_get_output_info_name(output.get())),
-                                               xcb_randr_get_output_info_name_length(output.get()));
+                outputName =
+                    QString::fromUtf8(reinterpret_cast<const char*>(xcb_randr_get_output_info_name(output.get())),
+                                      xcb_randr_get_output_info_name_length(output.get()));
             }
             ReplyPtr<xcb_randr_get_output_property_reply_t> property(
                 xcb_randr_get_output_property_reply(xcb, entry.edidCookie, nullptr));

@@ -54,7 +54,7 @@ private:
     uint8_t m_randrFirstEvent = 0;
     bool m_hasRandr15 = false;
     QTimer m_coalesceTimer;
-    QList<Monitor> m_monitors;         // from the last fetch
+    QList<Monitor> m_monitors;           // from the last fetch
     QList<Monitor> m_signalledMonitors;  // the configuration last announced
     QMutex m_rectMutex;
     QHash<CGDirectDisplayID, QRect> m_rootRects;  // read by capture threads

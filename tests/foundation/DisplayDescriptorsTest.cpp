@@ -16,7 +16,12 @@ TEST_F(DisplayDescriptorsTest, NoScreensGiveAnEmptyList) {
 
 TEST_F(DisplayDescriptorsTest, ListsScreensInPlatformOrderWithOneBasedIndexes) {
     platform.displays.setDisplays({
-        {.id = 7, .name = QStringLiteral("Main"), .bounds = QRectF(0, 0, 1920, 1080), .vendor = 16, .model = 32, .serial = 5},
+        {.id = 7,
+         .name = QStringLiteral("Main"),
+         .bounds = QRectF(0, 0, 1920, 1080),
+         .vendor = 16,
+         .model = 32,
+         .serial = 5},
         {.id = 3, .name = QStringLiteral("Side"), .bounds = QRectF(1920, 0, 2560, 1440)},
     });
     const QList<DisplayDescriptor> descriptors = ScreenSnapshotService::currentDisplayDescriptors();
@@ -66,7 +71,8 @@ TEST_F(DisplayDescriptorsTest, SerialFormWinsOverUnit) {
 }
 
 TEST_F(DisplayDescriptorsTest, NumbersArePrintedUnsigned) {
-    platform.displays.setDisplays({{.id = 4294967295u, .vendor = 4294967295u, .model = 4294967295u, .serial = 4294967295u}});
+    platform.displays.setDisplays(
+        {{.id = 4294967295u, .vendor = 4294967295u, .model = 4294967295u, .serial = 4294967295u}});
     EXPECT_EQ(ScreenSnapshotService::stableDisplayIdentifier(4294967295u),
               QStringLiteral("v4294967295-m4294967295-s4294967295"));
     platform.displays.setDisplays({{.id = 4294967295u}});

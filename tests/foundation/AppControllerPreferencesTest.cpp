@@ -1,0 +1,130 @@
+#include <gtest/gtest.h>
+
+#include "app/AppController.h"
+#include "app/UpdaterService.h"
+#include "platform/fake/FakePlatform.h"
+
+namespace {
+
+class AppControllerPreferencesTest : public ::testing::Test {
+protected:
+    FakePlatform platform;
+};
+
+TEST_F(AppControllerPreferencesTest, FirstRunWritesAndPublishesTheDefaults) {
+    AppController controller;
+    EXPECT_EQ(platform.userDefaults.object(QStringLiteral("dockIconVisible")), QVariant(false));
+    EXPECT_EQ(platform.userDefaults.object(QStringLiteral("autoCheckForUpdatesOnLaunch")), QVariant(true));
+    EXPECT_EQ(platform.userDefaults.object(QStringLiteral("adjustWindowSizeToTargetScreen")), QVariant(false));
+    EXPECT_FALSE(controller.dockIconVisible());
+    EXPECT_TRUE(controller.autoCheckForUpdatesEnabled());
+    EXPECT_FALSE(controller.adjustWindowSizeToTargetScreen());
+}
+
+TEST_F(AppControllerPreferencesTest, InitialPublishedStateIsEmpty) {
+    AppController controller;
+    EXPECT_TRUE(controller.displays().isEmpty());
+    EXPECT_FALSE(controller.isLoadingPreviews());
+    EXPECT_TRUE(controller.statusMessage().isEmpty());
+    EXPECT_FALSE(controller.launchAtLoginEnabled());
+    EXPECT_FALSE(controller.previewLoadID().isNull());
+    EXPECT_EQ(controller.settingsWindow(), nullptr);
+    EXPECT_EQ(controller.permissionWindow(), nullptr);
+}
+
+TEST_F(AppControllerPreferencesTest, StoredFalseForUpdateChecksSurvivesARestart) {
+    {
+        AppController first;
+        first.setAutoCheckForUpdatesEnabled(false);
+    }
+    AppController second;
+    EXPECT_FALSE(second.autoCheckForUpdatesEnabled());
+    EXPECT_EQ(platform.userDefaults.object(QStringLiteral("autoCheckForUpdatesOnLaunch")), QVariant(false));
+}
+
+TEST_F(AppControllerPreferencesTest, ExistingValueOfAnotherTypeCountsAsPresent) {
+    platform.userDefaults.setObject(QStringLiteral("dockIconVisible"), QStringLiteral("YES"));
+    platform.userDefaults.setObject(QStringLiteral("adjustWindowSizeToTargetScreen"), qint64(1));
+    AppController controller;
+    EXPECT_EQ(platform.userDefaults.object(QStringLiteral("dockIconVisible")), QVariant(QStringLiteral("YES")));
+    EXPECT_TRUE(controller.dockIconVisible());
+    EXPECT_TRUE(controller.adjustWindowSizeToTargetScreen());
+}
+
+TEST_F(AppControllerPreferencesTest, UpdaterFollowsThePreferenceFromConstructionOn) {
+    platform.userDefaults.setObject(QStringLiteral("autoCheckForUpdatesOnLaunch"), false);
+    AppController controller;
+    Updater* updater = UpdaterService::shared().updaterController()->updater();
+    EXPECT_FALSE(updater->automaticallyChecksForUpdates());
+    controller.setAutoCheckForUpdatesEnabled(true);
+    EXPECT_TRUE(updater->automaticallyChecksForUpdates());
+    controller.setAutoCheckForUpdatesEnabled(false);
+    EXPECT_FALSE(updater->automaticallyChecksForUpdates());
+}
+
+TEST_F(AppControllerPreferencesTest, DockIconSetterStoresAndSetsTheActivationPolicy) {
+    AppController controller;
+    controller.setDockIconVisible(true);
+    EXPECT_TRUE(controller.dockIconVisible());
+    EXPECT_EQ(platform.userDefaults.object(QStringLiteral("dockIconVisible")), QVariant(true));
+    EXPECT_EQ(platform.activation.policy, ActivationPolicy::Regular);
+    controller.setDockIconVisible(false);
+    EXPECT_EQ(platform.activation.policy, ActivationPolicy::Accessory);
+}
+
+TEST_F(AppControllerPreferencesTest, LaunchAtLoginReadsTheLoginItemService) {
+    platform.loginItems.currentStatus = LoginItemStatus::Enabled;
+    AppController controller;
+    EXPECT_TRUE(controller.launchAtLoginEnabled());
+}
+
+TEST_F(AppControllerPreferencesTest, RefusedLoginItemGivesStatusMessageAndFalse) {
+    platform.loginItems.refusal = QStringLiteral("Permission denied");
+    AppController controller;
+    controller.setLaunchAtLogin(true);
+    EXPECT_FALSE(controller.launchAtLoginEnabled());
+    EXPECT_TRUE(controller.statusMessage().startsWith(QStringLiteral("Unable to update login item: ")));
+    EXPECT_EQ(controller.statusMessage(), QStringLiteral("Unable to update login item: Permission denied"));
+}
+
+TEST_F(AppControllerPreferencesTest, RequiresApprovalGivesFalse) {
+    platform.loginItems.statusAfterRegister = LoginItemStatus::RequiresApproval;
+    AppController controller;
+    controller.setLaunchAtLogin(true);
+    EXPECT_FALSE(controller.launchAtLoginEnabled());
+    EXPECT_TRUE(controller.statusMessage().isEmpty());
+}
+
+TEST_F(AppControllerPreferencesTest, LaunchAtLoginCanBeTurnedOnAndOff) {
+    AppController controller;
+    controller.setLaunchAtLogin(true);
+    EXPECT_TRUE(controller.launchAtLoginEnabled());
+    controller.setLaunchAtLogin(false);
+    EXPECT_FALSE(controller.launchAtLoginEnabled());
+}
+
+TEST_F(AppControllerPreferencesTest, PublishedChangesAreAnnouncedBeforeTheyAreStored) {
+    AppController controller;
+    bool valueWhenAnnounced = true;
+    bool changedAfterwards = false;
+    QObject::connect(&controller, &AppController::objectWillChange,
+                     [&] { valueWhenAnnounced = controller.dockIconVisible(); });
+    QObject::connect(&controller, &AppController::dockIconVisibleChanged,
+                     [&] { changedAfterwards = controller.dockIconVisible(); });
+    controller.setDockIconVisible(true);
+    EXPECT_FALSE(valueWhenAnnounced);
+    EXPECT_TRUE(changedAfterwards);
+}
+
+TEST_F(AppControllerPreferencesTest, PermissionStateIsReadAtConstruction) {
+    platform.permissions.screenCaptureGranted = true;
+    platform.permissions.trusted = false;
+    AppController controller;
+    EXPECT_EQ(controller.permissionState(), (PermissionState{true, false}));
+}
+
+TEST_F(AppControllerPreferencesTest, SharedReturnsOneInstance) {
+    EXPECT_EQ(&AppController::shared(), &AppController::shared());
+}
+
+}  // namespace
