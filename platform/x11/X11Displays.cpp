@@ -11,6 +11,9 @@ namespace {
 
 // Events of one configuration change arrive in bursts; announce the change once they settle.
 constexpr int kCoalesceMilliseconds = 40;
+// Monitors defined with `xrandr --setmonitor` (a split ultrawide, a virtual desktop) change without any
+// RandR event; a cheap look at the monitor list catches those.
+constexpr int kPollMilliseconds = 500;
 
 template <typename Reply>
 struct FreeDeleter {
@@ -40,6 +43,33 @@ X11Displays::X11Displays(X11Connection& connection) : m_connection(connection), 
     connect(&m_coalesceTimer, &QTimer::timeout, this, &X11Displays::checkForConfigurationChange);
     m_eventHandler = m_connection.addEventHandler([this](xcb_generic_event_t* event) { return handleEvent(event); });
     m_signalledMonitors = fetchMonitors();
+    m_lastSignature = monitorSignature();
+    m_pollTimer.setInterval(kPollMilliseconds);
+    connect(&m_pollTimer, &QTimer::timeout, this, &X11Displays::pollForUnannouncedChange);
+    m_pollTimer.start();
+}
+
+QByteArray X11Displays::monitorSignature() {
+    xcb_connection_t* xcb = m_connection.xcb();
+    if (!m_hasRandr15 || m_connection.hasError()) {
+        return {};
+    }
+    ReplyPtr<xcb_randr_get_monitors_reply_t> reply(
+        xcb_randr_get_monitors_reply(xcb, xcb_randr_get_monitors(xcb, m_connection.root(), 1), nullptr));
+    if (!reply) {
+        return {};
+    }
+    // The reply's fixed part carries a timestamp; the monitors follow it.
+    const auto* begin = reinterpret_cast<const char*>(reply.get() + 1);
+    return QByteArray(begin, static_cast<qsizetype>(reply->length) * 4);
+}
+
+void X11Displays::pollForUnannouncedChange() {
+    const QByteArray signature = monitorSignature();
+    if (signature != m_lastSignature) {
+        m_lastSignature = signature;
+        m_coalesceTimer.start();
+    }
 }
 
 X11Displays::~X11Displays() {
@@ -56,6 +86,7 @@ bool X11Displays::handleEvent(xcb_generic_event_t* event) {
 }
 
 void X11Displays::checkForConfigurationChange() {
+    m_lastSignature = monitorSignature();
     const QList<Monitor> monitors = fetchMonitors();
     if (monitors != m_signalledMonitors) {
         m_signalledMonitors = monitors;

@@ -48,12 +48,17 @@ private:
     const Monitor* findMonitor(CGDirectDisplayID display);
     bool handleEvent(xcb_generic_event_t* event);
     void checkForConfigurationChange();
+    // The raw monitor list as the server reports it; cheap enough to poll.
+    QByteArray monitorSignature();
+    void pollForUnannouncedChange();
 
     X11Connection& m_connection;
     int m_eventHandler = 0;
     uint8_t m_randrFirstEvent = 0;
     bool m_hasRandr15 = false;
     QTimer m_coalesceTimer;
+    QTimer m_pollTimer;
+    QByteArray m_lastSignature;
     QList<Monitor> m_monitors;           // from the last fetch
     QList<Monitor> m_signalledMonitors;  // the configuration last announced
     QMutex m_rectMutex;

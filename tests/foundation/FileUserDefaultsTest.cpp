@@ -4,6 +4,10 @@
 #include <QFile>
 #include <QTemporaryDir>
 
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
 #include "platform/x11/FileUserDefaults.h"
 
 namespace {
@@ -102,6 +106,29 @@ TEST_F(FileUserDefaultsTest, EveryWriteReplacesTheFileAtomically) {
     // No temporary files are left behind after a write.
     const QStringList files = QDir(directory.filePath(QStringLiteral("lattica"))).entryList(QDir::Files);
     EXPECT_EQ(files, QStringList{QStringLiteral("defaults.json")});
+}
+
+}  // namespace
+
+namespace {
+
+TEST_F(FileUserDefaultsTest, WriteSurvivesAKillRightAfterIt) {
+    const pid_t child = ::fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+        FileUserDefaults store(path());
+        store.setObject(QStringLiteral("before"), qint64(1));
+        store.setObject(QStringLiteral("lastWrite"), QStringLiteral("kept"));
+        ::raise(SIGKILL);
+        ::_exit(0);
+    }
+    int status = 0;
+    ASSERT_EQ(::waitpid(child, &status, 0), child);
+    ASSERT_TRUE(WIFSIGNALED(status));
+    FileUserDefaults store(path());
+    EXPECT_EQ(store.object(QStringLiteral("before")).toLongLong(), 1);
+    EXPECT_EQ(store.object(QStringLiteral("lastWrite")), QVariant(QStringLiteral("kept")));
+    EXPECT_TRUE(keptCopies().isEmpty());
 }
 
 }  // namespace

@@ -1,0 +1,74 @@
+#include <gtest/gtest.h>
+
+#include <QFile>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QDir>
+#include <QTemporaryDir>
+
+#include "tests/support/VirtualDesktop.h"
+
+namespace {
+
+QJsonObject readDefaults(const QString& path) {
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        return {};
+    }
+    return QJsonDocument::fromJson(file.readAll()).object();
+}
+
+TEST(LatticaProcessDesktopTest, FirstStartWritesThePreferenceDefaultsAndSigtermEndsWithStatusZero) {
+    QTemporaryDir config;
+    ASSERT_TRUE(config.isValid());
+    QProcess lattica;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("XDG_CONFIG_HOME"), config.path());
+    lattica.setProcessEnvironment(environment);
+    lattica.setProcessChannelMode(QProcess::ForwardedChannels);
+    lattica.start(QStringLiteral(LATTICA_BINARY), {});
+    ASSERT_TRUE(lattica.waitForStarted(5000));
+
+    const QString defaultsPath = config.filePath(QStringLiteral("lattica/defaults.json"));
+    ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return readDefaults(defaultsPath).size() >= 3; }, 10000));
+    const QJsonObject defaults = readDefaults(defaultsPath);
+    EXPECT_EQ(defaults.value(QStringLiteral("dockIconVisible")).toObject().value(QStringLiteral("bool")), QJsonValue(false));
+    EXPECT_EQ(defaults.value(QStringLiteral("autoCheckForUpdatesOnLaunch")).toObject().value(QStringLiteral("bool")),
+              QJsonValue(true));
+    EXPECT_EQ(defaults.value(QStringLiteral("adjustWindowSizeToTargetScreen")).toObject().value(QStringLiteral("bool")),
+              QJsonValue(false));
+
+    lattica.terminate();  // SIGTERM
+    ASSERT_TRUE(lattica.waitForFinished(10000));
+    EXPECT_EQ(lattica.exitStatus(), QProcess::NormalExit);
+    EXPECT_EQ(lattica.exitCode(), 0);
+}
+
+TEST(LatticaProcessDesktopTest, CorruptPreferencesFileIsKeptAndTheDefaultsRecreated) {
+    QTemporaryDir config;
+    ASSERT_TRUE(config.isValid());
+    QDir().mkpath(config.filePath(QStringLiteral("lattica")));
+    const QString defaultsPath = config.filePath(QStringLiteral("lattica/defaults.json"));
+    {
+        QFile file(defaultsPath);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write("\x00\xff garbage {");
+    }
+    QProcess lattica;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("XDG_CONFIG_HOME"), config.path());
+    lattica.setProcessEnvironment(environment);
+    lattica.setProcessChannelMode(QProcess::ForwardedChannels);
+    lattica.start(QStringLiteral(LATTICA_BINARY), {});
+    ASSERT_TRUE(lattica.waitForStarted(5000));
+    ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return readDefaults(defaultsPath).size() >= 3; }, 10000));
+    const QStringList kept =
+        QDir(config.filePath(QStringLiteral("lattica"))).entryList({QStringLiteral("defaults.json.corrupt-*")});
+    EXPECT_EQ(kept.size(), 1);
+    lattica.terminate();
+    ASSERT_TRUE(lattica.waitForFinished(10000));
+    EXPECT_EQ(lattica.exitCode(), 0);
+}
+
+}  // namespace

@@ -1,0 +1,117 @@
+#include <gtest/gtest.h>
+
+#include <QSignalSpy>
+
+#include "app/ScreenSnapshotService.h"
+#include "platform/x11/X11Connection.h"
+#include "platform/x11/X11Displays.h"
+#include "platform/x11/X11Platform.h"
+#include "tests/support/VirtualDesktop.h"
+
+namespace {
+
+class X11DisplaysDesktopTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        m_platform = X11Platform::connect();
+        ASSERT_NE(m_platform, nullptr) << "no X server on DISPLAY";
+        m_platform->install();
+    }
+    void TearDown() override {
+        // Put the layout back the way the desktop started, for the next test.
+        const QList<QRect> monitors = VirtualDesktop::layout();
+        for (int i = 0; i < monitors.size(); ++i) {
+            VirtualDesktop::run(QStringLiteral("xrandr"),
+                                {QStringLiteral("--delmonitor"), QStringLiteral("VIRTUAL-%1").arg(i + 1)});
+        }
+        for (int i = 0; i < monitors.size(); ++i) {
+            defineMonitor(i, i == 0);
+        }
+        Platform::install({});
+    }
+
+    static void defineMonitor(int i, bool primary) {
+        const QRect rect = VirtualDesktop::layout().at(i);
+        const QString name = (primary ? QStringLiteral("*") : QString()) + QStringLiteral("VIRTUAL-%1").arg(i + 1);
+        const QString geometry = QStringLiteral("%1/%2x%3/%4+%5+%6")
+                                     .arg(rect.width())
+                                     .arg(rect.width() * 254 / 960)
+                                     .arg(rect.height())
+                                     .arg(rect.height() * 254 / 960)
+                                     .arg(rect.x())
+                                     .arg(rect.y());
+        ASSERT_EQ(VirtualDesktop::run(QStringLiteral("xrandr"),
+                                      {QStringLiteral("--setmonitor"), name, geometry,
+                                       i == 0 ? QStringLiteral("screen") : QStringLiteral("none")}),
+                  0);
+    }
+
+    X11Displays* displays() const { return static_cast<X11Displays*>(m_platform->services().displays); }
+
+    std::unique_ptr<X11Platform> m_platform;
+};
+
+TEST_F(X11DisplaysDesktopTest, DescriptorsListMonitorsInScreenOrderWithIndexesNamesAndBounds) {
+    const QList<QRect> layout = VirtualDesktop::layout();
+    const QList<DisplayDescriptor> descriptors = ScreenSnapshotService::currentDisplayDescriptors();
+    ASSERT_EQ(descriptors.size(), layout.size());
+    for (int i = 0; i < descriptors.size(); ++i) {
+        EXPECT_EQ(descriptors[i].index, i + 1);
+        EXPECT_EQ(descriptors[i].bounds, QRectF(layout[i]));
+        EXPECT_FALSE(descriptors[i].persistentID.isEmpty());
+    }
+    // The first monitor carries the output "screen"; the others are named after themselves.
+    EXPECT_EQ(descriptors[0].name, QStringLiteral("screen"));
+    EXPECT_EQ(descriptors[1].name, QStringLiteral("VIRTUAL-2"));
+    // Virtual monitors report no EDID, so they are told apart by their display number.
+    EXPECT_EQ(descriptors[1].persistentID, QStringLiteral("display-%1").arg(descriptors[1].id));
+}
+
+TEST_F(X11DisplaysDesktopTest, MakingAnotherMonitorPrimaryChangesOrderAndOrigin) {
+    const QList<QRect> layout = VirtualDesktop::layout();
+    ASSERT_GE(layout.size(), 2);
+    ASSERT_EQ(VirtualDesktop::run(QStringLiteral("xrandr"), {QStringLiteral("--delmonitor"), QStringLiteral("VIRTUAL-2")}), 0);
+    defineMonitor(1, true);
+    const QList<DisplayDescriptor> descriptors = ScreenSnapshotService::currentDisplayDescriptors();
+    ASSERT_EQ(descriptors.size(), layout.size());
+    EXPECT_EQ(descriptors[0].name, QStringLiteral("VIRTUAL-2"));
+    EXPECT_EQ(descriptors[0].index, 1);
+    EXPECT_EQ(descriptors[0].bounds, QRectF(0, 0, layout[1].width(), layout[1].height()));
+    // The former main monitor now lies to the left of the origin.
+    EXPECT_EQ(descriptors[1].name, QStringLiteral("screen"));
+    EXPECT_EQ(descriptors[1].bounds, QRectF(-layout[1].x(), 0, layout[0].width(), layout[0].height()));
+}
+
+TEST_F(X11DisplaysDesktopTest, AddingAndRemovingAMonitorSignalsOncePerChange) {
+    QSignalSpy spy(displays(), &Displays::screenParametersChanged);
+    const int count = VirtualDesktop::layout().size();
+    ASSERT_EQ(VirtualDesktop::run(QStringLiteral("xrandr"),
+                                  {QStringLiteral("--delmonitor"), QStringLiteral("VIRTUAL-%1").arg(count)}),
+              0);
+    ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return spy.count() >= 1; }));
+    // Let any late events of the same change arrive; they must not be announced again.
+    VirtualDesktop::waitUntil([] { return false; }, 300);
+    EXPECT_EQ(spy.count(), 1);
+    EXPECT_EQ(ScreenSnapshotService::currentDisplayDescriptors().size(), count - 1);
+
+    defineMonitor(count - 1, false);
+    ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return spy.count() >= 2; }));
+    VirtualDesktop::waitUntil([] { return false; }, 300);
+    EXPECT_EQ(spy.count(), 2);
+    EXPECT_EQ(ScreenSnapshotService::currentDisplayDescriptors().size(), count);
+}
+
+TEST_F(X11DisplaysDesktopTest, CaptureOfAMonitorHasItsSize) {
+    const QList<DisplayDescriptor> descriptors = ScreenSnapshotService::currentDisplayDescriptors();
+    ASSERT_FALSE(descriptors.isEmpty());
+    const QImage image = displays()->createImage(descriptors.last().id);
+    ASSERT_FALSE(image.isNull());
+    EXPECT_EQ(image.size(), descriptors.last().bounds.size().toSize());
+}
+
+TEST_F(X11DisplaysDesktopTest, UnknownDisplayHasNoBoundsAndNoPicture) {
+    EXPECT_TRUE(displays()->bounds(0xdeadbeef).isEmpty());
+    EXPECT_TRUE(displays()->createImage(0xdeadbeef).isNull());
+}
+
+}  // namespace
