@@ -1,1 +1,0 @@
-// Replaced by the shortcut subsystem sources.

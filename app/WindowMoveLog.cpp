@@ -1,0 +1,51 @@
+#include "app/WindowMoveLog.h"
+
+#include <QLocale>
+#include <cmath>
+
+#include "app/WindowMover.h"
+
+namespace {
+// Set by the build: 1 in Debug builds, where the trace is on unless logging rules switch it off.
+constexpr bool kTraceOnByDefault = LATTICA_DEBUG_TRACE_DEFAULT;
+}  // namespace
+
+Q_LOGGING_CATEGORY(lcMover, "lattica.mover", kTraceOnByDefault ? QtDebugMsg : QtInfoMsg)
+
+QString WindowMoveLog::number(double value) {
+    if (std::isfinite(value) && value == std::trunc(value) && std::fabs(value) < 1e16) {
+        return QString::number(value, 'f', 1);
+    }
+    return QString::number(value, 'g', QLocale::FloatingPointShortest);
+}
+
+QString WindowMoveLog::describe(const QRectF& rect) {
+    return QStringLiteral("(%1, %2, %3, %4)")
+        .arg(number(rect.x()), number(rect.y()), number(rect.width()), number(rect.height()));
+}
+
+QString WindowMoveLog::describe(const QPointF& point) {
+    return QStringLiteral("(%1, %2)").arg(number(point.x()), number(point.y()));
+}
+
+QString WindowMoveLog::describe(const QSizeF& size) {
+    return QStringLiteral("(%1, %2)").arg(number(size.width()), number(size.height()));
+}
+
+QString WindowMoveLog::fraction(double value) {
+    return QString::asprintf("%.4f", value);
+}
+
+QString WindowMoveLog::windowNumber(const std::optional<qint64>& number) {
+    return number ? QString::number(*number) : QStringLiteral("n/a");
+}
+
+QString WindowMoveLog::boolean(bool value) {
+    return value ? QStringLiteral("true") : QStringLiteral("false");
+}
+
+void WindowMover::moveDiagLog(const QString& message) {
+    const QByteArray line = (QStringLiteral("[WindowMoveDiag] ") + message + QLatin1Char('\n')).toUtf8();
+    std::fwrite(line.constData(), 1, static_cast<size_t>(line.size()), stdout);
+    std::fflush(stdout);
+}

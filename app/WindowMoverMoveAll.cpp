@@ -1,0 +1,269 @@
+#include <QStringList>
+#include <cmath>
+
+#include "app/AXValues.h"
+#include "app/Geometry.h"
+#include "app/WindowMoveLog.h"
+#include "app/WindowMover.h"
+#include "platform/Platform.h"
+#include "platform/Workspace.h"
+
+using WindowMoveLog::boolean;
+using WindowMoveLog::describe;
+using WindowMoveLog::fraction;
+
+namespace {
+
+// What a move needs to know about one window before it is moved.
+struct WindowFacts {
+    AXUIElement element;
+    std::optional<qint64> number;
+    std::optional<QPointF> position;
+    std::optional<QSizeF> size;
+};
+
+// Window number, position and size of every window in one batch.
+QList<WindowFacts> readWindowFacts(const AXUIElementList& windows) {
+    QList<AXAttributeRequest> requests;
+    for (const AXUIElement& window : windows) {
+        requests.append({window, QLatin1String(kAXWindowNumberAttribute)});
+        requests.append({window, QLatin1String(kAXPositionAttribute)});
+        requests.append({window, QLatin1String(kAXSizeAttribute)});
+    }
+    const QList<AXAttributeReply> replies = AXValues::accessibility()->copyAttributeValues(requests);
+    QList<WindowFacts> facts;
+    for (qsizetype i = 0; i < windows.size(); ++i) {
+        facts.append({windows[i], AXValues::windowNumber(replies.value(3 * i)),
+                      AXValues::point(replies.value(3 * i + 1)), AXValues::size(replies.value(3 * i + 2))});
+    }
+    return facts;
+}
+
+QString centerText(const QPointF& center) {
+    return QStringLiteral("(%1,%2)").arg(fraction(center.x()), fraction(center.y()));
+}
+
+// The frame after a move: what reads back when usable, else the planned frame.
+QRectF postMoveFrame(const AXUIElement& window, const QRectF& planned) {
+    return AXValues::usableFrame(WindowMover::position(window), WindowMover::size(window)).value_or(planned);
+}
+
+// Everything one window's move needs besides the window.
+struct MovePlan {
+    const QString& label;
+    QString windowID;
+    QRectF frame;
+    QRectF source;
+    QRectF destination;
+    QPointF center;
+    bool centerLike = false;
+};
+
+bool moveKeepingSize(const AXUIElement& window, const MovePlan& plan) {
+    const QSizeF size = plan.frame.size();
+    const QPointF origin = WindowMover::destinationOrigin(plan.center, size, plan.destination);
+    const AXError positionError = AXValues::setPoint(window, QLatin1String(kAXPositionAttribute), origin);
+
+    const QRectF post = postMoveFrame(window, QRectF(origin, size));
+    const QPointF postCenter = WindowMover::normalizedCenter(post, plan.destination);
+    const bool moved = positionError == kAXErrorSuccess;
+    if (!moved) {
+        qCDebug(lcMover).noquote() << QStringLiteral(
+                                          "%1: failed setPosition (keep size) windowID=%2, error=%3, frame=%4, "
+                                          "target=%5")
+                                          .arg(plan.label, plan.windowID, WindowMover::axErrorName(positionError),
+                                               describe(plan.frame), describe(origin));
+    }
+    WindowMover::moveDiagLog(QStringLiteral("RESULT app=%1, windowID=%2, centerLike=%3, keepSize=true, posErr=%4, "
+                                            "targetOrigin=%5, postFrame=%6, postNormalizedCenter=%7")
+                                 .arg(plan.label, plan.windowID, boolean(plan.centerLike),
+                                      WindowMover::axErrorName(positionError), describe(origin), describe(post),
+                                      centerText(postCenter)));
+    return moved;
+}
+
+bool moveAdjustingSize(const AXUIElement& window, const MovePlan& plan) {
+    const QSizeF targetSize = WindowMover::adjustedSize(plan.frame, plan.source, plan.destination);
+    const QPointF desiredOrigin = WindowMover::destinationOrigin(plan.center, targetSize, plan.destination);
+
+    const AXError initialError = AXValues::setPoint(window, QLatin1String(kAXPositionAttribute), desiredOrigin);
+    const AXError sizeError = AXValues::setSize(window, QLatin1String(kAXSizeAttribute), targetSize);
+
+    const std::optional<QPointF> readPosition = WindowMover::position(window);
+    const std::optional<QSizeF> readSize = WindowMover::size(window);
+    const QSizeF actualSize = AXValues::usableFrame(readPosition, readSize) ? *readSize : targetSize;
+    const QPointF positionAfterResize = readPosition.value_or(plan.frame.topLeft());
+
+    // Placed again by the size the window really took, with the centre measured on the source display.
+    const QPointF finalOrigin = WindowMover::destinationOrigin(plan.center, actualSize, plan.destination);
+    const AXError finalError = AXValues::setPoint(window, QLatin1String(kAXPositionAttribute), finalOrigin);
+
+    const bool sizeChanged = std::fabs(actualSize.width() - plan.frame.width()) > 1.0 ||
+                             std::fabs(actualSize.height() - plan.frame.height()) > 1.0;
+    if (sizeError != kAXErrorSuccess || !sizeChanged) {
+        const NormalizedRect n = WindowMover::normalizedRect(plan.frame, plan.source);
+        qCDebug(lcMover).noquote() << QStringLiteral(
+                                          "%1: resize status windowID=%2, sizeErr=%3, sizeChanged=%4, before=%5, "
+                                          "target=%6, actual=%7, normalizedSize=(%8,%9)")
+                                          .arg(plan.label, plan.windowID, WindowMover::axErrorName(sizeError),
+                                               boolean(sizeChanged), describe(plan.frame.size()), describe(targetSize),
+                                               describe(actualSize), fraction(n.width), fraction(n.height));
+    }
+
+    // A window that ends up in place counts as moved even when the writes reported errors.
+    const bool alreadyInPlace = std::fabs(positionAfterResize.x() - finalOrigin.x()) <= 1.5 &&
+                                std::fabs(positionAfterResize.y() - finalOrigin.y()) <= 1.5;
+    const bool moved = initialError == kAXErrorSuccess || finalError == kAXErrorSuccess || alreadyInPlace;
+    if (!moved) {
+        qCDebug(lcMover).noquote() << QStringLiteral(
+                                          "%1: failed setPosition windowID=%2, initialError=%3, finalError=%4, "
+                                          "frame=%5, target=%6")
+                                          .arg(plan.label, plan.windowID, WindowMover::axErrorName(initialError),
+                                               WindowMover::axErrorName(finalError), describe(plan.frame),
+                                               describe(finalOrigin));
+    }
+
+    const QRectF post = postMoveFrame(window, QRectF(finalOrigin, actualSize));
+    const QPointF postCenter = WindowMover::normalizedCenter(post, plan.destination);
+    WindowMover::moveDiagLog(
+        QStringLiteral("RESULT app=%1, windowID=%2, centerLike=%3, initialPosErr=%4, sizeErr=%5, finalPosErr=%6, "
+                       "targetSize=%7, actualSize=%8, desiredOrigin=%9, finalOrigin=%10, postFrame=%11, "
+                       "postNormalizedCenter=%12")
+            .arg(plan.label, plan.windowID, boolean(plan.centerLike), WindowMover::axErrorName(initialError),
+                 WindowMover::axErrorName(sizeError), WindowMover::axErrorName(finalError), describe(targetSize),
+                 describe(actualSize), describe(desiredOrigin), describe(finalOrigin), describe(post),
+                 centerText(postCenter)));
+    return moved;
+}
+
+QString applicationLabel(const RunningApplication& application) {
+    return QStringLiteral("%1 [pid:%2]")
+        .arg(application.localizedName.value_or(QStringLiteral("Unknown App")),
+             QString::number(application.processIdentifier));
+}
+
+QString targetPIDList(const std::optional<QSet<pid_t>>& targetPIDs) {
+    if (!targetPIDs) {
+        return QStringLiteral("all");
+    }
+    QStringList pids;
+    for (pid_t pid : *targetPIDs) {
+        pids.append(QString::number(pid));
+    }
+    return pids.join(QLatin1Char(','));
+}
+
+QString displayLabel(const DisplaySnapshot& display) {
+    return QStringLiteral("%1#%2").arg(display.name).arg(display.index);
+}
+
+}  // namespace
+
+WindowMoveResult WindowMover::moveWindows(const DisplaySnapshot& source, const DisplaySnapshot& destination,
+                                          bool adjustSizeToDestination, const std::optional<QSet<pid_t>>& targetPIDs,
+                                          bool revealMovedWindows) {
+    const QRectF S = source.bounds;
+    const QRectF T = destination.bounds;
+
+    const QHash<QString, QRectF> frames = allWindowFramesByOwnerAndWindowID();
+    const QHash<pid_t, QSet<qint64>> sourceIDs = sourceWindowIDsByOwnerPID(S);
+    qsizetype sourceWindowCount = 0;
+    for (const QSet<qint64>& ids : sourceIDs) {
+        sourceWindowCount += ids.size();
+    }
+    qCDebug(lcMover).noquote() << QStringLiteral(
+                                      "moveAllWindows start: source=%1 -> destination=%2, sourceWindowIDsAcrossApps=%3")
+                                      .arg(displayLabel(source), displayLabel(destination),
+                                           QString::number(sourceWindowCount));
+    moveDiagLog(
+        QStringLiteral("BEGIN source=%1 sourceAX=%2 sourceCG=%2 destination=%3 destAX=%4 destCG=%4 "
+                       "targetPIDs=%5")
+            .arg(displayLabel(source), describe(S), displayLabel(destination), describe(T), targetPIDList(targetPIDs)));
+
+    WindowMoveResult total;
+    for (const RunningApplication& application : Platform::services().workspace->runningApplications()) {
+        const pid_t pid = application.processIdentifier;
+        if (application.activationPolicy != ActivationPolicy::Regular || application.isTerminated || pid < 1 ||
+            (targetPIDs && !targetPIDs->contains(pid))) {
+            continue;
+        }
+        const AXUIElement appElement = AXUIElement::application(pid);
+        const QString label = applicationLabel(application);
+        const std::optional<AXUIElementList> windows = movableWindows(appElement, label);
+        if (!windows) {
+            qCDebug(lcMover).noquote() << label + QStringLiteral(": no accessible windows returned");
+            continue;
+        }
+        const QSet<qint64> sourceSet = sourceIDs.value(pid);
+        qCDebug(lcMover).noquote() << QStringLiteral("%1: mergedAXWindows=%2, sourceWindowIDs=%3")
+                                          .arg(label, QString::number(windows->size()),
+                                               QString::number(sourceSet.size()));
+
+        WindowMoveResult app;
+        AXUIElementList moved;
+        for (const WindowFacts& window : readWindowFacts(*windows)) {
+            const QString windowIDText = WindowMoveLog::windowNumber(window.number);
+            std::optional<QRectF> listBounds;
+            if (window.number) {
+                const auto found = frames.constFind(windowListKey(pid, *window.number));
+                if (found != frames.cend()) {
+                    listBounds = *found;
+                }
+            }
+
+            QRectF frame;
+            QString frameSource;
+            if (const std::optional<QRectF> axFrame = AXValues::usableFrame(window.position, window.size)) {
+                frame = *axFrame;
+                frameSource = QStringLiteral("AX");
+            } else if (listBounds) {
+                frame = convertedWindowListFrame(*listBounds, S);
+                frameSource = QStringLiteral("CGFallbackConverted");
+            } else {
+                qCDebug(lcMover).noquote()
+                    << QStringLiteral("%1: skip window without frame, windowID=%2").arg(label, windowIDText);
+                continue;
+            }
+
+            const bool listedOnSource = window.number && sourceSet.contains(*window.number);
+            if (!listedOnSource && !Geometry::intersects(frame, S)) {
+                continue;
+            }
+            ++total.attemptedCount;
+            ++app.attemptedCount;
+
+            if (!(S.width() > 0 && S.height() > 0)) {
+                qCDebug(lcMover).noquote() << label + QStringLiteral(": invalid source bounds, skipping resize/move");
+                continue;
+            }
+
+            const NormalizedRect n = normalizedRect(frame, S);
+            const QPointF center = normalizedCenter(frame, S);
+            const MovePlan plan{label, windowIDText, frame, S, T, center, isCenterLike(center)};
+            moveDiagLog(QStringLiteral("START app=%1, windowID=%2, frameSource=%3, centerLike=%4, adjustSize=%5, "
+                                       "frame=%6, normalizedCenter=%7, normalizedRect=(%8,%9,%10,%11)")
+                            .arg(label, windowIDText, frameSource, boolean(plan.centerLike),
+                                 boolean(adjustSizeToDestination), describe(frame), centerText(center), fraction(n.x),
+                                 fraction(n.y), fraction(n.width), fraction(n.height)));
+
+            const bool windowMoved = adjustSizeToDestination ? moveAdjustingSize(window.element, plan)
+                                                             : moveKeepingSize(window.element, plan);
+            if (windowMoved) {
+                ++total.movedCount;
+                ++app.movedCount;
+                moved.append(window.element);
+            }
+        }
+
+        qCDebug(lcMover).noquote() << QStringLiteral("%1: attempted=%2, moved=%3")
+                                          .arg(label, QString::number(app.attemptedCount),
+                                               QString::number(app.movedCount));
+        if (revealMovedWindows && !moved.isEmpty()) {
+            revealMovedWindowsForApplication(moved, appElement, label);
+        }
+    }
+
+    qCDebug(lcMover).noquote() << QStringLiteral("moveAllWindows done: attempted=%1, moved=%2")
+                                      .arg(QString::number(total.attemptedCount), QString::number(total.movedCount));
+    return total;
+}
