@@ -10,6 +10,8 @@ public:
     using HotKeyRef = quint64;
     // Status of a hot key that another client already holds.
     static constexpr int kEventHotKeyExistsErr = -9878;
+    // Status of a key or modifier the platform cannot register at all.
+    static constexpr int kEventHotKeyInvalidErr = -9879;
 
     HotKeys() = default;
     ~HotKeys() override = default;
@@ -21,11 +23,13 @@ public:
     virtual int registerHotKey(quint32 carbonKeyCode, quint32 carbonModifiers, quint32 hotKeyId, HotKeyRef* ref) = 0;
     // Releases a registration made by registerHotKey.
     virtual void unregisterHotKey(HotKeyRef ref) = 0;
-    // Whether another client already holds this combination system-wide.
+    // Whether another client already holds this combination system-wide (the system's own shortcuts).
     virtual bool isHeldByAnotherClient(quint32 carbonKeyCode, quint32 carbonModifiers) = 0;
+    // Whether option (alone or with shift) may not be a hot key's only modifier on this system.
+    virtual bool restrictsOptionOnlyHotKeys() const { return false; }
 
 Q_SIGNALS:
-    // A registered hot key went down or up (auto-repeat never produces extra releases).
+    // A registered hot key went down or up (auto-repeat never produces extra presses or releases).
     void hotKeyPressed(quint32 hotKeyId);
     void hotKeyReleased(quint32 hotKeyId);
 };

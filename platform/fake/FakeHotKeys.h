@@ -20,9 +20,14 @@ public:
     bool isHeldByAnotherClient(quint32 carbonKeyCode, quint32 carbonModifiers) override {
         return m_taken.contains(combination(carbonKeyCode, carbonModifiers));
     }
+    bool restrictsOptionOnlyHotKeys() const override { return optionOnlyRestricted; }
+
+    // Models a system that refuses option-only hot keys.
+    bool optionOnlyRestricted = false;
 
     // Another client holds this combination: registering it fails with kEventHotKeyExistsErr.
     void markTaken(quint32 keyCode, quint32 modifiers) { m_taken.insert(combination(keyCode, modifiers)); }
+    void markFree(quint32 keyCode, quint32 modifiers) { m_taken.remove(combination(keyCode, modifiers)); }
     // Presses and releases a combination the way a user would; only registered keys fire.
     void press(quint32 keyCode, quint32 modifiers);
     void release(quint32 keyCode, quint32 modifiers);

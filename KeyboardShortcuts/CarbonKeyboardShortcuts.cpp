@@ -1,0 +1,300 @@
+#include "KeyboardShortcuts/CarbonKeyboardShortcuts.h"
+
+#include <QHash>
+#include <QLoggingCategory>
+#include <QPointer>
+#include <QTextStream>
+#include <cstdio>
+#include <limits>
+#include <map>
+#include <memory>
+
+#include "KeyboardShortcuts/KeyboardShortcuts.h"
+#include "KeyboardShortcuts/RawKeyMonitor.h"
+#include "platform/HotKeys.h"
+#include "platform/Platform.h"
+
+Q_LOGGING_CATEGORY(lcHotKeys, "lattica.shortcuts.hotkeys")
+
+namespace KeyboardShortcuts::CarbonKeyboardShortcuts {
+
+namespace {
+
+struct HotKey {
+    Shortcut shortcut;
+    int carbonHotKeyId = 0;
+    HotKeys::HotKeyRef carbonHotKey = 0;  // 0 while suspended
+    Handler onKeyDown;
+    Handler onKeyUp;
+};
+
+// The process-wide hot-key table, in id order.
+struct Tables {
+    std::map<int, HotKey> hotKeys;
+    int hotKeyId = 0;
+    // The platform service the event handler listens to; null until the first registration succeeds.
+    QPointer<HotKeys> eventHandler;
+    bool hotKeyEventsEnabled = false;
+    std::unique_ptr<RawKeyMonitor> keyEventMonitor;
+};
+
+Tables& tables() {
+    static Tables instance;
+    return instance;
+}
+
+HotKeys* service() {
+    return Platform::services().hotKeys;
+}
+
+void printRegistrationError(const Shortcut& shortcut, int status) {
+    // Always printed, on standard output: the user's only trace of a shortcut that cannot work.
+    const QByteArray line = QByteArrayLiteral("Error registering hotkey ") +
+                            shortcut.presentableDescription().toUtf8() + ": " + QByteArray::number(status) + '\n';
+    std::fwrite(line.constData(), 1, static_cast<size_t>(line.size()), stdout);
+    std::fflush(stdout);
+}
+
+bool fitsUnsigned32(int value) {
+    return value >= 0;
+}
+
+RawKeyMonitor& keyEventMonitor() {
+    Tables& t = tables();
+    if (!t.keyEventMonitor) {
+        t.keyEventMonitor = std::make_unique<RawKeyMonitor>([](int keyCode, int modifiers, int kind) {
+            if (kind == 0) {
+                // A probe (a repeat or a shortcut override): matched or not, without running anything.
+                for (const auto& [id, hotKey] : tables().hotKeys) {
+                    if (hotKey.shortcut.carbonKeyCode() == keyCode && hotKey.shortcut.carbonModifiers() == modifiers) {
+                        return 0;
+                    }
+                }
+                return eventNotHandledErr;
+            }
+            return handleRawKeyEvent(keyCode, modifiers, kind);
+        });
+    }
+    return *t.keyEventMonitor;
+}
+
+void installEventHandler(HotKeys* hotKeys) {
+    Tables& t = tables();
+    t.eventHandler = hotKeys;
+    t.hotKeyEventsEnabled = false;
+    QObject::connect(hotKeys, &HotKeys::hotKeyPressed, hotKeys, [](quint32 id) {
+        if (tables().hotKeyEventsEnabled) {
+            handleHotKeyEvent(id, 5);
+        }
+    });
+    QObject::connect(hotKeys, &HotKeys::hotKeyReleased, hotKeys, [](quint32 id) {
+        if (tables().hotKeyEventsEnabled) {
+            handleHotKeyEvent(id, 6);
+        }
+    });
+}
+
+void suspendAll() {
+    HotKeys* hotKeys = service();
+    for (auto& [id, hotKey] : tables().hotKeys) {
+        if (hotKey.carbonHotKey != 0 && hotKeys != nullptr) {
+            hotKeys->unregisterHotKey(hotKey.carbonHotKey);
+        }
+        hotKey.carbonHotKey = 0;
+    }
+}
+
+}  // namespace
+
+void register_(const Shortcut& shortcut, Handler onKeyDown, Handler onKeyUp) {
+    Tables& t = tables();
+    if (t.hotKeyId == std::numeric_limits<int>::max()) {
+        qFatal("CarbonKeyboardShortcuts: hot-key ids exhausted");
+    }
+    const int id = ++t.hotKeyId;
+    if (!fitsUnsigned32(shortcut.carbonKeyCode()) || !fitsUnsigned32(shortcut.carbonModifiers())) {
+        return;
+    }
+    HotKeys* hotKeys = service();
+    if (hotKeys == nullptr) {
+        return;
+    }
+    HotKeys::HotKeyRef ref = 0;
+    const int status =
+        hotKeys->registerHotKey(static_cast<quint32>(shortcut.carbonKeyCode()),
+                                static_cast<quint32>(shortcut.carbonModifiers()), static_cast<quint32>(id), &ref);
+    if (status != 0 || ref == 0) {
+        printRegistrationError(shortcut, status);
+        return;
+    }
+    qCDebug(lcHotKeys) << "registered" << shortcut.presentableDescription() << "as" << id;
+    t.hotKeys.insert_or_assign(id, HotKey{shortcut, id, ref, std::move(onKeyDown), std::move(onKeyUp)});
+    if (t.eventHandler.isNull() || t.eventHandler.data() != hotKeys) {
+        installEventHandler(hotKeys);
+        updateEventHandler();
+    }
+}
+
+void unregister(const Shortcut& shortcut) {
+    Tables& t = tables();
+    HotKeys* hotKeys = service();
+    for (auto it = t.hotKeys.begin(); it != t.hotKeys.end();) {
+        if (it->second.shortcut == shortcut) {
+            if (it->second.carbonHotKey != 0 && hotKeys != nullptr) {
+                hotKeys->unregisterHotKey(it->second.carbonHotKey);
+            }
+            qCDebug(lcHotKeys) << "unregistered" << it->first;
+            it = t.hotKeys.erase(it);
+        } else {
+            ++it;
+        }
+    }
+}
+
+void softRegisterAll() {
+    HotKeys* hotKeys = service();
+    if (hotKeys == nullptr) {
+        return;
+    }
+    for (auto& [id, hotKey] : tables().hotKeys) {
+        if (hotKey.carbonHotKey != 0) {
+            continue;
+        }
+        HotKeys::HotKeyRef ref = 0;
+        const int status = hotKeys->registerHotKey(static_cast<quint32>(hotKey.shortcut.carbonKeyCode()),
+                                                   static_cast<quint32>(hotKey.shortcut.carbonModifiers()),
+                                                   static_cast<quint32>(id), &ref);
+        if (status != 0 || ref == 0) {
+            printRegistrationError(hotKey.shortcut, status);
+            continue;
+        }
+        hotKey.carbonHotKey = ref;
+    }
+}
+
+void updateEventHandler() {
+    Tables& t = tables();
+    if (t.eventHandler.isNull()) {
+        return;
+    }
+    if (!KeyboardShortcuts::isEnabled()) {
+        suspendAll();
+        t.hotKeyEventsEnabled = false;
+        keyEventMonitor().stop();
+        return;
+    }
+    if (!KeyboardShortcuts::isMenuOpen()) {
+        softRegisterAll();
+        keyEventMonitor().stop();
+        t.hotKeyEventsEnabled = true;
+        return;
+    }
+    suspendAll();
+    t.hotKeyEventsEnabled = false;
+    keyEventMonitor().start();
+}
+
+QList<Shortcut> system(const QList<Shortcut>& candidates) {
+    QList<Shortcut> held;
+    HotKeys* hotKeys = service();
+    if (hotKeys == nullptr) {
+        return held;
+    }
+    for (const Shortcut& candidate : candidates) {
+        if (!fitsUnsigned32(candidate.carbonKeyCode())) {
+            continue;
+        }
+        if (hotKeys->isHeldByAnotherClient(static_cast<quint32>(candidate.carbonKeyCode()),
+                                           static_cast<quint32>(candidate.carbonModifiers()))) {
+            held.append(candidate);
+        }
+    }
+    return held;
+}
+
+int handleRawKeyEvent(int keyCode, int carbonModifiers, int kind) {
+    for (const auto& [id, hotKey] : tables().hotKeys) {
+        if (hotKey.shortcut.carbonKeyCode() != keyCode || hotKey.shortcut.carbonModifiers() != carbonModifiers) {
+            continue;
+        }
+        // Copies: a handler may change the table.
+        const Shortcut shortcut = hotKey.shortcut;
+        if (kind == 1) {
+            const Handler handler = hotKey.onKeyDown;
+            handler(shortcut);
+        } else if (kind == 3) {
+            const Handler handler = hotKey.onKeyUp;
+            handler(shortcut);
+        } else {
+            return eventNotHandledErr;
+        }
+        return 0;
+    }
+    return eventNotHandledErr;
+}
+
+int handleHotKeyEvent(quint32 hotKeyId, int kind) {
+    const auto found = tables().hotKeys.find(static_cast<int>(hotKeyId));
+    if (found == tables().hotKeys.end()) {
+        return eventNotHandledErr;
+    }
+    const Shortcut shortcut = found->second.shortcut;
+    if (kind == 5) {
+        const Handler handler = found->second.onKeyDown;
+        handler(shortcut);
+    } else if (kind == 6) {
+        const Handler handler = found->second.onKeyUp;
+        handler(shortcut);
+    } else {
+        return eventNotHandledErr;
+    }
+    return 0;
+}
+
+int lastHotKeyId() {
+    return tables().hotKeyId;
+}
+
+QList<int> hotKeyIds() {
+    QList<int> ids;
+    for (const auto& [id, hotKey] : tables().hotKeys) {
+        ids.append(id);
+    }
+    return ids;
+}
+
+bool isActive(int hotKeyId) {
+    const auto found = tables().hotKeys.find(hotKeyId);
+    return found != tables().hotKeys.end() && found->second.carbonHotKey != 0;
+}
+
+std::optional<Shortcut> shortcutForHotKey(int hotKeyId) {
+    const auto found = tables().hotKeys.find(hotKeyId);
+    if (found == tables().hotKeys.end()) {
+        return std::nullopt;
+    }
+    return found->second.shortcut;
+}
+
+bool isEventHandlerInstalled() {
+    return !tables().eventHandler.isNull();
+}
+
+bool isRawKeyMonitorActive() {
+    return tables().keyEventMonitor && tables().keyEventMonitor->isActive();
+}
+
+void resetForTesting() {
+    Tables& t = tables();
+    suspendAll();
+    t.hotKeys.clear();
+    t.hotKeyId = 0;
+    if (t.eventHandler) {
+        QObject::disconnect(t.eventHandler, nullptr, t.eventHandler, nullptr);
+    }
+    t.eventHandler = nullptr;
+    t.hotKeyEventsEnabled = false;
+    t.keyEventMonitor.reset();
+}
+
+}  // namespace KeyboardShortcuts::CarbonKeyboardShortcuts

@@ -1,0 +1,70 @@
+#pragma once
+
+#include <QLineEdit>
+#include <QPointer>
+#include <functional>
+#include <memory>
+#include <optional>
+
+#include "KeyboardShortcuts/Name.h"
+#include "KeyboardShortcuts/Shortcut.h"
+
+namespace KeyboardShortcuts {
+
+class InputEvent;
+class LocalEventMonitor;
+
+// The control that records a global shortcut for a name: it shows the stored shortcut, starts
+// recording when it receives focus, turns the next accepted key combination into the name's shortcut
+// and stops. Global hot keys are paused while it records.
+class RecorderCocoa : public QLineEdit {
+    Q_OBJECT
+public:
+    using OnChange = std::function<void(std::optional<Shortcut>)>;
+    static constexpr double minimumWidth = 130.0;
+
+    explicit RecorderCocoa(const Name& name, OnChange onChange = {}, QWidget* parent = nullptr);
+    ~RecorderCocoa() override;
+
+    const Name& shortcutName() const { return m_shortcutName; }
+    // Switching to another name shows that name's shortcut.
+    void setShortcutName(const Name& name);
+    bool isRecording() const;
+    // Whether the control may take focus now (false just after its window opened or was activated).
+    bool canBecomeKey() const { return m_canBecomeKey; }
+
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+
+protected:
+    void focusInEvent(QFocusEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    void changeEvent(QEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+
+private:
+    void setStringValue(const Name& name);
+    void updateClearButton();
+    bool startRecording();
+    void endRecording();
+    void endRecordingAndGiveUpFocus();
+    void resumeRecording();
+    bool handleEvent(const InputEvent& event);
+    void preventBecomingKey();
+    void attachToWindow();
+    void textDidChange(const QString& text);
+    int runAlert(const QString& message, const QString& informativeText, bool offerForce);
+
+    OnChange m_onChange;
+    bool m_canBecomeKey = false;
+    std::unique_ptr<LocalEventMonitor> m_eventMonitor;
+    QMetaObject::Connection m_shortcutsNameChangeObserver;
+    QPointer<QWidget> m_observedWindow;
+    Name m_shortcutName;
+    bool m_settingText = false;
+};
+
+}  // namespace KeyboardShortcuts

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QString>
+#include <optional>
+
+#include "KeyboardShortcuts/Key.h"
+
+namespace KeyboardShortcuts {
+
+// The character a character key prints without modifiers in the current layout; nothing for special
+// keys, when there is no layout, or when the key does not produce exactly one character.
+std::optional<QString> keyToCharacter(Key key);
+
+// Sounds the alert beep. Counted so that tests can tell a refusal happened.
+void beep();
+int beepCount();
+
+}  // namespace KeyboardShortcuts
