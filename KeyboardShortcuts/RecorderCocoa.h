@@ -1,13 +1,14 @@
 #pragma once
 
 #include <QLineEdit>
-#include <QPointer>
 #include <functional>
 #include <memory>
 #include <optional>
 
 #include "KeyboardShortcuts/Name.h"
 #include "KeyboardShortcuts/Shortcut.h"
+
+class QAction;
 
 namespace KeyboardShortcuts {
 
@@ -22,6 +23,8 @@ class RecorderCocoa : public QLineEdit {
 public:
     using OnChange = std::function<void(std::optional<Shortcut>)>;
     static constexpr double minimumWidth = 130.0;
+    // The response of the system-conflict alert's second button.
+    static constexpr int forceUseResponse = 1001;
 
     explicit RecorderCocoa(const Name& name, OnChange onChange = {}, QWidget* parent = nullptr);
     ~RecorderCocoa() override;
@@ -32,6 +35,8 @@ public:
     bool isRecording() const;
     // Whether the control may take focus now (false just after its window opened or was activated).
     bool canBecomeKey() const { return m_canBecomeKey; }
+    // The clear button; visible only when there is a shortcut to clear.
+    QAction* cancelButton() const { return m_cancelButton; }
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
@@ -41,30 +46,27 @@ protected:
     void focusOutEvent(QFocusEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
-    bool eventFilter(QObject* watched, QEvent* event) override;
-    void changeEvent(QEvent* event) override;
-    void showEvent(QShowEvent* event) override;
+    bool event(QEvent* event) override;
 
 private:
     void setStringValue(const Name& name);
-    void updateClearButton();
-    bool startRecording();
+    void updateCancelButton();
+    void startRecording();
     void endRecording();
-    void endRecordingAndGiveUpFocus();
+    void giveUpFocus();
     void resumeRecording();
     bool handleEvent(const InputEvent& event);
     void preventBecomingKey();
-    void attachToWindow();
-    void textDidChange(const QString& text);
+    void clearShortcut();
     int runAlert(const QString& message, const QString& informativeText, bool offerForce);
 
     OnChange m_onChange;
     bool m_canBecomeKey = false;
     std::unique_ptr<LocalEventMonitor> m_eventMonitor;
     QMetaObject::Connection m_shortcutsNameChangeObserver;
-    QPointer<QWidget> m_observedWindow;
     Name m_shortcutName;
-    bool m_settingText = false;
+    QAction* m_cancelButton = nullptr;
+    bool m_resuming = false;
 };
 
 }  // namespace KeyboardShortcuts
