@@ -1,0 +1,206 @@
+#include "KeyboardShortcuts/CarbonKeyboardShortcuts.h"
+#include "KeyboardShortcuts/KeyboardShortcuts.h"
+#include "KeyboardShortcuts/Notifications.h"
+#include "tests/shortcuts/ShortcutTestFixture.h"
+
+using namespace KeyboardShortcuts;
+
+namespace {
+
+using ShortcutStorageTest = ShortcutTest;
+
+const Shortcut kControlCommandK(Key::k, ModifierFlag::control | ModifierFlag::command);
+const Shortcut kOptionF5(Key::f5, ModifierFlag::option);
+
+// Records the names announced through the change notification.
+class ChangeRecorder {
+public:
+    ChangeRecorder() {
+        m_connection = QObject::connect(&Notifications::shared(), &Notifications::shortcutByNameDidChange,
+                                        [this](const Name& name) { names.append(name.rawValue()); });
+    }
+    ~ChangeRecorder() { QObject::disconnect(m_connection); }
+    QStringList names;
+
+private:
+    QMetaObject::Connection m_connection;
+};
+
+TEST_F(ShortcutStorageTest, SetShortcutStoresJsonStringUnderPrefixedKey) {
+    const Name name(QStringLiteral("moveFocusedWindowToDisplay.v16-m32-s7"));
+    setShortcut(kControlCommandK, name);
+    const QVariant stored =
+        platform.userDefaults.object(QStringLiteral("KeyboardShortcuts_moveFocusedWindowToDisplay.v16-m32-s7"));
+    ASSERT_EQ(stored.typeId(), QMetaType::QString);
+    EXPECT_EQ(stored.toString(), QStringLiteral("{\"carbonKeyCode\":40,\"carbonModifiers\":4352}"));
+    EXPECT_EQ(getShortcut(name), kControlCommandK);
+    EXPECT_EQ(name.shortcut(), kControlCommandK);
+}
+
+TEST_F(ShortcutStorageTest, NamesCompareByRawValueOnly) {
+    const Name plain(QStringLiteral("same"));
+    const Name withDefault(QStringLiteral("same"), kOptionF5);
+    EXPECT_EQ(plain, withDefault);
+    EXPECT_EQ(qHash(plain), qHash(withDefault));
+    EXPECT_FALSE(plain == Name(QStringLiteral("other")));
+}
+
+TEST_F(ShortcutStorageTest, NameWithDefaultOnFreshSystemStoresAndRegistersDefault) {
+    const Name name(QStringLiteral("withDefault"), kControlCommandK);
+    EXPECT_EQ(platform.userDefaults.object(QStringLiteral("KeyboardShortcuts_withDefault")).toString(),
+              QString::fromUtf8(kControlCommandK.toJson()));
+    ASSERT_EQ(platform.hotKeys.registrations().size(), 1);
+    EXPECT_EQ(platform.hotKeys.registrations().first().keyCode, 40u);
+    EXPECT_EQ(platform.hotKeys.registrations().first().modifiers, 4352u);
+}
+
+TEST_F(ShortcutStorageTest, NameWithDefaultAfterUserRemovedItKeepsFalseAndRegistersNothing) {
+    {
+        const Name name(QStringLiteral("withDefault"), kControlCommandK);
+        setShortcut(std::nullopt, name);
+    }
+    const QVariant removed = platform.userDefaults.object(QStringLiteral("KeyboardShortcuts_withDefault"));
+    ASSERT_EQ(removed.typeId(), QMetaType::Bool);
+    EXPECT_FALSE(removed.toBool());
+    EXPECT_TRUE(platform.hotKeys.registrations().isEmpty());
+
+    const Name again(QStringLiteral("withDefault"), kControlCommandK);
+    EXPECT_EQ(platform.userDefaults.object(QStringLiteral("KeyboardShortcuts_withDefault")), QVariant(false));
+    EXPECT_FALSE(getShortcut(again));
+    EXPECT_TRUE(platform.hotKeys.registrations().isEmpty());
+    EXPECT_TRUE(userDefaultsContains(again)) << "a stored false counts as contained";
+}
+
+TEST_F(ShortcutStorageTest, RemovingShortcutWithoutDefaultRemovesKey) {
+    const Name name(QStringLiteral("plain"));
+    setShortcut(kControlCommandK, name);
+    setShortcut(std::nullopt, name);
+    EXPECT_FALSE(platform.userDefaults.object(QStringLiteral("KeyboardShortcuts_plain")).isValid());
+    EXPECT_FALSE(userDefaultsContains(name));
+    EXPECT_TRUE(platform.hotKeys.registrations().isEmpty());
+}
+
+TEST_F(ShortcutStorageTest, SetNilOnEmptyNamePostsNoNotification) {
+    const Name name(QStringLiteral("empty"));
+    ChangeRecorder changes;
+    setShortcut(std::nullopt, name);
+    EXPECT_TRUE(changes.names.isEmpty());
+    setShortcut(kOptionF5, name);
+    setShortcut(std::nullopt, name);
+    EXPECT_EQ(changes.names, QStringList({QStringLiteral("empty"), QStringLiteral("empty")}));
+}
+
+TEST_F(ShortcutStorageTest, NotificationCarriesTheName) {
+    const Name name(QStringLiteral("announced"));
+    ChangeRecorder changes;
+    setShortcut(kOptionF5, name);
+    EXPECT_EQ(changes.names, QStringList({QStringLiteral("announced")}));
+    EXPECT_STREQ(Notifications::shortcutByNameDidChangeName, "KeyboardShortcuts_shortcutByNameDidChange");
+}
+
+TEST_F(ShortcutStorageTest, SettingShortcutAnotherNameUsesKeepsOneRegistration) {
+    const Name first(QStringLiteral("first"));
+    const Name second(QStringLiteral("second"));
+    setShortcut(kControlCommandK, first);
+    setShortcut(kControlCommandK, second);
+    EXPECT_EQ(platform.hotKeys.registrations().size(), 1);
+    int firstRuns = 0;
+    int secondRuns = 0;
+    onKeyDown(first, [&] { ++firstRuns; });
+    onKeyDown(second, [&] { ++secondRuns; });
+    platform.hotKeys.press(40, 4352);
+    EXPECT_EQ(firstRuns, 1);
+    EXPECT_EQ(secondRuns, 1);
+}
+
+TEST_F(ShortcutStorageTest, StoredValuesThatAreNotStringsReadAsNoShortcut) {
+    const Name name(QStringLiteral("odd"));
+    for (const QVariant& value : {QVariant(false), QVariant(true), QVariant(qint64(40)), QVariant(3.5),
+                                  QVariant(QByteArrayLiteral("{\"carbonKeyCode\":40,\"carbonModifiers\":4352}"))}) {
+        platform.userDefaults.setObject(QStringLiteral("KeyboardShortcuts_odd"), value);
+        EXPECT_FALSE(getShortcut(name)) << value.typeName();
+    }
+}
+
+TEST_F(ShortcutStorageTest, InvalidJsonReadsAsNoShortcut) {
+    const Name name(QStringLiteral("broken"));
+    platform.userDefaults.setObject(QStringLiteral("KeyboardShortcuts_broken"),
+                                    QStringLiteral("{\"carbonKeyCode\":40,"));
+    EXPECT_FALSE(getShortcut(name));
+}
+
+TEST_F(ShortcutStorageTest, JsonMissingAKeyReadsAsNoShortcut) {
+    const Name name(QStringLiteral("half"));
+    platform.userDefaults.setObject(QStringLiteral("KeyboardShortcuts_half"), QStringLiteral("{\"carbonKeyCode\":40}"));
+    EXPECT_FALSE(getShortcut(name));
+}
+
+TEST_F(ShortcutStorageTest, NumbersOutside32BitsReadAsNoShortcut) {
+    const Name name(QStringLiteral("huge"));
+    platform.userDefaults.setObject(QStringLiteral("KeyboardShortcuts_huge"),
+                                    QStringLiteral("{\"carbonKeyCode\":40,\"carbonModifiers\":99999999999}"));
+    EXPECT_FALSE(getShortcut(name));
+}
+
+TEST_F(ShortcutStorageTest, NextSetOverwritesCorruptValue) {
+    const Name name(QStringLiteral("corrupt"));
+    for (const QVariant& corrupt :
+         {QVariant(qint64(7)), QVariant(QStringLiteral("nonsense")),
+          QVariant(QStringLiteral("{\"carbonModifiers\":1}")),
+          QVariant(QStringLiteral("{\"carbonKeyCode\":-4294967296,\"carbonModifiers\":0}"))}) {
+        platform.userDefaults.setObject(QStringLiteral("KeyboardShortcuts_corrupt"), corrupt);
+        setShortcut(kOptionF5, name);
+        EXPECT_EQ(platform.userDefaults.object(QStringLiteral("KeyboardShortcuts_corrupt")).toString(),
+                  QString::fromUtf8(kOptionF5.toJson()));
+        EXPECT_EQ(getShortcut(name), kOptionF5);
+        setShortcut(std::nullopt, name);
+    }
+}
+
+TEST_F(ShortcutStorageTest, ResetRestoresDefaultOrRemoves) {
+    const Name withDefault(QStringLiteral("withDefault"), kControlCommandK);
+    const Name plain(QStringLiteral("plain"));
+    setShortcut(kOptionF5, withDefault);
+    setShortcut(kOptionF5, plain);
+    reset({withDefault, plain});
+    EXPECT_EQ(getShortcut(withDefault), kControlCommandK);
+    EXPECT_FALSE(userDefaultsContains(plain));
+}
+
+TEST_F(ShortcutStorageTest, ResetAllLeavesNoPrefixedKey) {
+    const Name withDefault(QStringLiteral("withDefault"), kControlCommandK);
+    const Name plain(QStringLiteral("plain"));
+    const Name removed(QStringLiteral("removed"), kOptionF5);
+    setShortcut(Shortcut(Key::a, ModifierFlag::command), plain);
+    setShortcut(std::nullopt, removed);
+    platform.userDefaults.setObject(QStringLiteral("KeyboardShortcuts_garbage"), qint64(3));
+    platform.userDefaults.setObject(QStringLiteral("unrelated"), true);
+    resetAll();
+    for (const QString& key : platform.userDefaults.keys()) {
+        EXPECT_FALSE(key.startsWith(QStringLiteral("KeyboardShortcuts_"))) << key.toStdString();
+    }
+    EXPECT_TRUE(platform.userDefaults.contains(QStringLiteral("unrelated")));
+    EXPECT_TRUE(platform.hotKeys.registrations().isEmpty());
+    // The default comes back only when the name is created again with it.
+    const Name recreated(QStringLiteral("withDefault"), kControlCommandK);
+    EXPECT_EQ(getShortcut(recreated), kControlCommandK);
+}
+
+TEST_F(ShortcutStorageTest, NameShortcutPropertyReadsAndWrites) {
+    const Name name(QStringLiteral("property"));
+    name.setShortcut(kOptionF5);
+    EXPECT_EQ(name.shortcut(), kOptionF5);
+    EXPECT_EQ(Shortcut::forName(name), kOptionF5);
+    name.setShortcut(std::nullopt);
+    EXPECT_FALSE(name.shortcut());
+}
+
+TEST_F(ShortcutStorageTest, ChangingShortcutUnregistersTheOldHotKey) {
+    const Name name(QStringLiteral("changing"));
+    setShortcut(kControlCommandK, name);
+    setShortcut(kOptionF5, name);
+    ASSERT_EQ(platform.hotKeys.registrations().size(), 1);
+    EXPECT_EQ(platform.hotKeys.registrations().first().keyCode, static_cast<quint32>(Key::f5.rawValue()));
+}
+
+}  // namespace
