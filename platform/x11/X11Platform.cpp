@@ -4,6 +4,10 @@
 #include "platform/x11/X11Connection.h"
 #include "platform/x11/X11Displays.h"
 #include "platform/x11/X11Permissions.h"
+#include "platform/x11/X11Accessibility.h"
+#include "platform/x11/X11WindowDesktopEntries.h"
+#include "platform/x11/X11WindowServer.h"
+#include "platform/x11/X11Workspace.h"
 #include "platform/x11/XdgLoginItems.h"
 
 struct X11Platform::Owned {
@@ -11,6 +15,10 @@ struct X11Platform::Owned {
     std::unique_ptr<FileUserDefaults> userDefaults;
     std::unique_ptr<XdgLoginItems> loginItems;
     std::unique_ptr<X11Permissions> permissions;
+    std::unique_ptr<X11WindowDesktopEntries> desktopEntries;
+    std::unique_ptr<X11WindowServer> windowServer;
+    std::unique_ptr<X11Workspace> workspace;
+    std::unique_ptr<X11Accessibility> accessibility;
 };
 
 std::unique_ptr<X11Platform> X11Platform::connect(const QByteArray& displayName) {
@@ -28,11 +36,18 @@ X11Platform::X11Platform(std::unique_ptr<X11Connection> connection)
     m_owned->userDefaults = std::make_unique<FileUserDefaults>(FileUserDefaults::standardPath());
     m_owned->loginItems = std::make_unique<XdgLoginItems>(XdgLoginItems::standardPath());
     m_owned->permissions = std::make_unique<X11Permissions>(x11);
+    m_owned->desktopEntries = std::make_unique<X11WindowDesktopEntries>();
+    m_owned->windowServer = std::make_unique<X11WindowServer>(x11, *m_owned->desktopEntries);
+    m_owned->workspace = std::make_unique<X11Workspace>(x11, *m_owned->desktopEntries);
+    m_owned->accessibility = std::make_unique<X11Accessibility>(x11);
 
     m_services.displays = m_owned->displays.get();
     m_services.userDefaults = m_owned->userDefaults.get();
     m_services.loginItems = m_owned->loginItems.get();
     m_services.permissions = m_owned->permissions.get();
+    m_services.windowServer = m_owned->windowServer.get();
+    m_services.workspace = m_owned->workspace.get();
+    m_services.accessibility = m_owned->accessibility.get();
 }
 
 X11Platform::~X11Platform() {

@@ -1,0 +1,283 @@
+#include "platform/x11/X11WindowPlacer.h"
+
+#include <QDeadlineTimer>
+#include <QLoggingCategory>
+
+#include "platform/x11/X11Connection.h"
+#include "platform/x11/X11WindowKinds.h"
+#include "platform/x11/X11WindowReader.h"
+
+Q_LOGGING_CATEGORY(lcPlacer, "lattica.x11.placer")
+
+namespace {
+constexpr uint32_t kNorthWestGravity = 1;
+constexpr uint32_t kSourcePager = 2;
+constexpr uint32_t kStateRemove = 0;
+constexpr uint32_t kStateAdd = 1;
+constexpr uint32_t kIconicState = 3;
+}  // namespace
+
+X11WindowPlacer::X11WindowPlacer(X11Connection& connection, X11WindowReader& reader, const X11WindowKinds& kinds)
+    : m_connection(connection), m_reader(reader), m_kinds(kinds) {
+    connection.internAtoms({"_NET_MOVERESIZE_WINDOW", "_NET_WM_STATE", "_NET_ACTIVE_WINDOW", "WM_CHANGE_STATE",
+                            "_NET_WM_STATE_MAXIMIZED_VERT", "_NET_WM_STATE_MAXIMIZED_HORZ",
+                            "_NET_WM_STATE_FULLSCREEN"});
+    m_moveResize = connection.atom("_NET_MOVERESIZE_WINDOW");
+    m_state = connection.atom("_NET_WM_STATE");
+    m_active = connection.atom("_NET_ACTIVE_WINDOW");
+    m_changeState = connection.atom("WM_CHANGE_STATE");
+    m_maximizedVert = connection.atom("_NET_WM_STATE_MAXIMIZED_VERT");
+    m_maximizedHorz = connection.atom("_NET_WM_STATE_MAXIMIZED_HORZ");
+    m_fullscreen = connection.atom("_NET_WM_STATE_FULLSCREEN");
+    // Forget windows once they are gone; the event mask dies with them.
+    m_eventHandler = connection.addEventHandler([this](xcb_generic_event_t* event) {
+        if ((event->response_type & 0x7f) == XCB_DESTROY_NOTIFY) {
+            m_watched.remove(reinterpret_cast<xcb_destroy_notify_event_t*>(event)->window);
+        }
+        return false;
+    });
+}
+
+X11WindowPlacer::~X11WindowPlacer() {
+    m_connection.removeEventHandler(m_eventHandler);
+}
+
+X11WindowFacts X11WindowPlacer::read(xcb_window_t window) {
+    return m_reader.readWindows({{window, kPlacementFields}}).value(0);
+}
+
+void X11WindowPlacer::watch(xcb_window_t window) {
+    if (m_watched.contains(window)) {
+        return;
+    }
+    const uint32_t mask = XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_PROPERTY_CHANGE;
+    xcb_change_window_attributes(m_connection.xcb(), window, XCB_CW_EVENT_MASK, &mask);
+    m_watched.insert(window);
+}
+
+bool X11WindowPlacer::waitUntil(xcb_window_t window, const std::function<bool(const X11WindowFacts&)>& condition,
+                                int timeoutMs, X11WindowFacts* last) {
+    QDeadlineTimer deadline(timeoutMs);
+    auto aboutWindow = [window](xcb_generic_event_t* event) {
+        switch (event->response_type & 0x7f) {
+            case XCB_CONFIGURE_NOTIFY:
+                return reinterpret_cast<xcb_configure_notify_event_t*>(event)->window == window;
+            case XCB_PROPERTY_NOTIFY:
+                return reinterpret_cast<xcb_property_notify_event_t*>(event)->window == window;
+            case XCB_DESTROY_NOTIFY:
+                return reinterpret_cast<xcb_destroy_notify_event_t*>(event)->window == window;
+            case XCB_MAP_NOTIFY:
+                return reinterpret_cast<xcb_map_notify_event_t*>(event)->window == window;
+            case XCB_UNMAP_NOTIFY:
+                return reinterpret_cast<xcb_unmap_notify_event_t*>(event)->window == window;
+            default:
+                return false;
+        }
+    };
+    while (true) {
+        *last = read(window);
+        if (!last->exists || condition(*last)) {
+            return last->exists;
+        }
+        const qint64 remaining = deadline.remainingTime();
+        if (remaining <= 0 || !m_connection.waitForEvent(aboutWindow, static_cast<int>(remaining))) {
+            *last = read(window);
+            return last->exists && condition(*last);
+        }
+    }
+}
+
+void X11WindowPlacer::sendToRoot(xcb_window_t window, xcb_atom_t type, std::initializer_list<uint32_t> data) {
+    xcb_client_message_event_t message{};
+    message.response_type = XCB_CLIENT_MESSAGE;
+    message.format = 32;
+    message.window = window;
+    message.type = type;
+    int i = 0;
+    for (uint32_t value : data) {
+        message.data.data32[i++] = value;
+    }
+    xcb_send_event(m_connection.xcb(), 0, m_connection.root(),
+                   XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
+                   reinterpret_cast<const char*>(&message));
+}
+
+void X11WindowPlacer::sendMoveResize(xcb_window_t window, std::optional<QPoint> position, std::optional<QSize> size) {
+    uint32_t flags = kNorthWestGravity | (kSourcePager << 12);
+    if (position) {
+        flags |= (1u << 8) | (1u << 9);
+    }
+    if (size) {
+        flags |= (1u << 10) | (1u << 11);
+    }
+    const QPoint p = position.value_or(QPoint());
+    const QSize s = size.value_or(QSize());
+    sendToRoot(window, m_moveResize,
+               {flags, static_cast<uint32_t>(p.x()), static_cast<uint32_t>(p.y()), static_cast<uint32_t>(s.width()),
+                static_cast<uint32_t>(s.height())});
+}
+
+void X11WindowPlacer::sendState(xcb_window_t window, bool add, xcb_atom_t first, xcb_atom_t second) {
+    sendToRoot(window, m_state, {add ? kStateAdd : kStateRemove, first, second, kSourcePager, 0});
+}
+
+QList<xcb_atom_t> X11WindowPlacer::sizeStates(const X11WindowFacts& facts) const {
+    QList<xcb_atom_t> states;
+    for (xcb_atom_t atom : {m_maximizedVert, m_maximizedHorz, m_fullscreen}) {
+        if (facts.hasState(atom)) {
+            states.append(atom);
+        }
+    }
+    return states;
+}
+
+AXError X11WindowPlacer::leaveSizeStates(xcb_window_t window, const QList<xcb_atom_t>& states, X11WindowFacts* facts) {
+    if (states.contains(m_fullscreen)) {
+        sendState(window, false, m_fullscreen, 0);
+    }
+    const bool vert = states.contains(m_maximizedVert);
+    const bool horz = states.contains(m_maximizedHorz);
+    if (vert || horz) {
+        sendState(window, false, vert ? m_maximizedVert : m_maximizedHorz, vert && horz ? m_maximizedHorz : 0);
+    }
+    const bool left = waitUntil(
+        window,
+        [this](const X11WindowFacts& current) {
+            return !current.hasState(m_maximizedVert) && !current.hasState(m_maximizedHorz) &&
+                   !current.hasState(m_fullscreen);
+        },
+        kConfirmationMilliseconds, facts);
+    if (!facts->exists) {
+        return kAXErrorInvalidUIElement;
+    }
+    return left ? kAXErrorSuccess : kAXErrorCannotComplete;
+}
+
+void X11WindowPlacer::restoreSizeStates(xcb_window_t window, const QList<xcb_atom_t>& states) {
+    const QSize before = read(window).outerFrame().size();
+    const bool vert = states.contains(m_maximizedVert);
+    const bool horz = states.contains(m_maximizedHorz);
+    if (vert || horz) {
+        sendState(window, true, vert ? m_maximizedVert : m_maximizedHorz, vert && horz ? m_maximizedHorz : 0);
+    }
+    if (states.contains(m_fullscreen)) {
+        sendState(window, true, m_fullscreen, 0);
+    }
+    // The state property may change before the frame does; wait for both.
+    X11WindowFacts facts;
+    waitUntil(
+        window,
+        [&states, before](const X11WindowFacts& current) {
+            for (xcb_atom_t state : states) {
+                if (!current.hasState(state)) {
+                    return false;
+                }
+            }
+            return current.outerFrame().size() != before;
+        },
+        kConfirmationMilliseconds, &facts);
+}
+
+AXError X11WindowPlacer::moveFrame(xcb_window_t window, QPoint rootTopLeft) {
+    X11WindowFacts facts = read(window);
+    if (!facts.exists) {
+        return kAXErrorInvalidUIElement;
+    }
+    watch(window);
+    const QList<xcb_atom_t> states = sizeStates(facts);
+    if (!states.isEmpty()) {
+        if (const AXError error = leaveSizeStates(window, states, &facts); error != kAXErrorSuccess) {
+            return error;
+        }
+    } else if (facts.outerFrame().topLeft() == rootTopLeft) {
+        return kAXErrorSuccess;
+    }
+    const QPoint before = facts.outerFrame().topLeft();
+    const QPoint decorations(facts.frameExtents.left() + facts.borderWidth,
+                             facts.frameExtents.top() + facts.borderWidth);
+    sendMoveResize(window, m_positionIsClientCorner ? rootTopLeft + decorations : rootTopLeft, std::nullopt);
+    auto arrived = [rootTopLeft](const X11WindowFacts& current) {
+        return current.outerFrame().topLeft() == rootTopLeft;
+    };
+    bool landed = waitUntil(window, arrived, kConfirmationMilliseconds, &facts);
+    if (!landed && facts.exists && !m_positionIsClientCorner && !decorations.isNull() &&
+        facts.outerFrame().topLeft() == rootTopLeft - decorations) {
+        // This window manager places the client's corner where asked; say so from now on.
+        qCDebug(lcPlacer) << "window manager reads move positions as the client's corner";
+        m_positionIsClientCorner = true;
+        sendMoveResize(window, rootTopLeft + decorations, std::nullopt);
+        landed = waitUntil(window, arrived, kConfirmationMilliseconds, &facts);
+    }
+    if (!facts.exists) {
+        return kAXErrorInvalidUIElement;
+    }
+    if (!states.isEmpty()) {
+        restoreSizeStates(window, states);
+    }
+    qCDebug(lcPlacer) << "move" << window << "to" << rootTopLeft << "landed" << landed << "at"
+                      << facts.outerFrame().topLeft();
+    // A window manager that keeps windows where it likes has still answered the request.
+    return landed || facts.outerFrame().topLeft() != before ? kAXErrorSuccess : kAXErrorCannotComplete;
+}
+
+AXError X11WindowPlacer::resizeFrame(xcb_window_t window, QSize frameSize) {
+    X11WindowFacts facts = read(window);
+    if (!facts.exists) {
+        return kAXErrorInvalidUIElement;
+    }
+    watch(window);
+    const QList<xcb_atom_t> states = sizeStates(facts);
+    const QSize current = facts.outerFrame().size();
+    if (!states.isEmpty() && qAbs(current.width() - frameSize.width()) <= 2 &&
+        qAbs(current.height() - frameSize.height()) <= 2) {
+        return kAXErrorSuccess;  // maximised to this size already: keep the state
+    }
+    if (states.isEmpty() && current == frameSize) {
+        return kAXErrorSuccess;
+    }
+    if (!states.isEmpty()) {
+        if (const AXError error = leaveSizeStates(window, states, &facts); error != kAXErrorSuccess) {
+            return error;
+        }
+    }
+    const QSize before = facts.outerFrame().size();
+    const QSize decorations(facts.frameExtents.left() + facts.frameExtents.right() + 2 * facts.borderWidth,
+                            facts.frameExtents.top() + facts.frameExtents.bottom() + 2 * facts.borderWidth);
+    const QSize clientSize = (frameSize - decorations).expandedTo(QSize(1, 1));
+    sendMoveResize(window, std::nullopt, clientSize);
+    const bool landed = waitUntil(
+        window, [frameSize](const X11WindowFacts& now) { return now.outerFrame().size() == frameSize; },
+        kConfirmationMilliseconds, &facts);
+    if (!facts.exists) {
+        return kAXErrorInvalidUIElement;
+    }
+    return landed || facts.outerFrame().size() != before ? kAXErrorSuccess : kAXErrorCannotComplete;
+}
+
+AXError X11WindowPlacer::setMinimized(xcb_window_t window, bool minimized) {
+    X11WindowFacts facts = read(window);
+    if (!facts.exists) {
+        return kAXErrorInvalidUIElement;
+    }
+    if (m_kinds.isHidden(facts) == minimized) {
+        return kAXErrorSuccess;
+    }
+    watch(window);
+    if (minimized) {
+        sendToRoot(window, m_changeState, {kIconicState});
+    } else {
+        // Activation restores an iconic window; mapping it is the standard's own way to ask the same.
+        sendToRoot(window, m_active, {kSourcePager, XCB_CURRENT_TIME, 0});
+        xcb_map_window(m_connection.xcb(), window);
+    }
+    const bool done = waitUntil(
+        window,
+        [this, minimized](const X11WindowFacts& now) {
+            return minimized ? m_kinds.isHidden(now) : !m_kinds.isHidden(now) && now.viewable;
+        },
+        kConfirmationMilliseconds, &facts);
+    if (!facts.exists) {
+        return kAXErrorInvalidUIElement;
+    }
+    return done ? kAXErrorSuccess : kAXErrorCannotComplete;
+}

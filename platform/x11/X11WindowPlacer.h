@@ -1,0 +1,63 @@
+#pragma once
+
+#include <xcb/xcb.h>
+
+#include <QPoint>
+#include <QSet>
+#include <QSize>
+#include <functional>
+
+#include "platform/Accessibility.h"
+#include "platform/x11/X11WindowFacts.h"
+
+class X11Connection;
+class X11WindowKinds;
+class X11WindowReader;
+
+// Moves, resizes, minimises and restores client windows through the window manager, and waits for it
+// to confirm each change, so that a read right after a write sees the result. Main thread only: it
+// waits on the shared connection's events.
+class X11WindowPlacer {
+public:
+    // The longest a write waits for the window manager before giving up.
+    static constexpr int kConfirmationMilliseconds = 100;
+
+    X11WindowPlacer(X11Connection& connection, X11WindowReader& reader, const X11WindowKinds& kinds);
+    ~X11WindowPlacer();
+    X11WindowPlacer(const X11WindowPlacer&) = delete;
+    X11WindowPlacer& operator=(const X11WindowPlacer&) = delete;
+
+    // Puts the outer frame's top-left corner at the point (root coordinates). A maximised or
+    // full-screen window keeps that state and ends it on the monitor of the new position.
+    AXError moveFrame(xcb_window_t window, QPoint rootTopLeft);
+    // Gives the outer frame the size, keeping its top-left corner.
+    AXError resizeFrame(xcb_window_t window, QSize frameSize);
+    AXError setMinimized(xcb_window_t window, bool minimized);
+
+private:
+    static constexpr unsigned kPlacementFields =
+        X11WindowFacts::Geometry | X11WindowFacts::State | X11WindowFacts::Attributes;
+
+    X11WindowFacts read(xcb_window_t window);
+    // Reads the window after every event about it until the condition holds or the time is up.
+    bool waitUntil(xcb_window_t window, const std::function<bool(const X11WindowFacts&)>& condition, int timeoutMs,
+                   X11WindowFacts* last);
+    void watch(xcb_window_t window);
+    void sendMoveResize(xcb_window_t window, std::optional<QPoint> position, std::optional<QSize> size);
+    void sendState(xcb_window_t window, bool add, xcb_atom_t first, xcb_atom_t second);
+    void sendToRoot(xcb_window_t window, xcb_atom_t type, std::initializer_list<uint32_t> data);
+    QList<xcb_atom_t> sizeStates(const X11WindowFacts& facts) const;
+    AXError leaveSizeStates(xcb_window_t window, const QList<xcb_atom_t>& states, X11WindowFacts* facts);
+    void restoreSizeStates(xcb_window_t window, const QList<xcb_atom_t>& states);
+
+    X11Connection& m_connection;
+    X11WindowReader& m_reader;
+    const X11WindowKinds& m_kinds;
+    int m_eventHandler = 0;
+    QSet<xcb_window_t> m_watched;
+    // Window managers differ in what the position of a move request means: the frame's corner (as the
+    // standard has it) or the client's. Learned from the first move that lands off by the decorations.
+    bool m_positionIsClientCorner = false;
+    xcb_atom_t m_moveResize, m_state, m_active, m_changeState;
+    xcb_atom_t m_maximizedVert, m_maximizedHorz, m_fullscreen;
+};

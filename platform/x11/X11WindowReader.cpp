@@ -1,0 +1,370 @@
+#include "platform/x11/X11WindowReader.h"
+
+#include <xcb/randr.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+
+#include "platform/x11/X11Connection.h"
+
+namespace {
+
+constexpr uint8_t kBadWindow = 3;
+constexpr uint8_t kBadDrawable = 9;
+constexpr uint32_t kLongListLength = 1u << 16;  // in 32-bit units: room for a very long client list
+constexpr uint32_t kTitleLength = 256;
+
+struct FreeDeleter {
+    void operator()(void* pointer) const { std::free(pointer); }
+};
+template <typename T>
+using Owned = std::unique_ptr<T, FreeDeleter>;
+
+// Collects one reply; marks the window as gone when the server says so.
+template <typename Reply, typename Cookie, typename Fetch>
+Owned<Reply> take(xcb_connection_t* xcb, Cookie cookie, Fetch fetch, bool* gone) {
+    xcb_generic_error_t* error = nullptr;
+    Owned<Reply> reply(fetch(xcb, cookie, &error));
+    if (error != nullptr) {
+        if (error->error_code == kBadWindow || error->error_code == kBadDrawable) {
+            *gone = true;
+        }
+        std::free(error);
+    }
+    return reply;
+}
+
+Owned<xcb_get_property_reply_t> takeProperty(xcb_connection_t* xcb, xcb_get_property_cookie_t cookie, bool* gone) {
+    return take<xcb_get_property_reply_t>(xcb, cookie, xcb_get_property_reply, gone);
+}
+
+QList<uint32_t> cardinals(const xcb_get_property_reply_t* reply) {
+    if (reply == nullptr || reply->format != 32) {
+        return {};
+    }
+    const auto* data = static_cast<const uint32_t*>(xcb_get_property_value(reply));
+    const int count = xcb_get_property_value_length(reply) / 4;
+    return QList<uint32_t>(data, data + count);
+}
+
+std::optional<uint32_t> firstCardinal(const xcb_get_property_reply_t* reply) {
+    const QList<uint32_t> values = cardinals(reply);
+    return values.isEmpty() ? std::nullopt : std::optional<uint32_t>(values.first());
+}
+
+QByteArray bytes(const xcb_get_property_reply_t* reply) {
+    if (reply == nullptr || reply->format != 8) {
+        return {};
+    }
+    return QByteArray(static_cast<const char*>(xcb_get_property_value(reply)), xcb_get_property_value_length(reply));
+}
+
+}  // namespace
+
+X11WindowReader::X11WindowReader(X11Connection& connection) : m_connection(connection) {
+    connection.internAtoms({"_NET_CLIENT_LIST_STACKING", "_NET_ACTIVE_WINDOW", "_NET_CURRENT_DESKTOP",
+                            "_NET_SUPPORTING_WM_CHECK", "_NET_FRAME_EXTENTS", "_NET_WM_WINDOW_TYPE", "_NET_WM_STATE",
+                            "_NET_WM_DESKTOP", "_NET_WM_PID", "_NET_WM_WINDOW_OPACITY", "_NET_WM_NAME", "UTF8_STRING"});
+    xcb_connection_t* xcb = connection.xcb();
+    const xcb_query_extension_reply_t* resource = xcb_get_extension_data(xcb, &xcb_res_id);
+    if (resource != nullptr && resource->present) {
+        Owned<xcb_res_query_version_reply_t> version(
+            xcb_res_query_version_reply(xcb, xcb_res_query_version(xcb, 1, 2), nullptr));
+        m_hasResource = version && (version->server_major > 1 || version->server_minor >= 2);
+    }
+    const xcb_query_extension_reply_t* randr = xcb_get_extension_data(xcb, &xcb_randr_id);
+    if (randr != nullptr && randr->present) {
+        Owned<xcb_randr_query_version_reply_t> version(
+            xcb_randr_query_version_reply(xcb, xcb_randr_query_version(xcb, 1, 5), nullptr));
+        m_hasRandr = version && (version->major_version > 1 || version->minor_version >= 5);
+    }
+}
+
+X11RootFacts X11WindowReader::readRoot(unsigned fields) {
+    X11RootFacts facts;
+    xcb_connection_t* xcb = m_connection.xcb();
+    if (m_connection.hasError()) {
+        return facts;
+    }
+    const xcb_window_t root = m_connection.root();
+    auto property = [&](const char* name, xcb_atom_t type, uint32_t length) {
+        return xcb_get_property(xcb, 0, root, m_connection.atom(name), type, 0, length);
+    };
+    xcb_get_property_cookie_t clientList{}, active{}, desktop{}, check{};
+    xcb_query_tree_cookie_t tree{};
+    xcb_randr_get_monitors_cookie_t monitors{};
+    if (fields & ClientList) {
+        clientList = property("_NET_CLIENT_LIST_STACKING", XCB_ATOM_WINDOW, kLongListLength);
+    }
+    if (fields & ActiveWindow) {
+        active = property("_NET_ACTIVE_WINDOW", XCB_ATOM_WINDOW, 1);
+    }
+    if (fields & CurrentDesktop) {
+        desktop = property("_NET_CURRENT_DESKTOP", XCB_ATOM_CARDINAL, 1);
+    }
+    if (fields & WmCheck) {
+        check = property("_NET_SUPPORTING_WM_CHECK", XCB_ATOM_WINDOW, 1);
+    }
+    if (fields & Children) {
+        tree = xcb_query_tree(xcb, root);
+    }
+    const bool wantOrigin = (fields & GlobalOrigin) && m_hasRandr;
+    if (wantOrigin) {
+        monitors = xcb_randr_get_monitors(xcb, root, 1);
+    }
+
+    bool unused = false;
+    if (fields & ClientList) {
+        const auto reply = takeProperty(xcb, clientList, &unused);
+        for (uint32_t window : cardinals(reply.get())) {
+            facts.clientListStacking.append(window);
+        }
+    }
+    if (fields & ActiveWindow) {
+        facts.activeWindow = firstCardinal(takeProperty(xcb, active, &unused).get()).value_or(XCB_NONE);
+    }
+    if (fields & CurrentDesktop) {
+        facts.currentDesktop = firstCardinal(takeProperty(xcb, desktop, &unused).get());
+    }
+    if (fields & WmCheck) {
+        facts.supportingWmCheck = firstCardinal(takeProperty(xcb, check, &unused).get()).value_or(XCB_NONE);
+    }
+    if (fields & Children) {
+        const auto reply = take<xcb_query_tree_reply_t>(xcb, tree, xcb_query_tree_reply, &unused);
+        if (reply) {
+            const xcb_window_t* children = xcb_query_tree_children(reply.get());
+            facts.rootChildren = QList<xcb_window_t>(children, children + xcb_query_tree_children_length(reply.get()));
+        }
+    }
+    if (wantOrigin) {
+        const auto reply = take<xcb_randr_get_monitors_reply_t>(xcb, monitors, xcb_randr_get_monitors_reply, &unused);
+        if (reply) {
+            bool haveFirst = false;
+            for (auto it = xcb_randr_get_monitors_monitors_iterator(reply.get()); it.rem > 0;
+                 xcb_randr_monitor_info_next(&it)) {
+                // The primary monitor, else the first one, as the display list orders them.
+                if (it.data->primary) {
+                    facts.globalOriginInRoot = QPoint(it.data->x, it.data->y);
+                    break;
+                }
+                if (!haveFirst) {
+                    facts.globalOriginInRoot = QPoint(it.data->x, it.data->y);
+                    haveFirst = true;
+                }
+            }
+        }
+    }
+    facts.connected = !m_connection.hasError();
+    return facts;
+}
+
+QList<X11WindowFacts> X11WindowReader::readWindows(const QList<Request>& requests) {
+    PendingWindows pending = sendWindowRequests(requests);
+    return collectWindows(pending);
+}
+
+X11WindowReader::PendingWindows X11WindowReader::sendWindowRequests(const QList<Request>& requests) {
+    xcb_connection_t* xcb = m_connection.xcb();
+    const xcb_atom_t extentsAtom = m_connection.atom("_NET_FRAME_EXTENTS");
+    const xcb_atom_t typeAtom = m_connection.atom("_NET_WM_WINDOW_TYPE");
+    const xcb_atom_t stateAtom = m_connection.atom("_NET_WM_STATE");
+    const xcb_atom_t desktopAtom = m_connection.atom("_NET_WM_DESKTOP");
+    const xcb_atom_t pidAtom = m_connection.atom("_NET_WM_PID");
+    const xcb_atom_t opacityAtom = m_connection.atom("_NET_WM_WINDOW_OPACITY");
+    const xcb_atom_t nameAtom = m_connection.atom("_NET_WM_NAME");
+    PendingWindows pending;
+    pending.reserve(requests.size());
+    for (const Request& request : requests) {
+        PendingWindow entry;
+        entry.request = request;
+        const xcb_window_t w = request.window;
+        const unsigned f = request.fields;
+        auto property = [&](xcb_atom_t atom, xcb_atom_t type, uint32_t length) {
+            return xcb_get_property(xcb, 0, w, atom, type, 0, length);
+        };
+        if (f & X11WindowFacts::Attributes) {
+            entry.attributes = xcb_get_window_attributes(xcb, w);
+        }
+        if (f & X11WindowFacts::Geometry) {
+            entry.geometry = xcb_get_geometry(xcb, w);
+            entry.position = xcb_translate_coordinates(xcb, w, m_connection.root(), 0, 0);
+            entry.extents = property(extentsAtom, XCB_ATOM_CARDINAL, 4);
+        }
+        if (f & X11WindowFacts::Type) {
+            entry.type = property(typeAtom, XCB_ATOM_ATOM, 32);
+            entry.transient = property(XCB_ATOM_WM_TRANSIENT_FOR, XCB_ATOM_WINDOW, 1);
+        }
+        if (f & X11WindowFacts::State) {
+            entry.state = property(stateAtom, XCB_ATOM_ATOM, 32);
+        }
+        if (f & X11WindowFacts::Desktop) {
+            entry.desktop = property(desktopAtom, XCB_ATOM_CARDINAL, 1);
+        }
+        if (f & X11WindowFacts::Pid) {
+            entry.pid = property(pidAtom, XCB_ATOM_CARDINAL, 1);
+        }
+        if (f & X11WindowFacts::Opacity) {
+            entry.opacity = property(opacityAtom, XCB_ATOM_CARDINAL, 1);
+        }
+        if (f & X11WindowFacts::Title) {
+            entry.title = property(nameAtom, XCB_ATOM_ANY, kTitleLength);
+        }
+        if (f & X11WindowFacts::Class) {
+            entry.wmClass = property(XCB_ATOM_WM_CLASS, XCB_ATOM_STRING, 64);
+        }
+        if (f & X11WindowFacts::SizeHints) {
+            entry.hints = property(XCB_ATOM_WM_NORMAL_HINTS, XCB_ATOM_WM_SIZE_HINTS, 18);
+        }
+        pending.append(entry);
+    }
+    return pending;
+}
+
+QList<X11WindowFacts> X11WindowReader::collectWindows(PendingWindows& pending) {
+    xcb_connection_t* xcb = m_connection.xcb();
+    QList<X11WindowFacts> result;
+    result.reserve(pending.size());
+    for (const PendingWindow& entry : pending) {
+        X11WindowFacts facts;
+        facts.window = entry.request.window;
+        const unsigned f = entry.request.fields;
+        bool gone = false;
+        if (f & X11WindowFacts::Attributes) {
+            const auto reply =
+                take<xcb_get_window_attributes_reply_t>(xcb, entry.attributes, xcb_get_window_attributes_reply, &gone);
+            if (reply) {
+                facts.overrideRedirect = reply->override_redirect != 0;
+                facts.viewable = reply->map_state == XCB_MAP_STATE_VIEWABLE;
+                facts.mapped = reply->map_state != XCB_MAP_STATE_UNMAPPED;
+                facts.inputOnly = reply->_class == XCB_WINDOW_CLASS_INPUT_ONLY;
+            }
+        }
+        if (f & X11WindowFacts::Geometry) {
+            const auto geometry = take<xcb_get_geometry_reply_t>(xcb, entry.geometry, xcb_get_geometry_reply, &gone);
+            const auto position =
+                take<xcb_translate_coordinates_reply_t>(xcb, entry.position, xcb_translate_coordinates_reply, &gone);
+            const QList<uint32_t> extents = cardinals(takeProperty(xcb, entry.extents, &gone).get());
+            if (geometry && position) {
+                facts.clientRect = QRect(position->dst_x, position->dst_y, geometry->width, geometry->height);
+                facts.borderWidth = geometry->border_width;
+            }
+            if (extents.size() == 4) {
+                facts.frameExtents = QMargins(static_cast<int>(extents[0]), static_cast<int>(extents[2]),
+                                              static_cast<int>(extents[1]), static_cast<int>(extents[3]));
+            }
+        }
+        if (f & X11WindowFacts::Type) {
+            for (uint32_t atom : cardinals(takeProperty(xcb, entry.type, &gone).get())) {
+                facts.types.append(atom);
+            }
+            facts.transientFor = firstCardinal(takeProperty(xcb, entry.transient, &gone).get()).value_or(XCB_NONE);
+        }
+        if (f & X11WindowFacts::State) {
+            for (uint32_t atom : cardinals(takeProperty(xcb, entry.state, &gone).get())) {
+                facts.states.append(atom);
+            }
+        }
+        if (f & X11WindowFacts::Desktop) {
+            facts.desktop = firstCardinal(takeProperty(xcb, entry.desktop, &gone).get());
+        }
+        if (f & X11WindowFacts::Pid) {
+            const std::optional<uint32_t> pid = firstCardinal(takeProperty(xcb, entry.pid, &gone).get());
+            if (pid && *pid > 0 && *pid <= 0x7fffffffu) {
+                facts.pid = static_cast<pid_t>(*pid);
+            }
+        }
+        if (f & X11WindowFacts::Opacity) {
+            const std::optional<uint32_t> opacity = firstCardinal(takeProperty(xcb, entry.opacity, &gone).get());
+            if (opacity) {
+                facts.opacity = static_cast<double>(*opacity) / 4294967295.0;
+            }
+        }
+        if (f & X11WindowFacts::Title) {
+            facts.title = QString::fromUtf8(bytes(takeProperty(xcb, entry.title, &gone).get()));
+        }
+        if (f & X11WindowFacts::Class) {
+            // Two NUL-terminated strings: the instance, then the class.
+            const QByteArray value = bytes(takeProperty(xcb, entry.wmClass, &gone).get());
+            const qsizetype split = value.indexOf('\0');
+            facts.classInstance = split < 0 ? value : value.left(split);
+            if (split >= 0) {
+                QByteArray rest = value.mid(split + 1);
+                const qsizetype end = rest.indexOf('\0');
+                facts.className = end < 0 ? rest : rest.left(end);
+            }
+        }
+        if (f & X11WindowFacts::SizeHints) {
+            const QList<uint32_t> hints = cardinals(takeProperty(xcb, entry.hints, &gone).get());
+            constexpr uint32_t kMinimumSize = 1u << 4;
+            constexpr uint32_t kMaximumSize = 1u << 5;
+            if (hints.size() >= 9) {
+                if (hints[0] & kMinimumSize) {
+                    facts.minimumSize = QSize(static_cast<int>(hints[5]), static_cast<int>(hints[6]));
+                }
+                if (hints[0] & kMaximumSize) {
+                    facts.maximumSize = QSize(static_cast<int>(hints[7]), static_cast<int>(hints[8]));
+                }
+            }
+        }
+        facts.exists = !gone;
+        result.append(facts);
+    }
+    pending.clear();
+    return result;
+}
+
+X11WindowReader::PendingPids X11WindowReader::sendPidQueries(const QList<xcb_window_t>& windows) {
+    PendingPids pending;
+    if (!m_hasResource) {
+        return pending;
+    }
+    for (xcb_window_t window : windows) {
+        const xcb_res_client_id_spec_t spec{window, XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID};
+        pending.append({window, xcb_res_query_client_ids(m_connection.xcb(), 1, &spec)});
+    }
+    return pending;
+}
+
+QHash<xcb_window_t, pid_t> X11WindowReader::collectPids(PendingPids& pending) {
+    QHash<xcb_window_t, pid_t> pids;
+    for (const PendingPid& entry : pending) {
+        bool gone = false;
+        const auto reply = take<xcb_res_query_client_ids_reply_t>(m_connection.xcb(), entry.cookie,
+                                                                  xcb_res_query_client_ids_reply, &gone);
+        if (!reply) {
+            continue;
+        }
+        for (auto it = xcb_res_query_client_ids_ids_iterator(reply.get()); it.rem > 0;
+             xcb_res_client_id_value_next(&it)) {
+            if ((it.data->spec.mask & XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID) != 0 &&
+                xcb_res_client_id_value_value_length(it.data) >= 1) {
+                const uint32_t pid = xcb_res_client_id_value_value(it.data)[0];
+                if (pid > 0 && pid <= 0x7fffffffu) {
+                    pids.insert(entry.window, static_cast<pid_t>(pid));
+                }
+            }
+        }
+    }
+    pending.clear();
+    return pids;
+}
+
+void X11WindowReader::resolveMissingPids(QList<X11WindowFacts>& windows) {
+    QList<xcb_window_t> missing;
+    for (const X11WindowFacts& facts : windows) {
+        if (facts.exists && !facts.pid) {
+            missing.append(facts.window);
+        }
+    }
+    if (missing.isEmpty()) {
+        return;
+    }
+    PendingPids pending = sendPidQueries(missing);
+    const QHash<xcb_window_t, pid_t> pids = collectPids(pending);
+    for (X11WindowFacts& facts : windows) {
+        if (!facts.pid && pids.contains(facts.window)) {
+            facts.pid = pids.value(facts.window);
+        }
+    }
+}

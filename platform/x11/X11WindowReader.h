@@ -1,0 +1,76 @@
+#pragma once
+
+#include <xcb/res.h>
+#include <xcb/xcb.h>
+
+#include <QHash>
+#include <QList>
+
+#include "platform/x11/X11WindowFacts.h"
+
+class X11Connection;
+
+// Reads windows and the root window with every request of a stage in flight before the first reply is
+// awaited, so a whole desktop costs a few round trips. Uses only requests with replies, so it is safe
+// on any thread: errors come back with the replies, never through the event queue.
+class X11WindowReader {
+public:
+    enum RootField : unsigned {
+        ClientList = 1u << 0,
+        Children = 1u << 1,
+        ActiveWindow = 1u << 2,
+        CurrentDesktop = 1u << 3,
+        WmCheck = 1u << 4,
+        GlobalOrigin = 1u << 5,
+    };
+    struct Request {
+        xcb_window_t window = XCB_NONE;
+        unsigned fields = 0;
+    };
+    // The cookies of requests in flight.
+    struct PendingWindow {
+        Request request;
+        xcb_get_window_attributes_cookie_t attributes{};
+        xcb_get_geometry_cookie_t geometry{};
+        xcb_translate_coordinates_cookie_t position{};
+        xcb_get_property_cookie_t extents{};
+        xcb_get_property_cookie_t type{};
+        xcb_get_property_cookie_t transient{};
+        xcb_get_property_cookie_t state{};
+        xcb_get_property_cookie_t desktop{};
+        xcb_get_property_cookie_t pid{};
+        xcb_get_property_cookie_t opacity{};
+        xcb_get_property_cookie_t title{};
+        xcb_get_property_cookie_t wmClass{};
+        xcb_get_property_cookie_t hints{};
+    };
+    struct PendingPid {
+        xcb_window_t window = XCB_NONE;
+        xcb_res_query_client_ids_cookie_t cookie{};
+    };
+    using PendingWindows = QList<PendingWindow>;
+    using PendingPids = QList<PendingPid>;
+
+    explicit X11WindowReader(X11Connection& connection);
+
+    X11Connection& connection() const { return m_connection; }
+
+    // One round trip.
+    X11RootFacts readRoot(unsigned fields);
+
+    // One round trip for all the windows.
+    QList<X11WindowFacts> readWindows(const QList<Request>& requests);
+    PendingWindows sendWindowRequests(const QList<Request>& requests);
+    QList<X11WindowFacts> collectWindows(PendingWindows& pending);
+
+    // The creator's pid of each window, from the X-Resource extension (local clients only).
+    PendingPids sendPidQueries(const QList<xcb_window_t>& windows);
+    QHash<xcb_window_t, pid_t> collectPids(PendingPids& pending);
+    // Fills the pid of every existing window that has none, in one round trip.
+    void resolveMissingPids(QList<X11WindowFacts>& windows);
+
+private:
+    X11Connection& m_connection;
+    bool m_hasResource = false;
+    bool m_hasRandr = false;
+};

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <functional>
+
+#include "platform/WindowServer.h"
+#include "platform/x11/X11WindowKinds.h"
+#include "platform/x11/X11WindowReader.h"
+
+class X11Connection;
+class X11WindowDesktopEntries;
+
+// The window list of an X11 desktop: every top-level client window, front to back, with its frame in
+// the global display space. Safe to call from a background thread.
+class X11WindowServer : public WindowServer {
+public:
+    X11WindowServer(X11Connection& connection, X11WindowDesktopEntries& entries);
+
+    std::optional<QList<WindowInfo>> copyWindowInfo(quint32 options) override;
+
+    // Runs between reading the window manager's list and reading the windows, so that tests can make
+    // windows vanish at that moment.
+    void setAfterListingHookForTesting(std::function<void()> hook) { m_afterListing = std::move(hook); }
+
+private:
+    X11WindowReader m_reader;
+    X11WindowKinds m_kinds;
+    X11WindowDesktopEntries& m_entries;
+    std::function<void()> m_afterListing;
+};

@@ -1,0 +1,71 @@
+#include "platform/x11/X11WindowTable.h"
+
+#include <QSet>
+
+#include "platform/x11/X11Connection.h"
+
+X11WindowTable X11WindowTable::read(X11WindowReader& reader, unsigned managedFields,
+                                    const std::function<void()>& afterListing) {
+    X11WindowTable table;
+    table.root =
+        reader.readRoot(X11WindowReader::ClientList | X11WindowReader::Children | X11WindowReader::ActiveWindow |
+                        X11WindowReader::CurrentDesktop | X11WindowReader::GlobalOrigin);
+    if (!table.root.connected) {
+        return table;
+    }
+    if (afterListing) {
+        afterListing();
+    }
+    const unsigned fields = managedFields | X11WindowFacts::Pid | X11WindowFacts::Attributes;
+
+    // Stage 2: every managed client, and the attributes of every other root child.
+    const QSet<xcb_window_t> managed(table.root.clientListStacking.cbegin(), table.root.clientListStacking.cend());
+    QList<X11WindowReader::Request> requests;
+    requests.reserve(table.root.clientListStacking.size() + table.root.rootChildren.size());
+    for (auto it = table.root.clientListStacking.crbegin(); it != table.root.clientListStacking.crend(); ++it) {
+        requests.append({*it, fields});
+    }
+    const qsizetype managedCount = requests.size();
+    for (auto it = table.root.rootChildren.crbegin(); it != table.root.rootChildren.crend(); ++it) {
+        if (!managed.contains(*it)) {
+            requests.append({*it, X11WindowFacts::Attributes});
+        }
+    }
+    const QList<X11WindowFacts> stage2 = reader.readWindows(requests);
+
+    // Stage 3: the override-redirect windows' properties, and the creators of managed windows without a pid.
+    QList<X11WindowFacts> managedWindows;
+    QList<xcb_window_t> withoutPid;
+    for (qsizetype i = 0; i < managedCount; ++i) {
+        if (stage2[i].exists) {
+            managedWindows.append(stage2[i]);
+            managedWindows.last().managed = true;
+            if (!stage2[i].pid) {
+                withoutPid.append(stage2[i].window);
+            }
+        }
+    }
+    QList<X11WindowReader::Request> unmanagedRequests;
+    for (qsizetype i = managedCount; i < stage2.size(); ++i) {
+        const X11WindowFacts& child = stage2[i];
+        if (child.exists && child.overrideRedirect && !child.inputOnly) {
+            unmanagedRequests.append({child.window, fields});
+        }
+    }
+    X11WindowReader::PendingWindows pendingUnmanaged = reader.sendWindowRequests(unmanagedRequests);
+    X11WindowReader::PendingPids pendingPids = reader.sendPidQueries(withoutPid);
+    QList<X11WindowFacts> unmanagedWindows = reader.collectWindows(pendingUnmanaged);
+    const QHash<xcb_window_t, pid_t> pids = reader.collectPids(pendingPids);
+    for (X11WindowFacts& facts : managedWindows) {
+        if (!facts.pid && pids.contains(facts.window)) {
+            facts.pid = pids.value(facts.window);
+        }
+    }
+
+    // Stage 4: the creators of override-redirect windows without a pid.
+    unmanagedWindows.removeIf([](const X11WindowFacts& facts) { return !facts.exists; });
+    reader.resolveMissingPids(unmanagedWindows);
+
+    table.windows = unmanagedWindows + managedWindows;
+    return table;
+}

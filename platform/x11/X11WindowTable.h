@@ -1,0 +1,21 @@
+#pragma once
+
+#include <QList>
+#include <functional>
+
+#include "platform/x11/X11WindowFacts.h"
+#include "platform/x11/X11WindowReader.h"
+
+// Every top-level client window of the desktop, front to back: unmanaged (override-redirect) windows
+// first, top-most first, then the window manager's clients from its stacking list, reversed. Windows
+// that vanish while being read are left out.
+struct X11WindowTable {
+    X11RootFacts root;
+    QList<X11WindowFacts> windows;
+
+    // Reads the whole desktop in four pipelined stages. managedFields says what to read of each
+    // managed window; unmanaged windows get the same fields. Pid is always resolved, through the
+    // X-Resource extension when the window does not carry one.
+    static X11WindowTable read(X11WindowReader& reader, unsigned managedFields,
+                               const std::function<void()>& afterListing = {});
+};

@@ -1,0 +1,91 @@
+#include "tests/x11windows/X11DesktopFixture.h"
+
+#include <cstdlib>
+
+#include "platform/Platform.h"
+#include "platform/x11/X11Connection.h"
+#include "tests/support/VirtualDesktop.h"
+
+void X11DesktopFixture::SetUp() {
+    platform = X11Platform::connect();
+    ASSERT_TRUE(platform) << "no X server";
+    platform->install();
+    // The first monitor of the layout is the primary one.
+    globalOrigin = VirtualDesktop::layout().value(0).topLeft();
+    ASSERT_TRUE(client.start()) << "the test client did not start";
+}
+
+void X11DesktopFixture::TearDown() {
+    if (client.isRunning() && !client.exit()) {
+        client.kill();
+    }
+    Platform::install({});
+    platform.reset();
+}
+
+xcb_connection_t* X11DesktopFixture::xcb() const {
+    return platform->connection().xcb();
+}
+
+WindowInfo X11DesktopFixture::entryFor(quint32 window, quint32 options) {
+    const auto list = Platform::services().windowServer->copyWindowInfo(options);
+    if (!list) {
+        return {};
+    }
+    for (const WindowInfo& entry : *list) {
+        if (entry.value(QLatin1String(kCGWindowNumber)).toLongLong() == window) {
+            return entry;
+        }
+    }
+    return {};
+}
+
+QRectF X11DesktopFixture::boundsOf(const WindowInfo& entry) {
+    const QVariantMap bounds = entry.value(QLatin1String(kCGWindowBounds)).toMap();
+    return QRectF(bounds.value(QStringLiteral("X")).toDouble(), bounds.value(QStringLiteral("Y")).toDouble(),
+                  bounds.value(QStringLiteral("Width")).toDouble(), bounds.value(QStringLiteral("Height")).toDouble());
+}
+
+QRect X11DesktopFixture::frameFromTree(quint32 window) {
+    xcb_window_t current = window;
+    const xcb_window_t root = platform->connection().root();
+    for (int depth = 0; depth < 16; ++depth) {
+        xcb_query_tree_reply_t* tree = xcb_query_tree_reply(xcb(), xcb_query_tree(xcb(), current), nullptr);
+        if (tree == nullptr) {
+            return {};
+        }
+        const xcb_window_t parent = tree->parent;
+        std::free(tree);
+        if (parent == root) {
+            break;
+        }
+        current = parent;
+    }
+    xcb_get_geometry_reply_t* geometry = xcb_get_geometry_reply(xcb(), xcb_get_geometry(xcb(), current), nullptr);
+    if (geometry == nullptr) {
+        return {};
+    }
+    const QRect frame(geometry->x, geometry->y, geometry->width + 2 * geometry->border_width,
+                      geometry->height + 2 * geometry->border_width);
+    std::free(geometry);
+    return frame.translated(-globalOrigin);
+}
+
+QList<QRect> X11DesktopFixture::monitors() const {
+    QList<QRect> result;
+    for (const QRect& monitor : VirtualDesktop::layout()) {
+        result.append(monitor.translated(-globalOrigin));
+    }
+    return result;
+}
+
+QString X11DesktopFixture::placement(int monitor, int dx, int dy, int width, int height) const {
+    const QRect root = VirtualDesktop::layout().value(monitor);
+    return QStringLiteral("x=%1 y=%2 w=%3 h=%4").arg(root.x() + dx).arg(root.y() + dy).arg(width).arg(height);
+}
+
+bool X11DesktopFixture::near(const QRectF& actual, const QRectF& expected, double tolerance) {
+    return qAbs(actual.x() - expected.x()) <= tolerance && qAbs(actual.y() - expected.y()) <= tolerance &&
+           qAbs(actual.width() - expected.width()) <= tolerance &&
+           qAbs(actual.height() - expected.height()) <= tolerance;
+}

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <gtest/gtest.h>
+#include <xcb/xcb.h>
+
+#include <QRect>
+#include <memory>
+
+#include "platform/WindowServer.h"
+#include "platform/x11/X11Platform.h"
+#include "tests/testclient/TestClient.h"
+
+// A test on the virtual desktop with the real X11 services installed and one test client running.
+class X11DesktopFixture : public ::testing::Test {
+protected:
+    void SetUp() override;
+    void TearDown() override;
+
+    xcb_connection_t* xcb() const;
+    // The entry of the window list for a window, or an empty map.
+    WindowInfo entryFor(quint32 window, quint32 options = kCGWindowListOptionAll);
+    // The bounds of a window-list entry.
+    static QRectF boundsOf(const WindowInfo& entry);
+    // The frame the window manager drew around a client, read from the window tree itself
+    // (the client's top-level ancestor), in the global display space.
+    QRect frameFromTree(quint32 window);
+    // The monitors, in the global display space, left to right.
+    QList<QRect> monitors() const;
+    // Options that place a w x h window at an offset inside a monitor.
+    QString placement(int monitor, int dx, int dy, int width, int height) const;
+    // True when the frame lies within tolerance of the rectangle.
+    static bool near(const QRectF& actual, const QRectF& expected, double tolerance = 2.0);
+
+    std::unique_ptr<X11Platform> platform;
+    TestClient client;
+    QPoint globalOrigin;  // root coordinates of the global space's origin
+};
