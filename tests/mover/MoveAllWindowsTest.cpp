@@ -1,0 +1,312 @@
+#include "tests/mover/MoverFixture.h"
+
+namespace {
+
+class MoveAllWindows : public MoverTest {
+protected:
+    WindowMoveResult moveAll(bool adjust = false, const std::optional<QSet<pid_t>>& pids = std::nullopt,
+                             bool reveal = false) {
+        WindowMoveResult result;
+        m_diagnostics =
+            diagnosticLines([&] { result = WindowMover::moveWindows(m_source, m_destination, adjust, pids, reveal); });
+        return result;
+    }
+    const QStringList& diagnostics() const { return m_diagnostics; }
+
+    DisplaySnapshot m_source = left;
+    DisplaySnapshot m_destination = right;
+
+private:
+    QStringList m_diagnostics;
+};
+
+const QRectF kCentred(480, 270, 960, 540);  // centred on the left display, half its width and height
+
+TEST_F(MoveAllWindows, KeepSizeMovesWindowToSameRelativeCentre) {
+    addWindow(100, 11, kCentred);
+    EXPECT_EQ(moveAll(), (WindowMoveResult{1, 1}));
+    EXPECT_EQ(platform.accessibility.frame(11), QRectF(2720, 450, 960, 540));
+    EXPECT_TRUE(platform.accessibility.writes(AXUIElement::window(11), QStringLiteral("AXSize")).isEmpty());
+}
+
+TEST_F(MoveAllWindows, DiagnosticLinesHaveTheirExactForm) {
+    addWindow(100, 11, kCentred);
+    moveAll();
+    ASSERT_EQ(diagnostics().size(), 3) << diagnostics().join(QLatin1Char('\n')).toStdString();
+    EXPECT_EQ(diagnostics()[0],
+              QStringLiteral("[WindowMoveDiag] BEGIN source=Left#1 sourceAX=(0.0, 0.0, 1920.0, 1080.0) "
+                             "sourceCG=(0.0, 0.0, 1920.0, 1080.0) destination=Right#2 "
+                             "destAX=(1920.0, 0.0, 2560.0, 1440.0) destCG=(1920.0, 0.0, 2560.0, 1440.0) "
+                             "targetPIDs=all"));
+    EXPECT_EQ(diagnostics()[1],
+              QStringLiteral("[WindowMoveDiag] START app=Editor [pid:100], windowID=11, frameSource=AX, "
+                             "centerLike=true, adjustSize=false, frame=(480.0, 270.0, 960.0, 540.0), "
+                             "normalizedCenter=(0.5000,0.5000), normalizedRect=(0.2500,0.2500,0.5000,0.5000)"));
+    EXPECT_EQ(diagnostics()[2],
+              QStringLiteral("[WindowMoveDiag] RESULT app=Editor [pid:100], windowID=11, centerLike=true, "
+                             "keepSize=true, posErr=success, targetOrigin=(2720.0, 450.0), "
+                             "postFrame=(2720.0, 450.0, 960.0, 540.0), postNormalizedCenter=(0.5000,0.5000)"));
+    EXPECT_TRUE(trace.contains(
+        QStringLiteral("moveAllWindows start: source=Left#1 -> destination=Right#2, sourceWindowIDsAcrossApps=1")));
+    EXPECT_TRUE(trace.contains(QStringLiteral("Editor [pid:100]: mergedAXWindows=1, sourceWindowIDs=1")));
+    EXPECT_TRUE(trace.contains(QStringLiteral("Editor [pid:100]: attempted=1, moved=1")));
+    EXPECT_TRUE(trace.contains(QStringLiteral("moveAllWindows done: attempted=1, moved=1")));
+}
+
+TEST_F(MoveAllWindows, AdjustSizeKeepsShareOfDisplayWithThreeWrites) {
+    addWindow(100, 11, kCentred);
+    EXPECT_EQ(moveAll(true), (WindowMoveResult{1, 1}));
+    EXPECT_EQ(platform.accessibility.frame(11), QRectF(2560, 360, 1280, 720));
+    const QList<FakeAccessibility::Write> writes = platform.accessibility.writes();
+    ASSERT_EQ(writes.size(), 3);
+    EXPECT_EQ(writes[0].attribute, QStringLiteral("AXPosition"));
+    EXPECT_EQ(writes[1].attribute, QStringLiteral("AXSize"));
+    EXPECT_EQ(writes[1].value, QVariant(QSizeF(1280, 720)));
+    EXPECT_EQ(writes[2].attribute, QStringLiteral("AXPosition"));
+    ASSERT_EQ(diagnostics().size(), 3);
+    EXPECT_EQ(diagnostics()[2],
+              QStringLiteral("[WindowMoveDiag] RESULT app=Editor [pid:100], windowID=11, centerLike=true, "
+                             "initialPosErr=success, sizeErr=success, finalPosErr=success, "
+                             "targetSize=(1280.0, 720.0), actualSize=(1280.0, 720.0), desiredOrigin=(2560.0, 360.0), "
+                             "finalOrigin=(2560.0, 360.0), postFrame=(2560.0, 360.0, 1280.0, 720.0), "
+                             "postNormalizedCenter=(0.5000,0.5000)"));
+}
+
+TEST_F(MoveAllWindows, RefusedSizeKeepsSizeAndIsCentredByActualSize) {
+    addWindow(100, 11, kCentred);
+    platform.accessibility.ignoreWrites(AXUIElement::window(11), QStringLiteral("AXSize"));
+    EXPECT_EQ(moveAll(true), (WindowMoveResult{1, 1}));
+    EXPECT_EQ(platform.accessibility.frame(11), QRectF(2720, 450, 960, 540));
+    EXPECT_TRUE(trace.hasLineStartingWith(QStringLiteral("Editor [pid:100]: resize status windowID=11, ")));
+}
+
+TEST_F(MoveAllWindows, WindowListedByBothListsIsProcessedOnce) {
+    addWindow(100, 11, kCentred);  // listed by "AXWindows" and "AXAllWindows"
+    EXPECT_EQ(moveAll(), (WindowMoveResult{1, 1}));
+    EXPECT_EQ(platform.accessibility.writes(AXUIElement::window(11), QStringLiteral("AXPosition")).size(), 1);
+}
+
+TEST_F(MoveAllWindows, WindowWithUnknownNumberOverlappingSourceByOnePointIsAttempted) {
+    platform.workspace.addApplication(100, QStringLiteral("Editor"));
+    platform.accessibility.addWindow(100,
+                                     {.number = 11, .frame = QRectF(1919, 100, 800, 600), .numberReadable = false});
+    EXPECT_EQ(moveAll(), (WindowMoveResult{1, 1}));
+    ASSERT_EQ(diagnostics().size(), 3);
+    EXPECT_TRUE(diagnostics()[1].contains(QStringLiteral("windowID=n/a, frameSource=AX")));
+}
+
+TEST_F(MoveAllWindows, WindowWithUnknownNumberTouchingSourceEdgeIsNotCounted) {
+    platform.workspace.addApplication(100, QStringLiteral("Editor"));
+    platform.accessibility.addWindow(100,
+                                     {.number = 11, .frame = QRectF(1920, 100, 800, 600), .numberReadable = false});
+    EXPECT_EQ(moveAll(), (WindowMoveResult{0, 0}));
+    EXPECT_TRUE(platform.accessibility.writes().isEmpty());
+}
+
+TEST_F(MoveAllWindows, WindowInSourceWindowListIsAttemptedEvenWhenAccessibilityFrameIsElsewhere) {
+    addWindow(100, 11, QRectF(100, 100, 800, 600));
+    platform.accessibility.setValue(AXUIElement::window(11), QStringLiteral("AXPosition"), QPointF(2500, 100));
+    EXPECT_EQ(moveAll(), (WindowMoveResult{1, 1}));
+}
+
+TEST_F(MoveAllWindows, WindowOnAnotherDisplayIsNeitherAttemptedNorMoved) {
+    addWindow(100, 11, QRectF(2500, 100, 800, 600));
+    EXPECT_EQ(moveAll(), (WindowMoveResult{0, 0}));
+    EXPECT_TRUE(platform.accessibility.writes().isEmpty());
+}
+
+TEST_F(MoveAllWindows, WindowOnlyInFullListIsMovedThenUnminimised) {
+    platform.workspace.addApplication(100, QStringLiteral("Editor"));
+    platform.windowServer.setWindows(
+        {{.number = 12, .pid = 100, .ownerName = QStringLiteral("Editor"), .bounds = kCentred, .onScreen = false}});
+    platform.accessibility.addWindow(100, {.number = 12, .frame = kCentred, .inWindows = false});
+    EXPECT_EQ(moveAll(false, QSet<pid_t>{100}, true), (WindowMoveResult{1, 1}));
+    const QList<FakeAccessibility::Write> writes = platform.accessibility.writes();
+    ASSERT_EQ(writes.size(), 3);
+    EXPECT_EQ(writes[0].element, AXUIElement::window(12));
+    EXPECT_EQ(writes[0].attribute, QStringLiteral("AXPosition"));
+    EXPECT_EQ(writes[1].element, AXUIElement::application(100));
+    EXPECT_EQ(writes[1].attribute, QStringLiteral("AXHidden"));
+    EXPECT_EQ(writes[1].value, QVariant(false));
+    EXPECT_EQ(writes[2].element, AXUIElement::window(12));
+    EXPECT_EQ(writes[2].attribute, QStringLiteral("AXMinimized"));
+    EXPECT_EQ(writes[2].value, QVariant(false));
+}
+
+TEST_F(MoveAllWindows, NothingIsRevealedWithoutTheRevealFlagOrWithoutAMovedWindow) {
+    addWindow(100, 11, kCentred);
+    moveAll(false, std::nullopt, false);
+    EXPECT_TRUE(platform.accessibility.writes(AXUIElement::application(100), QStringLiteral("AXHidden")).isEmpty());
+
+    platform.accessibility.clearWrites();
+    platform.accessibility.setWriteError(AXUIElement::window(11), QStringLiteral("AXPosition"), kAXErrorFailure);
+    platform.accessibility.setValue(AXUIElement::window(11), QStringLiteral("AXPosition"), kCentred.topLeft());
+    EXPECT_EQ(moveAll(false, std::nullopt, true), (WindowMoveResult{0, 1}));
+    EXPECT_TRUE(platform.accessibility.writes(AXUIElement::application(100), QStringLiteral("AXHidden")).isEmpty());
+}
+
+TEST_F(MoveAllWindows, EmptyTargetSetMovesNothing) {
+    addWindow(100, 11, kCentred);
+    EXPECT_EQ(moveAll(false, QSet<pid_t>{}), (WindowMoveResult{0, 0}));
+    EXPECT_TRUE(platform.accessibility.writes().isEmpty());
+    ASSERT_EQ(diagnostics().size(), 1);
+    EXPECT_TRUE(diagnostics()[0].endsWith(QStringLiteral(" targetPIDs=")));
+}
+
+TEST_F(MoveAllWindows, TargetSetLimitsMoveToThoseApplications) {
+    addWindow(100, 11, kCentred);
+    addWindow(200, 21, QRectF(100, 100, 400, 300), QStringLiteral("Mail"));
+    EXPECT_EQ(moveAll(false, QSet<pid_t>{200}), (WindowMoveResult{1, 1}));
+    EXPECT_TRUE(platform.accessibility.writes(AXUIElement::window(11), QStringLiteral("AXPosition")).isEmpty());
+    EXPECT_EQ(platform.accessibility.writes(AXUIElement::window(21), QStringLiteral("AXPosition")).size(), 1);
+    EXPECT_TRUE(diagnostics()[0].endsWith(QStringLiteral(" targetPIDs=200")));
+}
+
+TEST_F(MoveAllWindows, OnlyRegularRunningApplicationsWithValidPidAreMoved) {
+    addWindow(100, 11, kCentred);
+    platform.workspace.applications[0].activationPolicy = ActivationPolicy::Accessory;
+    addWindow(200, 21, kCentred);
+    platform.workspace.applications[1].isTerminated = true;
+    addWindow(0, 31, kCentred);
+    EXPECT_EQ(moveAll(), (WindowMoveResult{0, 0}));
+    EXPECT_TRUE(platform.accessibility.writes().isEmpty());
+}
+
+TEST_F(MoveAllWindows, ApplicationsAreVisitedInWorkspaceOrder) {
+    addWindow(200, 21, QRectF(100, 100, 400, 300), QStringLiteral("Mail"));
+    addWindow(100, 11, kCentred);
+    moveAll();
+    const QList<FakeAccessibility::Write> writes = platform.accessibility.writes();
+    ASSERT_EQ(writes.size(), 2);
+    EXPECT_EQ(writes[0].element, AXUIElement::window(21));
+    EXPECT_EQ(writes[1].element, AXUIElement::window(11));
+}
+
+TEST_F(MoveAllWindows, ApplicationWithoutNameIsLabelledUnknownApp) {
+    platform.workspace.addApplication(100, std::nullopt);
+    addWindow(100, 11, kCentred);
+    moveAll();
+    ASSERT_EQ(diagnostics().size(), 3);
+    EXPECT_TRUE(diagnostics()[1].startsWith(QStringLiteral("[WindowMoveDiag] START app=Unknown App [pid:100], ")));
+}
+
+TEST_F(MoveAllWindows, ApplicationWithoutAccessibleWindowsIsSkipped) {
+    platform.workspace.addApplication(100, QStringLiteral("Editor"));
+    platform.windowServer.setWindows({{.number = 11, .pid = 100, .bounds = kCentred}});
+    EXPECT_EQ(moveAll(), (WindowMoveResult{0, 0}));
+    EXPECT_TRUE(trace.contains(QStringLiteral("Editor [pid:100]: no accessible windows returned")));
+}
+
+TEST_F(MoveAllWindows, WithoutAccessibilityTrustNothingIsMoved) {
+    addWindow(100, 11, kCentred);
+    const AXUIElement app = AXUIElement::application(100);
+    platform.accessibility.setReadError(app, QStringLiteral("AXWindows"), kAXErrorAPIDisabled);
+    platform.accessibility.setReadError(app, QStringLiteral("AXAllWindows"), kAXErrorAPIDisabled);
+    EXPECT_EQ(moveAll(), (WindowMoveResult{0, 0}));
+}
+
+TEST_F(MoveAllWindows, FrameFromWindowListIsUsedMirroredWhenAccessibilityHasNone) {
+    addWindow(100, 11, QRectF(100, 50, 400, 100));
+    platform.accessibility.setReadError(AXUIElement::window(11), QStringLiteral("AXPosition"), kAXErrorCannotComplete);
+    EXPECT_EQ(moveAll(), (WindowMoveResult{1, 1}));
+    ASSERT_EQ(diagnostics().size(), 3);
+    EXPECT_TRUE(
+        diagnostics()[1].contains(QStringLiteral("frameSource=CGFallbackConverted, centerLike=false, adjustSize=false, "
+                                                 "frame=(100.0, 930.0, 400.0, 100.0)")))
+        << diagnostics()[1].toStdString();
+}
+
+TEST_F(MoveAllWindows, OnePointAccessibilityFrameFallsBackToWindowList) {
+    addWindow(100, 11, QRectF(100, 50, 400, 100));
+    platform.accessibility.setValue(AXUIElement::window(11), QStringLiteral("AXSize"), QSizeF(1, 100));
+    moveAll();
+    ASSERT_EQ(diagnostics().size(), 3);
+    EXPECT_TRUE(diagnostics()[1].contains(QStringLiteral("frameSource=CGFallbackConverted")));
+}
+
+TEST_F(MoveAllWindows, WindowWithoutAnyFrameIsSkippedAndNotCounted) {
+    platform.workspace.addApplication(100, QStringLiteral("Editor"));
+    platform.accessibility.addWindow(100, {.number = 11, .frame = kCentred, .numberReadable = false});
+    platform.accessibility.removeValue(AXUIElement::window(11), QStringLiteral("AXSize"));
+    EXPECT_EQ(moveAll(), (WindowMoveResult{0, 0}));
+    EXPECT_TRUE(trace.contains(QStringLiteral("Editor [pid:100]: skip window without frame, windowID=n/a")));
+}
+
+TEST_F(MoveAllWindows, FailedPositionWriteCountsAsAttemptedNotMoved) {
+    addWindow(100, 11, kCentred);
+    platform.accessibility.setWriteError(AXUIElement::window(11), QStringLiteral("AXPosition"), kAXErrorCannotComplete);
+    EXPECT_EQ(moveAll(), (WindowMoveResult{0, 1}));
+    EXPECT_TRUE(trace.hasLineStartingWith(
+        QStringLiteral("Editor [pid:100]: failed setPosition (keep size) windowID=11, error=cannotComplete, ")));
+    ASSERT_EQ(diagnostics().size(), 3);
+    EXPECT_TRUE(
+        diagnostics()[2].contains(QStringLiteral("posErr=cannotComplete, targetOrigin=(2720.0, 450.0), "
+                                                 "postFrame=(480.0, 270.0, 960.0, 540.0)")));
+}
+
+TEST_F(MoveAllWindows, EmptySourceBoundsMoveNothing) {
+    addWindow(100, 11, kCentred);
+    m_source.bounds = QRectF(0, 0, 0, 0);
+    EXPECT_EQ(moveAll(), (WindowMoveResult{0, 0}));
+    EXPECT_TRUE(platform.accessibility.writes().isEmpty());
+}
+
+TEST_F(MoveAllWindows, SourceWithoutPositiveSizeCountsWindowsButDoesNotMoveThem) {
+    addWindow(100, 11, kCentred);
+    m_source.bounds = QRectF(1920, 0, -1920, 1080);  // covers the left display, but its width is negative
+    EXPECT_EQ(moveAll(), (WindowMoveResult{0, 1}));
+    EXPECT_TRUE(platform.accessibility.writes().isEmpty());
+    EXPECT_TRUE(trace.contains(QStringLiteral("Editor [pid:100]: invalid source bounds, skipping resize/move")));
+}
+
+// Two displays showing the same area: a window keeps its origin unless the clamp moves it.
+class MoveBetweenMirroredDisplays : public MoveAllWindows {
+protected:
+    void SetUp() override { m_destination = display(2, QStringLiteral("Mirror"), 2, left.bounds); }
+    void addStuckWindow(const QRectF& frame) {
+        addWindow(100, 11, frame);
+        platform.accessibility.setWriteError(AXUIElement::window(11), QStringLiteral("AXPosition"), kAXErrorFailure);
+    }
+};
+
+TEST_F(MoveBetweenMirroredDisplays, WindowWithinOneAndAHalfPointsOfTargetCountsAsMovedDespiteErrors) {
+    addStuckWindow(QRectF(-1.5, 270, 960, 540));  // the clamp puts it at x = 0
+    EXPECT_EQ(moveAll(true), (WindowMoveResult{1, 1}));
+}
+
+TEST_F(MoveBetweenMirroredDisplays, WindowFartherThanOneAndAHalfPointsFromTargetIsNotMoved) {
+    addStuckWindow(QRectF(-1.6, 270, 960, 540));
+    EXPECT_EQ(moveAll(true), (WindowMoveResult{0, 1}));
+    EXPECT_TRUE(trace.hasLineStartingWith(QStringLiteral(
+        "Editor [pid:100]: failed setPosition windowID=11, initialError=failure, finalError=failure, ")));
+}
+
+TEST_F(MoveAllWindows, AdjustSizeCountsMovedWhenOnlyFinalPositionWriteSucceeds) {
+    addWindow(100, 11, kCentred);
+    platform.accessibility.failNextWrite(AXUIElement::window(11), QStringLiteral("AXPosition"), kAXErrorCannotComplete);
+    EXPECT_EQ(moveAll(true), (WindowMoveResult{1, 1}));
+    EXPECT_EQ(platform.accessibility.frame(11), QRectF(2560, 360, 1280, 720));
+    ASSERT_EQ(diagnostics().size(), 3);
+    EXPECT_TRUE(diagnostics()[2].contains(
+        QStringLiteral("initialPosErr=cannotComplete, sizeErr=success, finalPosErr=success")));
+}
+
+TEST_F(MoveAllWindows, AdjustSizeWithBothPositionWritesFailingFarFromTargetIsNotMoved) {
+    addWindow(100, 11, kCentred);
+    platform.accessibility.setWriteError(AXUIElement::window(11), QStringLiteral("AXPosition"), kAXErrorCannotComplete);
+    EXPECT_EQ(moveAll(true), (WindowMoveResult{0, 1}));
+    ASSERT_EQ(diagnostics().size(), 3);
+    EXPECT_TRUE(diagnostics()[2].contains(
+        QStringLiteral("initialPosErr=cannotComplete, sizeErr=success, finalPosErr=cannotComplete")));
+}
+
+TEST_F(MoveAllWindows, DestinationThatGivesNoFiniteOriginFailsWithoutWriting) {
+    addWindow(100, 11, kCentred);
+    m_destination.bounds = QRectF(qQNaN(), 0, 2560, 1440);
+    EXPECT_EQ(moveAll(), (WindowMoveResult{0, 1}));
+    EXPECT_TRUE(platform.accessibility.writes().isEmpty());
+    ASSERT_EQ(diagnostics().size(), 3);
+    EXPECT_TRUE(diagnostics()[2].contains(QStringLiteral("posErr=failure")));
+}
+
+}  // namespace

@@ -1,0 +1,69 @@
+#include "tests/mover/MoverFixture.h"
+
+namespace {
+TraceCapture* g_activeCapture = nullptr;
+}  // namespace
+
+TraceCapture::TraceCapture() {
+    QLoggingCategory::setFilterRules(QStringLiteral("lattica.mover.debug=true"));
+    g_activeCapture = this;
+    m_previous = qInstallMessageHandler(&TraceCapture::handler);
+}
+
+TraceCapture::~TraceCapture() {
+    qInstallMessageHandler(m_previous);
+    g_activeCapture = nullptr;
+    QLoggingCategory::setFilterRules(QString());
+}
+
+bool TraceCapture::hasLineStartingWith(const QString& prefix) const {
+    for (const QString& line : m_lines) {
+        if (line.startsWith(prefix)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+void TraceCapture::handler(QtMsgType type, const QMessageLogContext& context, const QString& message) {
+    if (g_activeCapture != nullptr && type == QtDebugMsg && qstrcmp(context.category, "lattica.mover") == 0) {
+        g_activeCapture->m_lines.append(message);
+    }
+}
+
+DisplaySnapshot MoverTest::display(CGDirectDisplayID id, const QString& name, int index, const QRectF& bounds) {
+    DisplaySnapshot snapshot;
+    snapshot.id = id;
+    snapshot.persistentID = QStringLiteral("display-%1").arg(id);
+    snapshot.name = name;
+    snapshot.index = index;
+    snapshot.bounds = bounds;
+    return snapshot;
+}
+
+void MoverTest::addWindow(pid_t pid, qint64 number, const QRectF& frame, const QString& ownerName) {
+    bool known = false;
+    for (const RunningApplication& application : platform.workspace.applications) {
+        known = known || application.processIdentifier == pid;
+    }
+    if (!known) {
+        platform.workspace.addApplication(pid, ownerName);
+    }
+    std::optional<QList<WindowInfo>> list = platform.windowServer.copyWindowInfo(0);
+    list->append(FakeWindowServer::entry({.number = number, .pid = pid, .ownerName = ownerName, .bounds = frame}));
+    platform.windowServer.setWindowList(list);
+    platform.accessibility.addWindow(pid, {.number = number, .frame = frame});
+}
+
+QStringList MoverTest::diagnosticLines(const std::function<void()>& call) {
+    ::testing::internal::CaptureStdout();
+    call();
+    const QString output = QString::fromStdString(::testing::internal::GetCapturedStdout());
+    QStringList lines;
+    for (const QString& line : output.split(QLatin1Char('\n'), Qt::SkipEmptyParts)) {
+        if (line.startsWith(QStringLiteral("[WindowMoveDiag] "))) {
+            lines.append(line);
+        }
+    }
+    return lines;
+}
