@@ -163,6 +163,18 @@ void ClientWindows::open(const Command& command, const std::string& name) {
     if (!stateAtoms.empty()) {
         setCardinals(window, "_NET_WM_STATE", XCB_ATOM_ATOM, stateAtoms.data(), static_cast<int>(stateAtoms.size()));
     }
+    if (command.has("icon")) {
+        // Two pictures of one colour, 16 and 32 pixels square, as _NET_WM_ICON lists them.
+        const uint32_t argb =
+            0xFF000000u | static_cast<uint32_t>(std::strtoul(command.value("icon").c_str() + 1, nullptr, 16));
+        std::vector<uint32_t> icon;
+        for (uint32_t size : {16u, 32u}) {
+            icon.push_back(size);
+            icon.push_back(size);
+            icon.insert(icon.end(), size * size, argb);
+        }
+        setCardinals(window, "_NET_WM_ICON", XCB_ATOM_CARDINAL, icon.data(), static_cast<int>(icon.size()));
+    }
     if (command.has("opacity")) {
         const uint32_t opacity = static_cast<uint32_t>(command.real("opacity", 1.0) * 4294967295.0);
         setCardinals(window, "_NET_WM_WINDOW_OPACITY", XCB_ATOM_CARDINAL, &opacity, 1);

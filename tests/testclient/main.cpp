@@ -1,7 +1,7 @@
 // lattica-test-client: opens X11 windows as told on standard input, one command a line:
 //   open name=N [count=K] [type=normal|dialog|utility|toolbar|dock|splash|desktop|notification|menu|override]
 //        [title="..."] [x= y= w= h=] [opacity=0..1] [states=minimized,maximized,fullscreen,above,skip-taskbar,modal]
-//        [class=instance.Class] [pid=yes|no] [color=#rrggbb] [fixed=yes] [transient-for=N]
+//        [class=instance.Class] [pid=yes|no] [color=#rrggbb] [icon=#rrggbb] [fixed=yes] [transient-for=N]
 //   close name=N
 //   exit
 // It exits at the end of its input, and when the X server goes away.
