@@ -1,17 +1,147 @@
 #include "app/UpdaterService.h"
 
-#include "BuildConfig.h"
+#include <QLoggingCategory>
+#include <QSysInfo>
 
-void Updater::checkForUpdatesInBackground() {}
+#include "BuildConfig.h"
+#include "app/UpdateWindow.h"
+#include "platform/Activation.h"
+#include "platform/Platform.h"
+
+Q_LOGGING_CATEGORY(lcUpdater, "lattica.updates")
+
+Updater::Updater(SparkleUpdaterDelegate* delegate, QObject* parent)
+    : QObject(parent),
+      m_delegate(delegate),
+      m_hostVersion(QString::fromLatin1(BuildConfig::kBuildNumber)),
+      m_hostDisplayVersion(QString::fromLatin1(BuildConfig::kVersion)),
+      m_systemVersion(runningSystemVersion()) {
+    connect(&m_checker, &UpdateChecker::finished, this, [this](const UpdateCheckResult& result) {
+        const bool userInitiated = m_userInitiated;
+        m_userInitiated = false;
+        Q_EMIT checkFinished(result, userInitiated);
+    });
+}
+
+void Updater::setAutomaticallyChecksForUpdates(bool enabled) {
+    if (m_automaticallyChecksForUpdates == enabled) {
+        return;
+    }
+    m_automaticallyChecksForUpdates = enabled;
+    qCDebug(lcUpdater) << "automatic checks" << (enabled ? "on" : "off");
+    Q_EMIT automaticallyChecksForUpdatesChanged(enabled);
+}
+
+void Updater::checkForUpdatesInBackground() {
+    startCheck(false);
+}
+
+void Updater::checkForUpdates() {
+    startCheck(true);
+}
+
+void Updater::startCheck(bool userInitiated) {
+    if (userInitiated) {
+        m_userInitiated = true;
+        Q_EMIT userInitiatedCheckStarted();
+    }
+    if (m_checker.isRunning()) {
+        qCDebug(lcUpdater) << "a check is already running; it reports to" << (m_userInitiated ? "the user" : "nobody");
+        return;
+    }
+    qCDebug(lcUpdater) << (userInitiated ? "user-initiated" : "background") << "check of" << feedURL();
+    m_checker.start({feedURL(), m_hostVersion, m_systemVersion});
+}
+
+void Updater::cancelCheck() {
+    m_checker.cancel();
+    m_userInitiated = false;
+}
+
+QUrl Updater::feedURL() const {
+    return QUrl(m_delegate->feedURLString());
+}
+
+void Updater::setHostVersions(const QString& version, const QString& displayVersion) {
+    m_hostVersion = version;
+    m_hostDisplayVersion = displayVersion;
+}
+
+QString Updater::runningSystemVersion() {
+    // The distribution's release (for example 12 on Debian 12); the kernel's when there is none.
+    const QString product = QSysInfo::productVersion();
+    if (!product.isEmpty() && product != u"unknown") {
+        return product;
+    }
+    return QSysInfo::kernelVersion();
+}
 
 QString SparkleUpdaterDelegate::feedURLString() const {
+    const QString override = qEnvironmentVariable("LATTICA_APPCAST_URL");
+    if (!override.isEmpty()) {
+        return override;
+    }
     return QString::fromLatin1(BuildConfig::kAppcastUrl);
 }
 
 StandardUpdaterController::StandardUpdaterController(SparkleUpdaterDelegate* delegate, QObject* parent)
-    : QObject(parent), m_delegate(delegate) {}
+    : QObject(parent), m_delegate(delegate), m_updater(delegate) {
+    connect(&m_updater, &Updater::userInitiatedCheckStarted, this, [this] {
+        UpdateWindow* window = ensureWindow();
+        window->showChecking();
+        window->present();
+    });
+    connect(&m_updater, &Updater::checkFinished, this,
+            [this](const UpdateCheckResult& result, bool userInitiated) { showResult(result, userInitiated); });
+}
 
-void StandardUpdaterController::checkForUpdates() {}
+StandardUpdaterController::~StandardUpdaterController() {
+    delete m_window;
+}
+
+void StandardUpdaterController::checkForUpdates() {
+    m_updater.checkForUpdates();
+}
+
+UpdateWindow* StandardUpdaterController::updateWindow() const {
+    return m_window.data();
+}
+
+UpdateWindow* StandardUpdaterController::ensureWindow() {
+    if (!m_window) {
+        m_window = new UpdateWindow();
+        connect(m_window, &UpdateWindow::cancelRequested, this, [this] { m_updater.cancelCheck(); });
+        connect(m_window, &UpdateWindow::downloadRequested, this, [](const QUrl& url) {
+            if (Activation* activation = Platform::services().activation) {
+                activation->openURL(url);
+            }
+        });
+    }
+    return m_window;
+}
+
+void StandardUpdaterController::showResult(const UpdateCheckResult& result, bool userInitiated) {
+    const QString current = m_updater.hostDisplayVersion();
+    switch (result.outcome) {
+        case UpdateCheckResult::Outcome::UpdateAvailable:
+            ensureWindow()->showUpdateFound(*result.item, current);
+            break;
+        case UpdateCheckResult::Outcome::UpToDate:
+            if (!userInitiated) {
+                return;
+            }
+            ensureWindow()->showUpToDate(current);
+            break;
+        case UpdateCheckResult::Outcome::Failed:
+            if (!userInitiated) {
+                qCDebug(lcUpdater) << "background check failed:" << result.errorMessage;
+                return;
+            }
+            ensureWindow()->showError(result.errorMessage);
+            break;
+    }
+    m_window->present();
+}
 
 UpdaterService& UpdaterService::shared() {
     static UpdaterService* instance = new UpdaterService();

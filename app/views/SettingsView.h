@@ -7,6 +7,7 @@
 class AppController;
 class QLabel;
 class QStackedWidget;
+class SettingsSectionPage;
 class SettingsSidebar;
 
 // The content of the settings window: a sidebar of sections and the chosen section's page.
@@ -18,6 +19,12 @@ public:
 
     SettingsSection selectedSection() const { return m_selectedSection; }
     void setSelectedSection(SettingsSection section);
+
+    SettingsSidebar* sidebar() const { return m_sidebar; }
+    SettingsSectionPage* currentPage() const;
+    SettingsSectionPage* pageFor(SettingsSection section) const;
+    // The controller's status message as shown, empty while there is none.
+    QString statusText() const;
 
 protected:
     // Every time the window appears the permission badges and the shortcut rows are brought up to date.

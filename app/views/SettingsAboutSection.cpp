@@ -1,0 +1,100 @@
+#include "app/views/SettingsAboutSection.h"
+
+#include <QApplication>
+#include <QDate>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QUrl>
+#include <QVBoxLayout>
+
+#include "BuildConfig.h"
+#include "app/AppController.h"
+#include "app/views/SettingsCard.h"
+#include "app/views/SymbolIcons.h"
+#include "app/views/ViewStyle.h"
+#include "platform/Activation.h"
+#include "platform/Platform.h"
+
+namespace {
+constexpr int kAppIconSize = 72;
+}
+
+QString SettingsAboutSection::versionLine() {
+    return QStringLiteral("Version %1 (%2)")
+        .arg(QString::fromLatin1(BuildConfig::kVersion), QString::fromLatin1(BuildConfig::kBuildNumber));
+}
+
+QString SettingsAboutSection::creditsLine() {
+    return QStringLiteral("© %1 The Lattica developers").arg(QDate::currentDate().year());
+}
+
+SettingsAboutSection::SettingsAboutSection(AppController& controller, QWidget* parent)
+    : QWidget(parent), m_controller(controller) {
+    auto* icon = new QLabel(this);
+    icon->setObjectName(QStringLiteral("appIcon"));
+    const QIcon appIcon = QApplication::windowIcon();
+    const QIcon shown = appIcon.isNull() ? SymbolIcons::icon(QStringLiteral("rectangle.on.rectangle.angled")) : appIcon;
+    icon->setPixmap(shown.pixmap(QSize(kAppIconSize, kAppIconSize), devicePixelRatioF()));
+    icon->setAlignment(Qt::AlignCenter);
+
+    QFont nameFont = ViewStyle::titleFont();
+    nameFont.setPointSizeF(nameFont.pointSizeF() * 1.2);
+    QLabel* name = ViewStyle::makeLabel(QStringLiteral("Lattica"), nameFont, this);
+    name->setObjectName(QStringLiteral("appName"));
+    QLabel* tagline =
+        ViewStyle::makeLabel(QStringLiteral("Find Lost Windows Instantly"), ViewStyle::headlineFont(), this);
+    tagline->setObjectName(QStringLiteral("tagline"));
+    QLabel* version = ViewStyle::makeLabel(versionLine(), ViewStyle::subheadlineFont(), this, true);
+    version->setObjectName(QStringLiteral("versionLine"));
+    QLabel* credits = ViewStyle::makeLabel(creditsLine(), ViewStyle::captionFont(), this, true);
+    credits->setObjectName(QStringLiteral("creditsLine"));
+    for (QLabel* label : {name, tagline, version, credits}) {
+        label->setAlignment(Qt::AlignCenter);
+    }
+
+    m_contactSupport =
+        new QPushButton(SymbolIcons::icon(QStringLiteral("envelope")), QStringLiteral("Contact Support"), this);
+    m_contactSupport->setObjectName(QStringLiteral("contactSupport"));
+    connect(m_contactSupport, &QPushButton::clicked, this, [this] { m_controller.contactSupport(); });
+
+    auto* creditsCard = new SettingsCard(QStringLiteral("Credits"), this);
+    creditsCard->setObjectName(QStringLiteral("creditsCard"));
+    QHBoxLayout* creditsRow = creditsCard->addRowLayout();
+    QLabel* creditsText = ViewStyle::makeLabel(
+        QStringLiteral("Lattica is developed in the open. Source code, issues and release notes live on the "
+                       "project page."),
+        ViewStyle::captionFont(), creditsCard, true, true);
+    m_gitHub = new QPushButton(SymbolIcons::icon(QStringLiteral("link")), QStringLiteral("GitHub"), creditsCard);
+    m_gitHub->setObjectName(QStringLiteral("gitHubLink"));
+    m_gitHub->setFlat(true);
+    m_gitHub->setCursor(Qt::PointingHandCursor);
+    m_gitHub->setToolTip(QString::fromLatin1(BuildConfig::kProjectUrl));
+    m_gitHub->setForegroundRole(QPalette::Link);
+    creditsRow->addWidget(creditsText, 1);
+    creditsRow->addWidget(m_gitHub);
+    connect(m_gitHub, &QPushButton::clicked, this, [] {
+        if (Activation* activation = Platform::services().activation) {
+            activation->openURL(QUrl(QString::fromLatin1(BuildConfig::kProjectUrl)));
+        }
+    });
+
+    auto* supportRow = new QHBoxLayout();
+    supportRow->addStretch();
+    supportRow->addWidget(m_contactSupport);
+    supportRow->addStretch();
+
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 6, 0, 0);
+    layout->setSpacing(4);
+    layout->addWidget(icon);
+    layout->addSpacing(4);
+    layout->addWidget(name);
+    layout->addWidget(tagline);
+    layout->addWidget(version);
+    layout->addWidget(credits);
+    layout->addSpacing(12);
+    layout->addLayout(supportRow);
+    layout->addSpacing(16);
+    layout->addWidget(creditsCard);
+}

@@ -1,0 +1,77 @@
+#include "app/views/SettingsBehaviorSection.h"
+
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QSignalBlocker>
+#include <QVBoxLayout>
+
+#include "app/AppController.h"
+#include "app/views/SettingsCard.h"
+#include "app/views/SettingsToggle.h"
+#include "app/views/ViewStyle.h"
+#include "platform/UserDefaults.h"
+
+namespace {
+
+SettingsToggle* addToggleRow(SettingsCard* card, const QString& title, const QString& objectName) {
+    QHBoxLayout* row = card->addRowLayout();
+    QLabel* label = ViewStyle::makeLabel(title, ViewStyle::bodyFont(), card);
+    auto* toggle = new SettingsToggle(card);
+    toggle->setObjectName(objectName);
+    toggle->setAccessibleName(title);
+    label->setBuddy(toggle);
+    row->addWidget(label, 1);
+    row->addWidget(toggle);
+    return toggle;
+}
+
+}  // namespace
+
+SettingsBehaviorSection::SettingsBehaviorSection(AppController& controller, QWidget* parent)
+    : QWidget(parent), m_controller(controller) {
+    auto* card = new SettingsCard(QString(), this);
+    m_launchAtLogin = addToggleRow(card, QStringLiteral("Launch at login"), QStringLiteral("toggle.launchAtLogin"));
+    m_dockIcon = addToggleRow(card, QStringLiteral("Show Dock icon"), QStringLiteral("toggle.dockIcon"));
+    m_adjustWindowSize = addToggleRow(card, QStringLiteral("Adjust window size to target screen"),
+                                      QStringLiteral("toggle.adjustWindowSize"));
+
+    QLabel* note = ViewStyle::makeLabel(QStringLiteral("Previews are refreshed only when you click the menu bar icon."),
+                                        ViewStyle::captionFont(), this, true, true);
+    note->setObjectName(QStringLiteral("previewNote"));
+
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(10);
+    layout->addWidget(card);
+    layout->addWidget(note);
+
+    connect(m_launchAtLogin, &SettingsToggle::toggled, this, [this](bool enabled) {
+        m_controller.setLaunchAtLogin(enabled);
+        showValues();
+    });
+    connect(m_dockIcon, &SettingsToggle::toggled, this, [this](bool visible) {
+        m_controller.setDockIconVisible(visible);
+        showValues();
+    });
+    connect(m_adjustWindowSize, &SettingsToggle::toggled, this, [this](bool adjust) {
+        m_controller.setAdjustWindowSizeToTargetScreen(adjust);
+        m_controller.defaults()->setObject(m_controller.adjustWindowSizeKey(), adjust);
+    });
+
+    connect(&m_controller, &AppController::launchAtLoginEnabledChanged, this, [this] { showValues(); });
+    connect(&m_controller, &AppController::dockIconVisibleChanged, this, [this] { showValues(); });
+    connect(&m_controller, &AppController::adjustWindowSizeToTargetScreenChanged, this, [this] { showValues(); });
+    showValues();
+}
+
+void SettingsBehaviorSection::showValues() {
+    const QSignalBlocker blockLogin(m_launchAtLogin);
+    const QSignalBlocker blockDock(m_dockIcon);
+    const QSignalBlocker blockAdjust(m_adjustWindowSize);
+    m_launchAtLogin->setChecked(m_controller.launchAtLoginEnabled());
+    m_dockIcon->setChecked(m_controller.dockIconVisible());
+    m_adjustWindowSize->setChecked(m_controller.adjustWindowSizeToTargetScreen());
+    m_launchAtLogin->update();
+    m_dockIcon->update();
+    m_adjustWindowSize->update();
+}

@@ -1,0 +1,27 @@
+#include "app/views/SettingsDebugSection.h"
+
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+#include "app/AppController.h"
+#include "app/views/SettingsCard.h"
+#include "app/views/ViewStyle.h"
+
+SettingsDebugSection::SettingsDebugSection(AppController& controller, QWidget* parent)
+    : QWidget(parent), m_controller(controller) {
+    auto* card = new SettingsCard(QString(), this);
+    QHBoxLayout* row = card->addRowLayout();
+    row->addWidget(ViewStyle::makeLabel(QStringLiteral("Read both permissions again and update the badges."),
+                                        ViewStyle::bodyFont(), card, false, true),
+                   1);
+    auto* refresh = new QPushButton(QStringLiteral("Refresh Permissions"), card);
+    refresh->setObjectName(QStringLiteral("debug.refreshPermissions"));
+    row->addWidget(refresh);
+    connect(refresh, &QPushButton::clicked, this, [this] { m_controller.refreshPermissions(); });
+
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(card);
+}

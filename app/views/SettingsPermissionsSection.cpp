@@ -1,0 +1,103 @@
+#include "app/views/SettingsPermissionsSection.h"
+
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+#include "app/AppController.h"
+#include "app/PermissionService.h"
+#include "app/views/SettingsCard.h"
+#include "app/views/ViewStyle.h"
+
+namespace {
+
+QLabel* makeBadge(QWidget* parent, const QString& objectName) {
+    auto* badge = new QLabel(parent);
+    badge->setObjectName(objectName);
+    badge->setAlignment(Qt::AlignCenter);
+    badge->setMinimumWidth(64);
+    QFont font = ViewStyle::captionFont();
+    font.setWeight(QFont::DemiBold);
+    badge->setFont(font);
+    return badge;
+}
+
+void showGrant(QLabel* badge, bool granted) {
+    badge->setText(granted ? QStringLiteral("Granted") : QStringLiteral("Missing"));
+    const QColor color = granted ? ViewStyle::grantedColor() : ViewStyle::missingColor();
+    badge->setStyleSheet(QStringLiteral("QLabel { color: %1; border: 1px solid %1; border-radius: 8px; "
+                                        "padding: 1px 8px; }")
+                             .arg(color.name()));
+}
+
+// One permission: its name and purpose on the left, badge and buttons on the right.
+QWidget* makePermissionRow(const QString& title, const QString& purpose, QLabel* badge, QPushButton* request,
+                           QPushButton* settings) {
+    auto* row = new QWidget();
+    auto* texts = new QVBoxLayout();
+    texts->setSpacing(2);
+    texts->addWidget(ViewStyle::makeLabel(title, ViewStyle::headlineFont(), row));
+    texts->addWidget(ViewStyle::makeLabel(purpose, ViewStyle::captionFont(), row, true, true));
+
+    auto* top = new QHBoxLayout();
+    top->addLayout(texts, 1);
+    top->addWidget(badge, 0, Qt::AlignTop);
+
+    auto* buttons = new QHBoxLayout();
+    buttons->addStretch();
+    buttons->addWidget(request);
+    buttons->addWidget(settings);
+
+    auto* layout = new QVBoxLayout(row);
+    layout->setContentsMargins(0, 4, 0, 4);
+    layout->setSpacing(8);
+    layout->addLayout(top);
+    layout->addLayout(buttons);
+    return row;
+}
+
+}  // namespace
+
+SettingsPermissionsSection::SettingsPermissionsSection(AppController& controller, QWidget* parent)
+    : QWidget(parent), m_controller(controller) {
+    m_screenRecordingBadge = makeBadge(this, QStringLiteral("badge.screenRecording"));
+    m_accessibilityBadge = makeBadge(this, QStringLiteral("badge.accessibility"));
+
+    auto* requestScreenRecording = new QPushButton(QStringLiteral("Request Access"));
+    requestScreenRecording->setObjectName(QStringLiteral("request.screenRecording"));
+    auto* openScreenRecording = new QPushButton(QStringLiteral("Open System Settings"));
+    openScreenRecording->setObjectName(QStringLiteral("settings.screenRecording"));
+    auto* requestAccessibility = new QPushButton(QStringLiteral("Request Access"));
+    requestAccessibility->setObjectName(QStringLiteral("request.accessibility"));
+    auto* openAccessibility = new QPushButton(QStringLiteral("Open System Settings"));
+    openAccessibility->setObjectName(QStringLiteral("settings.accessibility"));
+
+    connect(requestScreenRecording, &QPushButton::clicked, this,
+            [this] { m_controller.requestScreenRecordingPermission(); });
+    connect(openScreenRecording, &QPushButton::clicked, this, [] { PermissionService::openScreenRecordingSettings(); });
+    connect(requestAccessibility, &QPushButton::clicked, this,
+            [this] { m_controller.requestAccessibilityPermission(); });
+    connect(openAccessibility, &QPushButton::clicked, this, [] { PermissionService::openAccessibilitySettings(); });
+
+    auto* card = new SettingsCard(QString(), this);
+    card->addRow(makePermissionRow(QStringLiteral("Screen Recording"),
+                                   QStringLiteral("Needed to show live previews of your displays in the panel."),
+                                   m_screenRecordingBadge, requestScreenRecording, openScreenRecording));
+    card->addRow(makePermissionRow(QStringLiteral("Accessibility"),
+                                   QStringLiteral("Needed to find and move the windows of other applications."),
+                                   m_accessibilityBadge, requestAccessibility, openAccessibility));
+
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(card);
+
+    connect(&m_controller, &AppController::permissionStateChanged, this, [this] { updateBadges(); });
+    updateBadges();
+}
+
+void SettingsPermissionsSection::updateBadges() {
+    const PermissionState state = m_controller.permissionState();
+    showGrant(m_screenRecordingBadge, state.screenRecordingGranted);
+    showGrant(m_accessibilityBadge, state.accessibilityGranted);
+}

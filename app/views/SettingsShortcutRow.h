@@ -1,0 +1,34 @@
+#pragma once
+
+#include <QWidget>
+
+#include "app/Models.h"
+
+class QLabel;
+class QToolButton;
+
+// One display's shortcut row: its label, the recorder for its shortcut name, and for a display that is
+// not connected a button that forgets the mapping.
+class SettingsShortcutRow : public QWidget {
+    Q_OBJECT
+public:
+    explicit SettingsShortcutRow(const ShortcutDisplayItem& item, QWidget* parent = nullptr);
+
+    // "2. Studio Display" when the display has an index, the bare name otherwise.
+    static QString labelText(const ShortcutDisplayItem& item);
+
+    const ShortcutDisplayItem& item() const { return m_item; }
+    QString labelShown() const;
+    QWidget* recorder() const { return m_recorder; }
+    // Null on connected rows.
+    QToolButton* deleteButton() const { return m_deleteButton; }
+
+Q_SIGNALS:
+    void deleteRequested(const QString& persistentID);
+
+private:
+    ShortcutDisplayItem m_item;
+    QLabel* m_label = nullptr;
+    QWidget* m_recorder = nullptr;
+    QToolButton* m_deleteButton = nullptr;
+};

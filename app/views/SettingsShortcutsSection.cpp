@@ -1,0 +1,71 @@
+#include "app/views/SettingsShortcutsSection.h"
+
+#include <QLabel>
+#include <QVBoxLayout>
+
+#include "app/AppController.h"
+#include "app/views/SettingsCard.h"
+#include "app/views/SettingsShortcutRow.h"
+#include "app/views/ViewStyle.h"
+
+SettingsShortcutsSection::SettingsShortcutsSection(AppController& controller, QWidget* parent)
+    : QWidget(parent), m_controller(controller) {
+    m_connectedCard = new SettingsCard(QStringLiteral("Connected screens"), this);
+    m_connectedCard->setObjectName(QStringLiteral("group.connected"));
+    m_disconnectedCard = new SettingsCard(QStringLiteral("Disconnected screens"), this);
+    m_disconnectedCard->setObjectName(QStringLiteral("group.disconnected"));
+
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(14);
+    layout->addWidget(m_connectedCard);
+    layout->addWidget(m_disconnectedCard);
+
+    connect(&m_controller, &AppController::connectedShortcutDisplaysChanged, this, [this] { rebuildConnected(); });
+    connect(&m_controller, &AppController::disconnectedShortcutDisplaysChanged, this,
+            [this] { rebuildDisconnected(); });
+    rebuildConnected();
+    rebuildDisconnected();
+}
+
+QString SettingsShortcutsSection::connectedEmptyText() const {
+    return m_connectedEmpty ? m_connectedEmpty->text() : QString();
+}
+
+QString SettingsShortcutsSection::disconnectedEmptyText() const {
+    return m_disconnectedEmpty ? m_disconnectedEmpty->text() : QString();
+}
+
+void SettingsShortcutsSection::rebuildConnected() {
+    m_connectedRows = fill(m_connectedCard, m_controller.connectedShortcutDisplays(),
+                           QStringLiteral("No connected screens were detected."), &m_connectedEmpty);
+}
+
+void SettingsShortcutsSection::rebuildDisconnected() {
+    m_disconnectedRows = fill(m_disconnectedCard, m_controller.disconnectedShortcutDisplays(),
+                              QStringLiteral("No disconnected screens with saved shortcuts."), &m_disconnectedEmpty);
+    for (SettingsShortcutRow* row : std::as_const(m_disconnectedRows)) {
+        connect(row, &SettingsShortcutRow::deleteRequested, this,
+                [this](const QString& id) { m_controller.deleteDisconnectedShortcutDisplay(id); });
+    }
+}
+
+QList<SettingsShortcutRow*> SettingsShortcutsSection::fill(SettingsCard* card, const QList<ShortcutDisplayItem>& items,
+                                                           const QString& emptyText, QLabel** emptyLabel) {
+    card->clearRows();
+    *emptyLabel = nullptr;
+    QList<SettingsShortcutRow*> rows;
+    if (items.isEmpty()) {
+        QLabel* empty = ViewStyle::makeLabel(emptyText, ViewStyle::subheadlineFont(), card, true, true);
+        empty->setObjectName(QStringLiteral("emptyText"));
+        card->addRow(empty);
+        *emptyLabel = empty;
+        return rows;
+    }
+    for (const ShortcutDisplayItem& item : items) {
+        auto* row = new SettingsShortcutRow(item, card);
+        card->addRow(row);
+        rows.append(row);
+    }
+    return rows;
+}

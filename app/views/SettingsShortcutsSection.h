@@ -1,0 +1,38 @@
+#pragma once
+
+#include <QList>
+#include <QWidget>
+
+#include "app/Models.h"
+
+class AppController;
+class QLabel;
+class SettingsCard;
+class SettingsShortcutRow;
+
+// The per-display shortcuts: connected screens, and disconnected screens that keep a mapping.
+class SettingsShortcutsSection : public QWidget {
+    Q_OBJECT
+public:
+    explicit SettingsShortcutsSection(AppController& controller, QWidget* parent = nullptr);
+
+    QList<SettingsShortcutRow*> connectedRows() const { return m_connectedRows; }
+    QList<SettingsShortcutRow*> disconnectedRows() const { return m_disconnectedRows; }
+    // The text shown in place of rows, or empty when the group has rows.
+    QString connectedEmptyText() const;
+    QString disconnectedEmptyText() const;
+
+private:
+    void rebuildConnected();
+    void rebuildDisconnected();
+    QList<SettingsShortcutRow*> fill(SettingsCard* card, const QList<ShortcutDisplayItem>& items,
+                                     const QString& emptyText, QLabel** emptyLabel);
+
+    AppController& m_controller;
+    SettingsCard* m_connectedCard = nullptr;
+    SettingsCard* m_disconnectedCard = nullptr;
+    QLabel* m_connectedEmpty = nullptr;
+    QLabel* m_disconnectedEmpty = nullptr;
+    QList<SettingsShortcutRow*> m_connectedRows;
+    QList<SettingsShortcutRow*> m_disconnectedRows;
+};

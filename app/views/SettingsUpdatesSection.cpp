@@ -1,0 +1,58 @@
+#include "app/views/SettingsUpdatesSection.h"
+
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QSignalBlocker>
+#include <QVBoxLayout>
+
+#include "BuildConfig.h"
+#include "app/AppController.h"
+#include "app/UpdaterService.h"
+#include "app/views/SettingsCard.h"
+#include "app/views/SettingsToggle.h"
+#include "app/views/SymbolIcons.h"
+#include "app/views/ViewStyle.h"
+
+SettingsUpdatesSection::SettingsUpdatesSection(AppController& controller, QWidget* parent)
+    : QWidget(parent), m_controller(controller) {
+    auto* card = new SettingsCard(QString(), this);
+
+    QHBoxLayout* toggleRow = card->addRowLayout();
+    const QString toggleTitle = QStringLiteral("Check for updates automatically on launch");
+    m_automaticCheck = new SettingsToggle(card);
+    m_automaticCheck->setObjectName(QStringLiteral("toggle.autoCheckForUpdates"));
+    m_automaticCheck->setAccessibleName(toggleTitle);
+    toggleRow->addWidget(ViewStyle::makeLabel(toggleTitle, ViewStyle::bodyFont(), card), 1);
+    toggleRow->addWidget(m_automaticCheck);
+
+    QHBoxLayout* checkRow = card->addRowLayout();
+    QLabel* version = ViewStyle::makeLabel(
+        QStringLiteral("You are running Lattica %1 (%2).")
+            .arg(QString::fromLatin1(BuildConfig::kVersion), QString::fromLatin1(BuildConfig::kBuildNumber)),
+        ViewStyle::captionFont(), card, true);
+    m_checkButton = new QPushButton(SymbolIcons::icon(QStringLiteral("arrow.triangle.2.circlepath")),
+                                    QStringLiteral("Check for Updates"), card);
+    m_checkButton->setObjectName(QStringLiteral("checkForUpdates"));
+    checkRow->addWidget(version, 1);
+    checkRow->addWidget(m_checkButton);
+
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(card);
+
+    connect(m_automaticCheck, &SettingsToggle::toggled, this, [this](bool enabled) {
+        m_controller.setAutoCheckForUpdatesEnabled(enabled);
+        showValue();
+    });
+    connect(&m_controller, &AppController::autoCheckForUpdatesEnabledChanged, this, [this] { showValue(); });
+    connect(m_checkButton, &QPushButton::clicked, this,
+            [] { UpdaterService::shared().updaterController()->checkForUpdates(); });
+    showValue();
+}
+
+void SettingsUpdatesSection::showValue() {
+    const QSignalBlocker block(m_automaticCheck);
+    m_automaticCheck->setChecked(m_controller.autoCheckForUpdatesEnabled());
+    m_automaticCheck->update();
+}

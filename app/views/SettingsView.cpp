@@ -1,0 +1,111 @@
+#include "app/views/SettingsView.h"
+
+#include <QFrame>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QStackedWidget>
+#include <QVBoxLayout>
+
+#include "app/AppController.h"
+#include "app/views/SettingsAboutSection.h"
+#include "app/views/SettingsBehaviorSection.h"
+#include "app/views/SettingsDebugSection.h"
+#include "app/views/SettingsPermissionsSection.h"
+#include "app/views/SettingsSectionPage.h"
+#include "app/views/SettingsShortcutsSection.h"
+#include "app/views/SettingsSidebar.h"
+#include "app/views/SettingsUpdatesSection.h"
+#include "app/views/ViewStyle.h"
+
+namespace {
+
+QWidget* makeSectionContent(SettingsSection section, AppController& controller) {
+    switch (section) {
+        case SettingsSection::Permissions:
+            return new SettingsPermissionsSection(controller);
+        case SettingsSection::Behavior:
+            return new SettingsBehaviorSection(controller);
+        case SettingsSection::Shortcuts:
+            return new SettingsShortcutsSection(controller);
+        case SettingsSection::Updates:
+            return new SettingsUpdatesSection(controller);
+        case SettingsSection::About:
+            return new SettingsAboutSection(controller);
+        case SettingsSection::Debug:
+            return new SettingsDebugSection(controller);
+    }
+    return new QWidget();
+}
+
+}  // namespace
+
+SettingsView::SettingsView(AppController& controller, QWidget* parent) : QWidget(parent), m_controller(controller) {
+    setObjectName(QStringLiteral("SettingsView"));
+    m_sidebar = new SettingsSidebar(this);
+
+    auto* divider = new QFrame(this);
+    divider->setFrameShape(QFrame::NoFrame);
+    divider->setFixedWidth(1);
+    divider->setAutoFillBackground(true);
+    divider->setBackgroundRole(QPalette::Mid);
+
+    m_pages = new QStackedWidget(this);
+    for (const SettingsSection section : SettingsSections::allCases()) {
+        m_pages->addWidget(new SettingsSectionPage(section, makeSectionContent(section, m_controller)));
+    }
+
+    // The outcome of the last request or move, under the section.
+    m_statusLabel = ViewStyle::makeLabel(QString(), ViewStyle::captionFont(), this, true, true);
+    m_statusLabel->setObjectName(QStringLiteral("statusMessage"));
+    m_statusLabel->setContentsMargins(24, 6, 24, 12);
+    m_statusLabel->setTextInteractionFlags(Qt::TextSelectableByMouse);
+
+    auto* detail = new QVBoxLayout();
+    detail->setContentsMargins(0, 0, 0, 0);
+    detail->setSpacing(0);
+    detail->addWidget(m_pages, 1);
+    detail->addWidget(m_statusLabel);
+
+    auto* layout = new QHBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(m_sidebar);
+    layout->addWidget(divider);
+    layout->addLayout(detail, 1);
+
+    connect(m_sidebar, &SettingsSidebar::sectionSelected, this,
+            [this](SettingsSection section) { setSelectedSection(section); });
+    auto showStatus = [this] {
+        m_statusLabel->setText(m_controller.statusMessage());
+        m_statusLabel->setVisible(!m_controller.statusMessage().isEmpty());
+    };
+    connect(&m_controller, &AppController::statusMessageChanged, this, showStatus);
+    showStatus();
+
+    setSelectedSection(SettingsSections::allCases().first());
+}
+
+void SettingsView::setSelectedSection(SettingsSection section) {
+    m_selectedSection = section;
+    m_sidebar->setSelectedSection(section);
+    m_pages->setCurrentIndex(static_cast<int>(SettingsSections::allCases().indexOf(section)));
+}
+
+SettingsSectionPage* SettingsView::currentPage() const {
+    return static_cast<SettingsSectionPage*>(m_pages->currentWidget());
+}
+
+SettingsSectionPage* SettingsView::pageFor(SettingsSection section) const {
+    return static_cast<SettingsSectionPage*>(
+        m_pages->widget(static_cast<int>(SettingsSections::allCases().indexOf(section))));
+}
+
+QString SettingsView::statusText() const {
+    return m_statusLabel->isHidden() ? QString() : m_statusLabel->text();
+}
+
+void SettingsView::showEvent(QShowEvent* event) {
+    QWidget::showEvent(event);
+    m_controller.refreshPermissions();
+    m_controller.refreshShortcutDisplays();
+}

@@ -1,0 +1,214 @@
+#include <gtest/gtest.h>
+
+#include <QPushButton>
+#include <QSignalSpy>
+
+#include "BuildConfig.h"
+#include "app/AppController.h"
+#include "app/UpdateWindow.h"
+#include "app/UpdaterService.h"
+#include "platform/fake/FakePlatform.h"
+#include "tests/updater/AppcastFixtures.h"
+#include "tests/updater/LoopbackHttpServer.h"
+
+using AppcastFixtures::Release;
+using Outcome = UpdateCheckResult::Outcome;
+
+namespace {
+
+class UpdaterServiceTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        ASSERT_TRUE(server.isListening());
+        qputenv("LATTICA_APPCAST_URL", server.url(QStringLiteral("/appcast.xml")).toEncoded());
+        updater()->setHostVersions(QStringLiteral("100"), QStringLiteral("1.0.0"));
+        updater()->setSystemVersion(QStringLiteral("12"));
+        updater()->setCheckTimeout(std::chrono::milliseconds(5000));
+    }
+
+    void TearDown() override {
+        updater()->cancelCheck();
+        if (UpdateWindow* window = controller()->updateWindow()) {
+            window->hide();
+        }
+        qunsetenv("LATTICA_APPCAST_URL");
+    }
+
+    static StandardUpdaterController* controller() { return UpdaterService::shared().updaterController(); }
+    static Updater* updater() { return controller()->updater(); }
+
+    void serveFeed(const QList<Release>& releases) {
+        server.setRoute(QStringLiteral("/appcast.xml"), {200, AppcastFixtures::feed(releases)});
+    }
+
+    // Waits for the running check to report, and returns whether it was user-initiated.
+    bool waitForCheck(QSignalSpy& finished) {
+        EXPECT_TRUE(finished.wait(10000));
+        EXPECT_EQ(finished.count(), 1);
+        return !finished.isEmpty() && finished.first().at(1).toBool();
+    }
+
+    static bool windowVisible() { return controller()->updateWindow() && controller()->updateWindow()->isVisible(); }
+
+    FakePlatform platform;
+    LoopbackHttpServer server;
+};
+
+TEST_F(UpdaterServiceTest, FeedUrlIsTheBuildsAppcastUnlessTheEnvironmentOverridesIt) {
+    SparkleUpdaterDelegate delegate;
+    EXPECT_EQ(delegate.feedURLString(), server.url(QStringLiteral("/appcast.xml")).toString());
+    qunsetenv("LATTICA_APPCAST_URL");
+    EXPECT_EQ(delegate.feedURLString(), QString::fromLatin1(BuildConfig::kAppcastUrl));
+    EXPECT_EQ(delegate.feedURLString(), delegate.feedURLString());
+}
+
+TEST_F(UpdaterServiceTest, SharedInstanceIsOneAndTheSame) {
+    EXPECT_EQ(&UpdaterService::shared(), &UpdaterService::shared());
+    EXPECT_EQ(UpdaterService::shared().updaterController()->updater(), updater());
+}
+
+TEST_F(UpdaterServiceTest, PreferenceOffAtStartLeavesAutomaticChecksOff) {
+    platform.userDefaults.setObject(QStringLiteral("autoCheckForUpdatesOnLaunch"), false);
+    updater()->setAutomaticallyChecksForUpdates(true);
+    AppController appController;
+    EXPECT_FALSE(appController.autoCheckForUpdatesEnabled());
+    EXPECT_FALSE(updater()->automaticallyChecksForUpdates());
+}
+
+TEST_F(UpdaterServiceTest, PreferenceOnAtStartTurnsAutomaticChecksOn) {
+    updater()->setAutomaticallyChecksForUpdates(false);
+    AppController appController;
+    EXPECT_TRUE(appController.autoCheckForUpdatesEnabled());
+    EXPECT_TRUE(updater()->automaticallyChecksForUpdates());
+}
+
+TEST_F(UpdaterServiceTest, TogglingThePreferenceTakesEffectWithoutRestart) {
+    AppController appController;
+    QSignalSpy changed(updater(), &Updater::automaticallyChecksForUpdatesChanged);
+    appController.setAutoCheckForUpdatesEnabled(false);
+    EXPECT_FALSE(updater()->automaticallyChecksForUpdates());
+    EXPECT_FALSE(platform.userDefaults.boolForKey(QStringLiteral("autoCheckForUpdatesOnLaunch")));
+    appController.setAutoCheckForUpdatesEnabled(true);
+    EXPECT_TRUE(updater()->automaticallyChecksForUpdates());
+    EXPECT_TRUE(platform.userDefaults.boolForKey(QStringLiteral("autoCheckForUpdatesOnLaunch")));
+    EXPECT_EQ(changed.count(), 2);
+}
+
+TEST_F(UpdaterServiceTest, BackgroundCheckWithoutNewerVersionShowsNothing) {
+    serveFeed({{QStringLiteral("100"), QStringLiteral("1.0.0"), {}}});
+    QSignalSpy finished(updater(), &Updater::checkFinished);
+    updater()->checkForUpdatesInBackground();
+    EXPECT_FALSE(waitForCheck(finished));
+    EXPECT_EQ(finished.first().first().value<UpdateCheckResult>().outcome, Outcome::UpToDate);
+    EXPECT_FALSE(windowVisible());
+}
+
+TEST_F(UpdaterServiceTest, BackgroundCheckThatFailsShowsNothing) {
+    QSignalSpy finished(updater(), &Updater::checkFinished);
+    server.setRoute(QStringLiteral("/appcast.xml"), {404, QByteArray("gone"), "text/plain"});
+    updater()->checkForUpdatesInBackground();
+    EXPECT_FALSE(waitForCheck(finished));
+    EXPECT_EQ(finished.first().first().value<UpdateCheckResult>().outcome, Outcome::Failed);
+    EXPECT_FALSE(windowVisible());
+}
+
+TEST_F(UpdaterServiceTest, BackgroundCheckWithNewerVersionShowsTheUpdate) {
+    serveFeed({{QStringLiteral("101"), QStringLiteral("1.0.1"), {}}});
+    QSignalSpy finished(updater(), &Updater::checkFinished);
+    updater()->checkForUpdatesInBackground();
+    waitForCheck(finished);
+    ASSERT_TRUE(windowVisible());
+    UpdateWindow* window = controller()->updateWindow();
+    EXPECT_EQ(window->state(), UpdateWindow::State::UpdateFound);
+    EXPECT_EQ(window->titleText(), QStringLiteral("A new version of Lattica is available!"));
+    EXPECT_TRUE(window->messageText().contains(QStringLiteral("Lattica 1.0.1 is now available")));
+    EXPECT_TRUE(window->messageText().contains(QStringLiteral("you have 1.0.0")));
+    EXPECT_EQ(window->releaseNotesText(), QStringLiteral("Notes for 101"));
+}
+
+TEST_F(UpdaterServiceTest, UserCheckShowsProgressThenUpToDate) {
+    server.setRoute(QStringLiteral("/appcast.xml"), {200, AppcastFixtures::feed({{QStringLiteral("99"), {}, {}}})});
+    QSignalSpy finished(updater(), &Updater::checkFinished);
+    controller()->checkForUpdates();
+    ASSERT_TRUE(windowVisible());
+    UpdateWindow* window = controller()->updateWindow();
+    EXPECT_EQ(window->state(), UpdateWindow::State::Checking);
+    EXPECT_EQ(window->titleText(), QStringLiteral("Checking for updates…"));
+    EXPECT_TRUE(waitForCheck(finished));
+    EXPECT_EQ(window->state(), UpdateWindow::State::UpToDate);
+    EXPECT_EQ(window->titleText(), QStringLiteral("You're up to date!"));
+    EXPECT_EQ(window->messageText(), QStringLiteral("Lattica 1.0.0 is currently the newest version available."));
+    EXPECT_TRUE(window->isVisible());
+}
+
+TEST_F(UpdaterServiceTest, UserCheckShowsTheErrorOfA404) {
+    QSignalSpy finished(updater(), &Updater::checkFinished);
+    server.setRoute(QStringLiteral("/appcast.xml"), {404, QByteArray("gone"), "text/plain"});
+    controller()->checkForUpdates();
+    EXPECT_TRUE(waitForCheck(finished));
+    ASSERT_TRUE(windowVisible());
+    EXPECT_EQ(controller()->updateWindow()->state(), UpdateWindow::State::Error);
+    EXPECT_EQ(controller()->updateWindow()->titleText(), QStringLiteral("Update Error!"));
+    EXPECT_EQ(controller()->updateWindow()->messageText(),
+              QStringLiteral("The update server answered with HTTP status 404."));
+}
+
+TEST_F(UpdaterServiceTest, UserCheckOfAServerThatNeverAnswersEndsInAnError) {
+    updater()->setCheckTimeout(std::chrono::milliseconds(200));
+    server.setRoute(QStringLiteral("/appcast.xml"), {200, {}, {}, true});
+    QSignalSpy finished(updater(), &Updater::checkFinished);
+    controller()->checkForUpdates();
+    EXPECT_TRUE(waitForCheck(finished));
+    ASSERT_TRUE(windowVisible());
+    EXPECT_EQ(controller()->updateWindow()->state(), UpdateWindow::State::Error);
+    EXPECT_TRUE(controller()->updateWindow()->messageText().contains(QStringLiteral("did not answer")));
+}
+
+TEST_F(UpdaterServiceTest, DownloadButtonOpensTheReleasesDownload) {
+    serveFeed({{QStringLiteral("120"), QStringLiteral("1.2.0"), {}}});
+    QSignalSpy finished(updater(), &Updater::checkFinished);
+    controller()->checkForUpdates();
+    EXPECT_TRUE(waitForCheck(finished));
+    UpdateWindow* window = controller()->updateWindow();
+    ASSERT_EQ(window->state(), UpdateWindow::State::UpdateFound);
+    EXPECT_EQ(window->primaryButton()->text(), QStringLiteral("Download"));
+    window->primaryButton()->click();
+    ASSERT_EQ(platform.activation.openedURLs.size(), 1);
+    EXPECT_EQ(platform.activation.openedURLs.first(),
+              QUrl(QStringLiteral("https://downloads.example.test/lattica-120.tar.gz")));
+    EXPECT_FALSE(window->isVisible());
+}
+
+TEST_F(UpdaterServiceTest, RemindMeLaterClosesWithoutOpeningAnything) {
+    serveFeed({{QStringLiteral("120"), QStringLiteral("1.2.0"), {}}});
+    QSignalSpy finished(updater(), &Updater::checkFinished);
+    controller()->checkForUpdates();
+    EXPECT_TRUE(waitForCheck(finished));
+    UpdateWindow* window = controller()->updateWindow();
+    ASSERT_EQ(window->state(), UpdateWindow::State::UpdateFound);
+    window->secondaryButton()->click();
+    EXPECT_TRUE(platform.activation.openedURLs.isEmpty());
+    EXPECT_FALSE(window->isVisible());
+}
+
+TEST_F(UpdaterServiceTest, CancellingTheProgressStopsTheCheck) {
+    server.setRoute(QStringLiteral("/appcast.xml"), {200, {}, {}, true});
+    controller()->checkForUpdates();
+    ASSERT_TRUE(updater()->sessionInProgress());
+    controller()->updateWindow()->primaryButton()->click();
+    EXPECT_FALSE(updater()->sessionInProgress());
+    EXPECT_FALSE(windowVisible());
+}
+
+TEST_F(UpdaterServiceTest, UserCheckDuringABackgroundCheckReportsItsResult) {
+    serveFeed({{QStringLiteral("100"), {}, {}}});
+    QSignalSpy finished(updater(), &Updater::checkFinished);
+    updater()->checkForUpdatesInBackground();
+    controller()->checkForUpdates();
+    EXPECT_TRUE(waitForCheck(finished));
+    EXPECT_EQ(server.requestedPaths().size(), 1);
+    ASSERT_TRUE(windowVisible());
+    EXPECT_EQ(controller()->updateWindow()->state(), UpdateWindow::State::UpToDate);
+}
+
+}  // namespace
