@@ -1,8 +1,10 @@
 #include <QCollator>
+#include <QCoreApplication>
 #include <QHash>
 #include <algorithm>
 #include <limits>
 
+#include "KeyboardShortcuts/KeyboardShortcuts.h"
 #include "app/AppController.h"
 #include "app/ScreenSnapshotService.h"
 #include "app/ShortcutDisplayRecordCoding.h"
@@ -83,6 +85,23 @@ void AppController::registerShortcutHandlersIfNeeded() {
     for (const ShortcutDisplayRecord& record : m_shortcutDisplayRecords) {
         wanted.insert(record.id);
     }
+    for (const QString& id : m_registeredShortcutDisplayIDs - wanted) {
+        KeyboardShortcuts::removeHandler(KeyboardShortcuts::Name(shortcutNameRawValue(id)));
+    }
+    for (const QString& id : wanted - m_registeredShortcutDisplayIDs) {
+        QPointer<AppController> weakSelf(this);
+        KeyboardShortcuts::onKeyUp(KeyboardShortcuts::Name(shortcutNameRawValue(id)), [weakSelf, id] {
+            // The move runs after the key event has been handled, and only if the controller still exists.
+            QMetaObject::invokeMethod(
+                QCoreApplication::instance(),
+                [weakSelf, id] {
+                    if (weakSelf) {
+                        weakSelf->moveFocusedWindow(id);
+                    }
+                },
+                Qt::QueuedConnection);
+        });
+    }
     m_registeredShortcutDisplayIDs = wanted;
 }
 
@@ -96,6 +115,9 @@ void AppController::deleteDisconnectedShortcutDisplay(const QString& persistentI
     m_shortcutDisplayRecords.removeIf(
         [&persistentID](const ShortcutDisplayRecord& record) { return record.id == persistentID; });
     saveShortcutDisplayRecords();
+    const KeyboardShortcuts::Name name(shortcutNameRawValue(persistentID));
+    KeyboardShortcuts::removeHandler(name);
+    KeyboardShortcuts::setShortcut(std::nullopt, name);
     m_registeredShortcutDisplayIDs.remove(persistentID);
     refreshShortcutDisplays();
 }

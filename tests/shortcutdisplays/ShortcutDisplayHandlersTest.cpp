@@ -1,0 +1,110 @@
+#include <gtest/gtest.h>
+
+#include <QCoreApplication>
+
+#include "KeyboardShortcuts/KeyboardShortcuts.h"
+#include "app/AppController.h"
+#include "platform/fake/FakePlatform.h"
+#include "tests/support/VirtualDesktop.h"
+
+namespace {
+
+using KeyboardShortcuts::Name;
+using KeyboardShortcuts::Shortcut;
+
+constexpr int kControlOption = 0x1000 | 0x800;
+
+FakeDisplays::Display display(CGDirectDisplayID id, const QString& name, quint32 serial, qreal x = 0) {
+    return {.id = id, .name = name, .bounds = QRectF(x, 0, 1920, 1080), .vendor = 16, .model = 32, .serial = serial};
+}
+
+Name displayName(const QString& id) {
+    return Name(AppController::shortcutNameRawValue(id));
+}
+
+class ShortcutDisplayHandlersTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        // Handler tables live for the whole process; start each test from none.
+        KeyboardShortcuts::removeAllHandlers();
+        platform.displays.setDisplays(
+            {display(5, QStringLiteral("Main"), 1), display(9, QStringLiteral("Side"), 2, 1920)});
+        KeyboardShortcuts::setShortcut(Shortcut(18, kControlOption), displayName(QStringLiteral("v16-m32-s1")));
+        KeyboardShortcuts::setShortcut(Shortcut(19, kControlOption), displayName(QStringLiteral("v16-m32-s2")));
+    }
+    void TearDown() override { KeyboardShortcuts::removeAllHandlers(); }
+
+    // Presses and releases a key, then lets the queued move run.
+    void tap(quint32 keyCode) {
+        platform.hotKeys.press(keyCode, kControlOption);
+        platform.hotKeys.release(keyCode, kControlOption);
+        QCoreApplication::processEvents();
+    }
+
+    FakePlatform platform;
+};
+
+TEST_F(ShortcutDisplayHandlersTest, FirstRunWithTwoDisplaysInstallsTwoHandlers) {
+    AppController controller;
+    EXPECT_EQ(platform.hotKeys.registrations().size(), 2);
+    EXPECT_EQ(controller.registeredShortcutDisplayIDs().size(), 2);
+}
+
+TEST_F(ShortcutDisplayHandlersTest, RebuildingAgainInstallsNoSecondHandler) {
+    AppController controller;
+    controller.refreshShortcutDisplays();
+    controller.refreshShortcutDisplays();
+    int moves = 0;
+    QObject::connect(&controller, &AppController::statusMessageChanged, [&] { ++moves; });
+    platform.permissions.trusted = false;
+    controller.refreshPermissions();
+    tap(18);
+    EXPECT_EQ(moves, 1);
+}
+
+TEST_F(ShortcutDisplayHandlersTest, MoveHappensOnReleaseNotOnPress) {
+    AppController controller;
+    platform.hotKeys.press(19, kControlOption);
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(controller.statusMessage().isEmpty());
+    platform.hotKeys.release(19, kControlOption);
+    EXPECT_TRUE(controller.statusMessage().isEmpty()) << "the move waits until the key event is handled";
+    QCoreApplication::processEvents();
+    // Nothing has focus on the fake platform, so the mover finds nothing to move.
+    EXPECT_EQ(controller.statusMessage(), QStringLiteral("No focused window was found to move."));
+}
+
+TEST_F(ShortcutDisplayHandlersTest, UnpluggedDisplaysShortcutSaysItIsNotConnected) {
+    AppController controller;
+    platform.displays.changeDisplays({display(5, QStringLiteral("Main"), 1)});
+    QCoreApplication::processEvents();
+    ASSERT_EQ(controller.disconnectedShortcutDisplays().size(), 1);
+    tap(19);
+    EXPECT_EQ(controller.statusMessage(), QStringLiteral("Shortcut target display is currently not connected."));
+}
+
+TEST_F(ShortcutDisplayHandlersTest, DeletingADisconnectedDisplayForgetsItsKeyCombination) {
+    AppController controller;
+    platform.displays.changeDisplays({display(5, QStringLiteral("Main"), 1)});
+    QCoreApplication::processEvents();
+    controller.deleteDisconnectedShortcutDisplay(QStringLiteral("v16-m32-s2"));
+    EXPECT_FALSE(KeyboardShortcuts::getShortcut(displayName(QStringLiteral("v16-m32-s2"))).has_value());
+    EXPECT_FALSE(KeyboardShortcuts::userDefaultsContains(displayName(QStringLiteral("v16-m32-s2"))));
+    EXPECT_EQ(platform.hotKeys.registrations().size(), 1);
+    tap(19);
+    EXPECT_TRUE(controller.statusMessage().isEmpty());
+    // The connected display's shortcut still works.
+    EXPECT_TRUE(KeyboardShortcuts::getShortcut(displayName(QStringLiteral("v16-m32-s1"))).has_value());
+}
+
+TEST_F(ShortcutDisplayHandlersTest, HandlerOfADestroyedControllerDoesNothing) {
+    { AppController gone; }
+    AppController controller;
+    int messages = 0;
+    QObject::connect(&controller, &AppController::statusMessageChanged, [&] { ++messages; });
+    tap(18);
+    // Only the live controller's handler moves; the first one's holds nothing and is skipped.
+    EXPECT_EQ(messages, 1);
+}
+
+}  // namespace
