@@ -1,51 +1,159 @@
 #include "app/LatticaApp.h"
 
 #include <QApplication>
+#include <QCursor>
+#include <QKeyEvent>
 #include <QMenu>
-#include <QPainter>
-#include <QPainterPath>
+#include <QScreen>
+#include <QTimer>
+#include <QVBoxLayout>
+#include <QtMath>
 #include <cstdio>
 
 #include "app/AppController.h"
+#include "app/PanelGeometry.h"
+#include "app/views/MenuBarContentView.h"
+#include "app/views/SymbolIcons.h"
 
-namespace {
-
-// The program's symbol: two overlapping display outlines, drawn for the size the tray asks for.
-QIcon programIcon() {
-    QIcon icon;
-    for (const int size : {16, 22, 24, 32, 48, 64, 128}) {
-        QPixmap pixmap(size, size);
-        pixmap.fill(Qt::transparent);
-        QPainter painter(&pixmap);
-        painter.setRenderHint(QPainter::Antialiasing);
-        const qreal pen = qMax(1.5, size / 14.0);
-        const qreal unit = size / 16.0;
-        painter.setPen(QPen(QColor(0x3d, 0x8b, 0xfd), pen, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-        painter.drawRoundedRect(QRectF(1.5 * unit, 1.5 * unit, 9 * unit, 7 * unit), unit, unit);
-        painter.setBrush(QColor(0x3d, 0x8b, 0xfd));
-        painter.drawRoundedRect(QRectF(5.5 * unit, 6.5 * unit, 9 * unit, 7 * unit), unit, unit);
-        icon.addPixmap(pixmap);
-    }
-    return icon;
+void LatticaApp::AppDelegate::applicationDidFinishLaunching(AppController& controller) {
+    controller.applicationDidFinishLaunching();
 }
 
-}  // namespace
+LatticaApp::LatticaApp(AppController& controller) : m_controller(controller) {}
 
-LatticaApp::LatticaApp() = default;
+LatticaApp::LatticaApp() : LatticaApp(AppController::shared()) {}
+
 LatticaApp::~LatticaApp() = default;
 
+QIcon LatticaApp::programIcon() {
+    return SymbolIcons::drawnIcon(QStringLiteral("rectangle.on.rectangle.angled"));
+}
+
 void LatticaApp::start() {
-    AppController& controller = AppController::shared();
+    // For trays that keep clicks to themselves: the same two actions as the panel's footer.
     m_trayMenu = std::make_unique<QMenu>();
-    m_trayMenu->addAction(QStringLiteral("Quit"), qApp, &QCoreApplication::quit);
+    m_trayMenu->addAction(SymbolIcons::icon(QStringLiteral("gearshape")), QStringLiteral("Settings"), this,
+                          [this] { m_controller.showSettingsWindow(); });
+    QAction* quit = m_trayMenu->addAction(SymbolIcons::icon(QStringLiteral("power")), QStringLiteral("Quit"), qApp,
+                                          &QCoreApplication::quit);
+    quit->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
+
+    connect(&m_controller, &AppController::permissionStateChanged, this, &LatticaApp::resizePanel);
+    connect(&m_controller, &AppController::displaysChanged, this, &LatticaApp::resizePanel);
+
     if (QSystemTrayIcon::isSystemTrayAvailable()) {
         m_trayIcon = std::make_unique<QSystemTrayIcon>(programIcon());
         m_trayIcon->setToolTip(QStringLiteral("Lattica"));
         m_trayIcon->setContextMenu(m_trayMenu.get());
+        connect(m_trayIcon.get(), &QSystemTrayIcon::activated, this, [this](QSystemTrayIcon::ActivationReason reason) {
+            if (reason == QSystemTrayIcon::Trigger) {
+                togglePanel();
+            }
+        });
         m_trayIcon->show();
     } else {
         std::fputs("Lattica: no system tray is available; the panel opens as an ordinary window.\n", stdout);
         std::fflush(stdout);
+        ensurePanel(false);
+        QTimer::singleShot(0, this, &LatticaApp::openPanel);
     }
-    Q_UNUSED(controller);
+    QTimer::singleShot(0, this, [this] { m_appDelegate.applicationDidFinishLaunching(m_controller); });
+}
+
+void LatticaApp::ensurePanel(bool asPopup) {
+    if (m_panel) {
+        return;
+    }
+    m_panelIsPopup = asPopup;
+    const Qt::WindowFlags flags = asPopup ? Qt::Popup | Qt::FramelessWindowHint : Qt::Window;
+    m_panel = std::make_unique<QWidget>(nullptr, flags);
+    m_panel->setObjectName(QStringLiteral("panel"));
+    m_panel->setWindowTitle(QStringLiteral("Lattica"));
+    m_panel->setWindowIcon(programIcon());
+    // A click outside closes the popup and goes no further, so a click on the tray icon only closes it.
+    m_panel->setAttribute(Qt::WA_NoMouseReplay);
+    auto* layout = new QVBoxLayout(m_panel.get());
+    layout->setContentsMargins(0, 0, 0, 0);
+    m_content = new MenuBarContentView(m_controller, m_panel.get());
+    layout->addWidget(m_content);
+    connect(m_content, &MenuBarContentView::dismissRequested, this, &LatticaApp::closePanel);
+    m_panel->installEventFilter(this);
+    resizePanel();
+}
+
+QSize LatticaApp::panelSize() const {
+    const bool granted = m_controller.permissionState().bothGranted();
+    const int count = static_cast<int>(m_controller.displays().size());
+    return {qCeil(PanelGeometry::popupWidth(granted, count)), qCeil(PanelGeometry::popupHeight(granted, count))};
+}
+
+void LatticaApp::resizePanel() {
+    if (!m_panel) {
+        return;
+    }
+    const QSize size = panelSize();
+    if (m_panel->size() == size) {
+        return;
+    }
+    m_panel->setFixedSize(size);
+    if (m_panel->isVisible() && m_panelIsPopup) {
+        placePanel();
+    }
+}
+
+void LatticaApp::placePanel() {
+    const QPoint anchor = m_anchorIcon.isValid() ? m_anchorIcon.center() : m_anchorPointer;
+    QScreen* screen = QGuiApplication::screenAt(anchor);
+    if (screen == nullptr) {
+        screen = QGuiApplication::primaryScreen();
+    }
+    if (screen == nullptr) {
+        return;
+    }
+    m_panel->move(
+        PanelGeometry::panelOrigin(m_panel->size(), m_anchorIcon, m_anchorPointer, screen->availableGeometry()));
+}
+
+void LatticaApp::openPanel() {
+    ensurePanel(true);
+    m_anchorIcon = m_trayIcon ? m_trayIcon->geometry() : QRect();
+    m_anchorPointer = QCursor::pos();
+    m_controller.refreshForMenuOpen();
+    resizePanel();
+    if (m_panelIsPopup) {
+        placePanel();
+    }
+    m_panel->show();
+    m_panel->raise();
+    m_panel->activateWindow();
+    Q_EMIT panelShown();
+}
+
+void LatticaApp::closePanel() {
+    if (!m_panel) {
+        return;
+    }
+    m_panel->hide();
+}
+
+void LatticaApp::togglePanel() {
+    if (m_panel && m_panel->isVisible()) {
+        closePanel();
+    } else {
+        openPanel();
+    }
+}
+
+bool LatticaApp::eventFilter(QObject* watched, QEvent* event) {
+    if (m_panel && watched == m_panel.get()) {
+        if (event->type() == QEvent::KeyPress && static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape) {
+            closePanel();
+            return true;
+        }
+        // Without a tray host the panel window is the program's only window: closing it ends the program.
+        if (event->type() == QEvent::Close && !m_panelIsPopup) {
+            QTimer::singleShot(0, qApp, &QCoreApplication::quit);
+        }
+    }
+    return QObject::eventFilter(watched, event);
 }

@@ -1,0 +1,273 @@
+#include "app/views/MenuBarContentView.h"
+
+#include <QCoreApplication>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QStackedLayout>
+#include <QVBoxLayout>
+
+#include "app/AppController.h"
+#include "app/PanelGeometry.h"
+#include "app/views/DisplayCardView.h"
+#include "app/views/SymbolIcons.h"
+#include "app/views/ViewStyle.h"
+
+namespace {
+
+constexpr int kPanelMargin = 12;
+constexpr int kCardSpacing = 8;
+constexpr int kGridPadding = 10;
+
+QPushButton* makeButton(const QString& symbol, const QString& title, QWidget* parent) {
+    auto* button = new QPushButton(SymbolIcons::icon(symbol), title, parent);
+    button->setIconSize(QSize(16, 16));
+    button->setAutoDefault(false);
+    return button;
+}
+
+}  // namespace
+
+MenuBarContentView::MenuBarContentView(AppController& controller, QWidget* parent)
+    : QWidget(parent), m_controller(controller) {
+    setObjectName(QStringLiteral("menuBarContent"));
+    auto* root = new QVBoxLayout(this);
+    root->setContentsMargins(kPanelMargin, kPanelMargin, kPanelMargin, kPanelMargin);
+    root->setSpacing(8);
+
+    auto* header = new QVBoxLayout();
+    header->setSpacing(2);
+    header->addWidget(ViewStyle::makeLabel(QStringLiteral("Lattica"), ViewStyle::titleFont(), this));
+    header->addWidget(
+        ViewStyle::makeLabel(QStringLiteral("Preview displays and move windows from one display to another."),
+                             ViewStyle::captionFont(), this, true, true));
+    root->addLayout(header);
+
+    auto* body = new QWidget(this);
+    body->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Expanding);
+    m_pages = new QStackedLayout(body);
+    m_blockedPage = makeBlockedPage();
+    m_loadingPage = makeMessagePage(QStringLiteral("Loading screen previews..."),
+                                    QStringLiteral("Preview generation runs in the background."), true);
+    m_loadingPage->setObjectName(QStringLiteral("loadingPage"));
+    m_emptyPage = makeMessagePage(QStringLiteral("No displays detected"),
+                                  QStringLiteral("Connect a display and try again."), false);
+    m_emptyPage->setObjectName(QStringLiteral("noDisplaysPage"));
+    m_gridPage = makeGridPage();
+    for (QWidget* page : {m_blockedPage, m_loadingPage, m_emptyPage, m_gridPage}) {
+        m_pages->addWidget(page);
+    }
+    root->addWidget(body, 1);
+    root->addWidget(makeFooter());
+
+    connect(&m_controller, &AppController::permissionStateChanged, this, &MenuBarContentView::render);
+    connect(&m_controller, &AppController::displaysChanged, this, &MenuBarContentView::render);
+    connect(&m_controller, &AppController::isLoadingPreviewsChanged, this, &MenuBarContentView::render);
+    render();
+}
+
+QWidget* MenuBarContentView::makeBlockedPage() {
+    auto* page = new QWidget(this);
+    page->setObjectName(QStringLiteral("permissionsRequiredPage"));
+    auto* layout = new QVBoxLayout(page);
+    layout->setContentsMargins(0, 4, 0, 0);
+    layout->setSpacing(6);
+    QFont titleFont = ViewStyle::subheadlineFont();
+    titleFont.setWeight(QFont::DemiBold);
+    layout->addWidget(ViewStyle::makeLabel(QStringLiteral("Permissions Required"), titleFont, page));
+    layout->addWidget(ViewStyle::makeLabel(
+        QStringLiteral("Grant Screen Recording and Accessibility to view screen previews and move windows."),
+        ViewStyle::captionFont(), page, true, true));
+
+    auto* badges = new QHBoxLayout();
+    badges->setSpacing(6);
+    m_screenRecordingBadge = makePermissionBadge(QStringLiteral("screenRecordingBadge"), page);
+    m_accessibilityBadge = makePermissionBadge(QStringLiteral("accessibilityBadge"), page);
+    badges->addWidget(m_screenRecordingBadge);
+    badges->addWidget(m_accessibilityBadge);
+    badges->addStretch(1);
+    layout->addLayout(badges);
+
+    auto* buttons = new QHBoxLayout();
+    buttons->setSpacing(6);
+    QPushButton* screenRecording =
+        makeButton(QStringLiteral("display"), QStringLiteral("Request Screen Recording"), page);
+    screenRecording->setObjectName(QStringLiteral("requestScreenRecordingButton"));
+    connect(screenRecording, &QPushButton::clicked, this, [this] { m_controller.requestScreenRecordingPermission(); });
+    QPushButton* accessibility =
+        makeButton(QStringLiteral("hand.raised"), QStringLiteral("Request Accessibility"), page);
+    accessibility->setObjectName(QStringLiteral("requestAccessibilityButton"));
+    connect(accessibility, &QPushButton::clicked, this, [this] { m_controller.requestAccessibilityPermission(); });
+    buttons->addWidget(screenRecording);
+    buttons->addWidget(accessibility);
+    buttons->addStretch(1);
+    layout->addLayout(buttons);
+    layout->addStretch(1);
+    return page;
+}
+
+QLabel* MenuBarContentView::makePermissionBadge(const QString& objectName, QWidget* parent) {
+    auto* badge = new QLabel(parent);
+    badge->setObjectName(objectName);
+    QFont font = ViewStyle::captionFont();
+    font.setWeight(QFont::Medium);
+    badge->setFont(font);
+    return badge;
+}
+
+void MenuBarContentView::updatePermissionBadge(QLabel* badge, const QString& title, bool granted) {
+    const QColor tint = granted ? ViewStyle::grantedColor() : ViewStyle::missingColor();
+    badge->setText(title + (granted ? QStringLiteral(": Granted") : QStringLiteral(": Missing")));
+    const int radius = (badge->fontMetrics().height() + 12) / 2;
+    badge->setStyleSheet(QStringLiteral("QLabel { color: %1; background-color: rgba(%2, %3, %4, 0.12); "
+                                        "border-radius: %5px; padding: 6px 10px; }")
+                             .arg(tint.name())
+                             .arg(tint.red())
+                             .arg(tint.green())
+                             .arg(tint.blue())
+                             .arg(radius));
+}
+
+QWidget* MenuBarContentView::makeMessagePage(const QString& title, const QString& caption, bool withProgress) {
+    auto* page = new QWidget(this);
+    auto* layout = new QVBoxLayout(page);
+    layout->setSpacing(6);
+    layout->addStretch(1);
+    if (withProgress) {
+        auto* progress = new QProgressBar(page);
+        progress->setRange(0, 0);
+        progress->setTextVisible(false);
+        progress->setFixedSize(120, 8);
+        layout->addWidget(progress, 0, Qt::AlignHCenter);
+    }
+    QFont titleFont = ViewStyle::bodyFont();
+    titleFont.setWeight(QFont::DemiBold);
+    layout->addWidget(ViewStyle::makeLabel(title, titleFont, page), 0, Qt::AlignHCenter);
+    layout->addWidget(ViewStyle::makeLabel(caption, ViewStyle::captionFont(), page, true), 0, Qt::AlignHCenter);
+    layout->addStretch(1);
+    return page;
+}
+
+QWidget* MenuBarContentView::makeGridPage() {
+    auto* page = new QWidget(this);
+    page->setObjectName(QStringLiteral("displaysPage"));
+    auto* layout = new QVBoxLayout(page);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(4);
+
+    m_grid = new QWidget(page);
+    m_grid->setObjectName(QStringLiteral("displayGrid"));
+    m_grid->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    m_cardRow = new QHBoxLayout(m_grid);
+    m_cardRow->setContentsMargins(0, kGridPadding, 0, kGridPadding);
+    m_cardRow->setSpacing(kCardSpacing);
+    layout->addWidget(m_grid, 1);
+
+    m_singleDisplayHint = new QWidget(page);
+    m_singleDisplayHint->setObjectName(QStringLiteral("singleDisplayHint"));
+    auto* hint = new QHBoxLayout(m_singleDisplayHint);
+    hint->setContentsMargins(0, 0, 0, 0);
+    hint->setSpacing(6);
+    auto* icon = new QLabel(m_singleDisplayHint);
+    icon->setPixmap(SymbolIcons::icon(QStringLiteral("display")).pixmap(14, 14));
+    hint->addWidget(icon, 0, Qt::AlignTop);
+    hint->addWidget(
+        ViewStyle::makeLabel(
+            QStringLiteral("Only one display is connected. Connect another display to enable window moves."),
+            ViewStyle::captionFont(), m_singleDisplayHint, true, true),
+        1);
+    layout->addWidget(m_singleDisplayHint);
+    return page;
+}
+
+QWidget* MenuBarContentView::makeFooter() {
+    auto* footer = new QWidget(this);
+    auto* row = new QHBoxLayout(footer);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->setSpacing(6);
+    QPushButton* settings = makeButton(QStringLiteral("gearshape"), QStringLiteral("Settings"), footer);
+    settings->setObjectName(QStringLiteral("settingsButton"));
+    connect(settings, &QPushButton::clicked, this, [this] {
+        Q_EMIT dismissRequested();
+        m_controller.showSettingsWindow();
+    });
+    QPushButton* quit = makeButton(QStringLiteral("power"), QStringLiteral("Quit"), footer);
+    quit->setObjectName(QStringLiteral("quitButton"));
+    quit->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
+    quit->setToolTip(QStringLiteral("Quit (%1)").arg(quit->shortcut().toString(QKeySequence::NativeText)));
+    connect(quit, &QPushButton::clicked, this, [] { QCoreApplication::quit(); });
+    row->addWidget(settings);
+    row->addStretch(1);
+    row->addWidget(quit);
+    return footer;
+}
+
+int MenuBarContentView::gridWidth() const {
+    return width() - 2 * kPanelMargin;
+}
+
+void MenuBarContentView::render() {
+    const PermissionState permissions = m_controller.permissionState();
+    updatePermissionBadge(m_screenRecordingBadge, QStringLiteral("Screen Recording"),
+                          permissions.screenRecordingGranted);
+    updatePermissionBadge(m_accessibilityBadge, QStringLiteral("Accessibility"), permissions.accessibilityGranted);
+
+    if (!permissions.screenRecordingGranted || !permissions.accessibilityGranted) {
+        m_state = State::PermissionsRequired;
+        m_pages->setCurrentWidget(m_blockedPage);
+    } else if (m_controller.displays().isEmpty()) {
+        m_state = m_controller.isLoadingPreviews() ? State::Loading : State::NoDisplays;
+        m_pages->setCurrentWidget(m_controller.isLoadingPreviews() ? m_loadingPage : m_emptyPage);
+    } else {
+        m_state = State::Displays;
+        m_pages->setCurrentWidget(m_gridPage);
+    }
+    updateCards();
+}
+
+void MenuBarContentView::updateCards() {
+    // No cards while the permission request is shown.
+    const QList<DisplaySnapshot> displays =
+        m_state == State::Displays ? m_controller.displays() : QList<DisplaySnapshot>();
+    if (m_cards.size() != displays.size()) {
+        while (QLayoutItem* item = m_cardRow->takeAt(0)) {
+            delete item;
+        }
+        for (DisplayCardView* card : m_cards) {
+            // Later: a card's own button may be what started this change.
+            card->hide();
+            card->deleteLater();
+        }
+        m_cards.clear();
+        m_cardRow->addStretch(1);
+        for (qsizetype i = 0; i < displays.size(); ++i) {
+            auto* card = new DisplayCardView(m_controller, m_grid);
+            m_cardRow->addWidget(card, 0, Qt::AlignTop);
+            m_cards.append(card);
+        }
+        m_cardRow->addStretch(1);
+    }
+    m_singleDisplayHint->setVisible(displays.size() == 1);
+    layoutCards();
+}
+
+void MenuBarContentView::layoutCards() {
+    const QList<DisplaySnapshot>& displays = m_controller.displays();
+    if (m_cards.isEmpty() || m_cards.size() != displays.size()) {
+        return;
+    }
+    const double cardWidth = PanelGeometry::cardWidth(gridWidth(), static_cast<int>(m_cards.size()));
+    const double previewHeight = PanelGeometry::previewHeight(cardWidth);
+    for (qsizetype i = 0; i < m_cards.size(); ++i) {
+        const DisplaySnapshot& display = displays[i];
+        const bool loading = m_controller.isLoadingPreviews() && !display.previewImage.has_value();
+        m_cards[i]->setFixedWidth(qRound(cardWidth));
+        m_cards[i]->setDisplay(display, displays, previewHeight, loading);
+    }
+}
+
+void MenuBarContentView::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    layoutCards();
+}

@@ -1,0 +1,60 @@
+#pragma once
+
+#include <QList>
+#include <QWidget>
+
+class AppController;
+class DisplayCardView;
+class QHBoxLayout;
+class QLabel;
+class QPushButton;
+class QStackedLayout;
+
+// The content of the tray panel: a header, then the permission request, the loading or empty state, or
+// one card per display side by side, and the Settings and Quit actions. Everything it shows comes from
+// the controller; it changes nothing itself except through the controller's operations.
+class MenuBarContentView : public QWidget {
+    Q_OBJECT
+public:
+    enum class State { PermissionsRequired, Loading, NoDisplays, Displays };
+
+    explicit MenuBarContentView(AppController& controller, QWidget* parent = nullptr);
+
+    State state() const { return m_state; }
+    QList<DisplayCardView*> cards() const { return m_cards; }
+    // Width the row of cards shares.
+    int gridWidth() const;
+
+Q_SIGNALS:
+    // The panel should close (the Settings button asks for it before opening the settings window).
+    void dismissRequested();
+
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    QWidget* makeBlockedPage();
+    QWidget* makeMessagePage(const QString& title, const QString& caption, bool withProgress);
+    QWidget* makeGridPage();
+    QWidget* makeFooter();
+    QLabel* makePermissionBadge(const QString& objectName, QWidget* parent);
+    void updatePermissionBadge(QLabel* badge, const QString& title, bool granted);
+
+    void render();
+    void updateCards();
+    void layoutCards();
+
+    AppController& m_controller;
+    State m_state = State::PermissionsRequired;
+    QStackedLayout* m_pages = nullptr;
+    QWidget* m_blockedPage = nullptr;
+    QWidget* m_loadingPage = nullptr;
+    QWidget* m_emptyPage = nullptr;
+    QWidget* m_gridPage = nullptr;
+    QLabel* m_screenRecordingBadge = nullptr;
+    QLabel* m_accessibilityBadge = nullptr;
+    QWidget* m_grid = nullptr;
+    QHBoxLayout* m_cardRow = nullptr;
+    QWidget* m_singleDisplayHint = nullptr;
+    QList<DisplayCardView*> m_cards;
+};

@@ -1,0 +1,193 @@
+#include "app/views/PermissionGuideView.h"
+
+#include <QFrame>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+#include "app/AppController.h"
+#include "app/PermissionService.h"
+#include "app/views/SymbolIcons.h"
+#include "app/views/ViewStyle.h"
+
+namespace {
+
+constexpr int kContentWidth = 640;
+
+QLabel* iconLabel(const QString& symbol, int size, QWidget* parent) {
+    auto* label = new QLabel(parent);
+    label->setPixmap(SymbolIcons::icon(symbol).pixmap(size, size));
+    label->setFixedSize(size, size);
+    return label;
+}
+
+QPushButton* makeButton(const QString& symbol, const QString& title, QWidget* parent) {
+    auto* button = new QPushButton(SymbolIcons::icon(symbol), title, parent);
+    button->setAutoDefault(false);
+    return button;
+}
+
+// A button drawn in the accent colour, for the action the row is about.
+void makeProminent(QPushButton& button) {
+    QPalette palette = button.palette();
+    palette.setColor(QPalette::Button, palette.color(QPalette::Highlight));
+    palette.setColor(QPalette::ButtonText, palette.color(QPalette::HighlightedText));
+    button.setPalette(palette);
+}
+
+}  // namespace
+
+PermissionGuideView::PermissionGuideView(AppController& controller, QWidget* parent)
+    : QWidget(parent), m_controller(controller) {
+    setObjectName(QStringLiteral("permissionGuide"));
+    auto* root = new QVBoxLayout(this);
+    root->setContentsMargins(28, 24, 28, 20);
+    root->setSpacing(16);
+
+    auto* header = new QHBoxLayout();
+    header->setSpacing(14);
+    header->addWidget(iconLabel(QStringLiteral("lock.shield.fill"), 36, this), 0, Qt::AlignTop);
+    auto* headerText = new QVBoxLayout();
+    headerText->setSpacing(4);
+    headerText->addWidget(
+        ViewStyle::makeLabel(QStringLiteral("Enable Required Permissions"), ViewStyle::titleFont(), this));
+    headerText->addWidget(ViewStyle::makeLabel(
+        QStringLiteral(
+            "Lattica needs Screen Recording for previews and Accessibility to move windows between displays."),
+        ViewStyle::bodyFont(), this, true, true));
+    header->addLayout(headerText, 1);
+    root->addLayout(header);
+
+    m_stepsLayout = new QVBoxLayout();
+    m_stepsLayout->setSpacing(10);
+    root->addLayout(m_stepsLayout);
+
+    auto* note = new QHBoxLayout();
+    note->setSpacing(8);
+    note->addWidget(iconLabel(QStringLiteral("info.circle"), 16, this), 0, Qt::AlignTop);
+    note->addWidget(
+        ViewStyle::makeLabel(QStringLiteral("After granting access, macOS may require you to reopen the app."),
+                             ViewStyle::captionFont(), this, true, true),
+        1);
+    root->addLayout(note);
+
+    m_statusLabel = ViewStyle::makeLabel(QString(), ViewStyle::captionFont(), this, false, true);
+    m_statusLabel->setObjectName(QStringLiteral("statusMessage"));
+    root->addWidget(m_statusLabel);
+    root->addStretch(1);
+
+    auto* footer = new QHBoxLayout();
+    footer->setSpacing(8);
+    QPushButton* recheck = makeButton(QStringLiteral("arrow.clockwise"), QStringLiteral("Re-check Permissions"), this);
+    recheck->setObjectName(QStringLiteral("recheckButton"));
+    connect(recheck, &QPushButton::clicked, this, [this] { m_controller.refreshPermissions(); });
+    QPushButton* continueButton = makeButton(QStringLiteral("checkmark.circle.fill"), QStringLiteral("Continue"), this);
+    continueButton->setObjectName(QStringLiteral("continueButton"));
+    connect(continueButton, &QPushButton::clicked, this, &PermissionGuideView::continueIfGranted);
+    footer->addStretch(1);
+    footer->addWidget(recheck);
+    footer->addWidget(continueButton);
+    root->addLayout(footer);
+
+    auto showStatus = [this] {
+        m_statusLabel->setText(m_controller.statusMessage());
+        m_statusLabel->setVisible(!m_controller.statusMessage().isEmpty());
+    };
+    connect(&m_controller, &AppController::permissionStateChanged, this, &PermissionGuideView::rebuildSteps);
+    connect(&m_controller, &AppController::statusMessageChanged, this, showStatus);
+    rebuildSteps();
+    showStatus();
+}
+
+QSize PermissionGuideView::sizeHint() const {
+    const QSize content = QWidget::sizeHint();
+    return {kContentWidth, std::max(content.height(), 480)};
+}
+
+QWidget* PermissionGuideView::guideStep(const QString& title, qint64 stepNumber, const QString& stepSymbol,
+                                        bool granted, const QString& requestTitle, const QString& requestSymbol,
+                                        const QString& openSettingsTitle, const std::function<void()>& requestAction,
+                                        const std::function<void()>& openSettingsAction) {
+    auto* row = new QFrame(this);
+    row->setFrameShape(QFrame::StyledPanel);
+    auto* layout = new QHBoxLayout(row);
+    layout->setContentsMargins(14, 12, 14, 12);
+    layout->setSpacing(12);
+
+    auto* number = new QLabel(QString::asprintf("%lld", static_cast<long long>(stepNumber)), row);
+    number->setObjectName(QStringLiteral("stepNumber"));
+    number->setAlignment(Qt::AlignCenter);
+    number->setFixedSize(26, 26);
+    QFont numberFont = ViewStyle::headlineFont();
+    number->setFont(numberFont);
+    number->setForegroundRole(QPalette::HighlightedText);
+    number->setStyleSheet(QStringLiteral("QLabel { background-color: palette(highlight); border-radius: 13px; }"));
+    layout->addWidget(number, 0, Qt::AlignVCenter);
+    layout->addWidget(iconLabel(stepSymbol, 22, row), 0, Qt::AlignVCenter);
+
+    auto* text = new QVBoxLayout();
+    text->setSpacing(2);
+    text->addWidget(ViewStyle::makeLabel(title, ViewStyle::headlineFont(), row));
+    auto* state = new QHBoxLayout();
+    state->setSpacing(4);
+    state->addWidget(iconLabel(
+        granted ? QStringLiteral("checkmark.circle.fill") : QStringLiteral("exclamationmark.triangle"), 14, row));
+    QLabel* stateLabel = ViewStyle::makeLabel(granted ? QStringLiteral("Granted") : QStringLiteral("Missing"),
+                                              ViewStyle::captionFont(), row);
+    stateLabel->setObjectName(QStringLiteral("grantState"));
+    QPalette statePalette = stateLabel->palette();
+    statePalette.setColor(QPalette::WindowText, granted ? ViewStyle::grantedColor() : ViewStyle::missingColor());
+    stateLabel->setPalette(statePalette);
+    state->addWidget(stateLabel);
+    state->addStretch(1);
+    text->addLayout(state);
+    layout->addLayout(text, 1);
+
+    QPushButton* request = makeButton(requestSymbol, requestTitle, row);
+    request->setObjectName(QStringLiteral("requestButton"));
+    makeProminent(*request);
+    connect(request, &QPushButton::clicked, this, requestAction);
+    QPushButton* openSettings = makeButton(QStringLiteral("gearshape"), openSettingsTitle, row);
+    openSettings->setObjectName(QStringLiteral("openSettingsButton"));
+    openSettings->setFlat(true);
+    connect(openSettings, &QPushButton::clicked, this, openSettingsAction);
+    layout->addWidget(request, 0, Qt::AlignVCenter);
+    layout->addWidget(openSettings, 0, Qt::AlignVCenter);
+    return row;
+}
+
+void PermissionGuideView::rebuildSteps() {
+    while (QLayoutItem* item = m_stepsLayout->takeAt(0)) {
+        if (QWidget* widget = item->widget()) {
+            // Later: the row's own button may be what changed the state.
+            widget->hide();
+            widget->deleteLater();
+        }
+        delete item;
+    }
+    const PermissionState permissions = m_controller.permissionState();
+    QWidget* screenRecording = guideStep(
+        QStringLiteral("Screen Recording"), 1, QStringLiteral("display"), permissions.screenRecordingGranted,
+        QStringLiteral("Request Screen Recording"), QStringLiteral("display"), QStringLiteral("Open System Settings"),
+        [this] { m_controller.requestScreenRecordingPermission(); },
+        [] { PermissionService::openScreenRecordingSettings(); });
+    screenRecording->setObjectName(QStringLiteral("screenRecordingStep"));
+    QWidget* accessibility = guideStep(
+        QStringLiteral("Accessibility"), 2, QStringLiteral("hand.raised.fill"), permissions.accessibilityGranted,
+        QStringLiteral("Request Accessibility"), QStringLiteral("hand.raised.fill"),
+        QStringLiteral("Open System Settings"), [this] { m_controller.requestAccessibilityPermission(); },
+        [] { PermissionService::openAccessibilitySettings(); });
+    accessibility->setObjectName(QStringLiteral("accessibilityStep"));
+    m_stepsLayout->addWidget(screenRecording);
+    m_stepsLayout->addWidget(accessibility);
+}
+
+void PermissionGuideView::continueIfGranted() {
+    m_controller.refreshPermissions();
+    if (!m_controller.permissionState().bothGranted()) {
+        return;
+    }
+    window()->close();
+    m_controller.refreshForMenuOpen();
+}
