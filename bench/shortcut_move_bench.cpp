@@ -1,0 +1,194 @@
+// Time from the release of a display's shortcut (sent through XTEST) to the window manager's
+// confirmation (a ConfigureNotify of the window's frame) that the focused window sits on that display.
+// Run it on a virtual desktop: bench/run-benchmarks.sh, or scripts/virtual-desktop.sh run -- <this>.
+#include <xcb/xcb.h>
+#include <xcb/xcb_keysyms.h>
+#include <xcb/xtest.h>
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QThread>
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+
+#include "KeyboardShortcuts/KeyboardShortcuts.h"
+#include "app/AppController.h"
+#include "app/ScreenSnapshotService.h"
+#include "platform/x11/X11Platform.h"
+#include "tests/testclient/TestClient.h"
+
+namespace {
+
+constexpr int kPresses = 60;
+constexpr int kControlOption = 0x1000 | 0x800;
+constexpr int kOneKeyCode = 18;  // Carbon key codes of the digits 1 and 2
+constexpr int kTwoKeyCode = 19;
+constexpr xcb_keysym_t kControlL = 0xffe3;
+constexpr xcb_keysym_t kAltL = 0xffe9;
+
+// An observer on its own connection: sends the key events and watches the frames move.
+class Observer {
+public:
+    Observer() : m_connection(xcb_connect(nullptr, nullptr)) {
+        m_screen = xcb_setup_roots_iterator(xcb_get_setup(m_connection)).data;
+        const uint32_t mask = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
+        xcb_change_window_attributes(m_connection, m_screen->root, XCB_CW_EVENT_MASK, &mask);
+        m_symbols = xcb_key_symbols_alloc(m_connection);
+        xcb_flush(m_connection);
+    }
+    ~Observer() {
+        xcb_key_symbols_free(m_symbols);
+        xcb_disconnect(m_connection);
+    }
+
+    xcb_keycode_t keycode(xcb_keysym_t symbol) {
+        xcb_keycode_t* codes = xcb_key_symbols_get_keycode(m_symbols, symbol);
+        const xcb_keycode_t code = codes != nullptr ? codes[0] : 0;
+        std::free(codes);
+        return code;
+    }
+    void key(uint8_t type, xcb_keycode_t code) {
+        xcb_test_fake_input(m_connection, type, code, XCB_CURRENT_TIME, XCB_NONE, 0, 0, 0);
+        xcb_flush(m_connection);
+    }
+    // The top-level window that holds the client: its frame under a reparenting window manager.
+    xcb_window_t frameOf(xcb_window_t window) {
+        for (;;) {
+            xcb_query_tree_reply_t* tree =
+                xcb_query_tree_reply(m_connection, xcb_query_tree(m_connection, window), nullptr);
+            if (tree == nullptr) {
+                return window;
+            }
+            const xcb_window_t parent = tree->parent;
+            std::free(tree);
+            if (parent == m_screen->root || parent == XCB_NONE) {
+                return window;
+            }
+            window = parent;
+        }
+    }
+    void drain() {
+        while (xcb_generic_event_t* event = xcb_poll_for_event(m_connection)) {
+            std::free(event);
+        }
+    }
+    // True once a ConfigureNotify shows the frame's centre inside the rectangle (root coordinates).
+    bool frameArrived(xcb_window_t frame, const QRect& target) {
+        bool arrived = false;
+        while (xcb_generic_event_t* event = xcb_poll_for_event(m_connection)) {
+            if ((event->response_type & 0x7f) == XCB_CONFIGURE_NOTIFY) {
+                auto* configure = reinterpret_cast<xcb_configure_notify_event_t*>(event);
+                const QRect rect(configure->x, configure->y, configure->width, configure->height);
+                if (configure->window == frame && target.contains(rect.center())) {
+                    arrived = true;
+                }
+            }
+            std::free(event);
+        }
+        return arrived;
+    }
+
+private:
+    xcb_connection_t* m_connection;
+    xcb_screen_t* m_screen;
+    xcb_key_symbols_t* m_symbols;
+};
+
+double percentile(std::vector<double> values, double fraction) {
+    std::sort(values.begin(), values.end());
+    const size_t index = std::min(values.size() - 1, static_cast<size_t>(fraction * (values.size() - 1) + 0.5));
+    return values[index];
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    QApplication application(argc, argv);
+    std::unique_ptr<X11Platform> platform = X11Platform::connect();
+    if (!platform) {
+        std::fputs("shortcut_move_bench: no X server\n", stderr);
+        return 1;
+    }
+    platform->install();
+    const QList<DisplayDescriptor> displays = ScreenSnapshotService::currentDisplayDescriptors();
+    if (displays.size() < 2) {
+        std::fputs("shortcut_move_bench: needs two monitors\n", stderr);
+        return 1;
+    }
+
+    TestClient client;
+    const quint32 window =
+        client.start() ? client.open(QStringLiteral("w"), QStringLiteral("x=200 y=200 w=640 h=400")) : 0;
+    if (window == 0) {
+        std::fputs("shortcut_move_bench: the test client did not open its window\n", stderr);
+        return 1;
+    }
+    AppController controller;
+    KeyboardShortcuts::setShortcut(
+        KeyboardShortcuts::Shortcut(kOneKeyCode, kControlOption),
+        KeyboardShortcuts::Name(AppController::shortcutNameRawValue(displays[0].persistentID)));
+    KeyboardShortcuts::setShortcut(
+        KeyboardShortcuts::Shortcut(kTwoKeyCode, kControlOption),
+        KeyboardShortcuts::Name(AppController::shortcutNameRawValue(displays[1].persistentID)));
+
+    Observer observer;
+    const xcb_window_t frame = observer.frameOf(window);
+    const xcb_keycode_t control = observer.keycode(kControlL);
+    const xcb_keycode_t alt = observer.keycode(kAltL);
+    const xcb_keycode_t one = observer.keycode('1');
+    const xcb_keycode_t two = observer.keycode('2');
+    // Root coordinates of the displays: the primary display's top-left is the global origin.
+    const QPoint origin = displays[0].bounds.topLeft().toPoint();
+
+    std::vector<double> latencies;
+    int missed = 0;
+    for (int i = 0; i < kPresses; ++i) {
+        const int targetIndex = (i % 2 == 0) ? 1 : 0;
+        const QRect target = displays[targetIndex].bounds.toRect().translated(origin);
+        const xcb_keycode_t digit = targetIndex == 1 ? two : one;
+        observer.key(XCB_KEY_PRESS, control);
+        observer.key(XCB_KEY_PRESS, alt);
+        observer.key(XCB_KEY_PRESS, digit);
+        // Let the press reach the program before the timed release.
+        QElapsedTimer settle;
+        settle.start();
+        while (settle.elapsed() < 20) {
+            QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
+        }
+        observer.drain();
+
+        QElapsedTimer timer;
+        timer.start();
+        observer.key(XCB_KEY_RELEASE, digit);
+        bool arrived = false;
+        while (!arrived && timer.elapsed() < 2000) {
+            QCoreApplication::processEvents(QEventLoop::AllEvents, 1);
+            arrived = observer.frameArrived(frame, target);
+        }
+        const double elapsedMs = static_cast<double>(timer.nsecsElapsed()) / 1e6;
+        observer.key(XCB_KEY_RELEASE, alt);
+        observer.key(XCB_KEY_RELEASE, control);
+        if (arrived) {
+            latencies.push_back(elapsedMs);
+        } else {
+            ++missed;
+        }
+    }
+    client.exit();
+    KeyboardShortcuts::removeAllHandlers();
+
+    if (latencies.empty()) {
+        std::printf("shortcut release -> window on target: no press arrived (%d missed)\n", missed);
+        return 1;
+    }
+    std::printf("%-52s %8s %8s %8s %8s %6s\n", "benchmark", "median", "p90", "min", "max", "n");
+    std::printf("%-52s %6.2fms %6.2fms %6.2fms %6.2fms %6zu\n", "shortcut release -> WM confirms window on target",
+                percentile(latencies, 0.5), percentile(latencies, 0.9), percentile(latencies, 0.0),
+                percentile(latencies, 1.0), latencies.size());
+    if (missed > 0) {
+        std::printf("(%d presses without a confirmation within 2 s)\n", missed);
+    }
+    std::printf("status after the last press: %s\n", qPrintable(controller.statusMessage()));
+    return 0;
+}

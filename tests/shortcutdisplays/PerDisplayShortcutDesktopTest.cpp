@@ -1,0 +1,142 @@
+#include <gtest/gtest.h>
+
+#include <QCoreApplication>
+#include <algorithm>
+
+#include "KeyboardShortcuts/KeyboardShortcuts.h"
+#include "app/AppController.h"
+#include "app/ScreenSnapshotService.h"
+#include "platform/Accessibility.h"
+#include "platform/x11/X11Platform.h"
+#include "tests/support/VirtualDesktop.h"
+#include "tests/testclient/TestClient.h"
+
+namespace {
+
+using KeyboardShortcuts::Name;
+using KeyboardShortcuts::Shortcut;
+
+// Control-Option-2: Carbon key code 19 with the control and option bits.
+constexpr int kTwoKeyCode = 19;
+constexpr int kControlOption = 0x1000 | 0x800;
+
+QString monitorGeometry(const QRect& rect) {
+    return QStringLiteral("%1/%2x%3/%4+%5+%6")
+        .arg(rect.width())
+        .arg(rect.width() * 254 / 960)
+        .arg(rect.height())
+        .arg(rect.height() * 254 / 960)
+        .arg(rect.x())
+        .arg(rect.y());
+}
+
+class PerDisplayShortcutDesktopTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        m_platform = X11Platform::connect();
+        ASSERT_NE(m_platform, nullptr);
+        m_platform->install();
+        ASSERT_TRUE(m_client.start());
+    }
+    void TearDown() override {
+        KeyboardShortcuts::removeAllHandlers();
+        m_client.exit();
+        Platform::install({});
+    }
+
+    // The outer frame of a window, as the program reads it.
+    QRectF frame(quint32 window) const {
+        Accessibility* accessibility = m_platform->services().accessibility;
+        QVariant position;
+        QVariant size;
+        if (accessibility->copyAttributeValue(AXUIElement::window(window), QLatin1String(kAXPositionAttribute),
+                                              &position) != kAXErrorSuccess ||
+            accessibility->copyAttributeValue(AXUIElement::window(window), QLatin1String(kAXSizeAttribute), &size) !=
+                kAXErrorSuccess) {
+            return {};
+        }
+        return QRectF(position.toPointF(), size.toSizeF());
+    }
+
+    static void xdotool(const QStringList& arguments) {
+        ASSERT_EQ(VirtualDesktop::run(QStringLiteral("xdotool"), arguments), 0);
+    }
+    static void pressShortcut() {
+        xdotool({QStringLiteral("keydown"), QStringLiteral("Control_L"), QStringLiteral("keydown"),
+                 QStringLiteral("Alt_L"), QStringLiteral("keydown"), QStringLiteral("2")});
+    }
+    static void releaseShortcut() {
+        xdotool({QStringLiteral("keyup"), QStringLiteral("2"), QStringLiteral("keyup"), QStringLiteral("Alt_L"),
+                 QStringLiteral("keyup"), QStringLiteral("Control_L")});
+    }
+
+    std::unique_ptr<X11Platform> m_platform;
+    TestClient m_client;
+};
+
+TEST_F(PerDisplayShortcutDesktopTest, ReleasingADisplaysShortcutMovesTheFocusedWindowThere) {
+    const QList<DisplayDescriptor> displays = ScreenSnapshotService::currentDisplayDescriptors();
+    ASSERT_GE(displays.size(), 2);
+    const DisplayDescriptor target = displays.at(1);
+
+    const quint32 window = m_client.open(QStringLiteral("w"), QStringLiteral("x=300 y=200 w=640 h=400 title=Focused"));
+    ASSERT_NE(window, 0u);
+    xdotool({QStringLiteral("windowactivate"), QStringLiteral("--sync"), QString::number(window)});
+    ASSERT_TRUE(displays.at(0).bounds.contains(frame(window).center()));
+
+    AppController controller;
+    const Name name(AppController::shortcutNameRawValue(target.persistentID));
+    KeyboardShortcuts::setShortcut(Shortcut(kTwoKeyCode, kControlOption), name);
+
+    // Nothing moves while the keys are down.
+    pressShortcut();
+    VirtualDesktop::waitUntil([] { return false; }, 300);
+    EXPECT_TRUE(displays.at(0).bounds.contains(frame(window).center()));
+    EXPECT_TRUE(controller.statusMessage().isEmpty());
+
+    releaseShortcut();
+    const QString moved = QStringLiteral("Moved focused window to ") + target.name + QLatin1Char('.');
+    ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return controller.statusMessage() == moved; }))
+        << qPrintable(controller.statusMessage());
+    EXPECT_TRUE(target.bounds.contains(frame(window).center()))
+        << "frame " << frame(window).x() << "," << frame(window).y();
+
+    // Unplugging the display moves its row to the disconnected list at once.
+    const int monitorNumber = 2;
+    const QRect monitorRect = VirtualDesktop::layout().at(monitorNumber - 1);
+    ASSERT_EQ(VirtualDesktop::run(QStringLiteral("xrandr"),
+                                  {QStringLiteral("--delmonitor"), QStringLiteral("VIRTUAL-%1").arg(monitorNumber)}),
+              0);
+    ASSERT_TRUE(VirtualDesktop::waitUntil([&] {
+        return controller.disconnectedShortcutDisplays().size() == 1 &&
+               controller.disconnectedShortcutDisplays().first().id == target.persistentID;
+    }));
+    pressShortcut();
+    releaseShortcut();
+    ASSERT_TRUE(VirtualDesktop::waitUntil([&] {
+        return controller.statusMessage() == QStringLiteral("Shortcut target display is currently not connected.");
+    })) << qPrintable(controller.statusMessage());
+
+    // Plugged in again: the same record and the same shortcut come back.
+    ASSERT_EQ(VirtualDesktop::run(QStringLiteral("xrandr"),
+                                  {QStringLiteral("--setmonitor"), QStringLiteral("VIRTUAL-%1").arg(monitorNumber),
+                                   monitorGeometry(monitorRect), QStringLiteral("none")}),
+              0);
+    ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return controller.disconnectedShortcutDisplays().isEmpty(); }));
+    // RandR lists a monitor defined again after the others, so look it up by its identifier.
+    const QList<ShortcutDisplayItem> connected = controller.connectedShortcutDisplays();
+    EXPECT_TRUE(std::any_of(connected.cbegin(), connected.cend(),
+                            [&](const ShortcutDisplayItem& item) { return item.id == target.persistentID; }));
+    EXPECT_EQ(controller.shortcutDisplayRecords().size(), displays.size());
+    EXPECT_EQ(KeyboardShortcuts::getShortcut(name), Shortcut(kTwoKeyCode, kControlOption));
+    xdotool({QStringLiteral("windowactivate"), QStringLiteral("--sync"), QString::number(window)});
+    pressShortcut();
+    releaseShortcut();
+    // The window is on that display already, which the program reports as not moved.
+    const QString alreadyThere =
+        QStringLiteral("Focused window could not be moved to ") + target.name + QLatin1Char('.');
+    EXPECT_TRUE(VirtualDesktop::waitUntil([&] { return controller.statusMessage() == alreadyThere; }))
+        << qPrintable(controller.statusMessage());
+}
+
+}  // namespace
