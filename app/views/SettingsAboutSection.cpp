@@ -11,7 +11,7 @@
 #include "BuildConfig.h"
 #include "app/AppController.h"
 #include "app/views/SettingsCard.h"
-#include "app/views/SymbolIcons.h"
+#include "app/views/SettingsSymbols.h"
 #include "app/views/ViewStyle.h"
 #include "platform/Activation.h"
 #include "platform/Platform.h"
@@ -34,7 +34,8 @@ SettingsAboutSection::SettingsAboutSection(AppController& controller, QWidget* p
     auto* icon = new QLabel(this);
     icon->setObjectName(QStringLiteral("appIcon"));
     const QIcon appIcon = QApplication::windowIcon();
-    const QIcon shown = appIcon.isNull() ? SymbolIcons::icon(QStringLiteral("rectangle.on.rectangle.angled")) : appIcon;
+    const QIcon shown =
+        appIcon.isNull() ? SettingsSymbols::icon(QStringLiteral("rectangle.on.rectangle.angled")) : appIcon;
     icon->setPixmap(shown.pixmap(QSize(kAppIconSize, kAppIconSize), devicePixelRatioF()));
     icon->setAlignment(Qt::AlignCenter);
 
@@ -54,7 +55,7 @@ SettingsAboutSection::SettingsAboutSection(AppController& controller, QWidget* p
     }
 
     m_contactSupport =
-        new QPushButton(SymbolIcons::icon(QStringLiteral("envelope")), QStringLiteral("Contact Support"), this);
+        new QPushButton(SettingsSymbols::icon(QStringLiteral("envelope")), QStringLiteral("Contact Support"), this);
     m_contactSupport->setObjectName(QStringLiteral("contactSupport"));
     connect(m_contactSupport, &QPushButton::clicked, this, [this] { m_controller.contactSupport(); });
 
@@ -65,7 +66,7 @@ SettingsAboutSection::SettingsAboutSection(AppController& controller, QWidget* p
         QStringLiteral("Lattica is developed in the open. Source code, issues and release notes live on the "
                        "project page."),
         ViewStyle::captionFont(), creditsCard, true, true);
-    m_gitHub = new QPushButton(SymbolIcons::icon(QStringLiteral("link")), QStringLiteral("GitHub"), creditsCard);
+    m_gitHub = new QPushButton(SettingsSymbols::icon(QStringLiteral("link")), QStringLiteral("GitHub"), creditsCard);
     m_gitHub->setObjectName(QStringLiteral("gitHubLink"));
     m_gitHub->setFlat(true);
     m_gitHub->setCursor(Qt::PointingHandCursor);

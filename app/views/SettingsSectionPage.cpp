@@ -1,11 +1,12 @@
 #include "app/views/SettingsSectionPage.h"
 
+#include <QEvent>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QScrollArea>
 #include <QVBoxLayout>
 
-#include "app/views/SymbolIcons.h"
+#include "app/views/SettingsSymbols.h"
 #include "app/views/ViewStyle.h"
 
 namespace {
@@ -16,12 +17,11 @@ SettingsSectionPage::SettingsSectionPage(SettingsSection section, QWidget* conte
     : QWidget(parent), m_section(section), m_content(content) {
     setObjectName(QStringLiteral("page.") + SettingsSections::rawValue(section));
 
-    auto* symbol = new QLabel(this);
-    symbol->setObjectName(QStringLiteral("headerSymbol"));
-    symbol->setPixmap(SymbolIcons::icon(SettingsSections::symbol(section))
-                          .pixmap(QSize(kSymbolSize, kSymbolSize), devicePixelRatioF()));
-    symbol->setFixedSize(kSymbolSize + 4, kSymbolSize + 4);
-    symbol->setAlignment(Qt::AlignCenter);
+    m_symbol = new QLabel(this);
+    m_symbol->setObjectName(QStringLiteral("headerSymbol"));
+    m_symbol->setFixedSize(kSymbolSize + 4, kSymbolSize + 4);
+    m_symbol->setAlignment(Qt::AlignCenter);
+    drawSymbol();
 
     m_title = ViewStyle::makeLabel(SettingsSections::title(section), ViewStyle::titleFont(), this);
     m_title->setObjectName(QStringLiteral("headerTitle"));
@@ -33,7 +33,7 @@ SettingsSectionPage::SettingsSectionPage(SettingsSection section, QWidget* conte
 
     auto* titleRow = new QHBoxLayout();
     titleRow->setSpacing(10);
-    titleRow->addWidget(symbol);
+    titleRow->addWidget(m_symbol);
     titleRow->addWidget(m_title, 1);
 
     auto* scrolled = new QWidget();
@@ -59,6 +59,18 @@ SettingsSectionPage::SettingsSectionPage(SettingsSection section, QWidget* conte
     layout->setSpacing(0);
     layout->addLayout(header);
     layout->addWidget(scroll, 1);
+}
+
+void SettingsSectionPage::drawSymbol() {
+    m_symbol->setPixmap(SettingsSymbols::icon(SettingsSections::symbol(m_section))
+                            .pixmap(QSize(kSymbolSize, kSymbolSize), devicePixelRatioF()));
+}
+
+void SettingsSectionPage::changeEvent(QEvent* event) {
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange) {
+        drawSymbol();
+    }
 }
 
 QString SettingsSectionPage::titleText() const {

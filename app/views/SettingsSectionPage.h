@@ -20,9 +20,16 @@ public:
     QString descriptionText() const;
     bool hasDescriptionLine() const;
 
+protected:
+    // The symbol is drawn in the palette's colours, so a new palette redraws it.
+    void changeEvent(QEvent* event) override;
+
 private:
+    void drawSymbol();
+
     SettingsSection m_section;
     QWidget* m_content = nullptr;
+    QLabel* m_symbol = nullptr;
     QLabel* m_title = nullptr;
     QLabel* m_description = nullptr;
 };

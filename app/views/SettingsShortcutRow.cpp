@@ -2,28 +2,17 @@
 
 #include <QHBoxLayout>
 #include <QLabel>
-#include <QLineEdit>
 #include <QToolButton>
 
+#include "KeyboardShortcuts/Name.h"
+#include "KeyboardShortcuts/Recorder.h"
 #include "app/AppController.h"
-#include "app/views/SymbolIcons.h"
+#include "app/views/SettingsSymbols.h"
 #include "app/views/ViewStyle.h"
 
 namespace {
-
-// Stands in for the shortcut recorder: shows the shortcut name it would edit.
-QWidget* makeRecorder(const QString& shortcutName, QWidget* parent) {
-    auto* field = new QLineEdit(parent);
-    field->setReadOnly(true);
-    field->setEnabled(false);
-    field->setPlaceholderText(QStringLiteral("Record Shortcut"));
-    field->setAlignment(Qt::AlignCenter);
-    field->setMinimumWidth(130);
-    field->setProperty("shortcutName", shortcutName);
-    return field;
+constexpr int kDeleteButtonSize = 26;
 }
-
-}  // namespace
 
 QString SettingsShortcutRow::labelText(const ShortcutDisplayItem& item) {
     if (item.index) {
@@ -38,7 +27,9 @@ SettingsShortcutRow::SettingsShortcutRow(const ShortcutDisplayItem& item, QWidge
     m_label = ViewStyle::makeLabel(labelText(item), ViewStyle::bodyFont(), this);
     m_label->setObjectName(QStringLiteral("shortcutRowLabel"));
 
-    m_recorder = makeRecorder(AppController::shortcutNameRawValue(item.id), this);
+    // Without a parent here: the layout adopts it, and a parent argument would make the call ambiguous.
+    m_recorder = new KeyboardShortcuts::Recorder(KeyboardShortcuts::Name(AppController::shortcutNameRawValue(item.id)),
+                                                 KeyboardShortcuts::RecorderCocoa::OnChange());
     m_recorder->setObjectName(QStringLiteral("shortcutRecorder"));
 
     auto* layout = new QHBoxLayout(this);
@@ -50,13 +41,17 @@ SettingsShortcutRow::SettingsShortcutRow(const ShortcutDisplayItem& item, QWidge
     if (!item.isConnected) {
         m_deleteButton = new QToolButton(this);
         m_deleteButton->setObjectName(QStringLiteral("deleteShortcutMapping"));
-        m_deleteButton->setIcon(SymbolIcons::icon(QStringLiteral("trash")));
+        m_deleteButton->setIcon(SettingsSymbols::icon(QStringLiteral("trash")));
         m_deleteButton->setToolTip(QStringLiteral("Delete shortcut mapping for this disconnected screen"));
         m_deleteButton->setAccessibleName(m_deleteButton->toolTip());
         m_deleteButton->setAutoRaise(true);
+        m_deleteButton->setFixedSize(kDeleteButtonSize, kDeleteButtonSize);
         const QString id = item.id;
         connect(m_deleteButton, &QToolButton::clicked, this, [this, id] { Q_EMIT deleteRequested(id); });
         layout->addWidget(m_deleteButton);
+    } else {
+        // Keeps the recorders of both groups in one column.
+        layout->addSpacing(kDeleteButtonSize + layout->spacing());
     }
 }
 

@@ -7,6 +7,10 @@
 class QLabel;
 class QToolButton;
 
+namespace KeyboardShortcuts {
+class Recorder;
+}
+
 // One display's shortcut row: its label, the recorder for its shortcut name, and for a display that is
 // not connected a button that forgets the mapping.
 class SettingsShortcutRow : public QWidget {
@@ -19,7 +23,7 @@ public:
 
     const ShortcutDisplayItem& item() const { return m_item; }
     QString labelShown() const;
-    QWidget* recorder() const { return m_recorder; }
+    KeyboardShortcuts::Recorder* recorder() const { return m_recorder; }
     // Null on connected rows.
     QToolButton* deleteButton() const { return m_deleteButton; }
 
@@ -29,6 +33,6 @@ Q_SIGNALS:
 private:
     ShortcutDisplayItem m_item;
     QLabel* m_label = nullptr;
-    QWidget* m_recorder = nullptr;
+    KeyboardShortcuts::Recorder* m_recorder = nullptr;
     QToolButton* m_deleteButton = nullptr;
 };

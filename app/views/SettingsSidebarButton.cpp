@@ -2,7 +2,7 @@
 
 #include <QPainter>
 
-#include "app/views/SymbolIcons.h"
+#include "app/views/SettingsSymbols.h"
 
 namespace {
 constexpr int kHeight = 32;
@@ -15,7 +15,7 @@ SettingsSidebarButton::SettingsSidebarButton(SettingsSection section, QWidget* p
     setCheckable(true);
     setAutoExclusive(true);
     setText(SettingsSections::title(section));
-    setIcon(SymbolIcons::icon(SettingsSections::symbol(section)));
+    setIcon(SettingsSymbols::icon(SettingsSections::symbol(section)));
     setIconSize(QSize(kIconSize, kIconSize));
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     setFocusPolicy(Qt::TabFocus);

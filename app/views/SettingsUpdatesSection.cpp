@@ -10,8 +10,8 @@
 #include "app/AppController.h"
 #include "app/UpdaterService.h"
 #include "app/views/SettingsCard.h"
+#include "app/views/SettingsSymbols.h"
 #include "app/views/SettingsToggle.h"
-#include "app/views/SymbolIcons.h"
 #include "app/views/ViewStyle.h"
 
 SettingsUpdatesSection::SettingsUpdatesSection(AppController& controller, QWidget* parent)
@@ -31,7 +31,7 @@ SettingsUpdatesSection::SettingsUpdatesSection(AppController& controller, QWidge
         QStringLiteral("You are running Lattica %1 (%2).")
             .arg(QString::fromLatin1(BuildConfig::kVersion), QString::fromLatin1(BuildConfig::kBuildNumber)),
         ViewStyle::captionFont(), card, true);
-    m_checkButton = new QPushButton(SymbolIcons::icon(QStringLiteral("arrow.triangle.2.circlepath")),
+    m_checkButton = new QPushButton(SettingsSymbols::icon(QStringLiteral("arrow.triangle.2.circlepath")),
                                     QStringLiteral("Check for Updates"), card);
     m_checkButton->setObjectName(QStringLiteral("checkForUpdates"));
     checkRow->addWidget(version, 1);

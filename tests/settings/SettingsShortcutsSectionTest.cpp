@@ -1,0 +1,130 @@
+#include <QLabel>
+#include <QToolButton>
+
+#include "KeyboardShortcuts/Recorder.h"
+#include "KeyboardShortcuts/RecorderCocoa.h"
+#include "app/views/SettingsShortcutRow.h"
+#include "app/views/SettingsShortcutsSection.h"
+#include "tests/settings/SettingsFixture.h"
+
+namespace {
+
+class SettingsShortcutsSectionTest : public SettingsFixture {
+protected:
+    SettingsShortcutsSection* shortcuts() {
+        makeView();
+        view->setSelectedSection(SettingsSection::Shortcuts);
+        return view->findChild<SettingsShortcutsSection*>();
+    }
+
+    static QStringList labels(const QList<SettingsShortcutRow*>& rows) {
+        QStringList texts;
+        for (const SettingsShortcutRow* row : rows) {
+            texts.append(row->labelShown());
+        }
+        return texts;
+    }
+};
+
+TEST_F(SettingsShortcutsSectionTest, ConnectedRowsAreLabelledWithIndexAndName) {
+    SettingsShortcutsSection* section = shortcuts();
+    ASSERT_NE(section, nullptr);
+    EXPECT_EQ(labels(section->connectedRows()),
+              (QStringList{QStringLiteral("1. Built-in Display"), QStringLiteral("2. Studio Display")}));
+    EXPECT_TRUE(section->connectedEmptyText().isEmpty());
+}
+
+TEST_F(SettingsShortcutsSectionTest, EachRowHasARecorderForItsDisplaysShortcutName) {
+    SettingsShortcutsSection* section = shortcuts();
+    ASSERT_EQ(section->connectedRows().size(), 2);
+    const SettingsShortcutRow* studio = section->connectedRows()[1];
+    ASSERT_NE(studio->recorder(), nullptr);
+    EXPECT_EQ(studio->recorder()->recorderCocoa()->shortcutName().rawValue(),
+              QStringLiteral("moveFocusedWindowToDisplay.") + studioID());
+    EXPECT_TRUE(studio->recorder()->isVisible());
+}
+
+TEST_F(SettingsShortcutsSectionTest, ConnectedRowsHaveNoDeleteButton) {
+    SettingsShortcutsSection* section = shortcuts();
+    for (const SettingsShortcutRow* row : section->connectedRows()) {
+        EXPECT_EQ(row->deleteButton(), nullptr);
+        EXPECT_EQ(row->findChild<QToolButton*>(QStringLiteral("deleteShortcutMapping")), nullptr);
+    }
+}
+
+TEST_F(SettingsShortcutsSectionTest, NoDisconnectedDisplaysShowsTheTextAndNoDeleteButtons) {
+    SettingsShortcutsSection* section = shortcuts();
+    EXPECT_TRUE(section->disconnectedRows().isEmpty());
+    EXPECT_EQ(section->disconnectedEmptyText(), QStringLiteral("No disconnected screens with saved shortcuts."));
+    auto* group = find<QWidget>(QStringLiteral("group.disconnected"));
+    auto* empty = group->findChild<QLabel*>(QStringLiteral("emptyText"));
+    ASSERT_NE(empty, nullptr);
+    EXPECT_TRUE(empty->isVisible());
+    EXPECT_TRUE(view->findChildren<QToolButton*>(QStringLiteral("deleteShortcutMapping")).isEmpty());
+}
+
+TEST_F(SettingsShortcutsSectionTest, NoConnectedDisplaysShowsItsText) {
+    platform.displays.setDisplays({});
+    SettingsShortcutsSection* section = shortcuts();
+    EXPECT_TRUE(section->connectedRows().isEmpty());
+    EXPECT_EQ(section->connectedEmptyText(), QStringLiteral("No connected screens were detected."));
+}
+
+TEST_F(SettingsShortcutsSectionTest, UnpluggedDisplayMovesToTheDisconnectedGroupWithADeleteButton) {
+    SettingsShortcutsSection* section = shortcuts();
+    platform.displays.changeDisplays({mainDisplay()});
+    ASSERT_TRUE(QTest::qWaitFor([section] { return section->disconnectedRows().size() == 1; }, 5000));
+    EXPECT_EQ(labels(section->connectedRows()), QStringList{QStringLiteral("1. Built-in Display")});
+    const SettingsShortcutRow* row = section->disconnectedRows().first();
+    EXPECT_EQ(row->labelShown(), QStringLiteral("2. Studio Display"));
+    ASSERT_NE(row->deleteButton(), nullptr);
+    EXPECT_EQ(row->deleteButton()->toolTip(), QStringLiteral("Delete shortcut mapping for this disconnected screen"));
+    EXPECT_FALSE(row->deleteButton()->icon().isNull());
+    EXPECT_TRUE(section->disconnectedEmptyText().isEmpty());
+    EXPECT_EQ(row->recorder()->recorderCocoa()->shortcutName().rawValue(),
+              QStringLiteral("moveFocusedWindowToDisplay.") + studioID());
+}
+
+TEST_F(SettingsShortcutsSectionTest, RememberedDisplayWithoutIndexIsLabelledByName) {
+    platform.userDefaults.setObject(QStringLiteral("shortcutDisplayRecords.v1"),
+                                    QByteArrayLiteral(R"([{"id":"v9-m9-s9","lastKnownName":"Projector"}])"));
+    SettingsShortcutsSection* section = shortcuts();
+    ASSERT_EQ(section->disconnectedRows().size(), 1);
+    EXPECT_EQ(section->disconnectedRows().first()->labelShown(), QStringLiteral("Projector"));
+    EXPECT_EQ(SettingsShortcutRow::labelText({QStringLiteral("x"), QStringLiteral("Projector"), std::nullopt, false}),
+              QStringLiteral("Projector"));
+    EXPECT_EQ(SettingsShortcutRow::labelText({QStringLiteral("x"), QStringLiteral("Studio Display"), 2, true}),
+              QStringLiteral("2. Studio Display"));
+}
+
+TEST_F(SettingsShortcutsSectionTest, DeleteButtonForgetsTheDisconnectedDisplay) {
+    SettingsShortcutsSection* section = shortcuts();
+    platform.displays.setDisplays({mainDisplay()});
+    controller->refreshShortcutDisplays();
+    ASSERT_EQ(section->disconnectedRows().size(), 1);
+    QToolButton* remove = section->disconnectedRows().first()->deleteButton();
+    QTest::mouseClick(remove, Qt::LeftButton);
+    EXPECT_TRUE(controller->disconnectedShortcutDisplays().isEmpty());
+    EXPECT_TRUE(section->disconnectedRows().isEmpty());
+    EXPECT_EQ(section->disconnectedEmptyText(), QStringLiteral("No disconnected screens with saved shortcuts."));
+    for (const ShortcutDisplayRecord& record : controller->shortcutDisplayRecords()) {
+        EXPECT_NE(record.id, studioID());
+    }
+    // The old row goes away on the next turn of the event loop, without harm.
+    QTest::qWait(0);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_TRUE(view->findChildren<QToolButton*>(QStringLiteral("deleteShortcutMapping")).isEmpty());
+}
+
+TEST_F(SettingsShortcutsSectionTest, ReconnectedDisplayReturnsToTheConnectedGroup) {
+    SettingsShortcutsSection* section = shortcuts();
+    platform.displays.setDisplays({mainDisplay()});
+    controller->refreshShortcutDisplays();
+    ASSERT_EQ(section->disconnectedRows().size(), 1);
+    platform.displays.setDisplays({mainDisplay(), studioDisplay()});
+    controller->refreshShortcutDisplays();
+    EXPECT_EQ(section->connectedRows().size(), 2);
+    EXPECT_TRUE(section->disconnectedRows().isEmpty());
+}
+
+}  // namespace
