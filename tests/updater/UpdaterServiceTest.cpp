@@ -212,3 +212,35 @@ TEST_F(UpdaterServiceTest, UserCheckDuringABackgroundCheckReportsItsResult) {
 }
 
 }  // namespace
+
+namespace {
+
+// The found-update window with notes and buttons, kept as an image when LATTICA_SCREENSHOT_DIR is set.
+TEST_F(UpdaterServiceTest, FoundUpdateWindowShowsNotesAndBothButtons) {
+    QByteArray feed = AppcastFixtures::feed({{QStringLiteral("130"), QStringLiteral("1.3.0"), {}}});
+    feed.replace("<![CDATA[<p>Notes for 130</p>]]>",
+                 "<![CDATA[<h3>What's new</h3><ul><li>Shortcuts for every display</li>"
+                 "<li>Faster previews on large monitors</li></ul>]]>");
+    feed.replace("</item>",
+                 "<sparkle:releaseNotesLink>https://lattica.example.test/notes/1.3.0</sparkle:releaseNotesLink>"
+                 "</item>");
+    server.setRoute(QStringLiteral("/appcast.xml"), {200, feed});
+    QSignalSpy finished(updater(), &Updater::checkFinished);
+    controller()->checkForUpdates();
+    EXPECT_TRUE(waitForCheck(finished));
+    UpdateWindow* window = controller()->updateWindow();
+    ASSERT_EQ(window->state(), UpdateWindow::State::UpdateFound);
+    EXPECT_TRUE(window->releaseNotesText().contains(QStringLiteral("Shortcuts for every display")));
+    EXPECT_TRUE(window->primaryButton()->isVisible());
+    EXPECT_TRUE(window->primaryButton()->isEnabled());
+    EXPECT_TRUE(window->secondaryButton()->isVisible());
+    EXPECT_EQ(window->secondaryButton()->text(), QStringLiteral("Remind Me Later"));
+    const QImage image = window->grab().toImage();
+    EXPECT_GE(image.width(), 460);
+    const QString directory = qEnvironmentVariable("LATTICA_SCREENSHOT_DIR");
+    if (!directory.isEmpty()) {
+        EXPECT_TRUE(image.save(directory + QStringLiteral("/settings-update-found.png")));
+    }
+}
+
+}  // namespace
