@@ -14,7 +14,7 @@
 #include "platform/HotKeys.h"
 #include "platform/Platform.h"
 
-Q_LOGGING_CATEGORY(lcHotKeys, "lattica.shortcuts.hotkeys")
+Q_LOGGING_CATEGORY(lcHotKeys, "lattica.shortcuts.hotkeys", QtInfoMsg)
 
 namespace KeyboardShortcuts::CarbonKeyboardShortcuts {
 
@@ -62,18 +62,28 @@ bool fitsUnsigned32(int value) {
 RawKeyMonitor& keyEventMonitor() {
     Tables& t = tables();
     if (!t.keyEventMonitor) {
-        t.keyEventMonitor = std::make_unique<RawKeyMonitor>([](int keyCode, int modifiers, int kind) {
-            if (kind == 0) {
-                // A probe (a repeat or a shortcut override): matched or not, without running anything.
+        t.keyEventMonitor = std::make_unique<RawKeyMonitor>(
+            [](int keyCode, int modifiers, int kind) {
+                if (kind == 0) {
+                    // A probe (a repeat or a shortcut override): matched or not, without running anything.
+                    for (const auto& [id, hotKey] : tables().hotKeys) {
+                        if (hotKey.shortcut.carbonKeyCode() == keyCode &&
+                            hotKey.shortcut.carbonModifiers() == modifiers) {
+                            return 0;
+                        }
+                    }
+                    return eventNotHandledErr;
+                }
+                return handleRawKeyEvent(keyCode, modifiers, kind);
+            },
+            [](int modifier) {
                 for (const auto& [id, hotKey] : tables().hotKeys) {
-                    if (hotKey.shortcut.carbonKeyCode() == keyCode && hotKey.shortcut.carbonModifiers() == modifiers) {
-                        return 0;
+                    if ((hotKey.shortcut.carbonModifiers() & modifier) != 0) {
+                        return true;
                     }
                 }
-                return eventNotHandledErr;
-            }
-            return handleRawKeyEvent(keyCode, modifiers, kind);
-        });
+                return false;
+            });
     }
     return *t.keyEventMonitor;
 }

@@ -2,7 +2,7 @@
 
 #include <QLoggingCategory>
 
-Q_LOGGING_CATEGORY(lcNotifications, "lattica.shortcuts.notifications")
+Q_LOGGING_CATEGORY(lcNotifications, "lattica.shortcuts.notifications", QtInfoMsg)
 
 namespace KeyboardShortcuts {
 

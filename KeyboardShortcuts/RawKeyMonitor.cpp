@@ -7,7 +7,28 @@
 
 namespace KeyboardShortcuts {
 
-RawKeyMonitor::RawKeyMonitor(Callback callback) : m_callback(std::move(callback)) {}
+RawKeyMonitor::RawKeyMonitor(Callback callback, ModifierQuery usesModifier)
+    : m_callback(std::move(callback)), m_usesModifier(std::move(usesModifier)) {}
+
+namespace {
+// The Carbon modifier bit a modifier key sets, or 0.
+int carbonModifierOfKey(int qtKey) {
+    switch (qtKey) {
+        case Qt::Key_Control:
+            return CarbonModifier::controlKey;
+        case Qt::Key_Alt:
+            return CarbonModifier::optionKey;
+        case Qt::Key_Shift:
+            return CarbonModifier::shiftKey;
+        case Qt::Key_Meta:
+        case Qt::Key_Super_L:
+        case Qt::Key_Super_R:
+            return CarbonModifier::cmdKey;
+        default:
+            return 0;
+    }
+}
+}  // namespace
 
 RawKeyMonitor::~RawKeyMonitor() {
     stop();
@@ -37,6 +58,9 @@ bool RawKeyMonitor::eventFilter(QObject* watched, QEvent* event) {
         return false;
     }
     const auto* keyEvent = static_cast<QKeyEvent*>(event);
+    if (const int modifier = carbonModifierOfKey(keyEvent->key()); modifier != 0) {
+        return type != QEvent::ShortcutOverride && watched->isWindowType() && m_usesModifier(modifier);
+    }
     const std::optional<int> keyCode = InputEvent::carbonKeyCode(*keyEvent);
     if (!keyCode) {
         return false;

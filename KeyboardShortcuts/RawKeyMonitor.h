@@ -7,13 +7,16 @@ namespace KeyboardShortcuts {
 
 // Watches the application's key events before any window or menu sees them, while started. The
 // callback gets (Carbon key code, Carbon modifiers, kind 1 down / 3 up) and answers 0 to swallow
-// the event. Used while a menu holds the keyboard.
+// the event. Used while a menu holds the keyboard. Modifier keys that a hot key needs are kept from the
+// menu too (a menu closes when Alt is pressed, which would end a Control+Alt shortcut half-way).
 class RawKeyMonitor : public QObject {
     Q_OBJECT
 public:
     using Callback = std::function<int(int keyCode, int carbonModifiers, int kind)>;
+    // Whether some hot key holds this Carbon modifier bit.
+    using ModifierQuery = std::function<bool(int carbonModifier)>;
 
-    explicit RawKeyMonitor(Callback callback);
+    RawKeyMonitor(Callback callback, ModifierQuery usesModifier);
     ~RawKeyMonitor() override;
 
     void start();
@@ -25,6 +28,7 @@ protected:
 
 private:
     Callback m_callback;
+    ModifierQuery m_usesModifier;
     bool m_active = false;
 };
 

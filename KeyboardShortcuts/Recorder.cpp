@@ -14,7 +14,7 @@ Recorder::Recorder(const QString& title, const Name& name, RecorderCocoa::OnChan
     build(name, std::move(onChange), new QLabel(title));
 }
 
-Recorder::Recorder(const Name& name, RecorderCocoa::OnChange onChange, QWidget* label, QWidget* parent)
+Recorder::Recorder(QWidget* label, const Name& name, RecorderCocoa::OnChange onChange, QWidget* parent)
     : QWidget(parent) {
     build(name, std::move(onChange), label);
 }

@@ -15,7 +15,7 @@ public:
     explicit Recorder(const Name& name, RecorderCocoa::OnChange onChange = {}, QWidget* parent = nullptr);
     Recorder(const QString& title, const Name& name, RecorderCocoa::OnChange onChange = {}, QWidget* parent = nullptr);
     // A custom label widget; the recorder takes ownership of it.
-    Recorder(const Name& name, RecorderCocoa::OnChange onChange, QWidget* label, QWidget* parent = nullptr);
+    Recorder(QWidget* label, const Name& name, RecorderCocoa::OnChange onChange = {}, QWidget* parent = nullptr);
 
     RecorderCocoa* recorderCocoa() const { return m_recorder; }
     // The label widget, or null for the bare recorder.

@@ -143,8 +143,9 @@ void RecorderCocoa::endRecording() {
 }
 
 void RecorderCocoa::giveUpFocus() {
+    m_resuming = false;
     endRecording();
-    if (hasFocus()) {
+    if (hasFocus() || window()->focusWidget() == this) {
         clearFocus();
     }
 }
@@ -152,6 +153,10 @@ void RecorderCocoa::giveUpFocus() {
 void RecorderCocoa::resumeRecording() {
     // The next focus, whatever brings it, starts recording again.
     m_resuming = true;
+    if (isVisible() && !window()->isActiveWindow()) {
+        // The alert's window had the focus; give it back to ours.
+        window()->activateWindow();
+    }
     setFocus(Qt::OtherFocusReason);
     if (hasFocus() && !isRecording()) {
         m_resuming = false;

@@ -2,6 +2,8 @@
 
 #include "platform/x11/FileUserDefaults.h"
 #include "platform/x11/X11Connection.h"
+#include "platform/x11/X11HotKeys.h"
+#include "platform/x11/X11KeyboardLayout.h"
 #include "platform/x11/X11Displays.h"
 #include "platform/x11/X11Permissions.h"
 #include "platform/x11/X11Accessibility.h"
@@ -11,6 +13,8 @@
 #include "platform/x11/XdgLoginItems.h"
 
 struct X11Platform::Owned {
+    std::unique_ptr<X11KeyboardLayout> keyboardLayout;
+    std::unique_ptr<X11HotKeys> hotKeys;
     std::unique_ptr<X11Displays> displays;
     std::unique_ptr<FileUserDefaults> userDefaults;
     std::unique_ptr<XdgLoginItems> loginItems;
@@ -41,7 +45,12 @@ X11Platform::X11Platform(std::unique_ptr<X11Connection> connection)
     m_owned->workspace = std::make_unique<X11Workspace>(x11, *m_owned->desktopEntries);
     m_owned->accessibility = std::make_unique<X11Accessibility>(x11);
 
+    m_owned->keyboardLayout = std::make_unique<X11KeyboardLayout>(x11);
+    m_owned->hotKeys = std::make_unique<X11HotKeys>(x11, m_owned->keyboardLayout.get());
+
     m_services.displays = m_owned->displays.get();
+    m_services.hotKeys = m_owned->hotKeys.get();
+    m_services.keyboardLayout = m_owned->keyboardLayout.get();
     m_services.userDefaults = m_owned->userDefaults.get();
     m_services.loginItems = m_owned->loginItems.get();
     m_services.permissions = m_owned->permissions.get();

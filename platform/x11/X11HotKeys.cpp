@@ -1,0 +1,269 @@
+#include "platform/x11/X11HotKeys.h"
+
+#include <xcb/xcb_keysyms.h>
+// xkb.h names a field "explicit", a C++ keyword.
+#define explicit explicit_
+#include <xcb/xkb.h>
+#undef explicit
+#include <xkbcommon/xkbcommon-keysyms.h>
+
+#include <QLoggingCategory>
+#include <cstdlib>
+
+#include "platform/x11/CarbonKeyCodes.h"
+#include "platform/x11/X11Connection.h"
+#include "platform/x11/X11KeyboardLayout.h"
+#include "platform/x11/XkbEvents.h"
+
+Q_LOGGING_CATEGORY(lcX11HotKeys, "lattica.x11.hotkeys", QtInfoMsg)
+
+namespace {
+
+constexpr uint8_t kBadAccess = 10;
+// The modifiers a hot key can hold; the lock bits and the others are masked away from key states.
+constexpr uint16_t kRealModifiers = XCB_MOD_MASK_SHIFT | XCB_MOD_MASK_CONTROL | XCB_MOD_MASK_1 | XCB_MOD_MASK_4;
+
+int statusForError(uint8_t errorCode) {
+    return errorCode == kBadAccess ? HotKeys::kEventHotKeyExistsErr : errorCode;
+}
+
+}  // namespace
+
+X11HotKeys::X11HotKeys(X11Connection& connection, X11KeyboardLayout* layout)
+    : m_connection(connection), m_layout(layout) {
+    xcb_connection_t* xcb = connection.xcb();
+    if (const std::optional<uint8_t> firstEvent = XkbEvents::setUp(connection)) {
+        m_firstXkbEvent = *firstEvent;
+        // A held key then repeats its press only, so a hot key is released once.
+        xcb_xkb_per_client_flags_cookie_t cookie =
+            xcb_xkb_per_client_flags(xcb, XCB_XKB_ID_USE_CORE_KBD, XCB_XKB_PER_CLIENT_FLAG_DETECTABLE_AUTO_REPEAT,
+                                     XCB_XKB_PER_CLIENT_FLAG_DETECTABLE_AUTO_REPEAT, 0, 0, 0);
+        if (xcb_xkb_per_client_flags_reply_t* reply = xcb_xkb_per_client_flags_reply(xcb, cookie, nullptr)) {
+            m_detectableAutoRepeat = (reply->value & XCB_XKB_PER_CLIENT_FLAG_DETECTABLE_AUTO_REPEAT) != 0;
+            std::free(reply);
+        }
+    }
+    readNumLockMask();
+    m_handlerId = connection.addEventHandler([this](xcb_generic_event_t* event) { return handleEvent(event); });
+}
+
+X11HotKeys::~X11HotKeys() {
+    m_connection.removeEventHandler(m_handlerId);
+    const auto grabs = m_grabs;
+    for (auto it = grabs.cbegin(); it != grabs.cend(); ++it) {
+        unregisterHotKey(it.key());
+    }
+    m_connection.flush();
+}
+
+void X11HotKeys::readNumLockMask() {
+    xcb_connection_t* xcb = m_connection.xcb();
+    m_numLockMask = 0;
+    xcb_key_symbols_t* symbols = xcb_key_symbols_alloc(xcb);
+    if (symbols == nullptr) {
+        return;
+    }
+    xcb_keycode_t* numLockKeycodes = xcb_key_symbols_get_keycode(symbols, XKB_KEY_Num_Lock);
+    xcb_get_modifier_mapping_reply_t* mapping =
+        xcb_get_modifier_mapping_reply(xcb, xcb_get_modifier_mapping(xcb), nullptr);
+    if (numLockKeycodes != nullptr && mapping != nullptr) {
+        const xcb_keycode_t* keycodes = xcb_get_modifier_mapping_keycodes(mapping);
+        const int perModifier = mapping->keycodes_per_modifier;
+        for (int modifier = 0; modifier < 8; ++modifier) {
+            for (int i = 0; i < perModifier; ++i) {
+                const xcb_keycode_t keycode = keycodes[modifier * perModifier + i];
+                for (const xcb_keycode_t* numLock = numLockKeycodes; keycode != 0 && *numLock != XCB_NO_SYMBOL;
+                     ++numLock) {
+                    if (*numLock == keycode) {
+                        m_numLockMask = static_cast<uint16_t>(1u << modifier);
+                    }
+                }
+            }
+        }
+    }
+    std::free(mapping);
+    std::free(numLockKeycodes);
+    xcb_key_symbols_free(symbols);
+    qCDebug(lcX11HotKeys) << "NumLock modifier mask" << m_numLockMask;
+}
+
+QList<uint16_t> X11HotKeys::lockVariants() const {
+    QList<uint16_t> variants = {0, XCB_MOD_MASK_LOCK};
+    if (m_numLockMask != 0 && m_numLockMask != XCB_MOD_MASK_LOCK) {
+        variants.append(m_numLockMask);
+        variants.append(static_cast<uint16_t>(m_numLockMask | XCB_MOD_MASK_LOCK));
+    }
+    return variants;
+}
+
+int X11HotKeys::grab(xcb_keycode_t keycode, uint16_t modifiers) {
+    xcb_connection_t* xcb = m_connection.xcb();
+    const QList<uint16_t> variants = lockVariants();
+    QList<xcb_void_cookie_t> cookies;
+    for (const uint16_t variant : variants) {
+        cookies.append(xcb_grab_key_checked(xcb, 1, m_connection.root(), static_cast<uint16_t>(modifiers | variant),
+                                            keycode, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC));
+    }
+    int status = 0;
+    QList<uint16_t> grabbed;
+    for (int i = 0; i < cookies.size(); ++i) {
+        if (xcb_generic_error_t* error = xcb_request_check(xcb, cookies[i])) {
+            if (status == 0) {
+                status = statusForError(error->error_code);
+            }
+            std::free(error);
+        } else {
+            grabbed.append(variants[i]);
+        }
+    }
+    if (status != 0) {
+        for (const uint16_t variant : grabbed) {
+            xcb_ungrab_key(xcb, keycode, m_connection.root(), static_cast<uint16_t>(modifiers | variant));
+        }
+        m_connection.flush();
+    }
+    return status;
+}
+
+void X11HotKeys::ungrab(xcb_keycode_t keycode, uint16_t modifiers) {
+    for (const uint16_t variant : lockVariants()) {
+        xcb_ungrab_key(m_connection.xcb(), keycode, m_connection.root(), static_cast<uint16_t>(modifiers | variant));
+    }
+    m_connection.flush();
+}
+
+bool X11HotKeys::isGrabbedByUs(xcb_keycode_t keycode, uint16_t modifiers) const {
+    for (const Grab& grab : m_grabs) {
+        if (grab.keycode == keycode && grab.modifiers == modifiers) {
+            return true;
+        }
+    }
+    return false;
+}
+
+int X11HotKeys::registerHotKey(quint32 carbonKeyCode, quint32 carbonModifiers, quint32 hotKeyId, HotKeyRef* ref) {
+    const std::optional<xcb_keycode_t> keycode = CarbonKeyCodes::xKeycode(static_cast<int>(carbonKeyCode));
+    const std::optional<uint16_t> modifiers = CarbonKeyCodes::xModifierMask(carbonModifiers);
+    if (!keycode || !modifiers) {
+        return kEventHotKeyInvalidErr;
+    }
+    // A combination we hold already is shared, not grabbed twice.
+    if (!isGrabbedByUs(*keycode, *modifiers)) {
+        if (const int status = grab(*keycode, *modifiers); status != 0) {
+            return status;
+        }
+    }
+    *ref = m_nextRef++;
+    m_grabs.insert(*ref, {*keycode, *modifiers, hotKeyId});
+    qCDebug(lcX11HotKeys) << "grabbed keycode" << *keycode << "modifiers" << *modifiers << "for" << hotKeyId;
+    return 0;
+}
+
+void X11HotKeys::unregisterHotKey(HotKeyRef ref) {
+    const auto found = m_grabs.constFind(ref);
+    if (found == m_grabs.constEnd()) {
+        return;
+    }
+    const Grab grab = *found;
+    m_grabs.erase(found);
+    if (!isGrabbedByUs(grab.keycode, grab.modifiers)) {
+        ungrab(grab.keycode, grab.modifiers);
+    }
+    for (auto it = m_pressed.begin(); it != m_pressed.end();) {
+        it = it.value() == grab.hotKeyId ? m_pressed.erase(it) : std::next(it);
+    }
+}
+
+bool X11HotKeys::isServerKey(xcb_keycode_t keycode, uint16_t modifiers) const {
+    if (m_layout == nullptr) {
+        return false;
+    }
+    const quint32 keysym = m_layout->keysymWithModifiers(keycode, modifiers);
+    const bool switchesTerminal = keysym >= XKB_KEY_XF86Switch_VT_1 && keysym <= XKB_KEY_XF86Switch_VT_12;
+    const bool serverAction = keysym >= XKB_KEY_XF86Ungrab && keysym <= XKB_KEY_XF86LogGrabInfo;
+    return switchesTerminal || serverAction || keysym == XKB_KEY_Terminate_Server;
+}
+
+bool X11HotKeys::isHeldByAnotherClient(quint32 carbonKeyCode, quint32 carbonModifiers) {
+    const std::optional<xcb_keycode_t> keycode = CarbonKeyCodes::xKeycode(static_cast<int>(carbonKeyCode));
+    const std::optional<uint16_t> modifiers = CarbonKeyCodes::xModifierMask(carbonModifiers);
+    if (!keycode || !modifiers || isGrabbedByUs(*keycode, *modifiers)) {
+        return false;
+    }
+    if (isServerKey(*keycode, *modifiers)) {
+        return true;
+    }
+    // Probe: a grab that another client holds is refused; one we get is released at once.
+    if (grab(*keycode, *modifiers) == kEventHotKeyExistsErr) {
+        return true;
+    }
+    ungrab(*keycode, *modifiers);
+    return false;
+}
+
+void X11HotKeys::regrabAll() {
+    // Release with the old lock variants, then grab again with the current ones.
+    QList<std::pair<xcb_keycode_t, uint16_t>> combinations;
+    for (const Grab& grab : m_grabs) {
+        if (!combinations.contains(std::pair(grab.keycode, grab.modifiers))) {
+            combinations.append({grab.keycode, grab.modifiers});
+        }
+    }
+    for (const auto& [keycode, modifiers] : combinations) {
+        ungrab(keycode, modifiers);
+    }
+    readNumLockMask();
+    for (const auto& [keycode, modifiers] : combinations) {
+        if (const int status = grab(keycode, modifiers); status != 0) {
+            qCDebug(lcX11HotKeys) << "re-grabbing keycode" << keycode << "failed with" << status;
+        }
+    }
+}
+
+bool X11HotKeys::handleEvent(xcb_generic_event_t* event) {
+    const uint8_t type = event->response_type & 0x7F;
+    if (type == XCB_KEY_PRESS || type == XCB_KEY_RELEASE) {
+        const auto* key = reinterpret_cast<const xcb_key_press_event_t*>(event);
+        if (key->root != m_connection.root()) {
+            return false;
+        }
+        if (type == XCB_KEY_RELEASE) {
+            const auto pressed = m_pressed.constFind(key->detail);
+            if (pressed == m_pressed.constEnd()) {
+                return false;
+            }
+            const quint32 id = *pressed;
+            m_pressed.erase(pressed);
+            Q_EMIT hotKeyReleased(id);
+            return true;
+        }
+        const uint16_t state = key->state & kRealModifiers;
+        for (const Grab& grab : std::as_const(m_grabs)) {
+            if (grab.keycode != key->detail || grab.modifiers != state) {
+                continue;
+            }
+            if (m_pressed.contains(key->detail)) {
+                ++m_suppressedRepeats;  // a repeat of a key that is already down
+                return true;
+            }
+            m_pressed.insert(key->detail, grab.hotKeyId);
+            Q_EMIT hotKeyPressed(grab.hotKeyId);
+            return true;
+        }
+        return false;
+    }
+    if (type == XCB_MAPPING_NOTIFY) {
+        const auto* mapping = reinterpret_cast<const xcb_mapping_notify_event_t*>(event);
+        if (mapping->request == XCB_MAPPING_MODIFIER || mapping->request == XCB_MAPPING_KEYBOARD) {
+            regrabAll();
+        }
+        return false;
+    }
+    if (m_firstXkbEvent >= 0) {
+        const int xkbType = XkbEvents::xkbEventType(event, static_cast<uint8_t>(m_firstXkbEvent));
+        if (xkbType == XCB_XKB_NEW_KEYBOARD_NOTIFY) {
+            regrabAll();
+        }
+    }
+    return false;
+}

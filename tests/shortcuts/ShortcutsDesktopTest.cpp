@@ -1,0 +1,358 @@
+// Global shortcuts on a real X server: hot keys grabbed on the root window, keys typed through XTEST.
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QMenu>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QVBoxLayout>
+
+#include "KeyboardShortcuts/CarbonKeyboardShortcuts.h"
+#include "KeyboardShortcuts/HandlerTables.h"
+#include "KeyboardShortcuts/KeyboardShortcuts.h"
+#include "KeyboardShortcuts/RecorderCocoa.h"
+#include "platform/Platform.h"
+#include "platform/UserDefaults.h"
+#include "platform/x11/X11HotKeys.h"
+#include "platform/x11/X11KeyboardLayout.h"
+#include "platform/x11/X11Platform.h"
+#include "tests/shortcuts/XTestKeyboard.h"
+#include "tests/support/VirtualDesktop.h"
+
+using namespace KeyboardShortcuts;
+
+namespace {
+
+// Control+Option (Control+Alt): IceWM holds the Super keys for itself, so most tests avoid them.
+const Shortcut kControlOptionK(Key::k, ModifierFlag::control | ModifierFlag::option);
+const Shortcut kControlOptionJ(Key::j, ModifierFlag::control | ModifierFlag::option);
+const Shortcut kControlOptionL(Key::l, ModifierFlag::control | ModifierFlag::option);
+const Shortcut kControlOptionF8(Key::f8, ModifierFlag::control | ModifierFlag::option);
+const Shortcut kControlCommandK(Key::k, ModifierFlag::control | ModifierFlag::command);
+const QList<xcb_keycode_t> kControlAlt = {XTestKeyboard::controlL, XTestKeyboard::altL};
+const QList<xcb_keycode_t> kControlSuper = {XTestKeyboard::controlL, XTestKeyboard::superL};
+
+// The name the running window manager gives itself.
+QString windowManagerName() {
+    const QString check = VirtualDesktop::output(QStringLiteral("xprop"),
+                                                 {QStringLiteral("-root"), QStringLiteral("_NET_SUPPORTING_WM_CHECK")});
+    const QString window = check.section(QLatin1Char(' '), -1).trimmed();
+    return VirtualDesktop::output(QStringLiteral("xprop"),
+                                  {QStringLiteral("-id"), window, QStringLiteral("_NET_WM_NAME")});
+}
+
+class ShortcutsDesktopTest : public ::testing::Test {
+protected:
+    static void SetUpTestSuite() {
+        s_config = new QTemporaryDir();
+        // Keep the test's user defaults away from the real ones.
+        qputenv("XDG_CONFIG_HOME", s_config->path().toUtf8());
+        s_platform = X11Platform::connect().release();
+        ASSERT_NE(s_platform, nullptr);
+    }
+    static void TearDownTestSuite() {
+        KeyboardShortcuts::resetForTesting();
+        Platform::install({});
+        delete s_platform;
+        delete s_config;
+    }
+
+    void SetUp() override {
+        ASSERT_NE(s_platform, nullptr);
+        ASSERT_TRUE(keyboard.isConnected());
+        s_platform->install();
+        KeyboardShortcuts::resetForTesting();
+        for (const QString& key : Platform::services().userDefaults->keys()) {
+            Platform::services().userDefaults->removeObject(key);
+        }
+        // The sentinel: once it has fired, every key typed before it has been handled.
+        setShortcut(kControlOptionF8, sentinel);
+        onKeyUp(sentinel, [this] { ++sentinelCount; });
+    }
+    void TearDown() override { KeyboardShortcuts::resetForTesting(); }
+
+    X11HotKeys& hotKeys() { return *static_cast<X11HotKeys*>(Platform::services().hotKeys); }
+
+    // Types the sentinel and waits for it, so that everything typed earlier has been dispatched.
+    bool settle() {
+        const int before = sentinelCount;
+        keyboard.type({XTestKeyboard::controlL, XTestKeyboard::altL}, XTestKeyboard::f8);
+        return VirtualDesktop::waitUntil([&] { return sentinelCount > before; }, 5000);
+    }
+
+    // Turns a lock key on or off and waits until the server says so.
+    bool setLock(xcb_keycode_t key, uint16_t mask, bool on) {
+        if (((keyboard.modifierState() & mask) != 0) != on) {
+            keyboard.tap(key);
+        }
+        return VirtualDesktop::waitUntil([&] { return ((keyboard.modifierState() & mask) != 0) == on; }, 3000);
+    }
+
+    static QTemporaryDir* s_config;
+    static X11Platform* s_platform;
+    XTestKeyboard keyboard;
+    Name sentinel{QStringLiteral("sentinel")};
+    int sentinelCount = 0;
+};
+
+QTemporaryDir* ShortcutsDesktopTest::s_config = nullptr;
+X11Platform* ShortcutsDesktopTest::s_platform = nullptr;
+
+// Counts key-down and key-up runs of one name.
+struct Counter {
+    int downs = 0;
+    int ups = 0;
+    void attach(const Name& name) {
+        onKeyDown(name, [this] { ++downs; });
+        onKeyUp(name, [this] { ++ups; });
+    }
+};
+
+TEST_F(ShortcutsDesktopTest, RegisteredShortcutFiresOneKeyDownAndOneKeyUp) {
+    const Name name(QStringLiteral("display.1"));
+    setShortcut(kControlOptionK, name);
+    Counter counter;
+    counter.attach(name);
+    keyboard.type(kControlAlt, XTestKeyboard::keyK);
+    ASSERT_TRUE(settle());
+    EXPECT_EQ(counter.downs, 1);
+    EXPECT_EQ(counter.ups, 1);
+}
+
+TEST_F(ShortcutsDesktopTest, CommandShortcutFiresOnSuperKey) {
+    if (windowManagerName().contains(QStringLiteral("IceWM"))) {
+        GTEST_SKIP() << "IceWM grabs the Super keys itself (Win95Keys), so Super combinations never reach a client";
+    }
+    const Name name(QStringLiteral("display.1"));
+    setShortcut(kControlCommandK, name);
+    Counter counter;
+    counter.attach(name);
+    keyboard.type(kControlSuper, XTestKeyboard::keyK);
+    ASSERT_TRUE(settle());
+    EXPECT_EQ(counter.downs, 1);
+    EXPECT_EQ(counter.ups, 1);
+}
+
+TEST_F(ShortcutsDesktopTest, FiresWithNumLockOn) {
+    ASSERT_NE(hotKeys().numLockMask(), 0) << "NumLock sits on a real modifier";
+    ASSERT_TRUE(setLock(XTestKeyboard::numLock, hotKeys().numLockMask(), true));
+    const Name name(QStringLiteral("display.1"));
+    setShortcut(kControlOptionK, name);
+    Counter counter;
+    counter.attach(name);
+    keyboard.type(kControlAlt, XTestKeyboard::keyK);
+    const bool settled = settle();
+    EXPECT_TRUE(setLock(XTestKeyboard::numLock, hotKeys().numLockMask(), false));
+    ASSERT_TRUE(settled);
+    EXPECT_EQ(counter.downs, 1);
+    EXPECT_EQ(counter.ups, 1);
+}
+
+TEST_F(ShortcutsDesktopTest, FiresWithCapsLockOn) {
+    ASSERT_TRUE(setLock(XTestKeyboard::capsLock, XCB_MOD_MASK_LOCK, true));
+    const Name name(QStringLiteral("display.1"));
+    setShortcut(kControlOptionK, name);
+    Counter counter;
+    counter.attach(name);
+    keyboard.type(kControlAlt, XTestKeyboard::keyK);
+    const bool settled = settle();
+    EXPECT_TRUE(setLock(XTestKeyboard::capsLock, XCB_MOD_MASK_LOCK, false));
+    ASSERT_TRUE(settled);
+    EXPECT_EQ(counter.downs, 1);
+    EXPECT_EQ(counter.ups, 1);
+}
+
+TEST_F(ShortcutsDesktopTest, FiresWithNumLockAndCapsLockOn) {
+    ASSERT_TRUE(setLock(XTestKeyboard::numLock, hotKeys().numLockMask(), true));
+    ASSERT_TRUE(setLock(XTestKeyboard::capsLock, XCB_MOD_MASK_LOCK, true));
+    const Name name(QStringLiteral("display.1"));
+    setShortcut(kControlOptionK, name);
+    Counter counter;
+    counter.attach(name);
+    keyboard.type(kControlAlt, XTestKeyboard::keyK);
+    const bool settled = settle();
+    EXPECT_TRUE(setLock(XTestKeyboard::capsLock, XCB_MOD_MASK_LOCK, false));
+    EXPECT_TRUE(setLock(XTestKeyboard::numLock, hotKeys().numLockMask(), false));
+    ASSERT_TRUE(settled);
+    EXPECT_EQ(counter.downs, 1);
+    EXPECT_EQ(counter.ups, 1);
+}
+
+TEST_F(ShortcutsDesktopTest, HeldKeyThatAutoRepeatsFiresOneKeyUp) {
+    EXPECT_TRUE(hotKeys().hasDetectableAutoRepeat());
+    const Name name(QStringLiteral("display.1"));
+    setShortcut(kControlOptionK, name);
+    Counter counter;
+    counter.attach(name);
+    const int repeatsBefore = hotKeys().suppressedRepeats();
+    keyboard.press(XTestKeyboard::controlL);
+    keyboard.press(XTestKeyboard::altL);
+    keyboard.press(XTestKeyboard::keyK);
+    // Hold until the server has repeated the key a few times.
+    const bool repeated =
+        VirtualDesktop::waitUntil([&] { return hotKeys().suppressedRepeats() >= repeatsBefore + 3; }, 10000);
+    keyboard.release(XTestKeyboard::keyK);
+    keyboard.release(XTestKeyboard::altL);
+    keyboard.release(XTestKeyboard::controlL);
+    ASSERT_TRUE(repeated) << "the held key did not auto-repeat";
+    ASSERT_TRUE(settle());
+    EXPECT_EQ(counter.downs, 1);
+    EXPECT_EQ(counter.ups, 1);
+}
+
+TEST_F(ShortcutsDesktopTest, TwoNamesSharingShortcutShareOneGrabAndBothRun) {
+    const Name first(QStringLiteral("display.1"));
+    const Name second(QStringLiteral("display.2"));
+    setShortcut(kControlOptionK, first);
+    setShortcut(kControlOptionK, second);
+    Counter firstCounter;
+    Counter secondCounter;
+    firstCounter.attach(first);
+    secondCounter.attach(second);
+    int hotKeysForK = 0;
+    for (const int id : CarbonKeyboardShortcuts::hotKeyIds()) {
+        hotKeysForK += CarbonKeyboardShortcuts::shortcutForHotKey(id) == kControlOptionK ? 1 : 0;
+    }
+    EXPECT_EQ(hotKeysForK, 1);
+    keyboard.type(kControlAlt, XTestKeyboard::keyK);
+    ASSERT_TRUE(settle());
+    EXPECT_EQ(firstCounter.ups, 1);
+    EXPECT_EQ(secondCounter.ups, 1);
+}
+
+TEST_F(ShortcutsDesktopTest, NameWhoseShortcutChangedNoLongerReactsToOldKey) {
+    const Name name(QStringLiteral("display.1"));
+    setShortcut(kControlOptionK, name);
+    Counter counter;
+    counter.attach(name);
+    setShortcut(kControlOptionJ, name);
+    keyboard.type(kControlAlt, XTestKeyboard::keyK);
+    ASSERT_TRUE(settle());
+    EXPECT_EQ(counter.ups, 0);
+    keyboard.type(kControlAlt, XTestKeyboard::keyJ);
+    ASSERT_TRUE(settle());
+    EXPECT_EQ(counter.ups, 1);
+}
+
+TEST_F(ShortcutsDesktopTest, ShortcutGrabbedByAnotherClientPrintsErrorLine) {
+    XTestKeyboard other;  // another client that holds Control+Alt+L
+    ASSERT_TRUE(other.isConnected());
+    xcb_void_cookie_t cookie =
+        xcb_grab_key_checked(other.connection(), 1, other.root(), XCB_MOD_MASK_CONTROL | XCB_MOD_MASK_1,
+                             XTestKeyboard::keyL, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
+    ASSERT_EQ(xcb_request_check(other.connection(), cookie), nullptr);
+
+    EXPECT_EQ(CarbonKeyboardShortcuts::system({kControlOptionL, kControlOptionK}), QList<Shortcut>({kControlOptionL}));
+    const Name name(QStringLiteral("display.1"));
+    Counter counter;
+    counter.attach(name);
+    testing::internal::CaptureStdout();
+    setShortcut(kControlOptionL, name);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "Error registering hotkey ⌃⌥L: -9878\n");
+    EXPECT_EQ(getShortcut(name), kControlOptionL);
+    keyboard.type(kControlAlt, XTestKeyboard::keyL);
+    ASSERT_TRUE(settle());
+    EXPECT_EQ(counter.ups, 0);
+}
+
+TEST_F(ShortcutsDesktopTest, ServerKeysCountAsSystemShortcuts) {
+    auto* layout = static_cast<X11KeyboardLayout*>(Platform::services().keyboardLayout);
+    int changes = 0;
+    QObject::connect(layout, &KeyboardLayout::layoutChanged, [&] { ++changes; });
+    const Shortcut controlOptionF1(Key::f1, ModifierFlag::control | ModifierFlag::option);
+    EXPECT_TRUE(CarbonKeyboardShortcuts::system({controlOptionF1}).isEmpty()) << "srvrkeys:none frees them";
+    ASSERT_EQ(VirtualDesktop::run(QStringLiteral("setxkbmap"), {QStringLiteral("-option"), QString()}), 0);
+    const bool reloaded = VirtualDesktop::waitUntil([&] { return changes > 0; }, 5000);
+    const QList<Shortcut> held = CarbonKeyboardShortcuts::system({controlOptionF1});
+    VirtualDesktop::run(QStringLiteral("setxkbmap"), {QStringLiteral("-option"), QStringLiteral("srvrkeys:none")});
+    ASSERT_TRUE(reloaded);
+    EXPECT_EQ(held, QList<Shortcut>({controlOptionF1}));
+}
+
+TEST_F(ShortcutsDesktopTest, NothingFiresWhileRecorderRecords) {
+    const Name name(QStringLiteral("display.1"));
+    setShortcut(kControlOptionK, name);
+    Counter counter;
+    counter.attach(name);
+    int rawPresses = 0;
+    QObject::connect(&hotKeys(), &HotKeys::hotKeyPressed, [&] { ++rawPresses; });
+
+    QWidget window;
+    auto* layout = new QVBoxLayout(&window);
+    auto* recorder = new RecorderCocoa(Name(QStringLiteral("display.2")));
+    layout->addWidget(recorder);
+    window.show();
+    window.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return recorder->canBecomeKey(); }));
+    QTest::mouseClick(recorder, Qt::LeftButton);
+    ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return recorder->isRecording(); }));
+    EXPECT_TRUE(isPaused());
+
+    keyboard.type(kControlAlt, XTestKeyboard::keyK);
+    ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return rawPresses > 0; }));
+    EXPECT_EQ(counter.downs, 0);
+    EXPECT_EQ(counter.ups, 0);
+    EXPECT_FALSE(getShortcut(Name(QStringLiteral("display.2")))) << "the grab took the key, the recorder did not";
+}
+
+TEST_F(ShortcutsDesktopTest, WithOurMenuOpenShortcutRunsHandlerAndMenuDoesNotAct) {
+    const Name name(QStringLiteral("display.1"));
+    setShortcut(kControlOptionK, name);
+    Counter counter;
+    counter.attach(name);
+
+    QMenu menu;
+    QAction* item = menu.addAction(QStringLiteral("&Keep"));
+    item->setShortcut(QKeySequence(QKeyCombination(Qt::ControlModifier | Qt::AltModifier, Qt::Key_K)));
+    bool triggered = false;
+    QObject::connect(item, &QAction::triggered, [&] { triggered = true; });
+    menu.popup(QPoint(100, 100));
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&menu));
+    ASSERT_TRUE(VirtualDesktop::waitUntil([] { return isMenuOpen(); }));
+    EXPECT_TRUE(CarbonKeyboardShortcuts::isRawKeyMonitorActive());
+
+    keyboard.type(kControlAlt, XTestKeyboard::keyK);
+    EXPECT_TRUE(VirtualDesktop::waitUntil([&] { return counter.ups == 1; }, 5000));
+    EXPECT_EQ(counter.downs, 1);
+    EXPECT_FALSE(triggered);
+    EXPECT_TRUE(menu.isVisible());
+
+    keyboard.tap(XTestKeyboard::escape);
+    ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return !menu.isVisible() && !isMenuOpen(); }, 5000));
+    keyboard.type(kControlAlt, XTestKeyboard::keyK);
+    ASSERT_TRUE(settle());
+    EXPECT_EQ(counter.ups, 2) << "the grab is back once the menu closed";
+}
+
+TEST_F(ShortcutsDesktopTest, DisplayedCharacterFollowsLayoutWhileSamePhysicalKeyFires) {
+    auto* layout = static_cast<X11KeyboardLayout*>(Platform::services().keyboardLayout);
+    const Shortcut controlZ(Key::z, ModifierFlag::control | ModifierFlag::option);
+    EXPECT_EQ(controlZ.presentableDescription(), QStringLiteral("⌃⌥Z"));
+    EXPECT_EQ(Shortcut(Key::y, ModifierFlag::command).presentableDescription(), QStringLiteral("⌘Y"));
+    int changes = 0;
+    QObject::connect(layout, &KeyboardLayout::layoutChanged, [&] { ++changes; });
+
+    ASSERT_EQ(VirtualDesktop::run(QStringLiteral("setxkbmap"), {QStringLiteral("de")}), 0);
+    const bool switched =
+        VirtualDesktop::waitUntil([&] { return controlZ.presentableDescription() == QStringLiteral("⌃⌥Y"); }, 5000);
+    const QString yKey = Shortcut(Key::y, ModifierFlag::command).presentableDescription();
+
+    const Name name(QStringLiteral("display.1"));
+    setShortcut(controlZ, name);
+    Counter counter;
+    counter.attach(name);
+    keyboard.type(kControlAlt, XTestKeyboard::keyZ);
+    const bool settled = settle();
+    VirtualDesktop::run(QStringLiteral("setxkbmap"), {QStringLiteral("us")});
+    EXPECT_TRUE(
+        VirtualDesktop::waitUntil([&] { return controlZ.presentableDescription() == QStringLiteral("⌃⌥Z"); }, 5000));
+
+    EXPECT_TRUE(switched) << controlZ.presentableDescription().toStdString();
+    EXPECT_GT(changes, 0);
+    EXPECT_EQ(yKey, QStringLiteral("⌘Z"));
+    ASSERT_TRUE(settled);
+    EXPECT_EQ(counter.ups, 1) << "the physical key of Z still fires";
+}
+
+}  // namespace
