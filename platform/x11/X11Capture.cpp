@@ -1,24 +1,162 @@
 #include "platform/x11/X11Capture.h"
 
+#include <sys/ipc.h>
+#include <sys/shm.h>
+#include <xcb/shm.h>
+
+#include <QList>
 #include <cstdlib>
 #include <cstring>
+#include <optional>
+
+namespace {
+
+// Segments kept for reuse once their pictures are gone; more would only hold memory.
+constexpr qsizetype kMaxIdleSegments = 4;
+
+struct Segment {
+    xcb_shm_seg_t id = 0;
+    int shmId = -1;
+    uchar* address = nullptr;
+    size_t size = 0;
+};
+
+// Bits per pixel of the server's Z-pixmap format for a depth; 0 when it has none.
+int bitsPerPixel(xcb_connection_t* connection, uint8_t depth) {
+    for (auto it = xcb_setup_pixmap_formats_iterator(xcb_get_setup(connection)); it.rem > 0; xcb_format_next(&it)) {
+        if (it.data->depth == depth) {
+            return it.data->bits_per_pixel;
+        }
+    }
+    return 0;
+}
+
+}  // namespace
+
+// The shared-memory segments of one connection. A picture holds its segment until the image is
+// destroyed, then hands it back here, which may happen on any thread and after the capture is gone.
+class X11Capture::SegmentPool {
+public:
+    explicit SegmentPool(xcb_connection_t* connection) : m_connection(connection) {}
+
+    // A segment of at least the size, attached to the server; nothing when shared memory fails.
+    std::optional<Segment> take(size_t size) {
+        {
+            QMutexLocker lock(&m_mutex);
+            for (qsizetype i = 0; i < m_idle.size(); ++i) {
+                if (m_idle[i].size >= size) {
+                    return m_idle.takeAt(i);
+                }
+            }
+        }
+        return create(size);
+    }
+
+    void give(const Segment& segment) {
+        QMutexLocker lock(&m_mutex);
+        if (m_connection == nullptr || m_idle.size() >= kMaxIdleSegments) {
+            destroy(segment);
+            return;
+        }
+        m_idle.append(segment);
+    }
+
+    // The connection is about to close: let go of every idle segment and of the connection.
+    void close() {
+        QMutexLocker lock(&m_mutex);
+        for (const Segment& segment : m_idle) {
+            destroy(segment);
+        }
+        m_idle.clear();
+        m_connection = nullptr;
+    }
+
+private:
+    std::optional<Segment> create(size_t size) {
+        Segment segment;
+        segment.size = size;
+        segment.shmId = shmget(IPC_PRIVATE, size, IPC_CREAT | 0600);
+        if (segment.shmId < 0) {
+            return std::nullopt;
+        }
+        void* address = shmat(segment.shmId, nullptr, 0);
+        if (address == reinterpret_cast<void*>(-1)) {
+            shmctl(segment.shmId, IPC_RMID, nullptr);
+            return std::nullopt;
+        }
+        segment.address = static_cast<uchar*>(address);
+        QMutexLocker lock(&m_mutex);
+        if (m_connection == nullptr) {
+            shmdt(address);
+            shmctl(segment.shmId, IPC_RMID, nullptr);
+            return std::nullopt;
+        }
+        segment.id = xcb_generate_id(m_connection);
+        xcb_generic_error_t* error = xcb_request_check(
+            m_connection, xcb_shm_attach_checked(m_connection, segment.id, static_cast<uint32_t>(segment.shmId), 0));
+        // Once both sides are attached the segment can be marked for removal: it lives until the last detach.
+        shmctl(segment.shmId, IPC_RMID, nullptr);
+        if (error != nullptr) {
+            std::free(error);
+            shmdt(address);
+            return std::nullopt;
+        }
+        return segment;
+    }
+
+    void destroy(const Segment& segment) {
+        if (m_connection != nullptr) {
+            xcb_shm_detach(m_connection, segment.id);
+            xcb_flush(m_connection);
+        }
+        shmdt(segment.address);
+    }
+
+    QMutex m_mutex;
+    xcb_connection_t* m_connection;
+    QList<Segment> m_idle;
+};
+
+namespace {
+
+// What an image needs to give its segment back when it is destroyed.
+struct SegmentLoan {
+    std::shared_ptr<X11Capture::SegmentPool> pool;
+    Segment segment;
+};
+
+void returnSegment(void* info) {
+    auto* loan = static_cast<SegmentLoan*>(info);
+    loan->pool->give(loan->segment);
+    delete loan;
+}
+
+}  // namespace
 
 X11Capture::X11Capture(QByteArray displayName) : m_displayName(std::move(displayName)) {}
 
 X11Capture::~X11Capture() {
+    QMutexLocker lock(&m_mutex);
+    disconnect();
+}
+
+void X11Capture::disconnect() {
+    if (m_pool) {
+        m_pool->close();
+        m_pool.reset();
+    }
     if (m_connection != nullptr) {
         xcb_disconnect(m_connection);
+        m_connection = nullptr;
     }
+    m_sharedMemoryUsable = false;
 }
 
 bool X11Capture::ensureConnected() {
     if (m_connection != nullptr && xcb_connection_has_error(m_connection) == 0) {
         return true;
     }
-    if (m_connection != nullptr) {
-        xcb_disconnect(m_connection);
-        m_connection = nullptr;
-    }
+    disconnect();
     int screenNumber = 0;
     m_connection = xcb_connect(m_displayName.isEmpty() ? nullptr : m_displayName.constData(), &screenNumber);
     if (xcb_connection_has_error(m_connection) != 0) {
@@ -31,10 +169,23 @@ bool X11Capture::ensureConnected() {
         xcb_screen_next(&it);
     }
     m_screen = it.data;
+    const xcb_query_extension_reply_t* shm = xcb_get_extension_data(m_connection, &xcb_shm_id);
+    if (shm != nullptr && shm->present) {
+        xcb_shm_query_version_reply_t* version =
+            xcb_shm_query_version_reply(m_connection, xcb_shm_query_version(m_connection), nullptr);
+        m_sharedMemoryUsable = version != nullptr;
+        std::free(version);
+    }
+    m_pool = std::make_shared<SegmentPool>(m_connection);
     return m_screen != nullptr;
 }
 
-QImage X11Capture::capture(const QRect& rootRect) {
+bool X11Capture::hasSharedMemory() {
+    QMutexLocker lock(&m_mutex);
+    return ensureConnected() && m_sharedMemoryUsable;
+}
+
+QImage X11Capture::capture(const QRect& rootRect, Method method) {
     QMutexLocker lock(&m_mutex);
     if (rootRect.isEmpty() || !ensureConnected()) {
         return {};
@@ -44,14 +195,53 @@ QImage X11Capture::capture(const QRect& rootRect) {
     if (rect.isEmpty()) {
         return {};
     }
+    if (method != Method::GetImage && m_sharedMemoryUsable) {
+        QImage image = captureWithSharedMemory(rect);
+        if (!image.isNull() || method == Method::SharedMemory) {
+            return image;
+        }
+    } else if (method == Method::SharedMemory) {
+        return {};
+    }
     return captureWithGetImage(rect);
 }
 
+QImage X11Capture::captureWithSharedMemory(const QRect& rect) {
+    const uint8_t depth = m_screen->root_depth;
+    if ((depth != 24 && depth != 32) || bitsPerPixel(m_connection, depth) != 32) {
+        return {};
+    }
+    const qsizetype bytesPerLine = qsizetype(rect.width()) * 4;
+    const size_t size = size_t(bytesPerLine) * size_t(rect.height());
+    std::optional<Segment> segment = m_pool->take(size);
+    if (!segment) {
+        m_sharedMemoryUsable = false;  // e.g. a server on another machine: GetImage from now on
+        return {};
+    }
+    xcb_generic_error_t* error = nullptr;
+    xcb_shm_get_image_reply_t* reply = xcb_shm_get_image_reply(
+        m_connection,
+        xcb_shm_get_image(m_connection, m_screen->root, static_cast<int16_t>(rect.x()), static_cast<int16_t>(rect.y()),
+                          static_cast<uint16_t>(rect.width()), static_cast<uint16_t>(rect.height()), ~0u,
+                          XCB_IMAGE_FORMAT_Z_PIXMAP, segment->id, 0),
+        &error);
+    const bool ok = reply != nullptr && error == nullptr && reply->size >= size;
+    std::free(reply);
+    std::free(error);
+    if (!ok) {
+        m_pool->give(*segment);
+        return {};
+    }
+    // The image reads the segment in place and gives it back to the pool when it is destroyed.
+    auto* loan = new SegmentLoan{m_pool, *segment};
+    return QImage(segment->address, rect.width(), rect.height(), bytesPerLine, QImage::Format_RGB32, returnSegment,
+                  loan);
+}
+
 QImage X11Capture::captureWithGetImage(const QRect& rect) {
-    xcb_get_image_cookie_t cookie =
-        xcb_get_image(m_connection, XCB_IMAGE_FORMAT_Z_PIXMAP, m_screen->root, static_cast<int16_t>(rect.x()),
-                      static_cast<int16_t>(rect.y()), static_cast<uint16_t>(rect.width()),
-                      static_cast<uint16_t>(rect.height()), ~0u);
+    xcb_get_image_cookie_t cookie = xcb_get_image(
+        m_connection, XCB_IMAGE_FORMAT_Z_PIXMAP, m_screen->root, static_cast<int16_t>(rect.x()),
+        static_cast<int16_t>(rect.y()), static_cast<uint16_t>(rect.width()), static_cast<uint16_t>(rect.height()), ~0u);
     xcb_get_image_reply_t* reply = xcb_get_image_reply(m_connection, cookie, nullptr);
     if (reply == nullptr) {
         return {};

@@ -65,6 +65,7 @@ struct X11WindowFacts {
 // The desktop-wide facts kept on the root window.
 struct X11RootFacts {
     bool connected = false;
+    bool hasClientList = false;              // false when no window manager keeps a client list
     QList<xcb_window_t> clientListStacking;  // bottom to top
     QList<xcb_window_t> rootChildren;        // bottom to top
     xcb_window_t activeWindow = XCB_NONE;

@@ -117,6 +117,7 @@ X11RootFacts X11WindowReader::readRoot(unsigned fields) {
     bool unused = false;
     if (fields & ClientList) {
         const auto reply = takeProperty(xcb, clientList, &unused);
+        facts.hasClientList = reply && reply->type != XCB_ATOM_NONE;
         for (uint32_t window : cardinals(reply.get())) {
             facts.clientListStacking.append(window);
         }

@@ -45,10 +45,13 @@ X11WindowTable X11WindowTable::read(X11WindowReader& reader, unsigned managedFie
             }
         }
     }
+    // With a window manager the other root children are its frames and its own windows; without one,
+    // every mapped root child is a top-level window of some client.
+    const bool withoutWindowManager = !table.root.hasClientList;
     QList<X11WindowReader::Request> unmanagedRequests;
     for (qsizetype i = managedCount; i < stage2.size(); ++i) {
         const X11WindowFacts& child = stage2[i];
-        if (child.exists && child.overrideRedirect && !child.inputOnly) {
+        if (child.exists && !child.inputOnly && (child.overrideRedirect || (withoutWindowManager && child.mapped))) {
             unmanagedRequests.append({child.window, fields});
         }
     }

@@ -7,8 +7,9 @@
 #include "platform/x11/X11WindowReader.h"
 
 // Every top-level client window of the desktop, front to back: unmanaged (override-redirect) windows
-// first, top-most first, then the window manager's clients from its stacking list, reversed. Windows
-// that vanish while being read are left out.
+// first, top-most first, then the window manager's clients from its stacking list, reversed. Without a
+// window manager every mapped root child counts as unmanaged. Windows that vanish while being read are
+// left out.
 struct X11WindowTable {
     X11RootFacts root;
     QList<X11WindowFacts> windows;

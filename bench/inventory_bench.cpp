@@ -1,0 +1,93 @@
+// Window-list inventory on a desktop with 50, 200 and 500 managed windows: our window server, the
+// core's qualifying-window inventory on top of it, `wmctrl -lpG` as a whole process, and a minimal
+// pipelined listing (client list, pid, geometry) as the floor. Run on a virtual desktop.
+#include <xcb/xcb.h>
+
+#include <QCoreApplication>
+#include <QProcess>
+#include <cstdlib>
+
+#include "app/ScreenSnapshotService.h"
+#include "bench/BenchTable.h"
+#include "platform/Platform.h"
+#include "platform/WindowServer.h"
+#include "platform/x11/X11Connection.h"
+#include "platform/x11/X11Platform.h"
+#include "tests/testclient/TestClient.h"
+
+namespace {
+
+// The least a lister must do: the client list, then every window's pid and geometry in one go.
+int minimalListing(X11Connection& connection) {
+    xcb_connection_t* c = connection.xcb();
+    xcb_get_property_reply_t* list = xcb_get_property_reply(
+        c, xcb_get_property(c, 0, connection.root(), connection.atom("_NET_CLIENT_LIST"), XCB_ATOM_WINDOW, 0, 1u << 16),
+        nullptr);
+    if (list == nullptr) {
+        return 0;
+    }
+    const auto* windows = static_cast<const xcb_window_t*>(xcb_get_property_value(list));
+    const int count = xcb_get_property_value_length(list) / 4;
+    const xcb_atom_t pidAtom = connection.atom("_NET_WM_PID");
+    std::vector<xcb_get_property_cookie_t> pids(count);
+    std::vector<xcb_get_geometry_cookie_t> geometries(count);
+    for (int i = 0; i < count; ++i) {
+        pids[i] = xcb_get_property(c, 0, windows[i], pidAtom, XCB_ATOM_CARDINAL, 0, 1);
+        geometries[i] = xcb_get_geometry(c, windows[i]);
+    }
+    for (int i = 0; i < count; ++i) {
+        std::free(xcb_get_property_reply(c, pids[i], nullptr));
+        std::free(xcb_get_geometry_reply(c, geometries[i], nullptr));
+    }
+    std::free(list);
+    return count;
+}
+
+void runProcess(const QString& program, const QStringList& arguments) {
+    QProcess process;
+    process.start(program, arguments);
+    process.waitForFinished(30000);
+    process.readAllStandardOutput();
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    QCoreApplication application(argc, argv);
+    auto platform = X11Platform::connect();
+    if (!platform) {
+        std::fprintf(stderr, "inventory_bench: no X server\n");
+        return 1;
+    }
+    platform->install();
+    BenchTable::header("Window inventory (in process unless marked)");
+    TestClient client;
+    if (!client.start()) {
+        std::fprintf(stderr, "inventory_bench: the test client did not start\n");
+        return 1;
+    }
+    int open = 0;
+    for (const int total : {50, 200, 500}) {
+        const QList<quint32> windows = client.openMany(QStringLiteral("b%1_").arg(total), total - open,
+                                                       QStringLiteral("x=100 y=100 w=300 h=200"), 120000);
+        if (windows.size() != total - open) {
+            std::fprintf(stderr, "inventory_bench: only %lld windows appeared\n",
+                         static_cast<long long>(windows.size()));
+            return 1;
+        }
+        open = total;
+        WindowServer& server = *Platform::services().windowServer;
+        const qsizetype listed = server.copyWindowInfo(kCGWindowListExcludeDesktopElements)->size();
+        BenchTable::row(QStringLiteral("%1 windows: window server list (%2 entries)").arg(total).arg(listed),
+                        BenchTable::measure(20, [&] { server.copyWindowInfo(kCGWindowListExcludeDesktopElements); }));
+        BenchTable::row(QStringLiteral("%1 windows: qualifying windows (list + Accessibility)").arg(total),
+                        BenchTable::measure(10, [] { ScreenSnapshotService::qualifyingWindows(); }));
+        BenchTable::row(QStringLiteral("%1 windows: minimal pipelined listing (floor)").arg(total),
+                        BenchTable::measure(20, [&] { minimalListing(platform->connection()); }));
+        BenchTable::row(
+            QStringLiteral("%1 windows: wmctrl -lpG (whole process)").arg(total),
+            BenchTable::measure(10, [] { runProcess(QStringLiteral("wmctrl"), {QStringLiteral("-lpG")}); }));
+    }
+    client.exit(10000);
+    return 0;
+}

@@ -1,0 +1,111 @@
+// Moving 20 windows between monitors with the window mover (keep size, adjust size) against a loop of
+// `wmctrl -ir ID -e 0,X,Y,-1,-1`, and the focused-window move from call to the window manager's
+// confirmation. Run on a virtual desktop.
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <QApplication>
+#include <QProcess>
+
+#include "app/ScreenSnapshotService.h"
+#include "app/WindowMover.h"
+#include "bench/BenchTable.h"
+#include "platform/Platform.h"
+#include "platform/x11/X11Platform.h"
+#include "tests/testclient/TestClient.h"
+
+namespace {
+
+QList<DisplaySnapshot> displays() {
+    QList<DisplaySnapshot> snapshots;
+    for (const DisplayDescriptor& descriptor : ScreenSnapshotService::currentDisplayDescriptors()) {
+        snapshots.append(DisplaySnapshot::placeholder(descriptor));
+    }
+    return snapshots;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    QApplication application(argc, argv);
+    auto platform = X11Platform::connect();
+    if (!platform) {
+        std::fprintf(stderr, "mover_bench: no X server\n");
+        return 1;
+    }
+    platform->install();
+    const QList<DisplaySnapshot> all = displays();
+    if (all.size() < 2) {
+        std::fprintf(stderr, "mover_bench: needs two monitors\n");
+        return 1;
+    }
+    TestClient client;
+    if (!client.start()) {
+        return 1;
+    }
+    const QList<quint32> windows =
+        client.openMany(QStringLiteral("m"), 20, QStringLiteral("x=100 y=100 w=400 h=300"), 60000);
+    if (windows.size() != 20) {
+        std::fprintf(stderr, "mover_bench: the windows did not appear\n");
+        return 1;
+    }
+    // The move logs a line per window on standard output; keep the table readable.
+    std::FILE* table = stdout;
+    const int savedOut = dup(fileno(stdout));
+    BenchTable::header("Moving windows (20 windows unless marked)");
+    std::fflush(table);
+    auto quiet = [&](const std::function<void()>& action) {
+        std::fflush(stdout);
+        const int devNull = ::open("/dev/null", O_WRONLY);
+        dup2(devNull, fileno(stdout));
+        action();
+        std::fflush(stdout);
+        dup2(savedOut, fileno(stdout));
+        ::close(devNull);
+    };
+    for (const bool adjust : {false, true}) {
+        int direction = 0;
+        BenchTable::Figures figures;
+        int moved = 0;
+        quiet([&] {
+            figures = BenchTable::measure(6, [&] {
+                const DisplaySnapshot& from = all[direction % 2];
+                const DisplaySnapshot& to = all[(direction + 1) % 2];
+                moved = WindowMover::moveWindows(from, to, adjust, std::nullopt, false).movedCount;
+                ++direction;
+            });
+        });
+        BenchTable::row(QStringLiteral("WindowMover::moveWindows, %1 (moved %2)")
+                            .arg(adjust ? QStringLiteral("adjust size") : QStringLiteral("keep size"))
+                            .arg(moved),
+                        figures);
+    }
+    int round = 0;
+    BenchTable::row(
+        QStringLiteral("loop of wmctrl -ir ID -e (no confirmation)"), BenchTable::measure(6, [&] {
+            const QRectF target = all[round++ % 2].bounds;
+            for (quint32 window : windows) {
+                QProcess::execute(
+                    QStringLiteral("wmctrl"),
+                    {QStringLiteral("-ir"), QString::number(window), QStringLiteral("-e"),
+                     QStringLiteral("0,%1,%2,-1,-1").arg(int(target.x()) + 100).arg(int(target.y()) + 100)});
+            }
+        }));
+    QProcess::execute(QStringLiteral("wmctrl"),
+                      {QStringLiteral("-i"), QStringLiteral("-a"), QString::number(windows[0])});
+    QCoreApplication::processEvents();
+    int focusedRound = 0;
+    BenchTable::Figures focused;
+    WindowMoveResult last;
+    quiet([&] {
+        focused = BenchTable::measure(
+            10, [&] { last = WindowMover::moveFocusedWindow(all[focusedRound++ % 2], all, false); });
+    });
+    BenchTable::row(QStringLiteral("WindowMover::moveFocusedWindow, 1 window (last result %1,%2)")
+                        .arg(last.movedCount)
+                        .arg(last.attemptedCount),
+                    focused);
+    ::close(savedOut);
+    client.exit(10000);
+    return 0;
+}

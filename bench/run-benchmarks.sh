@@ -1,0 +1,17 @@
+#!/usr/bin/env bash
+# Runs every benchmark program of a build on its own virtual desktop and prints their tables.
+#   bench/run-benchmarks.sh [BUILD_DIR]     (default: build)
+set -uo pipefail
+here=$(cd "$(dirname "$0")" && pwd)
+root=$(dirname "$here")
+build=${1:-$root/build}
+status=0
+for bench in inventory_bench capture_bench mover_bench shortcut_move_bench; do
+    program="$build/bench/$bench"
+    if [ ! -x "$program" ]; then
+        echo "run-benchmarks: $bench is not built in $build; skipped" >&2
+        continue
+    fi
+    "$root/scripts/virtual-desktop.sh" run --wm openbox --layout 1920x1080,2560x1440,1280x1024 -- "$program" || status=1
+done
+exit $status
