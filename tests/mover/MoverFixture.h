@@ -4,10 +4,16 @@
 
 #include <QLoggingCategory>
 #include <QStringList>
+#include <ostream>
 
 #include "app/Models.h"
 #include "app/WindowMover.h"
 #include "platform/fake/FakePlatform.h"
+
+// Readable QStrings in test failure messages.
+inline void PrintTo(const QString& text, std::ostream* os) {
+    *os << '"' << text.toStdString() << '"';
+}
 
 // Collects the lines of the mover's debug trace while a test runs.
 class TraceCapture {

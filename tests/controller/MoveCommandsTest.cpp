@@ -1,0 +1,239 @@
+#include "tests/controller/ControllerFixture.h"
+
+namespace {
+
+class MoveCommands : public ControllerTest {
+protected:
+    void SetUp() override {
+        ControllerTest::SetUp();
+        controller().refreshForMenuOpen();
+        ASSERT_TRUE(waitUntil([&] { return !controller().isLoadingPreviews(); }));
+        left = controller().displays()[0];
+        right = controller().displays()[1];
+    }
+    // A regular application with windows on the left display, known to both the window list and
+    // Accessibility.
+    void addApplication(pid_t pid, const QString& name, const QList<qint64>& numbers) {
+        platform.workspace.addApplication(pid, name);
+        std::optional<QList<WindowInfo>> list = platform.windowServer.copyWindowInfo(0);
+        for (qint64 number : numbers) {
+            const QRectF frame(100 + number * 10, 100, 800, 600);
+            list->append(FakeWindowServer::entry({.number = number, .pid = pid, .ownerName = name, .bounds = frame}));
+            platform.accessibility.addWindow(pid, {.number = number, .frame = frame});
+        }
+        platform.windowServer.setWindowList(list);
+    }
+    void focus(qint64 number) {
+        platform.accessibility.setValue(AXUIElement::systemWide(), QStringLiteral("AXFocusedWindow"),
+                                        QVariant::fromValue(AXUIElement::window(number)));
+    }
+    void revokeAccessibility() {
+        platform.permissions.trusted = false;
+        controller().refreshPermissions();
+    }
+    bool anyWrites() const { return !platform.accessibility.writes().isEmpty(); }
+
+    DisplaySnapshot left;
+    DisplaySnapshot right;
+};
+
+const QString kRequired = QStringLiteral("Accessibility permission is required to move windows.");
+
+TEST_F(MoveCommands, EveryMoveWithoutAccessibilityAsksForThePermission) {
+    addApplication(100, QStringLiteral("Editor"), {1});
+    revokeAccessibility();
+    const int reads = platform.accessibility.readCount();
+
+    controller().moveWindows(left, right);
+    EXPECT_EQ(controller().statusMessage(), kRequired);
+    controller().setStatusMessage({});
+    controller().moveWindows(DisplayAppGroup{100, QStringLiteral("Editor"), 1}, left, right);
+    EXPECT_EQ(controller().statusMessage(), kRequired);
+    controller().setStatusMessage({});
+    controller().moveFocusedWindow(right.persistentID);
+    EXPECT_EQ(controller().statusMessage(), kRequired);
+
+    EXPECT_EQ(platform.accessibility.readCount(), reads);
+    EXPECT_FALSE(anyWrites());
+}
+
+TEST_F(MoveCommands, FocusedMoveWithoutAccessibilityReportsThatEvenForAnAbsentDisplay) {
+    revokeAccessibility();
+    controller().moveFocusedWindow(QStringLiteral("v9-m9-s9"));
+    EXPECT_EQ(controller().statusMessage(), kRequired);
+}
+
+TEST_F(MoveCommands, WholeDisplayMoveReportsBothCounts) {
+    addApplication(100, QStringLiteral("Editor"), {1, 2, 3, 4});
+    platform.accessibility.setWriteError(AXUIElement::window(3), QStringLiteral("AXPosition"), kAXErrorCannotComplete);
+    controller().moveWindows(left, right);
+    EXPECT_EQ(controller().statusMessage(), QStringLiteral("Moved 3 of 4 windows."));
+}
+
+TEST_F(MoveCommands, WholeDisplayMessageIsNotPluralised) {
+    controller().moveWindows(left, right);
+    EXPECT_EQ(controller().statusMessage(), QStringLiteral("Moved 0 of 0 windows."));
+    addApplication(100, QStringLiteral("Editor"), {1});
+    controller().moveWindows(left, right);
+    EXPECT_EQ(controller().statusMessage(), QStringLiteral("Moved 1 of 1 windows."));
+}
+
+TEST_F(MoveCommands, WholeDisplayMoveTakesEveryApplicationAndRevealsNothing) {
+    addApplication(100, QStringLiteral("Editor"), {1});
+    addApplication(200, QStringLiteral("Mail"), {2});
+    controller().moveWindows(left, right);
+    EXPECT_EQ(controller().statusMessage(), QStringLiteral("Moved 2 of 2 windows."));
+    for (const FakeAccessibility::Write& write : platform.accessibility.writes()) {
+        EXPECT_NE(write.attribute, QStringLiteral("AXHidden"));
+        EXPECT_NE(write.attribute, QStringLiteral("AXMinimized"));
+    }
+}
+
+TEST_F(MoveCommands, ApplicationMovePassesOnlyItsProcessAndRevealsIt) {
+    addApplication(100, QStringLiteral("Editor"), {1});
+    addApplication(200, QStringLiteral("Mail"), {2, 3});
+    controller().moveWindows(DisplayAppGroup{200, QStringLiteral("Mail"), 2}, left, right);
+    EXPECT_EQ(controller().statusMessage(), QStringLiteral("Moved 2 of 2 Mail windows."));
+    EXPECT_TRUE(platform.accessibility.writes(AXUIElement::window(1), QStringLiteral("AXPosition")).isEmpty());
+    EXPECT_EQ(platform.accessibility.writes(AXUIElement::application(200), QStringLiteral("AXHidden")).size(), 1);
+    EXPECT_EQ(platform.accessibility.writes(AXUIElement::window(2), QStringLiteral("AXMinimized")).size(), 1);
+    EXPECT_EQ(platform.accessibility.writes(AXUIElement::window(3), QStringLiteral("AXMinimized")).size(), 1);
+    EXPECT_TRUE(platform.accessibility.writes(AXUIElement::application(100), QStringLiteral("AXHidden")).isEmpty());
+}
+
+TEST_F(MoveCommands, MovesFollowTheResizePreference) {
+    addApplication(100, QStringLiteral("Editor"), {1});
+    controller().moveWindows(left, right);
+    EXPECT_TRUE(platform.accessibility.writes(AXUIElement::window(1), QStringLiteral("AXSize")).isEmpty());
+    controller().setAdjustWindowSizeToTargetScreen(true);
+    controller().moveWindows(right, left);
+    EXPECT_EQ(platform.accessibility.writes(AXUIElement::window(1), QStringLiteral("AXSize")).size(), 1);
+}
+
+TEST_F(MoveCommands, AfterWholeDisplayMoveCardsAreRebuiltFromPlaceholdersThenRefreshed) {
+    addApplication(100, QStringLiteral("Editor"), {1});
+    const int captures = platform.displays.captureCount();
+    holdNextCapture();
+    controller().moveWindows(left, right);
+    ASSERT_EQ(controller().displays().size(), 2);
+    EXPECT_FALSE(controller().displays()[0].visibleWindowCount.has_value());
+    EXPECT_TRUE(controller().isLoadingPreviews());
+    ASSERT_TRUE(heldCaptureStarted());
+    release();
+    ASSERT_TRUE(waitUntil([&] { return !controller().isLoadingPreviews(); }));
+    EXPECT_TRUE(controller().displays()[0].visibleWindowCount.has_value());
+    EXPECT_EQ(platform.displays.captureCount(), captures + 2);
+}
+
+TEST_F(MoveCommands, ApplicationMoveAlsoRefreshesThePanel) {
+    addApplication(100, QStringLiteral("Editor"), {1});
+    const int queries = platform.windowServer.queryCount();
+    controller().moveWindows(DisplayAppGroup{100, QStringLiteral("Editor"), 1}, left, right);
+    EXPECT_TRUE(controller().isLoadingPreviews());
+    finishBackgroundWork();
+    // Two window-list reads for the move itself, one for the new capture.
+    EXPECT_EQ(platform.windowServer.queryCount(), queries + 3);
+}
+
+TEST_F(MoveCommands, ShortcutForUnpluggedDisplayReportsItAndNeverCallsTheMover) {
+    addApplication(100, QStringLiteral("Editor"), {1});
+    focus(1);
+    const QString unplugged = right.persistentID;
+    platform.displays.setDisplays({platform.displays.displays()[0]});
+    const int reads = platform.accessibility.readCount();
+    controller().moveFocusedWindow(unplugged);
+    EXPECT_EQ(controller().statusMessage(), QStringLiteral("Shortcut target display is currently not connected."));
+    EXPECT_EQ(platform.accessibility.readCount(), reads);
+    EXPECT_FALSE(anyWrites());
+}
+
+TEST_F(MoveCommands, ShortcutWithNoDisplaysAtAllReportsNotConnected) {
+    platform.displays.setDisplays({});
+    controller().moveFocusedWindow(right.persistentID);
+    EXPECT_EQ(controller().statusMessage(), QStringLiteral("Shortcut target display is currently not connected."));
+}
+
+TEST_F(MoveCommands, FocusedMoveToDisplayReportsSuccessWithoutRefreshingThePanel) {
+    addApplication(100, QStringLiteral("Editor"), {1});
+    focus(1);
+    const int queries = platform.windowServer.queryCount();
+    signalLog().clear();
+    controller().moveFocusedWindow(right.persistentID);
+    EXPECT_EQ(controller().statusMessage(), QStringLiteral("Moved focused window to Right."));
+    EXPECT_GE(platform.accessibility.frame(1).x(), 1920);
+    EXPECT_EQ(signalLog(), QStringList{QStringLiteral("statusMessage")});
+    finishBackgroundWork();
+    EXPECT_EQ(platform.windowServer.queryCount(), queries);
+}
+
+TEST_F(MoveCommands, FocusedMoveUsesTheNameTheDisplayHasNow) {
+    addApplication(100, QStringLiteral("Editor"), {1});
+    focus(1);
+    QList<FakeDisplays::Display> displays = platform.displays.displays();
+    displays[1].name = QStringLiteral("Renamed");
+    platform.displays.setDisplays(displays);
+    controller().moveFocusedWindow(right.persistentID);
+    EXPECT_EQ(controller().statusMessage(), QStringLiteral("Moved focused window to Renamed."));
+}
+
+TEST_F(MoveCommands, NoFocusedWindowIsReported) {
+    controller().moveFocusedWindow(right.persistentID);
+    EXPECT_EQ(controller().statusMessage(), QStringLiteral("No focused window was found to move."));
+}
+
+TEST_F(MoveCommands, FocusedWindowThatCouldNotBeMovedIsReportedWithTheDisplayName) {
+    addApplication(100, QStringLiteral("Editor"), {1});
+    focus(1);
+    platform.accessibility.setWriteError(AXUIElement::window(1), QStringLiteral("AXPosition"), kAXErrorCannotComplete);
+    controller().moveFocusedWindow(right.persistentID);
+    EXPECT_EQ(controller().statusMessage(), QStringLiteral("Focused window could not be moved to Right."));
+}
+
+TEST_F(MoveCommands, FocusedWindowAlreadyOnTargetIsReportedAsNotMoved) {
+    addApplication(100, QStringLiteral("Editor"), {1});
+    focus(1);
+    controller().moveFocusedWindow(left.persistentID);
+    EXPECT_EQ(controller().statusMessage(), QStringLiteral("Focused window could not be moved to Left."));
+    EXPECT_FALSE(anyWrites());
+}
+
+TEST_F(MoveCommands, AccessibilityRequestWhenTrustedSaysSoWithoutPrompting) {
+    const int activations = platform.activation.activations;
+    controller().requestAccessibilityPermission();
+    EXPECT_EQ(controller().statusMessage(), QStringLiteral("Accessibility permission is already granted."));
+    EXPECT_EQ(platform.permissions.trustPrompts, 0);
+    EXPECT_EQ(platform.activation.activations, activations);
+}
+
+TEST_F(MoveCommands, AccessibilityRequestThatYieldsNoTrustPointsToSettings) {
+    revokeAccessibility();
+    const int activations = platform.activation.activations;
+    signalLog().clear();
+    controller().requestAccessibilityPermission();
+    EXPECT_EQ(controller().statusMessage(),
+              QStringLiteral("Requested Accessibility permission. If no prompt appears, click Open System Settings."));
+    EXPECT_EQ(platform.permissions.trustPrompts, 1);
+    EXPECT_EQ(platform.activation.activations, activations + 1);
+    // The permission state is republished at the end.
+    EXPECT_EQ(signalLog().last(), QStringLiteral("isLoadingPreviews=0"));
+    EXPECT_TRUE(signalLog().contains(QStringLiteral("permissionState")));
+}
+
+TEST_F(MoveCommands, AccessibilityRequestThatGrantsTrustSaysGranted) {
+    revokeAccessibility();
+    platform.permissions.promptGrantsTrust = true;
+    controller().requestAccessibilityPermission();
+    EXPECT_EQ(controller().statusMessage(), QStringLiteral("Accessibility permission is already granted."));
+    EXPECT_TRUE(controller().permissionState().accessibilityGranted);
+}
+
+TEST_F(MoveCommands, ScreenRecordingRequestAsksAndRefreshesPermissions) {
+    platform.permissions.screenCaptureGranted = false;
+    controller().requestScreenRecordingPermission();
+    EXPECT_EQ(platform.permissions.screenCaptureRequests, 1);
+    EXPECT_EQ(controller().statusMessage(),
+              QStringLiteral("Requested Screen Recording permission. macOS may require app restart."));
+    EXPECT_FALSE(controller().permissionState().screenRecordingGranted);
+}
+
+}  // namespace
