@@ -76,7 +76,8 @@ double PanelGeometry::previewHeight(double cardWidth) {
 QPoint PanelGeometry::panelOrigin(const QSize& panelSize, const QRect& trayIcon, const QPoint& pointer,
                                   const QRect& screen) {
     const bool hasIcon = trayIcon.isValid() && !trayIcon.isEmpty();
-    const QPoint anchor = hasIcon ? trayIcon.center() : pointer;
+    const QPoint anchor =
+        hasIcon ? QPoint(trayIcon.x() + trayIcon.width() / 2, trayIcon.y() + trayIcon.height() / 2) : pointer;
     int x = anchor.x() - panelSize.width() / 2;
     int y = 0;
     const bool lowerHalf = anchor.y() > screen.center().y();

@@ -189,8 +189,9 @@ void DisplayCardView::updateScaledPreview() {
         m_scaledImageKey = 0;
         return;
     }
+    // Until the card is laid out on screen the area has no final size; the first paint scales then.
     const QSize area = m_previewArea->size();
-    if (area.isEmpty()) {
+    if (area.isEmpty() || !isVisible()) {
         return;
     }
     const qreal ratio = devicePixelRatioF();
@@ -358,6 +359,7 @@ bool DisplayCardView::eventFilter(QObject* watched, QEvent* event) {
 }
 
 void DisplayCardView::paintEvent(QPaintEvent*) {
+    updateScaledPreview();
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     const QPalette& colors = palette();

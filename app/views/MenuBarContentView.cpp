@@ -207,21 +207,37 @@ int MenuBarContentView::gridWidth() const {
     return width() - 2 * kPanelMargin;
 }
 
+MenuBarContentView::State MenuBarContentView::stateFor(const PermissionState& permissions, bool displaysEmpty,
+                                                       bool isLoading) {
+    if (!permissions.screenRecordingGranted || !permissions.accessibilityGranted) {
+        return State::PermissionsRequired;
+    }
+    if (displaysEmpty) {
+        return isLoading ? State::Loading : State::NoDisplays;
+    }
+    return State::Displays;
+}
+
 void MenuBarContentView::render() {
     const PermissionState permissions = m_controller.permissionState();
     updatePermissionBadge(m_screenRecordingBadge, QStringLiteral("Screen Recording"),
                           permissions.screenRecordingGranted);
     updatePermissionBadge(m_accessibilityBadge, QStringLiteral("Accessibility"), permissions.accessibilityGranted);
 
-    if (!permissions.screenRecordingGranted || !permissions.accessibilityGranted) {
-        m_state = State::PermissionsRequired;
-        m_pages->setCurrentWidget(m_blockedPage);
-    } else if (m_controller.displays().isEmpty()) {
-        m_state = m_controller.isLoadingPreviews() ? State::Loading : State::NoDisplays;
-        m_pages->setCurrentWidget(m_controller.isLoadingPreviews() ? m_loadingPage : m_emptyPage);
-    } else {
-        m_state = State::Displays;
-        m_pages->setCurrentWidget(m_gridPage);
+    m_state = stateFor(permissions, m_controller.displays().isEmpty(), m_controller.isLoadingPreviews());
+    switch (m_state) {
+        case State::PermissionsRequired:
+            m_pages->setCurrentWidget(m_blockedPage);
+            break;
+        case State::Loading:
+            m_pages->setCurrentWidget(m_loadingPage);
+            break;
+        case State::NoDisplays:
+            m_pages->setCurrentWidget(m_emptyPage);
+            break;
+        case State::Displays:
+            m_pages->setCurrentWidget(m_gridPage);
+            break;
     }
     updateCards();
 }

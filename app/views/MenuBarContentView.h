@@ -3,6 +3,8 @@
 #include <QList>
 #include <QWidget>
 
+#include "app/Models.h"
+
 class AppController;
 class DisplayCardView;
 class QHBoxLayout;
@@ -19,6 +21,9 @@ public:
     enum class State { PermissionsRequired, Loading, NoDisplays, Displays };
 
     explicit MenuBarContentView(AppController& controller, QWidget* parent = nullptr);
+
+    // What the panel shows for a permission state, an empty or filled display list and the loading flag.
+    static State stateFor(const PermissionState& permissions, bool displaysEmpty, bool isLoading);
 
     State state() const { return m_state; }
     QList<DisplayCardView*> cards() const { return m_cards; }

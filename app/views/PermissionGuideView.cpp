@@ -14,6 +14,7 @@
 namespace {
 
 constexpr int kContentWidth = 640;
+constexpr int kMinimumHeight = 480;
 
 QLabel* iconLabel(const QString& symbol, int size, QWidget* parent) {
     auto* label = new QLabel(parent);
@@ -41,8 +42,10 @@ void makeProminent(QPushButton& button) {
 PermissionGuideView::PermissionGuideView(AppController& controller, QWidget* parent)
     : QWidget(parent), m_controller(controller) {
     setObjectName(QStringLiteral("permissionGuide"));
+    setFixedWidth(kContentWidth);
+    setMinimumHeight(kMinimumHeight);
     auto* root = new QVBoxLayout(this);
-    root->setContentsMargins(28, 24, 28, 20);
+    root->setContentsMargins(24, 22, 24, 18);
     root->setSpacing(16);
 
     auto* header = new QHBoxLayout();
@@ -100,11 +103,6 @@ PermissionGuideView::PermissionGuideView(AppController& controller, QWidget* par
     showStatus();
 }
 
-QSize PermissionGuideView::sizeHint() const {
-    const QSize content = QWidget::sizeHint();
-    return {kContentWidth, std::max(content.height(), 480)};
-}
-
 QWidget* PermissionGuideView::guideStep(const QString& title, qint64 stepNumber, const QString& stepSymbol,
                                         bool granted, const QString& requestTitle, const QString& requestSymbol,
                                         const QString& openSettingsTitle, const std::function<void()>& requestAction,
@@ -152,8 +150,11 @@ QWidget* PermissionGuideView::guideStep(const QString& title, qint64 stepNumber,
     openSettings->setObjectName(QStringLiteral("openSettingsButton"));
     openSettings->setFlat(true);
     connect(openSettings, &QPushButton::clicked, this, openSettingsAction);
-    layout->addWidget(request, 0, Qt::AlignVCenter);
-    layout->addWidget(openSettings, 0, Qt::AlignVCenter);
+    auto* buttons = new QVBoxLayout();
+    buttons->setSpacing(4);
+    buttons->addWidget(request);
+    buttons->addWidget(openSettings);
+    layout->addLayout(buttons);
     return row;
 }
 

@@ -14,8 +14,6 @@ class PermissionGuideView : public QWidget {
 public:
     explicit PermissionGuideView(AppController& controller, QWidget* parent = nullptr);
 
-    QSize sizeHint() const override;
-
 private:
     // One step row: its number, icon and title, the grant's state, a prominent request button and a
     // plain button that opens the settings page.

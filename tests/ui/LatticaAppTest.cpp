@@ -1,0 +1,141 @@
+#include <QCoreApplication>
+#include <QKeyEvent>
+#include <QMenu>
+#include <QtMath>
+
+#include "app/LatticaApp.h"
+#include "app/PanelGeometry.h"
+#include "app/views/MenuBarContentView.h"
+#include "tests/ui/UiFixture.h"
+
+namespace {
+
+// The offscreen platform has no tray host, so these run the program's tray-less path.
+class LatticaAppWithoutTray : public UiTest {
+protected:
+    void TearDown() override {
+        app.reset();
+        UiTest::TearDown();
+    }
+    void start() {
+        app = std::make_unique<LatticaApp>(controller());
+        ::testing::internal::CaptureStdout();
+        app->start();
+        output = QString::fromStdString(::testing::internal::GetCapturedStdout());
+    }
+    QSize expectedSize() const {
+        const bool granted = platform.permissions.screenCaptureGranted && platform.permissions.trusted;
+        const int count = static_cast<int>(platform.displays.displays().size());
+        return {qCeil(PanelGeometry::popupWidth(granted, count)), qCeil(PanelGeometry::popupHeight(granted, count))};
+    }
+
+    std::unique_ptr<LatticaApp> app;
+    QString output;
+};
+
+TEST_F(LatticaAppWithoutTray, SaysSoAndOpensThePanelAsAnOrdinaryWindow) {
+    makeController();
+    start();
+    EXPECT_FALSE(app->hasTrayHost());
+    EXPECT_TRUE(output.contains(QStringLiteral("no system tray is available"))) << output.toStdString();
+    ASSERT_TRUE(waitUntil([&] { return app->panel() && app->panel()->isVisible(); }));
+    EXPECT_FALSE(app->panel()->windowFlags().testFlag(Qt::Popup));
+    EXPECT_EQ(app->panel()->windowTitle(), QStringLiteral("Lattica"));
+}
+
+TEST_F(LatticaAppWithoutTray, OpeningRefreshesAndSizesThePanelFromTheState) {
+    setDisplayCount(3);
+    makeController();
+    start();
+    ASSERT_TRUE(waitUntil([&] { return app->panel() && app->panel()->isVisible(); }));
+    EXPECT_EQ(controller().displays().size(), 3);
+    EXPECT_EQ(app->panel()->size(), expectedSize());
+    EXPECT_EQ(app->panel()->size(), QSize(640, 412));
+    EXPECT_EQ(app->panelContent()->cards().size(), 3);
+}
+
+TEST_F(LatticaAppWithoutTray, EveryOpeningRunsTheRefresh) {
+    makeController();
+    start();
+    ASSERT_TRUE(waitUntil([&] { return app->panel() && app->panel()->isVisible(); }));
+    finishBackgroundWork();
+    const int captures = platform.displays.captureCount();
+    app->closePanel();
+    app->openPanel();
+    EXPECT_TRUE(controller().isLoadingPreviews());
+    finishBackgroundWork();
+    EXPECT_EQ(platform.displays.captureCount(), captures + 2);
+}
+
+TEST_F(LatticaAppWithoutTray, PanelResizesWhenTheStateChangesTheFormulas) {
+    makeController();
+    start();
+    ASSERT_TRUE(waitUntil([&] { return app->panel() && app->panel()->isVisible(); }));
+    EXPECT_EQ(app->panel()->size(), QSize(460, 388));
+    platform.permissions.trusted = false;
+    controller().refreshForMenuOpen();
+    EXPECT_EQ(app->panel()->size(), QSize(460, 235));
+    platform.permissions.trusted = true;
+    setDisplayCount(4);
+    controller().refreshForMenuOpen();
+    EXPECT_EQ(app->panel()->size(), QSize(848, 444));
+}
+
+TEST_F(LatticaAppWithoutTray, EscapeClosesThePanel) {
+    makeController();
+    start();
+    ASSERT_TRUE(waitUntil([&] { return app->panel() && app->panel()->isVisible(); }));
+    QKeyEvent escape(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
+    QCoreApplication::sendEvent(app->panel(), &escape);
+    EXPECT_FALSE(app->panel()->isVisible());
+}
+
+TEST_F(LatticaAppWithoutTray, SettingsButtonClosesThePanel) {
+    makeController();
+    start();
+    ASSERT_TRUE(waitUntil([&] { return app->panel() && app->panel()->isVisible(); }));
+    Q_EMIT app->panelContent()->dismissRequested();
+    EXPECT_FALSE(app->panel()->isVisible());
+}
+
+TEST_F(LatticaAppWithoutTray, TrayMenuOffersSettingsAndQuit) {
+    makeController();
+    start();
+    QStringList texts;
+    for (QAction* action : app->trayMenu()->actions()) {
+        texts.append(action->text());
+    }
+    EXPECT_EQ(texts, (QStringList{QStringLiteral("Settings"), QStringLiteral("Quit")}));
+    app->trayMenu()->actions()[0]->trigger();
+    ASSERT_NE(controller().settingsWindow(), nullptr);
+    EXPECT_TRUE(controller().settingsWindow()->isVisible());
+    controller().settingsWindow()->close();
+}
+
+TEST_F(LatticaAppWithoutTray, LaunchSequenceRunsOnceTheEventLoopRuns) {
+    platform.permissions.trusted = false;
+    makeController();
+    start();
+    EXPECT_EQ(controller().permissionWindow(), nullptr);
+    ASSERT_TRUE(waitUntil([&] { return controller().permissionWindow() != nullptr; }));
+    EXPECT_TRUE(controller().permissionWindow()->isVisible());
+    EXPECT_EQ(platform.activation.policy, ActivationPolicy::Accessory);
+    controller().permissionWindow()->close();
+}
+
+TEST(ProgramIcon, IsDrawnAtTheSizeTheTrayAsksFor) {
+    for (const int size : {16, 22, 24, 48}) {
+        const QImage image = LatticaApp::programIcon().pixmap(size, size).toImage();
+        ASSERT_EQ(image.size(), QSize(size, size));
+        int blue = 0;
+        for (int y = 0; y < size; ++y) {
+            for (int x = 0; x < size; ++x) {
+                const QColor colour = image.pixelColor(x, y);
+                blue += colour.alpha() > 200 && colour.blue() > 200 && colour.red() < 120 ? 1 : 0;
+            }
+        }
+        EXPECT_GT(blue, size * size / 8) << size;
+    }
+}
+
+}  // namespace

@@ -1,0 +1,136 @@
+#include <QCursor>
+#include <QGuiApplication>
+#include <QScreen>
+#include <QUrlQuery>
+
+#include "BuildConfig.h"
+#include "app/views/PermissionGuideView.h"
+#include "tests/ui/UiFixture.h"
+
+namespace {
+
+class Lifecycle : public UiTest {
+protected:
+    void TearDown() override {
+        for (QWidget* window : {controller().settingsWindow(), controller().permissionWindow()}) {
+            if (window) {
+                window->close();
+            }
+        }
+        UiTest::TearDown();
+    }
+    static QPoint topCentreOrigin(const QWidget& window) {
+        const QRect visible = QGuiApplication::primaryScreen()->availableGeometry();
+        return {visible.x() + visible.width() / 2 - window.width() / 2, visible.y() + 24};
+    }
+};
+
+TEST_F(Lifecycle, SettingsWindowRequestedTwiceIsTheSameWindowPlacedAgain) {
+    makeController();
+    controller().showSettingsWindow();
+    QWidget* first = controller().settingsWindow();
+    ASSERT_NE(first, nullptr);
+    EXPECT_TRUE(first->isVisible());
+    EXPECT_EQ(first->size(), QSize(760, 540));
+    EXPECT_EQ(first->pos(), topCentreOrigin(*first));
+
+    first->close();
+    EXPECT_FALSE(first->isVisible());
+    first->move(3, 3);
+    controller().showSettingsWindow();
+    EXPECT_EQ(controller().settingsWindow(), first);
+    EXPECT_TRUE(first->isVisible());
+    EXPECT_EQ(first->pos(), topCentreOrigin(*first));
+    EXPECT_EQ(first->windowTitle(), QString());
+}
+
+TEST_F(Lifecycle, GuideOpensAtLaunchWithoutPermissions) {
+    platform.permissions.screenCaptureGranted = false;
+    makeController();
+    controller().applicationDidFinishLaunching();
+    QWidget* guide = controller().permissionWindow();
+    ASSERT_NE(guide, nullptr);
+    EXPECT_TRUE(guide->isVisible());
+    EXPECT_EQ(guide->windowTitle(), QStringLiteral("Grant Required Permissions"));
+    EXPECT_NE(guide->findChild<PermissionGuideView*>(), nullptr);
+    EXPECT_EQ(guide->width(), 640);
+    EXPECT_GE(guide->height(), 480);
+    EXPECT_EQ(guide->pos(), topCentreOrigin(*guide));
+}
+
+TEST_F(Lifecycle, GuideStaysClosedAtLaunchWithBothPermissions) {
+    makeController();
+    controller().applicationDidFinishLaunching();
+    EXPECT_EQ(controller().permissionWindow(), nullptr);
+}
+
+TEST_F(Lifecycle, GuideRequestedTwiceIsTheSameWindow) {
+    platform.permissions.trusted = false;
+    makeController();
+    controller().showPermissionGuideWindow();
+    QWidget* first = controller().permissionWindow();
+    first->close();
+    controller().showPermissionGuideWindow();
+    EXPECT_EQ(controller().permissionWindow(), first);
+    EXPECT_TRUE(first->isVisible());
+}
+
+TEST_F(Lifecycle, LaunchMakesTheProgramAnAccessoryByDefault) {
+    platform.activation.policy = ActivationPolicy::Regular;
+    makeController();
+    controller().applicationDidFinishLaunching();
+    EXPECT_EQ(platform.activation.policy, ActivationPolicy::Accessory);
+}
+
+TEST_F(Lifecycle, LaunchShowsTheProgramInTheTaskbarWhenTheDockIconIsWanted) {
+    platform.userDefaults.setObject(QStringLiteral("dockIconVisible"), true);
+    platform.activation.policy = ActivationPolicy::Accessory;
+    makeController();
+    controller().applicationDidFinishLaunching();
+    EXPECT_EQ(platform.activation.policy, ActivationPolicy::Regular);
+}
+
+TEST_F(Lifecycle, LaunchRereadsThePermissions) {
+    makeController();
+    platform.permissions.screenCaptureGranted = false;
+    controller().applicationDidFinishLaunching();
+    EXPECT_FALSE(controller().permissionState().screenRecordingGranted);
+    ASSERT_NE(controller().permissionWindow(), nullptr);
+}
+
+TEST_F(Lifecycle, PresentingAWindowBringsTheProgramToTheFront) {
+    makeController();
+    const int before = platform.activation.activations;
+    controller().showSettingsWindow();
+    EXPECT_GT(platform.activation.activations, before);
+}
+
+TEST_F(Lifecycle, ActiveScreenIsTheOneUnderThePointer) {
+    makeController();
+    QScreen* screen = QGuiApplication::primaryScreen();
+    QCursor::setPos(screen->geometry().center());
+    controller().showSettingsWindow();
+    EXPECT_TRUE(screen->geometry().contains(controller().settingsWindow()->geometry().center()));
+}
+
+TEST_F(Lifecycle, SupportMailCarriesSubjectAndBody) {
+    makeController();
+    controller().contactSupport();
+    ASSERT_EQ(platform.activation.openedURLs.size(), 1);
+    const QUrl url = platform.activation.openedURLs[0];
+    EXPECT_EQ(url.scheme(), QStringLiteral("mailto"));
+    EXPECT_EQ(url.path(), QString::fromLatin1(BuildConfig::kSupportEmail));
+    const QUrlQuery query(url);
+    EXPECT_EQ(query.queryItemValue(QStringLiteral("subject"), QUrl::FullyDecoded), QStringLiteral("Lattica Support"));
+    const QString expectedBody = QStringLiteral("Please describe your issue here.\n\n---\nApp: Lattica\nVersion: ") +
+                                 QString::fromLatin1(BuildConfig::kVersion) + QStringLiteral(" (") +
+                                 QString::fromLatin1(BuildConfig::kBuildNumber) +
+                                 QStringLiteral(")\nmacOS: Test OS 1.0");
+    EXPECT_EQ(query.queryItemValue(QStringLiteral("body"), QUrl::FullyDecoded), expectedBody);
+    // Line feeds and blanks travel percent-encoded.
+    const QString encoded = url.toString(QUrl::FullyEncoded);
+    EXPECT_TRUE(encoded.contains(QStringLiteral("subject=Lattica%20Support"))) << encoded.toStdString();
+    EXPECT_TRUE(encoded.contains(QStringLiteral("%0A%0A---%0AApp:%20Lattica"))) << encoded.toStdString();
+}
+
+}  // namespace

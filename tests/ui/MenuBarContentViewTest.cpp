@@ -1,0 +1,204 @@
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTimer>
+
+#include "app/views/DisplayCardView.h"
+#include "app/views/MenuBarContentView.h"
+#include "tests/ui/UiFixture.h"
+
+namespace {
+
+class MenuBarContent : public UiTest {
+protected:
+    // The panel content at a width that leaves gridWidth for the cards.
+    void showPanel(int gridWidth = 616, int height = 420) {
+        view = std::make_unique<MenuBarContentView>(controller());
+        view->resize(gridWidth + 24, height);
+        view->show();
+        ASSERT_TRUE(waitUntil([&] { return view->isVisible(); }));
+    }
+    QWidget* page(const char* name) const { return view->findChild<QWidget*>(QLatin1String(name)); }
+
+    std::unique_ptr<MenuBarContentView> view;
+};
+
+TEST_F(MenuBarContent, HeaderShowsTheTitleAndTheCaption) {
+    makeController();
+    showPanel();
+    EXPECT_NE(labelWithText(*view, QStringLiteral("Lattica")), nullptr);
+    EXPECT_NE(labelWithText(*view, QStringLiteral("Preview displays and move windows from one display to another.")),
+              nullptr);
+}
+
+TEST_F(MenuBarContent, AccessibilityWithoutScreenRecordingShowsTheRequestNotTheCards) {
+    platform.permissions.screenCaptureGranted = false;
+    makeController();
+    controller().refreshForMenuOpen();
+    showPanel();
+    EXPECT_EQ(view->state(), MenuBarContentView::State::PermissionsRequired);
+    EXPECT_TRUE(page("permissionsRequiredPage")->isVisible());
+    EXPECT_FALSE(page("displaysPage")->isVisible());
+    EXPECT_TRUE(view->cards().isEmpty());
+    EXPECT_NE(labelWithText(*view, QStringLiteral("Permissions Required")), nullptr);
+    EXPECT_NE(labelWithText(*view, QStringLiteral("Grant Screen Recording and Accessibility to view screen previews "
+                                                  "and move windows.")),
+              nullptr);
+    EXPECT_EQ(view->findChild<QLabel*>(QStringLiteral("screenRecordingBadge"))->text(),
+              QStringLiteral("Screen Recording: Missing"));
+    EXPECT_EQ(view->findChild<QLabel*>(QStringLiteral("accessibilityBadge"))->text(),
+              QStringLiteral("Accessibility: Granted"));
+}
+
+TEST_F(MenuBarContent, EvenCardsPublishedEarlierAreHiddenOnceAPermissionIsMissing) {
+    makeController();
+    refreshAndWait();
+    showPanel();
+    ASSERT_EQ(view->cards().size(), 2);
+    platform.permissions.trusted = false;
+    controller().refreshPermissions();  // leaves the displays as they were
+    EXPECT_FALSE(controller().displays().isEmpty());
+    EXPECT_EQ(view->state(), MenuBarContentView::State::PermissionsRequired);
+    EXPECT_TRUE(view->cards().isEmpty());
+    EXPECT_EQ(view->findChild<QLabel*>(QStringLiteral("accessibilityBadge"))->text(),
+              QStringLiteral("Accessibility: Missing"));
+}
+
+TEST_F(MenuBarContent, RequestScreenRecordingAsksAndReports) {
+    platform.permissions.screenCaptureGranted = false;
+    makeController();
+    showPanel();
+    view->findChild<QPushButton*>(QStringLiteral("requestScreenRecordingButton"))->click();
+    EXPECT_EQ(platform.permissions.screenCaptureRequests, 1);
+    EXPECT_EQ(controller().statusMessage(),
+              QStringLiteral("Requested Screen Recording permission. macOS may require app restart."));
+}
+
+TEST_F(MenuBarContent, RequestAccessibilityPromptsAndRereadsTheState) {
+    platform.permissions.trusted = false;
+    platform.permissions.promptGrantsTrust = true;
+    makeController();
+    showPanel();
+    QPushButton* button = view->findChild<QPushButton*>(QStringLiteral("requestAccessibilityButton"));
+    EXPECT_EQ(button->text(), QStringLiteral("Request Accessibility"));
+    button->click();
+    EXPECT_EQ(platform.permissions.trustPrompts, 1);
+    EXPECT_TRUE(controller().permissionState().accessibilityGranted);
+    EXPECT_EQ(view->findChild<QLabel*>(QStringLiteral("accessibilityBadge"))->text(),
+              QStringLiteral("Accessibility: Granted"));
+}
+
+TEST_F(MenuBarContent, NoDisplaysWhileNotLoadingSaysNoDisplaysDetected) {
+    setDisplayCount(0);
+    makeController();
+    controller().refreshForMenuOpen();
+    showPanel();
+    EXPECT_EQ(view->state(), MenuBarContentView::State::NoDisplays);
+    EXPECT_TRUE(page("noDisplaysPage")->isVisible());
+    EXPECT_NE(labelWithText(*page("noDisplaysPage"), QStringLiteral("No displays detected")), nullptr);
+    EXPECT_NE(labelWithText(*page("noDisplaysPage"), QStringLiteral("Connect a display and try again.")), nullptr);
+}
+
+TEST_F(MenuBarContent, LoadingWithoutDisplaysShowsTheLoadingState) {
+    EXPECT_EQ(MenuBarContentView::stateFor({true, true}, true, true), MenuBarContentView::State::Loading);
+    EXPECT_EQ(MenuBarContentView::stateFor({true, true}, true, false), MenuBarContentView::State::NoDisplays);
+    EXPECT_EQ(MenuBarContentView::stateFor({true, true}, false, true), MenuBarContentView::State::Displays);
+    EXPECT_EQ(MenuBarContentView::stateFor({true, false}, true, true), MenuBarContentView::State::PermissionsRequired);
+    makeController();
+    showPanel();
+    QWidget* loading = page("loadingPage");
+    EXPECT_NE(labelWithText(*loading, QStringLiteral("Loading screen previews...")), nullptr);
+    EXPECT_NE(labelWithText(*loading, QStringLiteral("Preview generation runs in the background.")), nullptr);
+}
+
+TEST_F(MenuBarContent, OneCardPerDisplayInOrderFromPlaceholdersToPreviews) {
+    setDisplayCount(3);
+    makeController();
+    showPanel();
+    controller().refreshForMenuOpen();
+    ASSERT_EQ(view->cards().size(), 3);
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_EQ(view->cards()[i]->display().name, QStringLiteral("Display %1").arg(i + 1));
+        EXPECT_TRUE(view->cards()[i]->isLoadingPreview());
+    }
+    ASSERT_TRUE(waitUntil([&] { return !controller().isLoadingPreviews(); }));
+    ASSERT_EQ(view->cards().size(), 3);
+    for (DisplayCardView* card : view->cards()) {
+        EXPECT_FALSE(card->isLoadingPreview());
+        EXPECT_FALSE(card->scaledPreview().isNull());
+        EXPECT_EQ(card->display().visibleWindowCount, 0);
+    }
+}
+
+TEST_F(MenuBarContent, FourDisplaysIn600PointsGiveCardsOf144WithPreviews80Point64High) {
+    setDisplayCount(4);
+    makeController();
+    refreshAndWait();
+    showPanel(600);
+    EXPECT_EQ(view->gridWidth(), 600);
+    ASSERT_EQ(view->cards().size(), 4);
+    for (DisplayCardView* card : view->cards()) {
+        EXPECT_EQ(card->width(), 144);
+        EXPECT_NEAR(card->previewHeight(), 80.64, 1e-9);
+        EXPECT_EQ(card->previewRect().height(), 81);
+    }
+}
+
+TEST_F(MenuBarContent, TwoDisplaysIn600PointsAreClampedTo240) {
+    makeController();
+    refreshAndWait();
+    showPanel(600);
+    ASSERT_EQ(view->cards().size(), 2);
+    for (DisplayCardView* card : view->cards()) {
+        EXPECT_EQ(card->width(), 240);
+        EXPECT_NEAR(card->previewHeight(), 134.4, 1e-9);
+    }
+}
+
+TEST_F(MenuBarContent, SingleDisplayShowsTheHintAndTheCardsWarning) {
+    setDisplayCount(1);
+    makeController();
+    refreshAndWait();
+    showPanel(436);
+    ASSERT_EQ(view->cards().size(), 1);
+    QWidget* hint = view->findChild<QWidget*>(QStringLiteral("singleDisplayHint"));
+    EXPECT_TRUE(hint->isVisible());
+    EXPECT_NE(labelWithText(*hint, QStringLiteral("Only one display is connected. Connect another display to enable "
+                                                  "window moves.")),
+              nullptr);
+    EXPECT_TRUE(view->cards()[0]->findChild<QWidget*>(QStringLiteral("noTargetsWarning"))->isVisible());
+}
+
+TEST_F(MenuBarContent, SeveralDisplaysShowNoHint) {
+    makeController();
+    refreshAndWait();
+    showPanel();
+    EXPECT_FALSE(view->findChild<QWidget*>(QStringLiteral("singleDisplayHint"))->isVisible());
+}
+
+TEST_F(MenuBarContent, SettingsClosesThePanelThenOpensTheSettingsWindow) {
+    makeController();
+    showPanel();
+    QSignalSpy dismissed(view.get(), &MenuBarContentView::dismissRequested);
+    view->findChild<QPushButton*>(QStringLiteral("settingsButton"))->click();
+    EXPECT_EQ(dismissed.count(), 1);
+    ASSERT_NE(controller().settingsWindow(), nullptr);
+    EXPECT_TRUE(controller().settingsWindow()->isVisible());
+    controller().settingsWindow()->close();
+}
+
+TEST_F(MenuBarContent, QuitEndsTheProgramAndAnswersControlQ) {
+    makeController();
+    showPanel();
+    QPushButton* quit = view->findChild<QPushButton*>(QStringLiteral("quitButton"));
+    EXPECT_EQ(quit->text(), QStringLiteral("Quit"));
+    EXPECT_EQ(quit->shortcut(), QKeySequence(Qt::CTRL | Qt::Key_Q));
+    // The event loop ends with status 0 only through Quit; the guard ends it with 1.
+    QTimer::singleShot(0, quit, &QPushButton::click);
+    QTimer guard;
+    guard.setSingleShot(true);
+    QObject::connect(&guard, &QTimer::timeout, [] { QCoreApplication::exit(1); });
+    guard.start(5000);
+    EXPECT_EQ(QCoreApplication::exec(), 0);
+}
+
+}  // namespace

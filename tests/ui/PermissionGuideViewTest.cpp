@@ -1,0 +1,142 @@
+#include <QCoreApplication>
+#include <QEvent>
+#include <QPushButton>
+
+#include "app/PermissionService.h"
+#include "app/views/PermissionGuideView.h"
+#include "tests/ui/UiFixture.h"
+
+namespace {
+
+class PermissionGuide : public UiTest {
+protected:
+    // The guide in its window, as the launch sequence opens it.
+    QWidget& openGuide() {
+        controller().showPermissionGuideWindow();
+        QWidget* window = controller().permissionWindow();
+        EXPECT_NE(window, nullptr);
+        EXPECT_TRUE(waitUntil([&] { return window->isVisible(); }));
+        return *window;
+    }
+    static QString grantState(QWidget& window, const char* step) {
+        QWidget* row = window.findChild<QWidget*>(QLatin1String(step));
+        return row ? row->findChild<QLabel*>(QStringLiteral("grantState"))->text() : QString();
+    }
+    static QPushButton* button(QWidget& window, const char* step, const char* name) {
+        QWidget* row = window.findChild<QWidget*>(QLatin1String(step));
+        return row ? row->findChild<QPushButton*>(QLatin1String(name)) : nullptr;
+    }
+    // Lets the rows rebuilt after a state change replace the old ones.
+    static void settle() { QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete); }
+};
+
+TEST_F(PermissionGuide, ShowsItsTextsAndBothStepsInOrder) {
+    platform.permissions.trusted = false;
+    makeController();
+    QWidget& window = openGuide();
+    for (const char* text :
+         {"Enable Required Permissions",
+          "Lattica needs Screen Recording for previews and Accessibility to move windows between "
+          "displays.",
+          "Screen Recording", "Accessibility", "After granting access, macOS may require you to reopen the app."}) {
+        EXPECT_NE(labelWithText(window, QString::fromLatin1(text)), nullptr) << text;
+    }
+    QList<QLabel*> numbers = window.findChildren<QLabel*>(QStringLiteral("stepNumber"));
+    ASSERT_EQ(numbers.size(), 2);
+    EXPECT_EQ(numbers[0]->text(), QStringLiteral("1"));
+    EXPECT_EQ(numbers[1]->text(), QStringLiteral("2"));
+    EXPECT_NE(buttonWithText(window, QStringLiteral("Re-check Permissions")), nullptr);
+    EXPECT_NE(buttonWithText(window, QStringLiteral("Continue")), nullptr);
+    EXPECT_EQ(button(window, "screenRecordingStep", "requestButton")->text(),
+              QStringLiteral("Request Screen Recording"));
+    EXPECT_EQ(button(window, "accessibilityStep", "requestButton")->text(), QStringLiteral("Request Accessibility"));
+    EXPECT_EQ(button(window, "screenRecordingStep", "openSettingsButton")->text(),
+              QStringLiteral("Open System Settings"));
+    EXPECT_EQ(button(window, "accessibilityStep", "openSettingsButton")->text(),
+              QStringLiteral("Open System Settings"));
+}
+
+TEST_F(PermissionGuide, EachStepReadsGrantedOrMissing) {
+    platform.permissions.trusted = false;
+    makeController();
+    QWidget& window = openGuide();
+    EXPECT_EQ(grantState(window, "screenRecordingStep"), QStringLiteral("Granted"));
+    EXPECT_EQ(grantState(window, "accessibilityStep"), QStringLiteral("Missing"));
+}
+
+TEST_F(PermissionGuide, ContinueWithOneGrantLeavesTheWindowOpen) {
+    platform.permissions.trusted = false;
+    makeController();
+    QWidget& window = openGuide();
+    platform.permissions.screenCaptureGranted = false;  // the re-read sees this change
+    buttonWithText(window, QStringLiteral("Continue"))->click();
+    settle();
+    EXPECT_TRUE(window.isVisible());
+    EXPECT_EQ(grantState(window, "screenRecordingStep"), QStringLiteral("Missing"));
+    EXPECT_TRUE(controller().displays().isEmpty());
+    EXPECT_FALSE(controller().isLoadingPreviews());
+}
+
+TEST_F(PermissionGuide, ContinueWithBothGrantsClosesTheWindowAndRefreshesTheDisplays) {
+    platform.permissions.trusted = false;
+    makeController();
+    QWidget& window = openGuide();
+    platform.permissions.trusted = true;
+    buttonWithText(window, QStringLiteral("Continue"))->click();
+    EXPECT_FALSE(window.isVisible());
+    EXPECT_EQ(controller().displays().size(), 2);
+    EXPECT_TRUE(controller().isLoadingPreviews());
+    EXPECT_TRUE(waitUntil([&] { return !controller().isLoadingPreviews(); }));
+    // Kept for later: the same window object still exists.
+    EXPECT_EQ(controller().permissionWindow(), &window);
+}
+
+TEST_F(PermissionGuide, RecheckRereadsTheState) {
+    platform.permissions.trusted = false;
+    makeController();
+    QWidget& window = openGuide();
+    platform.permissions.trusted = true;
+    buttonWithText(window, QStringLiteral("Re-check Permissions"))->click();
+    settle();
+    EXPECT_TRUE(controller().permissionState().accessibilityGranted);
+    EXPECT_EQ(grantState(window, "accessibilityStep"), QStringLiteral("Granted"));
+    EXPECT_TRUE(window.isVisible());
+}
+
+TEST_F(PermissionGuide, RequestScreenRecordingAsksReportsAndRereads) {
+    platform.permissions.screenCaptureGranted = false;
+    makeController();
+    QWidget& window = openGuide();
+    button(window, "screenRecordingStep", "requestButton")->click();
+    settle();
+    EXPECT_EQ(platform.permissions.screenCaptureRequests, 1);
+    EXPECT_EQ(controller().statusMessage(),
+              QStringLiteral("Requested Screen Recording permission. macOS may require app restart."));
+    QLabel* status = window.findChild<QLabel*>(QStringLiteral("statusMessage"));
+    EXPECT_TRUE(status->isVisible());
+    EXPECT_EQ(status->text(), controller().statusMessage());
+}
+
+TEST_F(PermissionGuide, RequestAccessibilityGoesThroughTheController) {
+    platform.permissions.trusted = false;
+    makeController();
+    QWidget& window = openGuide();
+    button(window, "accessibilityStep", "requestButton")->click();
+    settle();
+    EXPECT_EQ(platform.permissions.trustPrompts, 1);
+    EXPECT_EQ(controller().statusMessage(),
+              QStringLiteral("Requested Accessibility permission. If no prompt appears, click Open System Settings."));
+}
+
+TEST_F(PermissionGuide, OpenSystemSettingsOpensEachStepsPage) {
+    platform.permissions.trusted = false;
+    makeController();
+    QWidget& window = openGuide();
+    button(window, "screenRecordingStep", "openSettingsButton")->click();
+    button(window, "accessibilityStep", "openSettingsButton")->click();
+    EXPECT_EQ(platform.permissions.openedSettingsPages,
+              (QStringList{QString::fromLatin1(PermissionService::kScreenRecordingSettingsURL),
+                           QString::fromLatin1(PermissionService::kAccessibilitySettingsURL)}));
+}
+
+}  // namespace

@@ -1,0 +1,99 @@
+#include "tests/ui/UiFixture.h"
+
+#include <QApplication>
+#include <QDeadlineTimer>
+#include <QThread>
+#include <QThreadPool>
+
+void UiTest::SetUp() {
+    // As in the program: closing a window never ends it.
+    QApplication::setQuitOnLastWindowClosed(false);
+    platform.permissions.screenCaptureGranted = true;
+    platform.permissions.trusted = true;
+    setDisplayCount(2);
+}
+
+void UiTest::TearDown() {
+    finishBackgroundWork();
+    m_controller.reset();
+}
+
+void UiTest::setDisplayCount(int count) {
+    QList<FakeDisplays::Display> displays;
+    for (int i = 0; i < count; ++i) {
+        QImage picture(192, 108, QImage::Format_RGB32);
+        picture.fill(QColor::fromHsv((i * 70) % 360, 160, 200));
+        displays.append({.id = static_cast<CGDirectDisplayID>(i + 1),
+                         .name = QStringLiteral("Display %1").arg(i + 1),
+                         .bounds = QRectF(i * 1920, 0, 1920, 1080),
+                         .serial = static_cast<quint32>(100 + i),
+                         .image = picture});
+    }
+    platform.displays.setDisplays(displays);
+}
+
+AppController& UiTest::makeController() {
+    m_controller = std::make_unique<AppController>();
+    return *m_controller;
+}
+
+void UiTest::refreshAndWait() {
+    controller().refreshForMenuOpen();
+    ASSERT_TRUE(waitUntil([&] { return !controller().isLoadingPreviews(); }));
+}
+
+void UiTest::addApplication(pid_t pid, const QString& name, int displayIndex, const QList<qint64>& numbers) {
+    platform.workspace.addApplication(pid, name);
+    std::optional<QList<WindowInfo>> list = platform.windowServer.copyWindowInfo(0);
+    for (qint64 number : numbers) {
+        const QRectF frame(displayIndex * 1920 + 100 + number * 10, 100, 800, 600);
+        list->append(FakeWindowServer::entry({.number = number, .pid = pid, .ownerName = name, .bounds = frame}));
+        platform.accessibility.addWindow(pid, {.number = number, .frame = frame});
+    }
+    platform.windowServer.setWindowList(list);
+}
+
+bool UiTest::waitUntil(const std::function<bool()>& predicate, int timeoutMs) {
+    QDeadlineTimer deadline(timeoutMs);
+    while (!predicate()) {
+        if (deadline.hasExpired()) {
+            return false;
+        }
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
+        QThread::msleep(1);
+    }
+    return true;
+}
+
+void UiTest::finishBackgroundWork() {
+    QThreadPool::globalInstance()->waitForDone();
+    QCoreApplication::processEvents();
+}
+
+QStringList UiTest::visibleLabelTexts(const QWidget& root) {
+    QStringList texts;
+    for (QLabel* label : root.findChildren<QLabel*>()) {
+        if (label->isVisibleTo(&root) && !label->text().isEmpty()) {
+            texts.append(label->text());
+        }
+    }
+    return texts;
+}
+
+QLabel* UiTest::labelWithText(const QWidget& root, const QString& text) {
+    for (QLabel* label : root.findChildren<QLabel*>()) {
+        if (label->text() == text) {
+            return label;
+        }
+    }
+    return nullptr;
+}
+
+QAbstractButton* UiTest::buttonWithText(const QWidget& root, const QString& text) {
+    for (QAbstractButton* button : root.findChildren<QAbstractButton*>()) {
+        if (button->text() == text) {
+            return button;
+        }
+    }
+    return nullptr;
+}
