@@ -7,6 +7,7 @@
 #include "platform/x11/X11Displays.h"
 #include "platform/x11/X11Permissions.h"
 #include "platform/x11/X11Accessibility.h"
+#include "platform/x11/X11Activation.h"
 #include "platform/x11/X11WindowDesktopEntries.h"
 #include "platform/x11/X11WindowServer.h"
 #include "platform/x11/X11Workspace.h"
@@ -23,6 +24,7 @@ struct X11Platform::Owned {
     std::unique_ptr<X11WindowServer> windowServer;
     std::unique_ptr<X11Workspace> workspace;
     std::unique_ptr<X11Accessibility> accessibility;
+    std::unique_ptr<X11Activation> activation;
 };
 
 std::unique_ptr<X11Platform> X11Platform::connect(const QByteArray& displayName) {
@@ -44,6 +46,7 @@ X11Platform::X11Platform(std::unique_ptr<X11Connection> connection)
     m_owned->windowServer = std::make_unique<X11WindowServer>(x11, *m_owned->desktopEntries);
     m_owned->workspace = std::make_unique<X11Workspace>(x11, *m_owned->desktopEntries);
     m_owned->accessibility = std::make_unique<X11Accessibility>(x11);
+    m_owned->activation = std::make_unique<X11Activation>(x11);
 
     m_owned->keyboardLayout = std::make_unique<X11KeyboardLayout>(x11);
     m_owned->hotKeys = std::make_unique<X11HotKeys>(x11, m_owned->keyboardLayout.get());
@@ -57,6 +60,7 @@ X11Platform::X11Platform(std::unique_ptr<X11Connection> connection)
     m_services.windowServer = m_owned->windowServer.get();
     m_services.workspace = m_owned->workspace.get();
     m_services.accessibility = m_owned->accessibility.get();
+    m_services.activation = m_owned->activation.get();
 }
 
 X11Platform::~X11Platform() {
