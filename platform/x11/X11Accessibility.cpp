@@ -119,7 +119,7 @@ QList<AXAttributeReply> X11Accessibility::copyAttributeValues(const QList<AXAttr
             }
             unsigned fields = X11WindowFacts::Attributes;
             if (a == kRole) {
-                fields |= X11WindowFacts::Type | X11WindowFacts::State;
+                fields |= X11WindowFacts::Type | X11WindowFacts::Transient | X11WindowFacts::State;
             } else if (a == kPosition || a == kSize) {
                 fields |= X11WindowFacts::Geometry;
                 rootFields |= X11WindowReader::GlobalOrigin;

@@ -18,7 +18,7 @@ struct X11WindowFacts {
     enum Field : unsigned {
         Attributes = 1u << 0,  // map state, override-redirect, input-only
         Geometry = 1u << 1,    // size, root position, border, frame extents
-        Type = 1u << 2,        // _NET_WM_WINDOW_TYPE and WM_TRANSIENT_FOR
+        Type = 1u << 2,        // _NET_WM_WINDOW_TYPE
         State = 1u << 3,       // _NET_WM_STATE
         Desktop = 1u << 4,     // _NET_WM_DESKTOP
         Pid = 1u << 5,         // _NET_WM_PID (the X-Resource fallback is a separate step)
@@ -26,12 +26,13 @@ struct X11WindowFacts {
         Title = 1u << 7,       // _NET_WM_NAME
         Class = 1u << 8,       // WM_CLASS
         SizeHints = 1u << 9,   // WM_NORMAL_HINTS minimum and maximum size
+        Transient = 1u << 10,  // WM_TRANSIENT_FOR
     };
-    static constexpr unsigned kAllFields = (1u << 10) - 1;
+    static constexpr unsigned kAllFields = (1u << 11) - 1;
 
     xcb_window_t window = XCB_NONE;
-    bool exists = true;  // false once the server has answered that the window is gone
-    bool managed = false;
+    bool exists = true;    // false once the server has answered that the window is gone
+    bool managed = false;  // listed by the window manager (its map state is then not read)
     bool overrideRedirect = false;
     bool viewable = false;
     bool mapped = false;

@@ -126,5 +126,6 @@ bool X11WindowKinds::isOnDesktop(const X11WindowFacts& facts, std::optional<quin
 }
 
 bool X11WindowKinds::isOnscreen(const X11WindowFacts& facts, std::optional<quint32> currentDesktop) const {
-    return facts.viewable && !isHidden(facts) && isOnDesktop(facts, currentDesktop);
+    // A managed window is mapped unless it is minimised or on another desktop, so its map state is not read.
+    return (facts.managed || facts.viewable) && !isHidden(facts) && isOnDesktop(facts, currentDesktop);
 }

@@ -194,6 +194,8 @@ X11WindowReader::PendingWindows X11WindowReader::sendWindowRequests(const QList<
         }
         if (f & X11WindowFacts::Type) {
             entry.type = property(typeAtom, XCB_ATOM_ATOM, 32);
+        }
+        if (f & X11WindowFacts::Transient) {
             entry.transient = property(XCB_ATOM_WM_TRANSIENT_FOR, XCB_ATOM_WINDOW, 1);
         }
         if (f & X11WindowFacts::State) {
@@ -259,6 +261,8 @@ QList<X11WindowFacts> X11WindowReader::collectWindows(PendingWindows& pending) {
             for (uint32_t atom : cardinals(takeProperty(xcb, entry.type, &gone).get())) {
                 facts.types.append(atom);
             }
+        }
+        if (f & X11WindowFacts::Transient) {
             facts.transientFor = firstCardinal(takeProperty(xcb, entry.transient, &gone).get()).value_or(XCB_NONE);
         }
         if (f & X11WindowFacts::State) {
