@@ -74,6 +74,8 @@ QSet<Shortcut> shortcutsForStreamHandlers() {
 }  // namespace
 
 void registerShortcut(const Shortcut& shortcut) {
+    // Names made before the application object existed could not watch the menus yet.
+    initialize();
     CarbonKeyboardShortcuts::register_(shortcut, handleOnKeyDown, handleOnKeyUp);
     handlerTables().registered.insert(shortcut);
 }

@@ -1,7 +1,11 @@
 // Global shortcuts on a real X server: hot keys grabbed on the root window, keys typed through XTEST.
 #include <gtest/gtest.h>
 
+#include <cstdio>
+#include <numeric>
+
 #include <QApplication>
+#include <QElapsedTimer>
 #include <QMenu>
 #include <QTemporaryDir>
 #include <QTest>
@@ -258,7 +262,8 @@ TEST_F(ShortcutsDesktopTest, ShortcutGrabbedByAnotherClientPrintsErrorLine) {
 TEST_F(ShortcutsDesktopTest, ServerKeysCountAsSystemShortcuts) {
     auto* layout = static_cast<X11KeyboardLayout*>(Platform::services().keyboardLayout);
     int changes = 0;
-    QObject::connect(layout, &KeyboardLayout::layoutChanged, [&] { ++changes; });
+    QObject scope;  // ends the connection with the test
+    QObject::connect(layout, &KeyboardLayout::layoutChanged, &scope, [&] { ++changes; });
     const Shortcut controlOptionF1(Key::f1, ModifierFlag::control | ModifierFlag::option);
     EXPECT_TRUE(CarbonKeyboardShortcuts::system({controlOptionF1}).isEmpty()) << "srvrkeys:none frees them";
     ASSERT_EQ(VirtualDesktop::run(QStringLiteral("setxkbmap"), {QStringLiteral("-option"), QString()}), 0);
@@ -275,7 +280,8 @@ TEST_F(ShortcutsDesktopTest, NothingFiresWhileRecorderRecords) {
     Counter counter;
     counter.attach(name);
     int rawPresses = 0;
-    QObject::connect(&hotKeys(), &HotKeys::hotKeyPressed, [&] { ++rawPresses; });
+    QObject scope;  // ends the connection with the test
+    QObject::connect(&hotKeys(), &HotKeys::hotKeyPressed, &scope, [&] { ++rawPresses; });
 
     QWidget window;
     auto* layout = new QVBoxLayout(&window);
@@ -331,7 +337,8 @@ TEST_F(ShortcutsDesktopTest, DisplayedCharacterFollowsLayoutWhileSamePhysicalKey
     EXPECT_EQ(controlZ.presentableDescription(), QStringLiteral("⌃⌥Z"));
     EXPECT_EQ(Shortcut(Key::y, ModifierFlag::command).presentableDescription(), QStringLiteral("⌘Y"));
     int changes = 0;
-    QObject::connect(layout, &KeyboardLayout::layoutChanged, [&] { ++changes; });
+    QObject scope;  // ends the connection with the test
+    QObject::connect(layout, &KeyboardLayout::layoutChanged, &scope, [&] { ++changes; });
 
     ASSERT_EQ(VirtualDesktop::run(QStringLiteral("setxkbmap"), {QStringLiteral("de")}), 0);
     const bool switched =
@@ -353,6 +360,70 @@ TEST_F(ShortcutsDesktopTest, DisplayedCharacterFollowsLayoutWhileSamePhysicalKey
     EXPECT_EQ(yKey, QStringLiteral("⌘Z"));
     ASSERT_TRUE(settled);
     EXPECT_EQ(counter.ups, 1) << "the physical key of Z still fires";
+}
+
+TEST_F(ShortcutsDesktopTest, NumLockMovedToAnotherModifierIsFollowed) {
+    const uint16_t original = hotKeys().numLockMask();
+    ASSERT_EQ(original, XCB_MOD_MASK_2);
+    const Name name(QStringLiteral("display.1"));
+    setShortcut(kControlOptionK, name);
+    Counter counter;
+    counter.attach(name);
+    ASSERT_EQ(
+        VirtualDesktop::run(QStringLiteral("xmodmap"), {QStringLiteral("-e"), QStringLiteral("clear mod2"),
+                                                        QStringLiteral("-e"), QStringLiteral("add mod3 = Num_Lock")}),
+        0);
+    const bool moved = VirtualDesktop::waitUntil([&] { return hotKeys().numLockMask() == XCB_MOD_MASK_3; });
+    const bool locked = moved && setLock(XTestKeyboard::numLock, XCB_MOD_MASK_3, true);
+    keyboard.type(kControlAlt, XTestKeyboard::keyK);
+    const bool settled = settle();
+    setLock(XTestKeyboard::numLock, hotKeys().numLockMask(), false);
+    VirtualDesktop::run(QStringLiteral("xmodmap"), {QStringLiteral("-e"), QStringLiteral("clear mod3"),
+                                                    QStringLiteral("-e"), QStringLiteral("add mod2 = Num_Lock")});
+    EXPECT_TRUE(VirtualDesktop::waitUntil([&] { return hotKeys().numLockMask() == original; }));
+    ASSERT_TRUE(moved) << "the new NumLock modifier was not noticed";
+    ASSERT_TRUE(locked);
+    ASSERT_TRUE(settled);
+    EXPECT_EQ(counter.ups, 1) << "the grabs were renewed for the new NumLock bit";
+}
+
+// Prints how long a key press typed through XTEST takes to reach the handler.
+TEST_F(ShortcutsDesktopTest, PressToHandlerLatencyFigures) {
+    const Name name(QStringLiteral("display.1"));
+    setShortcut(kControlOptionK, name);
+    Counter counter;
+    counter.attach(name);
+    keyboard.press(XTestKeyboard::controlL);
+    keyboard.press(XTestKeyboard::altL);
+    constexpr int kPresses = 100;
+    QList<qint64> nanoseconds;
+    QElapsedTimer timer;
+    for (int i = 0; i < kPresses; ++i) {
+        const int before = counter.downs;
+        timer.start();
+        keyboard.press(XTestKeyboard::keyK);
+        // Spin without sleeping so that the figure is not the polling interval.
+        while (counter.downs == before && timer.elapsed() < 5000) {
+            QCoreApplication::processEvents();
+        }
+        if (counter.downs == before) {
+            break;
+        }
+        nanoseconds.append(timer.nsecsElapsed());
+        keyboard.release(XTestKeyboard::keyK);
+        VirtualDesktop::waitUntil([&] { return counter.ups > before; }, 5000);
+    }
+    keyboard.release(XTestKeyboard::altL);
+    keyboard.release(XTestKeyboard::controlL);
+    ASSERT_EQ(nanoseconds.size(), kPresses);
+    EXPECT_EQ(counter.ups, kPresses);
+    std::sort(nanoseconds.begin(), nanoseconds.end());
+    const double sum = std::accumulate(nanoseconds.cbegin(), nanoseconds.cend(), 0.0);
+    std::printf(
+        "[figures] XTEST press -> onKeyDown handler over %d presses: median %.3f ms, mean %.3f ms, "
+        "p95 %.3f ms, max %.3f ms\n",
+        kPresses, nanoseconds[kPresses / 2] / 1e6, sum / kPresses / 1e6, nanoseconds[kPresses * 95 / 100] / 1e6,
+        nanoseconds.last() / 1e6);
 }
 
 }  // namespace
