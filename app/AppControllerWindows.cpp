@@ -11,6 +11,7 @@
 #include "app/AppController.h"
 #include "app/UpdaterService.h"
 #include "app/views/PermissionGuideView.h"
+#include "app/views/SettingsView.h"
 #include "platform/Activation.h"
 #include "platform/Platform.h"
 
@@ -56,9 +57,10 @@ void AppController::applicationDidFinishLaunching() {
 
 void AppController::showSettingsWindow() {
     if (!m_settingsWindow) {
-        // The settings content arrives with its own view; until then the window holds an empty page.
-        auto* content = new QWidget();
-        content->setObjectName(QStringLiteral("settingsContent"));
+        auto* content = new SettingsView(*this);
+        content->setSelectedSection(SettingsSection::Permissions);
+        // The settings are laid out for this size; the window never fits itself below it.
+        content->setMinimumSize(kSettingsWindowSize);
         m_settingsWindow = makeHostWindow(content, kSettingsWindowSize, QString());
         m_settingsWindow->setObjectName(QStringLiteral("settingsWindow"));
     }
