@@ -9,6 +9,10 @@ struct VersionPair {
     const char* newer;
 };
 
+void PrintTo(const VersionPair& pair, std::ostream* os) {
+    *os << '"' << pair.older << "\" < \"" << pair.newer << '"';
+}
+
 class VersionOrderTest : public ::testing::TestWithParam<VersionPair> {};
 
 TEST_P(VersionOrderTest, OlderComparesBelowNewerBothWays) {
@@ -33,6 +37,10 @@ struct EqualPair {
     const char* a;
     const char* b;
 };
+
+void PrintTo(const EqualPair& pair, std::ostream* os) {
+    *os << '"' << pair.a << "\" = \"" << pair.b << '"';
+}
 
 class VersionEqualityTest : public ::testing::TestWithParam<EqualPair> {};
 
