@@ -92,8 +92,9 @@ void UpdateChecker::start(const Request& request) {
     }
 
     QNetworkRequest networkRequest(request.feedURL);
-    // Never follow a redirect from HTTPS down to plain HTTP.
-    networkRequest.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::NoLessSafeRedirectPolicy);
+    // A redirect is followed only to an address the feed itself could have had.
+    networkRequest.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::UserVerifiedRedirectPolicy);
+    networkRequest.setMaximumRedirectsAllowed(5);
     networkRequest.setAttribute(QNetworkRequest::CacheLoadControlAttribute, QNetworkRequest::AlwaysNetwork);
     networkRequest.setHeader(QNetworkRequest::UserAgentHeader,
                              QStringLiteral("Lattica/%1").arg(request.currentVersion));
@@ -104,6 +105,19 @@ void UpdateChecker::start(const Request& request) {
         if (reply == m_reply) {
             handleReplyFinished();
         }
+    });
+    connect(reply, &QNetworkReply::redirected, this, [this, reply](const QUrl& target) {
+        if (reply != m_reply) {
+            return;
+        }
+        QString refusal;
+        if (isAllowedFeedURL(target, &refusal)) {
+            Q_EMIT reply->redirectAllowed();
+            return;
+        }
+        qCDebug(lcUpdateChecker) << "refused redirect to" << target << refusal;
+        cancel();
+        finishWith(failure(QStringLiteral("The update feed moved to an address that is not allowed: %1").arg(refusal)));
     });
     connect(reply, &QNetworkReply::downloadProgress, this, [this, reply](qint64 received, qint64) {
         if (reply == m_reply && received > kMaximumFeedSize) {

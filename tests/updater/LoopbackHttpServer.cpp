@@ -38,6 +38,9 @@ void LoopbackHttpServer::handleReadable(QTcpSocket* socket) {
     QByteArray response = "HTTP/1.1 " + QByteArray::number(route.status) + " Status\r\n";
     response += "Content-Type: " + route.contentType + "\r\n";
     response += "Content-Length: " + QByteArray::number(route.body.size()) + "\r\n";
+    if (!route.location.isEmpty()) {
+        response += "Location: " + route.location + "\r\n";
+    }
     response += "Connection: close\r\n\r\n";
     response += route.body;
     socket->write(response);

@@ -17,6 +17,7 @@ public:
         QByteArray body;
         QByteArray contentType = "application/rss+xml";
         bool neverAnswer = false;
+        QByteArray location;  // sent as the Location header when set
     };
 
     LoopbackHttpServer();

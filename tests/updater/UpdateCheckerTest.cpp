@@ -139,6 +139,23 @@ TEST_F(UpdateCheckerTest, PlainHttpToAnotherHostIsRefusedWithoutConnecting) {
     EXPECT_EQ(result.errorMessage, QStringLiteral("The update feed must be fetched over HTTPS."));
 }
 
+TEST_F(UpdateCheckerTest, RedirectToAnotherLoopbackAddressIsFollowed) {
+    serveFeed({{QStringLiteral("1.1"), {}, {}}});
+    server.setRoute(QStringLiteral("/old.xml"), {301, {}, "text/plain", false, feedURL().toEncoded()});
+    const UpdateCheckResult result = check(server.url(QStringLiteral("/old.xml")));
+    EXPECT_EQ(result.outcome, Outcome::UpdateAvailable);
+    EXPECT_EQ(server.requestedPaths(), (QList<QString>{QStringLiteral("/old.xml"), QStringLiteral("/appcast.xml")}));
+}
+
+TEST_F(UpdateCheckerTest, RedirectToPlainHttpElsewhereIsRefused) {
+    server.setRoute(QStringLiteral("/appcast.xml"),
+                    {302, {}, "text/plain", false, QByteArray("http://updates.example.test/appcast.xml")});
+    const UpdateCheckResult result = check(feedURL());
+    EXPECT_EQ(result.outcome, Outcome::Failed);
+    EXPECT_EQ(result.errorMessage, QStringLiteral("The update feed moved to an address that is not allowed: The "
+                                                  "update feed must be fetched over HTTPS."));
+}
+
 TEST_F(UpdateCheckerTest, FeedAddressesOtherThanHttpsAreRefused) {
     EXPECT_TRUE(UpdateChecker::isAllowedFeedURL(QUrl(QStringLiteral("https://lattica.example.test/appcast.xml"))));
     EXPECT_TRUE(UpdateChecker::isAllowedFeedURL(QUrl(QStringLiteral("http://127.0.0.1:8080/a.xml"))));
