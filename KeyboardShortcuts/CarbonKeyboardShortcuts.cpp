@@ -36,6 +36,9 @@ struct Tables {
     QPointer<HotKeys> eventHandler;
     bool hotKeyEventsEnabled = false;
     std::unique_ptr<RawKeyMonitor> keyEventMonitor;
+    // The hot-key service the table's references belong to.
+    QPointer<HotKeys> boundService;
+    bool hasBoundService = false;
 };
 
 Tables& tables() {
@@ -261,6 +264,28 @@ int handleHotKeyEvent(quint32 hotKeyId, int kind) {
     return 0;
 }
 
+bool rebindIfServiceChanged() {
+    Tables& t = tables();
+    HotKeys* current = service();
+    if (t.hasBoundService && !t.boundService.isNull() && t.boundService.data() == current) {
+        return false;
+    }
+    const bool hadState = t.hasBoundService || !t.hotKeys.empty();
+    if (!t.boundService.isNull()) {
+        for (const auto& [id, hotKey] : t.hotKeys) {
+            if (hotKey.carbonHotKey != 0) {
+                t.boundService->unregisterHotKey(hotKey.carbonHotKey);
+            }
+        }
+    }
+    t.hotKeys.clear();
+    t.eventHandler = nullptr;
+    t.hotKeyEventsEnabled = false;
+    t.boundService = current;
+    t.hasBoundService = current != nullptr;
+    return hadState;
+}
+
 int lastHotKeyId() {
     return tables().hotKeyId;
 }
@@ -305,6 +330,8 @@ void resetForTesting() {
     t.eventHandler = nullptr;
     t.hotKeyEventsEnabled = false;
     t.keyEventMonitor.reset();
+    t.boundService = nullptr;
+    t.hasBoundService = false;
 }
 
 }  // namespace KeyboardShortcuts::CarbonKeyboardShortcuts

@@ -40,6 +40,9 @@ bool isActive(int hotKeyId);
 std::optional<Shortcut> shortcutForHotKey(int hotKeyId);
 bool isEventHandlerInstalled();
 bool isRawKeyMonitorActive();
+// When the platform's hot-key service is not the one the table was built on (a new platform was
+// installed), forgets the table's hot keys and answers true; the id counter keeps counting.
+bool rebindIfServiceChanged();
 // Forgets every hot key and the id counter (each test starts from a fresh process state).
 void resetForTesting();
 

@@ -28,6 +28,8 @@ HandlerTables& handlerTables();
 
 // Registers a shortcut as a hot key with the dispatch handlers and remembers it as registered.
 void registerShortcut(const Shortcut& shortcut);
+// Whether the shortcut is registered with the hot-key service installed now.
+bool isRegistered(const Shortcut& shortcut);
 // Registers the name's stored shortcut unless it is registered already.
 void registerIfNeeded(const Name& name);
 // Removes the shortcut's hot key and forgets that it is registered.

@@ -71,16 +71,30 @@ QSet<Shortcut> shortcutsForStreamHandlers() {
            storedShortcutsOf(handlerTables().streamKeyUpHandlers);
 }
 
+// Registrations belong to one hot-key service; a newly installed platform starts without any.
+void followPlatform() {
+    if (CarbonKeyboardShortcuts::rebindIfServiceChanged()) {
+        handlerTables().registered.clear();
+    }
+}
+
 }  // namespace
 
 void registerShortcut(const Shortcut& shortcut) {
     // Names made before the application object existed could not watch the menus yet.
     initialize();
+    followPlatform();
     CarbonKeyboardShortcuts::register_(shortcut, handleOnKeyDown, handleOnKeyUp);
     handlerTables().registered.insert(shortcut);
 }
 
+bool isRegistered(const Shortcut& shortcut) {
+    followPlatform();
+    return handlerTables().registered.contains(shortcut);
+}
+
 void registerIfNeeded(const Name& name) {
+    followPlatform();
     const std::optional<Shortcut> shortcut = getShortcut(name);
     if (shortcut && !handlerTables().registered.contains(*shortcut)) {
         registerShortcut(*shortcut);
@@ -88,6 +102,7 @@ void registerIfNeeded(const Name& name) {
 }
 
 void unregisterShortcut(const Shortcut& shortcut) {
+    followPlatform();
     CarbonKeyboardShortcuts::unregister(shortcut);
     handlerTables().registered.remove(shortcut);
 }
@@ -149,6 +164,7 @@ void setEnabled(bool enabled) {
 }
 
 bool isEnabled(const Name& name) {
+    followPlatform();
     const std::optional<Shortcut> shortcut = getShortcut(name);
     return handlerTables().isEnabled && shortcut && handlerTables().registered.contains(*shortcut);
 }

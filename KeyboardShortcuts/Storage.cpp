@@ -65,7 +65,7 @@ void userDefaultsSet(const Name& name, const Shortcut& shortcut) {
     if (const std::optional<Shortcut> old = getShortcut(name)) {
         unregisterShortcut(*old);
     }
-    if (!handlerTables().registered.contains(shortcut)) {
+    if (!isRegistered(shortcut)) {
         registerShortcut(shortcut);
     }
     store->setObject(userDefaultsKey(name), json);

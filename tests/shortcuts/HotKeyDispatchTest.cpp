@@ -275,6 +275,21 @@ TEST_F(HotKeyDispatchTest, OnKeyboardShortcutLivesAsLongAsItsOwner) {
     EXPECT_EQ(seen, QList<EventType>({EventType::keyDown}));
 }
 
+TEST_F(HotKeyDispatchTest, NewlyInstalledPlatformStartsWithoutRegistrations) {
+    const Name name(QStringLiteral("n"));
+    setShortcut(kOptionF5, name);
+    ASSERT_EQ(platform.hotKeys.registrations().size(), 1);
+    FakePlatform second;  // installs itself
+    const Name other(QStringLiteral("other"));
+    setShortcut(kOptionF5, other);
+    ASSERT_EQ(second.hotKeys.registrations().size(), 1) << "registered with the service installed now";
+    int runs = 0;
+    onKeyDown(other, [&] { ++runs; });
+    press(second.hotKeys, kOptionF5);
+    EXPECT_EQ(runs, 1);
+    EXPECT_TRUE(platform.hotKeys.registrations().isEmpty()) << "the first service's hot key was released";
+}
+
 TEST_F(HotKeyDispatchTest, UnknownHotKeyIdIsNotHandled) {
     EXPECT_EQ(Carbon::handleHotKeyEvent(999, 5), Carbon::eventNotHandledErr);
     EXPECT_EQ(Carbon::handleRawKeyEvent(40, 4352, 1), Carbon::eventNotHandledErr);
