@@ -8,6 +8,7 @@ protected:
         ControllerTest::SetUp();
         controller().refreshForMenuOpen();
         ASSERT_TRUE(waitUntil([&] { return !controller().isLoadingPreviews(); }));
+        finishBackgroundWork();
         left = controller().displays()[0];
         right = controller().displays()[1];
     }

@@ -150,6 +150,7 @@ TEST_F(RefreshCycle, PermissionRefreshReadsBothAnswersAfresh) {
 
 TEST_F(RefreshCycle, OpenFollowsDisplayChangesInShortcutLists) {
     controller().refreshForMenuOpen();
+    finishBackgroundWork();  // the fake displays are not meant to change under a running capture
     platform.displays.setDisplays({platform.displays.displays()[0]});
     controller().refreshForMenuOpen();
     EXPECT_EQ(controller().connectedShortcutDisplays().size(), 1);

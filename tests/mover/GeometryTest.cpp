@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "app/Geometry.h"
+#include "app/WindowMoveLog.h"
 #include "app/WindowMover.h"
 
 namespace {
@@ -186,6 +187,23 @@ TEST(RectangleTests, BoundsDictionaryConvertsOnlyWithFourNumbers) {
     text.insert(QStringLiteral("X"), QStringLiteral("1"));
     EXPECT_FALSE(Geometry::rectFromDictionaryRepresentation(text).has_value());
     EXPECT_FALSE(Geometry::rectFromDictionaryRepresentation(QVariant(QRectF(0, 0, 1, 1))).has_value());
+}
+
+TEST(MoverTrace, IsOnByDefaultOnlyInDebugBuilds) {
+    if (qEnvironmentVariableIsSet("QT_LOGGING_RULES")) {
+        GTEST_SKIP() << "QT_LOGGING_RULES decides the trace level";
+    }
+    QLoggingCategory::setFilterRules(QString());
+    EXPECT_EQ(lcMover().isDebugEnabled(), LATTICA_EXPECT_TRACE_BY_DEFAULT != 0);
+    EXPECT_TRUE(lcMover().isWarningEnabled());
+}
+
+TEST(MoverTrace, NumbersAreWrittenLikeTheGraphicsDebugDescription) {
+    EXPECT_EQ(WindowMoveLog::describe(QRectF(0, -20, 1920, 1080.5)), QStringLiteral("(0.0, -20.0, 1920.0, 1080.5)"));
+    EXPECT_EQ(WindowMoveLog::describe(QPointF(2226.666666666667, 0.1)), QStringLiteral("(2226.666666666667, 0.1)"));
+    EXPECT_EQ(WindowMoveLog::describe(QSizeF(1e20, 3)), QStringLiteral("(1e+20, 3.0)"));
+    EXPECT_EQ(WindowMoveLog::fraction(0.123456), QStringLiteral("0.1235"));
+    EXPECT_EQ(WindowMoveLog::windowNumber(std::nullopt), QStringLiteral("n/a"));
 }
 
 }  // namespace
