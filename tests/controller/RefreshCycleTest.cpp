@@ -159,6 +159,19 @@ TEST_F(RefreshCycle, OpenFollowsDisplayChangesInShortcutLists) {
     EXPECT_EQ(controller().displays().size(), 1);
 }
 
+TEST_F(RefreshCycle, DisplayChangeRebuildsShortcutListsButLeavesCardsUntilNextOpen) {
+    controller().refreshForMenuOpen();
+    ASSERT_TRUE(waitUntil([&] { return !controller().isLoadingPreviews(); }));
+    finishBackgroundWork();
+    const int queries = platform.windowServer.queryCount();
+    platform.displays.changeDisplays({platform.displays.displays()[0]});
+    ASSERT_TRUE(waitUntil([&] { return controller().connectedShortcutDisplays().size() == 1; }));
+    EXPECT_EQ(controller().displays().size(), 2);
+    EXPECT_FALSE(controller().isLoadingPreviews());
+    finishBackgroundWork();
+    EXPECT_EQ(platform.windowServer.queryCount(), queries);
+}
+
 TEST_F(RefreshCycle, CaptureFinishingAfterControllerIsGoneIsDiscarded) {
     holdNextCapture();
     controller().refreshForMenuOpen();
