@@ -165,8 +165,10 @@ WindowMoveResult WindowMover::moveWindows(const DisplaySnapshot& source, const D
     const QRectF S = source.bounds;
     const QRectF T = destination.bounds;
 
-    const QHash<QString, QRectF> frames = allWindowFramesByOwnerAndWindowID();
-    const QHash<pid_t, QSet<qint64>> sourceIDs = sourceWindowIDsByOwnerPID(S);
+    // Both look-ups read one copy of the window list: listing is the costly part with many windows.
+    const std::optional<QList<WindowInfo>> windowList = windowListIncludingOffscreen();
+    const QHash<QString, QRectF> frames = allWindowFramesByOwnerAndWindowID(windowList);
+    const QHash<pid_t, QSet<qint64>> sourceIDs = sourceWindowIDsByOwnerPID(S, windowList);
     qsizetype sourceWindowCount = 0;
     for (const QSet<qint64>& ids : sourceIDs) {
         sourceWindowCount += ids.size();

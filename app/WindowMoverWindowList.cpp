@@ -3,11 +3,9 @@
 #include "app/WindowMover.h"
 #include "platform/Platform.h"
 
-namespace {
-std::optional<QList<WindowInfo>> windowListIncludingOffscreen() {
+std::optional<QList<WindowInfo>> WindowMover::windowListIncludingOffscreen() {
     return Platform::services().windowServer->copyWindowInfo(kCGWindowListExcludeDesktopElements);
 }
-}  // namespace
 
 std::optional<pid_t> WindowMover::ownerPID(const WindowInfo& entry) {
     return WindowList::ownerPID(entry);
@@ -22,8 +20,11 @@ QString WindowMover::windowListKey(pid_t pid, qint64 windowNumber) {
 }
 
 QHash<QString, QRectF> WindowMover::allWindowFramesByOwnerAndWindowID() {
+    return allWindowFramesByOwnerAndWindowID(windowListIncludingOffscreen());
+}
+
+QHash<QString, QRectF> WindowMover::allWindowFramesByOwnerAndWindowID(const std::optional<QList<WindowInfo>>& list) {
     QHash<QString, QRectF> frames;
-    const std::optional<QList<WindowInfo>> list = windowListIncludingOffscreen();
     if (!list) {
         return frames;
     }
@@ -43,8 +44,12 @@ QHash<QString, QRectF> WindowMover::allWindowFramesByOwnerAndWindowID() {
 }
 
 QHash<pid_t, QSet<qint64>> WindowMover::sourceWindowIDsByOwnerPID(const QRectF& source) {
+    return sourceWindowIDsByOwnerPID(source, windowListIncludingOffscreen());
+}
+
+QHash<pid_t, QSet<qint64>> WindowMover::sourceWindowIDsByOwnerPID(const QRectF& source,
+                                                                  const std::optional<QList<WindowInfo>>& list) {
     QHash<pid_t, QSet<qint64>> idsByOwner;
-    const std::optional<QList<WindowInfo>> list = windowListIncludingOffscreen();
     if (!list) {
         return idsByOwner;
     }

@@ -80,6 +80,20 @@ TEST_F(MoveAllWindows, RefusedSizeKeepsSizeAndIsCentredByActualSize) {
     EXPECT_TRUE(trace.hasLineStartingWith(QStringLiteral("Editor [pid:100]: resize status windowID=11, ")));
 }
 
+TEST_F(MoveAllWindows, WindowListIsReadOncePerMove) {
+    addWindow(100, 11, kCentred);
+    const int queries = platform.windowServer.queryCount();
+    moveAll();
+    EXPECT_EQ(platform.windowServer.queryCount(), queries + 1);
+    EXPECT_EQ(platform.windowServer.lastOptions(), kCGWindowListExcludeDesktopElements);
+}
+
+TEST_F(MoveAllWindows, UnavailableWindowListStillMovesWindowsOnTheSourceByFrame) {
+    addWindow(100, 11, kCentred);
+    platform.windowServer.setWindowList(std::nullopt);
+    EXPECT_EQ(moveAll(), (WindowMoveResult{1, 1}));
+}
+
 TEST_F(MoveAllWindows, WindowListedByBothListsIsProcessedOnce) {
     addWindow(100, 11, kCentred);  // listed by "AXWindows" and "AXAllWindows"
     EXPECT_EQ(moveAll(), (WindowMoveResult{1, 1}));
