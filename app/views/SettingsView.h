@@ -17,6 +17,9 @@ class SettingsView : public QWidget {
 public:
     explicit SettingsView(AppController& controller, QWidget* parent = nullptr);
 
+    // The size the settings are laid out for.
+    QSize sizeHint() const override { return {760, 540}; }
+
     SettingsSection selectedSection() const { return m_selectedSection; }
     void setSelectedSection(SettingsSection section);
 

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include <QFile>
+#include <QScreen>
 #include <QTemporaryDir>
 #include <QTest>
 #include <memory>
@@ -120,6 +121,39 @@ TEST_F(SettingsDesktopTest, LaunchAtLoginWritesAndRemovesTheAutostartEntry) {
     QTest::mouseClick(behavior->launchAtLoginToggle(), Qt::LeftButton);
     EXPECT_FALSE(QFile::exists(autostartEntry()));
     EXPECT_FALSE(behavior->launchAtLoginToggle()->isChecked());
+}
+
+TEST_F(SettingsDesktopTest, SettingsWindowHostsTheViewAtItsSizeAndIsReused) {
+    AppController controller;
+    controller.showSettingsWindow();
+    QWidget* window = controller.settingsWindow();
+    ASSERT_NE(window, nullptr);
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(window));
+    auto* settings = window->findChild<SettingsView*>();
+    ASSERT_NE(settings, nullptr);
+    EXPECT_EQ(window->size(), QSize(760, 540));
+    EXPECT_EQ(settings->selectedSection(), SettingsSection::Permissions);
+
+    settings->setSelectedSection(SettingsSection::Shortcuts);
+    window->hide();
+    controller.showSettingsWindow();
+    EXPECT_EQ(controller.settingsWindow(), window);
+    EXPECT_EQ(window->findChild<SettingsView*>(), settings);
+    EXPECT_EQ(settings->selectedSection(), SettingsSection::Shortcuts);
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(window));
+
+    // What the X server shows in the window once it has been painted: the sidebar's colour at its foot.
+    QImage shown;
+    const QRgb sidebarColour = settings->palette().color(QPalette::Base).rgb();
+    EXPECT_TRUE(VirtualDesktop::waitUntil([&] {
+        shown = window->screen()->grabWindow(window->winId()).toImage();
+        return !shown.isNull() && shown.pixel(4, shown.height() - 4) == sidebarColour;
+    }));
+    const QString directory = qEnvironmentVariable("LATTICA_SCREENSHOT_DIR");
+    if (!directory.isEmpty()) {
+        EXPECT_TRUE(shown.save(directory + QStringLiteral("/settings-x11.png")));
+    }
+    delete window;
 }
 
 }  // namespace
