@@ -151,7 +151,7 @@ TEST_F(SettingsDesktopTest, SettingsWindowHostsTheViewAtItsSizeAndIsReused) {
     }));
     const QString directory = qEnvironmentVariable("LATTICA_SCREENSHOT_DIR");
     if (!directory.isEmpty()) {
-        EXPECT_TRUE(shown.save(directory + QStringLiteral("/settings-x11.png")));
+        EXPECT_TRUE(shown.save(directory + QStringLiteral("/settings-x11-shortcuts.png")));
     }
     delete window;
 }

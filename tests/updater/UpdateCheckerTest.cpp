@@ -122,6 +122,13 @@ TEST_F(UpdateCheckerTest, ServerThatNeverAnswersFailsAfterTheTimeout) {
     EXPECT_EQ(server.requestedPaths().size(), 1);
 }
 
+TEST_F(UpdateCheckerTest, OversizedFeedFails) {
+    server.setRoute(QStringLiteral("/appcast.xml"), {200, QByteArray(UpdateChecker::kMaximumFeedSize + 4096, ' ')});
+    const UpdateCheckResult result = check(feedURL());
+    EXPECT_EQ(result.outcome, Outcome::Failed);
+    EXPECT_EQ(result.errorMessage, QStringLiteral("The update feed is larger than an update feed can be."));
+}
+
 TEST_F(UpdateCheckerTest, ClosedPortFails) {
     QTcpServer closed;
     ASSERT_TRUE(closed.listen(QHostAddress::LocalHost, 0));

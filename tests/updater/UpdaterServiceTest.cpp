@@ -191,6 +191,22 @@ TEST_F(UpdaterServiceTest, RemindMeLaterClosesWithoutOpeningAnything) {
     EXPECT_FALSE(window->isVisible());
 }
 
+TEST_F(UpdaterServiceTest, UserCheckOfAnUnusableFeedAddressShowsWhy) {
+    qputenv("LATTICA_APPCAST_URL", QByteArrayLiteral("http://updates.example.test/appcast.xml"));
+    QSignalSpy finished(updater(), &Updater::checkFinished);
+    controller()->checkForUpdates();
+    EXPECT_TRUE(waitForCheck(finished));
+    ASSERT_TRUE(windowVisible());
+    EXPECT_EQ(controller()->updateWindow()->state(), UpdateWindow::State::Error);
+    EXPECT_EQ(controller()->updateWindow()->messageText(),
+              QStringLiteral("The update feed must be fetched over HTTPS."));
+    EXPECT_TRUE(server.requestedPaths().isEmpty());
+}
+
+TEST_F(UpdaterServiceTest, RunningSystemVersionIsKnown) {
+    EXPECT_FALSE(Updater::runningSystemVersion().isEmpty());
+}
+
 TEST_F(UpdaterServiceTest, CancellingTheProgressStopsTheCheck) {
     server.setRoute(QStringLiteral("/appcast.xml"), {200, {}, {}, true});
     controller()->checkForUpdates();
