@@ -5,6 +5,39 @@
 
 #include "platform/x11/X11Connection.h"
 
+namespace {
+
+// Copies what a later, smaller read found into the facts of the same window.
+void merge(QList<X11WindowFacts>& windows, const QList<X11WindowFacts>& extra) {
+    QHash<xcb_window_t, const X11WindowFacts*> byWindow;
+    for (const X11WindowFacts& facts : extra) {
+        byWindow.insert(facts.window, &facts);
+    }
+    for (X11WindowFacts& facts : windows) {
+        const X11WindowFacts* found = byWindow.value(facts.window);
+        if (found == nullptr) {
+            continue;
+        }
+        if (found->transientFor != XCB_NONE) {
+            facts.transientFor = found->transientFor;
+        }
+        if (!found->className.isEmpty() || !found->classInstance.isEmpty()) {
+            facts.classInstance = found->classInstance;
+            facts.className = found->className;
+        }
+    }
+}
+
+void mergePids(QList<X11WindowFacts>& windows, const QHash<xcb_window_t, pid_t>& pids) {
+    for (X11WindowFacts& facts : windows) {
+        if (!facts.pid && pids.contains(facts.window)) {
+            facts.pid = pids.value(facts.window);
+        }
+    }
+}
+
+}  // namespace
+
 X11WindowTable X11WindowTable::read(X11WindowReader& reader, unsigned managedFields,
                                     const std::function<void()>& afterListing) {
     X11WindowTable table;
@@ -17,18 +50,22 @@ X11WindowTable X11WindowTable::read(X11WindowReader& reader, unsigned managedFie
     if (afterListing) {
         afterListing();
     }
-    // Every request counts at hundreds of windows: the map state of managed windows is not needed, and
-    // WM_TRANSIENT_FOR only matters for windows without a type, so it waits for the next stage.
-    const unsigned fields =
-        (managedFields | X11WindowFacts::Pid) & ~(X11WindowFacts::Attributes | X11WindowFacts::Transient);
+    // Every request counts at hundreds of windows. The map state of managed windows is not needed;
+    // WM_TRANSIENT_FOR only matters for windows without a type; WM_CLASS names the application, so one
+    // window per process (its front-most) is enough. Those two wait for a later stage.
     const bool wantsTransient = (managedFields & (X11WindowFacts::Type | X11WindowFacts::Transient)) != 0;
+    const bool wantsClass = (managedFields & X11WindowFacts::Class) != 0;
+    const unsigned managedFirst = (managedFields | X11WindowFacts::Pid) &
+                                  ~(X11WindowFacts::Attributes | X11WindowFacts::Transient | X11WindowFacts::Class);
+    const unsigned unmanagedFields = ((managedFields | X11WindowFacts::Pid) & ~X11WindowFacts::Attributes) |
+                                     (wantsTransient ? X11WindowFacts::Transient : 0u);
 
     // Stage 2: every managed client, and the attributes of every other root child.
     const QSet<xcb_window_t> managed(table.root.clientListStacking.cbegin(), table.root.clientListStacking.cend());
     QList<X11WindowReader::Request> requests;
     requests.reserve(table.root.clientListStacking.size() + table.root.rootChildren.size());
     for (auto it = table.root.clientListStacking.crbegin(); it != table.root.clientListStacking.crend(); ++it) {
-        requests.append({*it, fields});
+        requests.append({*it, managedFirst});
     }
     const qsizetype managedCount = requests.size();
     for (auto it = table.root.rootChildren.crbegin(); it != table.root.rootChildren.crend(); ++it) {
@@ -38,21 +75,31 @@ X11WindowTable X11WindowTable::read(X11WindowReader& reader, unsigned managedFie
     }
     const QList<X11WindowFacts> stage2 = reader.readWindows(requests);
 
-    // Stage 3: the override-redirect windows' properties, the creators of managed windows without a
-    // pid, and the transient-for of managed windows without a type.
+    // Stage 3: the unmanaged windows' properties, the creators of managed windows without a pid, the
+    // transient-for of managed windows without a type, and the class of each process's first window.
     QList<X11WindowFacts> managedWindows;
     QList<xcb_window_t> withoutPid;
-    QList<X11WindowReader::Request> transientRequests;
+    QList<X11WindowReader::Request> extraRequests;
+    QSet<pid_t> classOwners;
     for (qsizetype i = 0; i < managedCount; ++i) {
-        if (stage2[i].exists) {
-            managedWindows.append(stage2[i]);
-            managedWindows.last().managed = true;
-            if (!stage2[i].pid) {
-                withoutPid.append(stage2[i].window);
-            }
-            if (wantsTransient && stage2[i].types.isEmpty()) {
-                transientRequests.append({stage2[i].window, X11WindowFacts::Transient});
-            }
+        const X11WindowFacts& facts = stage2[i];
+        if (!facts.exists) {
+            continue;
+        }
+        managedWindows.append(facts);
+        managedWindows.last().managed = true;
+        unsigned extra = 0;
+        if (wantsTransient && facts.types.isEmpty()) {
+            extra |= X11WindowFacts::Transient;
+        }
+        if (!facts.pid) {
+            withoutPid.append(facts.window);
+        } else if (wantsClass && !classOwners.contains(*facts.pid)) {
+            classOwners.insert(*facts.pid);
+            extra |= X11WindowFacts::Class;
+        }
+        if (extra != 0) {
+            extraRequests.append({facts.window, extra});
         }
     }
     // With a window manager the other root children are its frames and its own windows; without one,
@@ -60,7 +107,6 @@ X11WindowTable X11WindowTable::read(X11WindowReader& reader, unsigned managedFie
     const bool withoutWindowManager = !table.root.hasClientList;
     QList<X11WindowReader::Request> unmanagedRequests;
     QHash<xcb_window_t, X11WindowFacts> unmanagedAttributes;
-    const unsigned unmanagedFields = fields | (wantsTransient ? X11WindowFacts::Transient : 0u);
     for (qsizetype i = managedCount; i < stage2.size(); ++i) {
         const X11WindowFacts& child = stage2[i];
         if (child.exists && !child.inputOnly && (child.overrideRedirect || (withoutWindowManager && child.mapped))) {
@@ -69,20 +115,12 @@ X11WindowTable X11WindowTable::read(X11WindowReader& reader, unsigned managedFie
         }
     }
     X11WindowReader::PendingWindows pendingUnmanaged = reader.sendWindowRequests(unmanagedRequests);
-    X11WindowReader::PendingWindows pendingTransients = reader.sendWindowRequests(transientRequests);
+    X11WindowReader::PendingWindows pendingExtra = reader.sendWindowRequests(extraRequests);
     X11WindowReader::PendingPids pendingPids = reader.sendPidQueries(withoutPid);
     QList<X11WindowFacts> unmanagedWindows = reader.collectWindows(pendingUnmanaged);
-    QHash<xcb_window_t, xcb_window_t> transientFor;
-    for (const X11WindowFacts& facts : reader.collectWindows(pendingTransients)) {
-        transientFor.insert(facts.window, facts.transientFor);
-    }
-    const QHash<xcb_window_t, pid_t> pids = reader.collectPids(pendingPids);
-    for (X11WindowFacts& facts : managedWindows) {
-        if (!facts.pid && pids.contains(facts.window)) {
-            facts.pid = pids.value(facts.window);
-        }
-        facts.transientFor = transientFor.value(facts.window, XCB_NONE);
-    }
+    merge(managedWindows, reader.collectWindows(pendingExtra));
+    mergePids(managedWindows, reader.collectPids(pendingPids));
+    unmanagedWindows.removeIf([](const X11WindowFacts& facts) { return !facts.exists; });
     for (X11WindowFacts& facts : unmanagedWindows) {
         const X11WindowFacts& attributes = unmanagedAttributes[facts.window];
         facts.overrideRedirect = attributes.overrideRedirect;
@@ -90,9 +128,27 @@ X11WindowTable X11WindowTable::read(X11WindowReader& reader, unsigned managedFie
         facts.mapped = attributes.mapped;
     }
 
-    // Stage 4: the creators of override-redirect windows without a pid.
-    unmanagedWindows.removeIf([](const X11WindowFacts& facts) { return !facts.exists; });
-    reader.resolveMissingPids(unmanagedWindows);
+    // Stage 4: the creators of unmanaged windows without a pid, and the class of processes that only the
+    // X-Resource extension named.
+    QList<xcb_window_t> unmanagedWithoutPid;
+    for (const X11WindowFacts& facts : unmanagedWindows) {
+        if (!facts.pid) {
+            unmanagedWithoutPid.append(facts.window);
+        }
+    }
+    QList<X11WindowReader::Request> classRequests;
+    if (wantsClass) {
+        for (const X11WindowFacts& facts : managedWindows) {
+            if (facts.pid && withoutPid.contains(facts.window) && !classOwners.contains(*facts.pid)) {
+                classOwners.insert(*facts.pid);
+                classRequests.append({facts.window, X11WindowFacts::Class});
+            }
+        }
+    }
+    X11WindowReader::PendingWindows pendingClasses = reader.sendWindowRequests(classRequests);
+    X11WindowReader::PendingPids pendingUnmanagedPids = reader.sendPidQueries(unmanagedWithoutPid);
+    merge(managedWindows, reader.collectWindows(pendingClasses));
+    mergePids(unmanagedWindows, reader.collectPids(pendingUnmanagedPids));
 
     table.windows = unmanagedWindows + managedWindows;
     return table;
