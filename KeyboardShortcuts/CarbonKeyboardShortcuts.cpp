@@ -196,6 +196,13 @@ void updateEventHandler() {
         keyEventMonitor().stop();
         return;
     }
+    if (KeyboardShortcuts::isPaused()) {
+        // A recorder is recording: the keys must reach it, including those of our own hot keys.
+        suspendAll();
+        t.hotKeyEventsEnabled = false;
+        keyEventMonitor().stop();
+        return;
+    }
     if (!KeyboardShortcuts::isMenuOpen()) {
         softRegisterAll();
         keyEventMonitor().stop();

@@ -22,7 +22,8 @@ void register_(const Shortcut& shortcut, Handler onKeyDown, Handler onKeyUp);
 void unregister(const Shortcut& shortcut);
 // Registers again every suspended hot key under its old id.
 void softRegisterAll();
-// Chooses between hot keys and the raw key fallback from the master switch and the menu state.
+// Chooses between hot keys and the raw key fallback from the master switch, the menu state and
+// whether a recorder records (then every hot key is released so that the recorder gets the keys).
 void updateEventHandler();
 // The candidates that the system or another client already holds.
 QList<Shortcut> system(const QList<Shortcut>& candidates);

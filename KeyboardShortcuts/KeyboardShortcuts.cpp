@@ -188,7 +188,11 @@ bool isPaused() {
 }
 
 void setPaused(bool paused) {
+    if (handlerTables().isPaused == paused) {
+        return;
+    }
     handlerTables().isPaused = paused;
+    CarbonKeyboardShortcuts::updateEventHandler();
 }
 
 bool isMenuOpen() {

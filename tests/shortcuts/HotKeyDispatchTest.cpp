@@ -171,9 +171,11 @@ TEST_F(HotKeyDispatchTest, NothingRunsWhilePaused) {
     int runs = 0;
     onKeyDown(name, [&] { ++runs; });
     setPaused(true);
+    EXPECT_TRUE(platform.hotKeys.registrations().isEmpty()) << "released so that a recorder gets the keys";
     press(platform.hotKeys, kOptionF5);
     EXPECT_EQ(runs, 0);
     setPaused(false);
+    EXPECT_EQ(platform.hotKeys.registrations().size(), 1);
     press(platform.hotKeys, kOptionF5);
     EXPECT_EQ(runs, 1);
 }

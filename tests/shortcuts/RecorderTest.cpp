@@ -14,6 +14,7 @@
 #include "KeyboardShortcuts/Recorder.h"
 #include "KeyboardShortcuts/RecorderCocoa.h"
 #include "KeyboardShortcuts/Utilities.h"
+#include "KeyboardShortcuts/ViewModifiers.h"
 #include "tests/shortcuts/ShortcutTestFixture.h"
 #include "tests/support/VirtualDesktop.h"
 
@@ -336,6 +337,18 @@ TEST_F(RecorderTest, AssignedGlobalShortcutDoesNotFireWhileRecording) {
     typeKey(Qt::Key_Escape);
     platform.hotKeys.press(38, 0x1800);
     EXPECT_EQ(runs, 1);
+}
+
+TEST_F(RecorderTest, ViewWithGlobalShortcutLosesItWhileRecordingAndRegainsIt) {
+    const Name viewName(QStringLiteral("view"));
+    setShortcut(Shortcut(Key::k, ModifierFlag::control | ModifierFlag::option), viewName);
+    globalKeyboardShortcut(other, viewName);
+    const QKeySequence expected(QKeyCombination(Qt::ControlModifier | Qt::AltModifier, Qt::Key_K));
+    EXPECT_EQ(other->shortcut(), expected);
+    startRecording();
+    EXPECT_TRUE(other->shortcut().isEmpty());
+    typeKey(Qt::Key_Escape);
+    EXPECT_EQ(other->shortcut(), expected);
 }
 
 TEST_F(RecorderTest, WindowLosingFocusEndsRecording) {
