@@ -6,7 +6,8 @@
 #include <QNetworkReply>
 #include <QNetworkRequest>
 
-Q_LOGGING_CATEGORY(lcUpdateChecker, "lattica.updates.checker")
+// Debug lines only when asked for with QT_LOGGING_RULES="lattica.updates*.debug=true".
+Q_LOGGING_CATEGORY(lcUpdateChecker, "lattica.updates.checker", QtInfoMsg)
 
 namespace {
 

@@ -8,7 +8,8 @@
 #include "platform/Activation.h"
 #include "platform/Platform.h"
 
-Q_LOGGING_CATEGORY(lcUpdater, "lattica.updates")
+// Debug lines only when asked for with QT_LOGGING_RULES="lattica.updates*.debug=true".
+Q_LOGGING_CATEGORY(lcUpdater, "lattica.updates", QtInfoMsg)
 
 Updater::Updater(SparkleUpdaterDelegate* delegate, QObject* parent)
     : QObject(parent),

@@ -1,11 +1,37 @@
 #include "tests/updater/LoopbackHttpServer.h"
 
+#include <QFile>
 #include <QHostAddress>
+#include <QSslCertificate>
+#include <QSslConfiguration>
+#include <QSslKey>
+#include <QSslServer>
 
-LoopbackHttpServer::LoopbackHttpServer() {
-    m_server.listen(QHostAddress::LocalHost, 0);
-    connect(&m_server, &QTcpServer::newConnection, this, [this] {
-        while (QTcpSocket* socket = m_server.nextPendingConnection()) {
+namespace {
+
+QByteArray fixture(const char* name) {
+    QFile file(QStringLiteral(LATTICA_SOURCE_DIR "/tests/updater/fixtures/") + QLatin1String(name));
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+std::unique_ptr<QTcpServer> makeServer(LoopbackHttpServer::Transport transport) {
+    if (transport == LoopbackHttpServer::Transport::PlainHttp) {
+        return std::make_unique<QTcpServer>();
+    }
+    auto server = std::make_unique<QSslServer>();
+    QSslConfiguration configuration = QSslConfiguration::defaultConfiguration();
+    configuration.setLocalCertificate(QSslCertificate(fixture("loopback-cert.pem")));
+    configuration.setPrivateKey(QSslKey(fixture("loopback-key.pem"), QSsl::Rsa));
+    server->setSslConfiguration(configuration);
+    return server;
+}
+
+}  // namespace
+
+LoopbackHttpServer::LoopbackHttpServer(Transport transport) : m_transport(transport), m_server(makeServer(transport)) {
+    m_server->listen(QHostAddress::LocalHost, 0);
+    connect(m_server.get(), &QTcpServer::pendingConnectionAvailable, this, [this] {
+        while (QTcpSocket* socket = m_server->nextPendingConnection()) {
             socket->setParent(this);
             connect(socket, &QTcpSocket::readyRead, this, [this, socket] { handleReadable(socket); });
             connect(socket, &QTcpSocket::disconnected, this, [this, socket] {
@@ -17,7 +43,8 @@ LoopbackHttpServer::LoopbackHttpServer() {
 }
 
 QUrl LoopbackHttpServer::url(const QString& path) const {
-    return QUrl(QStringLiteral("http://127.0.0.1:%1%2").arg(m_server.serverPort()).arg(path));
+    const QString scheme = m_transport == Transport::PlainHttp ? QStringLiteral("http") : QStringLiteral("https");
+    return QUrl(QStringLiteral("%1://127.0.0.1:%2%3").arg(scheme).arg(m_server->serverPort()).arg(path));
 }
 
 void LoopbackHttpServer::handleReadable(QTcpSocket* socket) {

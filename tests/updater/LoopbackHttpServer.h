@@ -6,9 +6,11 @@
 #include <QTcpServer>
 #include <QTcpSocket>
 #include <QUrl>
+#include <memory>
 
 // A minimal HTTP/1.1 server on 127.0.0.1 for update checks in tests. Each path answers with a
-// fixed status and body, or never answers at all.
+// fixed status and body, or never answers at all. With TLS it serves HTTPS under a self-signed
+// certificate for 127.0.0.1 that no client trusts.
 class LoopbackHttpServer : public QObject {
     Q_OBJECT
 public:
@@ -20,8 +22,10 @@ public:
         QByteArray location;  // sent as the Location header when set
     };
 
-    LoopbackHttpServer();
-    bool isListening() const { return m_server.isListening(); }
+    enum class Transport { PlainHttp, SelfSignedTls };
+
+    explicit LoopbackHttpServer(Transport transport = Transport::PlainHttp);
+    bool isListening() const { return m_server->isListening(); }
 
     void setRoute(const QString& path, const Route& route) { m_routes.insert(path, route); }
     QUrl url(const QString& path) const;
@@ -31,7 +35,8 @@ public:
 private:
     void handleReadable(QTcpSocket* socket);
 
-    QTcpServer m_server;
+    Transport m_transport;
+    std::unique_ptr<QTcpServer> m_server;
     QHash<QString, Route> m_routes;
     QHash<QTcpSocket*, QByteArray> m_pending;
     QList<QString> m_requestedPaths;

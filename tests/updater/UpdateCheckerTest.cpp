@@ -129,6 +129,17 @@ TEST_F(UpdateCheckerTest, OversizedFeedFails) {
     EXPECT_EQ(result.errorMessage, QStringLiteral("The update feed is larger than an update feed can be."));
 }
 
+TEST_F(UpdateCheckerTest, HttpsFeedWithAnUntrustedCertificateFails) {
+    LoopbackHttpServer tlsServer(LoopbackHttpServer::Transport::SelfSignedTls);
+    ASSERT_TRUE(tlsServer.isListening());
+    tlsServer.setRoute(QStringLiteral("/appcast.xml"), {200, AppcastFixtures::feed({{QStringLiteral("9.0"), {}, {}}})});
+    const UpdateCheckResult result = check(tlsServer.url(QStringLiteral("/appcast.xml")));
+    EXPECT_EQ(result.outcome, Outcome::Failed);
+    EXPECT_TRUE(result.errorMessage.startsWith(QStringLiteral("The update feed could not be loaded: ")))
+        << result.errorMessage.toStdString();
+    EXPECT_TRUE(tlsServer.requestedPaths().isEmpty());
+}
+
 TEST_F(UpdateCheckerTest, ClosedPortFails) {
     QTcpServer closed;
     ASSERT_TRUE(closed.listen(QHostAddress::LocalHost, 0));
