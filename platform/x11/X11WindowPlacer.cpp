@@ -7,7 +7,7 @@
 #include "platform/x11/X11WindowKinds.h"
 #include "platform/x11/X11WindowReader.h"
 
-Q_LOGGING_CATEGORY(lcPlacer, "lattica.x11.placer")
+Q_LOGGING_CATEGORY(lcPlacer, "lattica.x11.placer", QtInfoMsg)
 
 namespace {
 constexpr uint32_t kNorthWestGravity = 1;

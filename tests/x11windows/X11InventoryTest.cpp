@@ -1,0 +1,86 @@
+// The core's inventory (qualifying windows, snapshots per display) on the real X11 services.
+#include "app/ScreenSnapshotService.h"
+#include "platform/Platform.h"
+#include "tests/support/VirtualDesktop.h"
+#include "tests/x11windows/X11DesktopFixture.h"
+
+namespace {
+
+class X11InventoryTest : public X11DesktopFixture {
+protected:
+    QList<QualifiedWindow> ours() {
+        QList<QualifiedWindow> windows;
+        for (const QualifiedWindow& window : ScreenSnapshotService::qualifyingWindows()) {
+            if (window.ownerPID == client.pid()) {
+                windows.append(window);
+            }
+        }
+        return windows;
+    }
+};
+
+TEST_F(X11InventoryTest, OnlyUserWindowsQualify) {
+    const quint32 first = client.open(QStringLiteral("first"), placement(0, 100, 100, 500, 400));
+    const quint32 second = client.open(QStringLiteral("second"), placement(1, 100, 100, 600, 400));
+    const quint32 dialog =
+        client.open(QStringLiteral("dialog"), placement(2, 100, 100, 300, 200) + QStringLiteral(" type=dialog"));
+    for (const QString& other :
+         {QStringLiteral("type=dock"), QStringLiteral("type=desktop"), QStringLiteral("type=override"),
+          QStringLiteral("opacity=0"), QStringLiteral("states=above"), QStringLiteral("type=menu")}) {
+        ASSERT_NE(client.open(other.section(QLatin1Char('='), 1),
+                              placement(0, 300, 300, 300, 200) + QLatin1Char(' ') + other),
+                  0u)
+            << other.toStdString();
+    }
+    // Too small to count, even with its decorations (the frame stays under 120 points wide).
+    ASSERT_NE(client.open(QStringLiteral("tiny"), placement(0, 600, 600, 60, 40)), 0u);
+    ASSERT_NE(first, 0u);
+    ASSERT_NE(second, 0u);
+    ASSERT_NE(dialog, 0u);
+    const QList<QualifiedWindow> windows = ours();
+    ASSERT_EQ(windows.size(), 3);
+    QList<QRectF> bounds;
+    for (const QualifiedWindow& window : windows) {
+        bounds.append(window.bounds);
+        EXPECT_TRUE(window.isOnScreen);
+        EXPECT_FALSE(window.ownerName.isEmpty());
+    }
+    for (quint32 window : {first, second, dialog}) {
+        EXPECT_TRUE(bounds.contains(QRectF(frameFromTree(window)))) << window;
+    }
+    // Nothing of the tray host's qualifies.
+    for (const QualifiedWindow& window : ScreenSnapshotService::qualifyingWindows()) {
+        EXPECT_NE(window.ownerName.toLower(), QStringLiteral("trayer"));
+    }
+}
+
+TEST_F(X11InventoryTest, SnapshotsCountVisibleAndMinimisedWindowsPerDisplayAndCarryPictures) {
+    ASSERT_NE(client.open(QStringLiteral("a"), placement(0, 100, 100, 500, 400)), 0u);
+    ASSERT_NE(client.open(QStringLiteral("b"), placement(0, 700, 300, 500, 400)), 0u);
+    ASSERT_NE(client.open(QStringLiteral("c"), placement(0, 300, 500, 500, 300) + QStringLiteral(" states=minimized")),
+              0u);
+    ASSERT_NE(client.open(QStringLiteral("d"), placement(1, 100, 100, 500, 400)), 0u);
+    const QList<DisplayDescriptor> descriptors = ScreenSnapshotService::currentDisplayDescriptors();
+    ASSERT_EQ(descriptors.size(), monitors().size());
+    const QList<DisplaySnapshot> snapshots = ScreenSnapshotService::captureDisplaySnapshots(descriptors);
+    ASSERT_EQ(snapshots.size(), descriptors.size());
+    for (const DisplaySnapshot& snapshot : snapshots) {
+        ASSERT_TRUE(snapshot.previewImage.has_value());
+        EXPECT_EQ(snapshot.previewImage->size(), snapshot.bounds.size().toSize());
+        const int monitor = static_cast<int>(monitors().indexOf(snapshot.bounds.toRect()));
+        ASSERT_GE(monitor, 0);
+        const int visible = monitor == 0 ? 2 : (monitor == 1 ? 1 : 0);
+        const int invisible = monitor == 0 ? 1 : 0;
+        EXPECT_EQ(snapshot.visibleWindowCount, visible) << monitor;
+        EXPECT_EQ(snapshot.invisibleWindowCount, invisible) << monitor;
+        if (visible + invisible > 0) {
+            ASSERT_EQ(snapshot.appGroups.size(), 1) << monitor;
+            EXPECT_EQ(snapshot.appGroups[0].pid, client.pid());
+            EXPECT_EQ(snapshot.appGroups[0].windowCount, visible + invisible);
+        } else {
+            EXPECT_TRUE(snapshot.appGroups.isEmpty());
+        }
+    }
+}
+
+}  // namespace
