@@ -1,4 +1,5 @@
 #include <QLabel>
+#include <QPushButton>
 
 #include "app/views/SettingsSectionPage.h"
 #include "app/views/SettingsShortcutRow.h"
@@ -89,6 +90,15 @@ TEST_F(SettingsViewTest, DebugSectionExistsWithItsHeaderButIsOnlyReachableInCode
     for (const SettingsSection section : settings.sidebar()->listedSections()) {
         EXPECT_FALSE(settings.sidebar()->buttonFor(section)->isChecked());
     }
+}
+
+TEST_F(SettingsViewTest, DebugRefreshRereadsThePermissions) {
+    SettingsView& settings = makeView();
+    settings.setSelectedSection(SettingsSection::Debug);
+    platform.permissions.screenCaptureGranted = false;
+    QTest::mouseClick(find<QPushButton>(QStringLiteral("debug.refreshPermissions")), Qt::LeftButton);
+    EXPECT_FALSE(controller->permissionState().screenRecordingGranted);
+    EXPECT_EQ(find<QLabel>(QStringLiteral("badge.screenRecording"))->text(), QStringLiteral("Missing"));
 }
 
 TEST_F(SettingsViewTest, SelectionIsKeptWhileTheWindowIsHiddenAndShownAgain) {
