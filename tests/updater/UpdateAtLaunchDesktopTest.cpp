@@ -1,0 +1,96 @@
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+
+#include "tests/support/VirtualDesktop.h"
+#include "tests/updater/AppcastFixtures.h"
+#include "tests/updater/LoopbackHttpServer.h"
+
+namespace {
+
+// The program itself on the virtual desktop, its update feed served by this test on loopback. The
+// program's build number is compared with each release's machine version.
+class UpdateAtLaunchDesktopTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        ASSERT_TRUE(m_config.isValid());
+        ASSERT_TRUE(m_server.isListening());
+    }
+
+    void TearDown() override {
+        if (m_lattica.state() != QProcess::NotRunning) {
+            m_lattica.terminate();
+            m_lattica.waitForFinished(10000);
+        }
+    }
+
+    void serveRelease(const QString& version) {
+        m_server.setRoute(QStringLiteral("/appcast.xml"),
+                          {200, AppcastFixtures::feed({{version, QStringLiteral("9.9.9"), {}}})});
+    }
+
+    void storeAutomaticCheck(bool enabled) {
+        QDir().mkpath(m_config.filePath(QStringLiteral("lattica")));
+        QFile file(m_config.filePath(QStringLiteral("lattica/defaults.json")));
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(QByteArray(R"({"autoCheckForUpdatesOnLaunch":{"bool":)") + (enabled ? "true" : "false") + "}}");
+    }
+
+    void launch() {
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(QStringLiteral("XDG_CONFIG_HOME"), m_config.path());
+        environment.insert(QStringLiteral("LATTICA_APPCAST_URL"),
+                           m_server.url(QStringLiteral("/appcast.xml")).toString());
+        m_lattica.setProcessEnvironment(environment);
+        m_lattica.setProcessChannelMode(QProcess::ForwardedChannels);
+        m_lattica.start(QStringLiteral(LATTICA_BINARY), {});
+        ASSERT_TRUE(m_lattica.waitForStarted(5000));
+    }
+
+    static bool updateWindowShown() {
+        return !VirtualDesktop::output(QStringLiteral("xdotool"),
+                                       {QStringLiteral("search"), QStringLiteral("--onlyvisible"),
+                                        QStringLiteral("--name"), QStringLiteral("^Software Update$")})
+                    .trimmed()
+                    .isEmpty();
+    }
+
+    QTemporaryDir m_config;
+    LoopbackHttpServer m_server;
+    QProcess m_lattica;
+};
+
+TEST_F(UpdateAtLaunchDesktopTest, LaunchWithANewerReleaseShowsTheUpdateWindow) {
+    serveRelease(QStringLiteral("1000"));
+    launch();
+    ASSERT_TRUE(VirtualDesktop::waitUntil([this] { return m_server.requestedPaths().size() == 1; }, 10000));
+    EXPECT_TRUE(VirtualDesktop::waitUntil([] { return updateWindowShown(); }, 10000));
+}
+
+TEST_F(UpdateAtLaunchDesktopTest, LaunchWithoutANewerReleaseShowsNothing) {
+    serveRelease(QString::fromLatin1(LATTICA_BUILD_NUMBER));
+    launch();
+    ASSERT_TRUE(VirtualDesktop::waitUntil([this] { return m_server.requestedPaths().size() == 1; }, 10000));
+    // Nothing is expected to appear: give the program a moment in which a window would have shown.
+    EXPECT_FALSE(VirtualDesktop::waitUntil([] { return updateWindowShown(); }, 1500));
+}
+
+TEST_F(UpdateAtLaunchDesktopTest, LaunchWithAutomaticChecksOffReadsNoFeed) {
+    storeAutomaticCheck(false);
+    serveRelease(QStringLiteral("1000"));
+    launch();
+    // The launch sequence has run once the program has written its other defaults.
+    ASSERT_TRUE(VirtualDesktop::waitUntil(
+        [this] {
+            QFile file(m_config.filePath(QStringLiteral("lattica/defaults.json")));
+            return file.open(QIODevice::ReadOnly) && file.readAll().contains("adjustWindowSizeToTargetScreen");
+        },
+        10000));
+    EXPECT_FALSE(VirtualDesktop::waitUntil([this] { return !m_server.requestedPaths().isEmpty(); }, 1500));
+    EXPECT_FALSE(updateWindowShown());
+}
+
+}  // namespace
