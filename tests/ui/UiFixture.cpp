@@ -10,6 +10,8 @@ void UiTest::SetUp() {
     QApplication::setQuitOnLastWindowClosed(false);
     platform.permissions.screenCaptureGranted = true;
     platform.permissions.trusted = true;
+    // The launch sequence would otherwise start an update check over the network.
+    platform.userDefaults.setObject(QStringLiteral("autoCheckForUpdatesOnLaunch"), false);
     setDisplayCount(2);
 }
 

@@ -1,0 +1,394 @@
+// The real panel on the virtual desktop: X11 services, a tray host, a window manager and test clients.
+#include <gtest/gtest.h>
+#include <xcb/xcb.h>
+#include <xcb/xtest.h>
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QGuiApplication>
+#include <QMenu>
+#include <QPushButton>
+#include <QScreen>
+#include <QTemporaryDir>
+#include <QThreadPool>
+#include <cstdio>
+#include <cstdlib>
+
+#include "app/AppController.h"
+#include "app/LatticaApp.h"
+#include "app/views/DisplayCardView.h"
+#include "app/views/MenuBarContentView.h"
+#include "platform/Activation.h"
+#include "platform/UserDefaults.h"
+#include "platform/WindowServer.h"
+#include "platform/x11/X11Connection.h"
+#include "platform/x11/X11Platform.h"
+#include "tests/support/VirtualDesktop.h"
+#include "tests/testclient/TestClient.h"
+
+namespace {
+
+// Notes when the cards were first painted as placeholders and when all of them were painted with previews.
+class PaintWatcher : public QObject {
+public:
+    QElapsedTimer clock;
+    qint64 cardsPainted = -1;
+    bool firstPaintWasPlaceholder = false;
+    qint64 previewsPainted = -1;
+    int expectedCards = 0;
+    QSet<QObject*> cardsWithPreview;
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() == QEvent::Paint && clock.isValid()) {
+            if (auto* card = qobject_cast<DisplayCardView*>(watched)) {
+                if (cardsPainted < 0) {
+                    cardsPainted = clock.elapsed();
+                    firstPaintWasPlaceholder = card->isLoadingPreview();
+                }
+                if (card->display().previewImage.has_value() && !card->scaledPreview().isNull()) {
+                    cardsWithPreview.insert(card);
+                    if (previewsPainted < 0 && cardsWithPreview.size() == expectedCards) {
+                        previewsPainted = clock.elapsed();
+                    }
+                }
+            }
+        }
+        return QObject::eventFilter(watched, event);
+    }
+};
+
+class PanelOnDesktop : public ::testing::Test {
+protected:
+    void SetUp() override {
+        ASSERT_TRUE(m_config.isValid());
+        qputenv("XDG_CONFIG_HOME", m_config.path().toUtf8());
+        QApplication::setQuitOnLastWindowClosed(false);
+        platform = X11Platform::connect();
+        ASSERT_NE(platform, nullptr);
+        platform->install();
+        // No update check over the network from tests.
+        platform->services().userDefaults->setObject(QStringLiteral("autoCheckForUpdatesOnLaunch"), false);
+        monitors = VirtualDesktop::layout();
+        controller = std::make_unique<AppController>();
+        app = std::make_unique<LatticaApp>(*controller);
+        app->start();
+        ASSERT_TRUE(app->hasTrayHost()) << "the virtual desktop runs a tray host";
+        ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return trayIconIsClickable(); }, 10000));
+    }
+
+    void TearDown() override {
+        for (QWidget* window : {controller->settingsWindow(), controller->permissionWindow()}) {
+            if (window) {
+                window->close();
+            }
+        }
+        app->closePanel();
+        QCoreApplication::processEvents();
+        app.reset();
+        QThreadPool::globalInstance()->waitForDone();
+        QCoreApplication::processEvents();
+        controller.reset();
+        platform.reset();
+    }
+
+    xcb_connection_t* xcb() const { return platform->connection().xcb(); }
+
+    void movePointer(const QPoint& point) {
+        xcb_test_fake_input(xcb(), XCB_MOTION_NOTIFY, 0, XCB_CURRENT_TIME, platform->connection().root(),
+                            static_cast<int16_t>(point.x()), static_cast<int16_t>(point.y()), 0);
+        xcb_flush(xcb());
+        std::free(xcb_get_input_focus_reply(xcb(), xcb_get_input_focus(xcb()), nullptr));
+    }
+
+    void click(const QPoint& point) {
+        movePointer(point);
+        xcb_test_fake_input(xcb(), XCB_BUTTON_PRESS, 1, XCB_CURRENT_TIME, XCB_NONE, 0, 0, 0);
+        xcb_test_fake_input(xcb(), XCB_BUTTON_RELEASE, 1, XCB_CURRENT_TIME, XCB_NONE, 0, 0, 0);
+        xcb_flush(xcb());
+    }
+
+    // Whether some client (the open panel) holds the pointer: our own grab is then refused.
+    bool pointerIsGrabbed() {
+        xcb_grab_pointer_reply_t* reply =
+            xcb_grab_pointer_reply(xcb(),
+                                   xcb_grab_pointer(xcb(), 0, platform->connection().root(), 0, XCB_GRAB_MODE_ASYNC,
+                                                    XCB_GRAB_MODE_ASYNC, XCB_NONE, XCB_NONE, XCB_CURRENT_TIME),
+                                   nullptr);
+        const bool grabbed = reply != nullptr && reply->status == XCB_GRAB_STATUS_ALREADY_GRABBED;
+        if (reply != nullptr && reply->status == XCB_GRAB_STATUS_SUCCESS) {
+            xcb_ungrab_pointer(xcb(), XCB_CURRENT_TIME);
+            xcb_flush(xcb());
+        }
+        std::free(reply);
+        return grabbed;
+    }
+
+    // The tray host has embedded the icon: its window is mapped, inside the host, where Qt reports it.
+    bool trayIconIsClickable() {
+        const QRect icon = app->trayIcon()->geometry();
+        if (icon.width() <= 4 || icon.x() <= 0) {
+            return false;
+        }
+        for (QWidget* widget : QApplication::topLevelWidgets()) {
+            if (qstrcmp(widget->metaObject()->className(), "QSystemTrayIconSys") != 0 || !widget->isVisible()) {
+                continue;
+            }
+            const auto window = static_cast<xcb_window_t>(widget->winId());
+            xcb_get_window_attributes_reply_t* attributes =
+                xcb_get_window_attributes_reply(xcb(), xcb_get_window_attributes(xcb(), window), nullptr);
+            xcb_translate_coordinates_reply_t* position = xcb_translate_coordinates_reply(
+                xcb(), xcb_translate_coordinates(xcb(), window, platform->connection().root(), 0, 0), nullptr);
+            const bool viewable = attributes != nullptr && attributes->map_state == XCB_MAP_STATE_VIEWABLE;
+            const bool placed = position != nullptr && position->dst_x == icon.x() && position->dst_y == icon.y();
+            std::free(attributes);
+            std::free(position);
+            if (viewable && placed) {
+                return true;
+            }
+        }
+        return false;
+    }
+
+    QPoint trayIconCentre() const {
+        const QRect icon = app->trayIcon()->geometry();
+        return {icon.x() + icon.width() / 2, icon.y() + icon.height() / 2};
+    }
+
+    // A client with count windows on a monitor, each 500 x 400, in one colour.
+    quint32 openWindows(TestClient& client, const QString& name, int monitor, int count, const QString& colour) {
+        quint32 last = 0;
+        for (int i = 0; i < count; ++i) {
+            const QRect area = monitors[monitor];
+            last = client.open(name + QString::number(i), QStringLiteral("x=%1 y=%2 w=500 h=400 color=%3 pid=yes")
+                                                              .arg(area.x() + 100 + i * 60)
+                                                              .arg(area.y() + 100 + i * 60)
+                                                              .arg(colour));
+            EXPECT_NE(last, 0u);
+        }
+        return last;
+    }
+
+    // The window's frame in the window server's list, or an empty rectangle.
+    static QRectF frameOf(quint32 window) {
+        const std::optional<QList<WindowInfo>> list =
+            Platform::services().windowServer->copyWindowInfo(kCGWindowListOptionAll);
+        for (const WindowInfo& entry : list.value_or(QList<WindowInfo>{})) {
+            if (entry.value(QLatin1String(kCGWindowNumber)).toLongLong() == window) {
+                const QVariantMap bounds = entry.value(QLatin1String(kCGWindowBounds)).toMap();
+                return {bounds.value(QStringLiteral("X")).toDouble(), bounds.value(QStringLiteral("Y")).toDouble(),
+                        bounds.value(QStringLiteral("Width")).toDouble(),
+                        bounds.value(QStringLiteral("Height")).toDouble()};
+            }
+        }
+        return {};
+    }
+
+    int monitorOf(const QRectF& frame) const {
+        for (int i = 0; i < monitors.size(); ++i) {
+            if (monitors[i].contains(frame.center().toPoint())) {
+                return i;
+            }
+        }
+        return -1;
+    }
+
+    bool openPanelByClick(PaintWatcher* watcher = nullptr) {
+        if (watcher) {
+            watcher->expectedCards = static_cast<int>(monitors.size());
+            watcher->clock.start();
+        }
+        // Right after the tray host has embedded a new icon it may still be laying its icons out; a click
+        // that lands in that moment is lost, as a person's would be, and they click again.
+        for (int attempt = 0; attempt < 5; ++attempt) {
+            movePointer(monitors[0].center());
+            click(trayIconCentre());
+            if (VirtualDesktop::waitUntil([&] { return app->panel() && app->panel()->isVisible(); }, 1000)) {
+                return true;
+            }
+        }
+        return false;
+    }
+
+    bool previewsArrived() const {
+        const QList<DisplayCardView*> cards = app->panelContent()->cards();
+        if (cards.size() != monitors.size() || controller->isLoadingPreviews()) {
+            return false;
+        }
+        for (DisplayCardView* card : cards) {
+            if (!card->display().previewImage.has_value() || card->scaledPreview().isNull()) {
+                return false;
+            }
+        }
+        return true;
+    }
+
+    std::unique_ptr<X11Platform> platform;
+    std::unique_ptr<AppController> controller;
+    std::unique_ptr<LatticaApp> app;
+    QList<QRect> monitors;
+
+private:
+    QTemporaryDir m_config;
+};
+
+TEST_F(PanelOnDesktop, TrayClickOpensThePanelWithOneCardPerMonitorAndPreviews) {
+    TestClient client;
+    ASSERT_TRUE(client.start());
+    for (int i = 0; i < monitors.size(); ++i) {
+        openWindows(client, QStringLiteral("w%1-").arg(i), i, 1, QStringLiteral("#3366cc"));
+    }
+    PaintWatcher watcher;
+    qApp->installEventFilter(&watcher);
+    ASSERT_TRUE(openPanelByClick(&watcher));
+    EXPECT_TRUE(app->panel()->windowFlags().testFlag(Qt::Popup));
+    ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return previewsArrived(); }, 10000));
+    ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return watcher.previewsPainted >= 0; }, 5000));
+    qApp->removeEventFilter(&watcher);
+
+    const QList<DisplayCardView*> cards = app->panelContent()->cards();
+    for (int i = 0; i < cards.size(); ++i) {
+        EXPECT_EQ(cards[i]->display().index, i + 1);
+        EXPECT_EQ(cards[i]->display().bounds, QRectF(monitors[i]));
+        EXPECT_GE(cards[i]->display().visibleWindowCount.value_or(-1), 1);
+    }
+    // Placed next to the tray icon, inside the screen.
+    const QRect panel = app->panel()->frameGeometry();
+    const QScreen* screen = QGuiApplication::screenAt(trayIconCentre());
+    ASSERT_NE(screen, nullptr);
+    EXPECT_TRUE(screen->geometry().contains(panel)) << panel.x() << "," << panel.y();
+    EXPECT_LE(std::abs(panel.center().x() - trayIconCentre().x()), panel.width() / 2);
+
+    std::printf(
+        "[ figures ] tray click to cards first painted: %lld ms (%s); to previews painted: %lld ms "
+        "(%lld monitors)\n",
+        static_cast<long long>(watcher.cardsPainted),
+        watcher.firstPaintWasPlaceholder ? "placeholders" : "the capture had already arrived",
+        static_cast<long long>(watcher.previewsPainted), static_cast<long long>(monitors.size()));
+    EXPECT_GE(watcher.cardsPainted, 0);
+    EXPECT_GE(watcher.previewsPainted, watcher.cardsPainted);
+}
+
+TEST_F(PanelOnDesktop, ClickOnTheTrayIconWhileOpenClosesThePanel) {
+    ASSERT_TRUE(openPanelByClick());
+    // A person clicks again only after the panel has taken the pointer.
+    ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return pointerIsGrabbed(); }));
+    click(trayIconCentre());
+    EXPECT_TRUE(VirtualDesktop::waitUntil([&] { return !app->panel()->isVisible(); }, 5000));
+}
+
+TEST_F(PanelOnDesktop, MoveButtonSendsTheMonitorsWindowsToTheTargetAndRefreshes) {
+    TestClient client;
+    ASSERT_TRUE(client.start());
+    openWindows(client, QStringLiteral("a"), 0, 2, QStringLiteral("#cc3333"));
+    const quint32 first = client.window(QStringLiteral("a0"));
+    const quint32 second = client.window(QStringLiteral("a1"));
+    ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return monitorOf(frameOf(second)) == 0; }));
+
+    ASSERT_TRUE(openPanelByClick());
+    ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return previewsArrived(); }, 10000));
+    DisplayCardView* card = app->panelContent()->cards()[0];
+    const int before = card->display().visibleWindowCount.value_or(0);
+    QPushButton* target = nullptr;
+    for (QPushButton* button : card->findChildren<QPushButton*>(QStringLiteral("moveTargetButton"))) {
+        if (button->isVisible() &&
+            button->property("targetDisplayID") == app->panelContent()->cards()[1]->display().id) {
+            target = button;
+        }
+    }
+    ASSERT_NE(target, nullptr);
+    click(target->mapToGlobal(target->rect().center()));
+
+    ASSERT_TRUE(VirtualDesktop::waitUntil(
+        [&] { return controller->statusMessage().startsWith(QStringLiteral("Moved ")); }, 10000));
+    EXPECT_EQ(controller->statusMessage(), QStringLiteral("Moved %1 of %1 windows.").arg(before));
+    EXPECT_EQ(monitorOf(frameOf(first)), 1);
+    EXPECT_EQ(monitorOf(frameOf(second)), 1);
+    // The panel shows the new arrangement once the new capture is in.
+    ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return previewsArrived(); }, 10000));
+    EXPECT_EQ(app->panelContent()->cards()[0]->display().visibleWindowCount, 0);
+    EXPECT_GE(app->panelContent()->cards()[1]->display().visibleWindowCount.value_or(0), 2);
+}
+
+TEST_F(PanelOnDesktop, ApplicationMenuMovesOnlyThatApplicationsWindows) {
+    TestClient mail;
+    TestClient notes;
+    ASSERT_TRUE(mail.start());
+    ASSERT_TRUE(notes.start());
+    openWindows(mail, QStringLiteral("m"), 0, 2, QStringLiteral("#33aa55"));
+    openWindows(notes, QStringLiteral("n"), 0, 1, QStringLiteral("#aa7733"));
+
+    ASSERT_TRUE(openPanelByClick());
+    ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return previewsArrived(); }, 10000));
+    DisplayCardView* card = app->panelContent()->cards()[0];
+    QAction* mailGroup = nullptr;
+    for (QAction* action : card->appMenu()->actions()) {
+        if (action->menu() && action->menu()->property("pid").toLongLong() == mail.pid()) {
+            mailGroup = action;
+        }
+    }
+    ASSERT_NE(mailGroup, nullptr) << "menu: " << card->appMenuReloadKey().toStdString();
+    EXPECT_TRUE(mailGroup->text().endsWith(QStringLiteral(" (2)"))) << mailGroup->text().toStdString();
+    QAction* toThird = mailGroup->menu()->actions().value(1);
+    ASSERT_NE(toThird, nullptr);
+    toThird->trigger();
+
+    EXPECT_TRUE(controller->statusMessage().startsWith(QStringLiteral("Moved 2 of 2 ")))
+        << controller->statusMessage().toStdString();
+    EXPECT_EQ(monitorOf(frameOf(mail.window(QStringLiteral("m0")))), 2);
+    EXPECT_EQ(monitorOf(frameOf(mail.window(QStringLiteral("m1")))), 2);
+    EXPECT_EQ(monitorOf(frameOf(notes.window(QStringLiteral("n0")))), 0);
+}
+
+TEST_F(PanelOnDesktop, SettingsWindowOpenedTwiceIsTheSameWindowPlacedUnderThePointer) {
+    movePointer(monitors[1].center());
+    controller->showSettingsWindow();
+    QWidget* window = controller->settingsWindow();
+    ASSERT_NE(window, nullptr);
+    ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return monitorOf(window->frameGeometry()) == 1; }, 5000))
+        << window->frameGeometry().x();
+    const QRect onSecond = window->geometry();
+    EXPECT_NEAR(onSecond.center().x(), monitors[1].center().x(), 2);
+    EXPECT_LE(std::abs(window->frameGeometry().top() - (monitors[1].top() + 24)), 2);
+
+    movePointer(monitors[2].center());
+    controller->showSettingsWindow();
+    EXPECT_EQ(controller->settingsWindow(), window);
+    ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return monitorOf(window->frameGeometry()) == 2; }, 5000));
+    EXPECT_NEAR(window->geometry().center().x(), monitors[2].center().x(), 2);
+}
+
+TEST_F(PanelOnDesktop, AccessoryWindowsStayOutOfTheTaskbarAndRegularOnesShowInIt) {
+    ASSERT_TRUE(VirtualDesktop::waitUntil(
+        [&] { return platform->services().activation->activationPolicy() == ActivationPolicy::Accessory; }));
+    controller->showSettingsWindow();
+    QWidget* window = controller->settingsWindow();
+    const auto xid = static_cast<xcb_window_t>(window->winId());
+    X11Connection& x11 = platform->connection();
+    auto states = [&] {
+        QList<xcb_atom_t> atoms;
+        xcb_get_property_reply_t* reply = xcb_get_property_reply(
+            xcb(), xcb_get_property(xcb(), 0, xid, x11.atom("_NET_WM_STATE"), XCB_ATOM_ATOM, 0, 64), nullptr);
+        if (reply) {
+            const auto* values = static_cast<const xcb_atom_t*>(xcb_get_property_value(reply));
+            for (int i = 0; i < xcb_get_property_value_length(reply) / 4; ++i) {
+                atoms.append(values[i]);
+            }
+        }
+        std::free(reply);
+        return atoms;
+    };
+    const xcb_atom_t skipTaskbar = x11.atom("_NET_WM_STATE_SKIP_TASKBAR");
+    const xcb_atom_t skipPager = x11.atom("_NET_WM_STATE_SKIP_PAGER");
+    EXPECT_TRUE(
+        VirtualDesktop::waitUntil([&] { return states().contains(skipTaskbar) && states().contains(skipPager); }));
+
+    controller->setDockIconVisible(true);
+    EXPECT_TRUE(
+        VirtualDesktop::waitUntil([&] { return !states().contains(skipTaskbar) && !states().contains(skipPager); }));
+
+    controller->setDockIconVisible(false);
+    EXPECT_TRUE(VirtualDesktop::waitUntil([&] { return states().contains(skipTaskbar); }));
+}
+
+}  // namespace
