@@ -37,11 +37,19 @@ QString SettingsShortcutsSection::disconnectedEmptyText() const {
 }
 
 void SettingsShortcutsSection::rebuildConnected() {
+    if (m_connectedShown == m_controller.connectedShortcutDisplays()) {
+        return;
+    }
+    m_connectedShown = m_controller.connectedShortcutDisplays();
     m_connectedRows = fill(m_connectedCard, m_controller.connectedShortcutDisplays(),
                            QStringLiteral("No connected screens were detected."), &m_connectedEmpty);
 }
 
 void SettingsShortcutsSection::rebuildDisconnected() {
+    if (m_disconnectedShown == m_controller.disconnectedShortcutDisplays()) {
+        return;
+    }
+    m_disconnectedShown = m_controller.disconnectedShortcutDisplays();
     m_disconnectedRows = fill(m_disconnectedCard, m_controller.disconnectedShortcutDisplays(),
                               QStringLiteral("No disconnected screens with saved shortcuts."), &m_disconnectedEmpty);
     for (SettingsShortcutRow* row : std::as_const(m_disconnectedRows)) {

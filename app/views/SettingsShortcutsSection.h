@@ -2,6 +2,7 @@
 
 #include <QList>
 #include <QWidget>
+#include <optional>
 
 #include "app/Models.h"
 
@@ -33,6 +34,9 @@ private:
     SettingsCard* m_disconnectedCard = nullptr;
     QLabel* m_connectedEmpty = nullptr;
     QLabel* m_disconnectedEmpty = nullptr;
+    // What the rows show now; an unchanged list leaves the rows (and a recorder in use) alone.
+    std::optional<QList<ShortcutDisplayItem>> m_connectedShown;
+    std::optional<QList<ShortcutDisplayItem>> m_disconnectedShown;
     QList<SettingsShortcutRow*> m_connectedRows;
     QList<SettingsShortcutRow*> m_disconnectedRows;
 };

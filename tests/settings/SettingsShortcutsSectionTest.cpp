@@ -116,6 +116,27 @@ TEST_F(SettingsShortcutsSectionTest, DeleteButtonForgetsTheDisconnectedDisplay) 
     EXPECT_TRUE(view->findChildren<QToolButton*>(QStringLiteral("deleteShortcutMapping")).isEmpty());
 }
 
+TEST_F(SettingsShortcutsSectionTest, UnchangedDisplaysKeepTheirRowsAndRecorders) {
+    SettingsShortcutsSection* section = shortcuts();
+    const QList<SettingsShortcutRow*> before = section->connectedRows();
+    ASSERT_EQ(before.size(), 2);
+    KeyboardShortcuts::Recorder* recorder = before[1]->recorder();
+    controller->refreshShortcutDisplays();
+    controller->refreshForMenuOpen();
+    EXPECT_EQ(section->connectedRows(), before);
+    EXPECT_EQ(section->connectedRows()[1]->recorder(), recorder);
+}
+
+TEST_F(SettingsShortcutsSectionTest, RenamedDisplayGetsItsNewLabel) {
+    SettingsShortcutsSection* section = shortcuts();
+    FakeDisplays::Display renamed = studioDisplay();
+    renamed.name = QStringLiteral("Studio Display XDR");
+    platform.displays.setDisplays({mainDisplay(), renamed});
+    controller->refreshShortcutDisplays();
+    EXPECT_EQ(labels(section->connectedRows()),
+              (QStringList{QStringLiteral("1. Built-in Display"), QStringLiteral("2. Studio Display XDR")}));
+}
+
 TEST_F(SettingsShortcutsSectionTest, ReconnectedDisplayReturnsToTheConnectedGroup) {
     SettingsShortcutsSection* section = shortcuts();
     platform.displays.setDisplays({mainDisplay()});
