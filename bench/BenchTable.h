@@ -16,6 +16,11 @@ struct Figures {
     double maximum = 0;
 };
 
+inline Figures summarize(std::vector<double> times) {
+    std::sort(times.begin(), times.end());
+    return {times[times.size() / 2], times.front(), times.back()};
+}
+
 inline Figures measure(int repetitions, const std::function<void()>& action) {
     std::vector<double> times;
     for (int i = 0; i < repetitions; ++i) {
@@ -24,8 +29,7 @@ inline Figures measure(int repetitions, const std::function<void()>& action) {
         action();
         times.push_back(static_cast<double>(timer.nsecsElapsed()) / 1e6);
     }
-    std::sort(times.begin(), times.end());
-    return {times[times.size() / 2], times.front(), times.back()};
+    return summarize(times);
 }
 
 inline void header(const char* title) {
