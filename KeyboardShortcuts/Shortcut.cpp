@@ -112,7 +112,8 @@ std::optional<Shortcut> Shortcut::fromJson(const QByteArray& json) {
     const QJsonObject object = document.object();
     const std::optional<int> keyCode = integerMember(object, "carbonKeyCode");
     const std::optional<int> modifiers = integerMember(object, "carbonModifiers");
-    if (!keyCode || !modifiers) {
+    // Key codes are 16-bit; a larger stored one is corrupt data, not a key.
+    if (!keyCode || !modifiers || *keyCode < 0 || *keyCode > 0xFFFF) {
         return std::nullopt;
     }
     return Shortcut(*keyCode, *modifiers);

@@ -45,7 +45,8 @@ public:
 
     // {"carbonKeyCode":40,"carbonModifiers":4352}
     QByteArray toJson() const;
-    // Either key order; nothing when a key is missing, not an integer or outside 32 bits.
+    // Either key order; nothing when a member is missing, not an integer or outside 32 bits, or when the
+    // key code is outside 0...65535.
     static std::optional<Shortcut> fromJson(const QByteArray& json);
 
     bool operator==(const Shortcut&) const = default;

@@ -6,6 +6,7 @@
 #include <QPushButton>
 #include <QTest>
 #include <QTimer>
+#include <QToolButton>
 #include <QVBoxLayout>
 
 #include "KeyboardShortcuts/CarbonKeyboardShortcuts.h"
@@ -267,6 +268,25 @@ TEST_F(RecorderTest, ClearButtonClearsAndStartsRecording) {
     recorder->cancelButton()->trigger();
     EXPECT_EQ(platform.userDefaults.object(userDefaultsKey(withDefault)), QVariant(false));
     EXPECT_TRUE(VirtualDesktop::waitUntil([this] { return recorder->isRecording(); }));
+}
+
+TEST_F(RecorderTest, ClickingTheClearButtonClearsTheShortcut) {
+    setShortcut(Shortcut(Key::f5), name);
+    showWindow();
+    QToolButton* clearButton = nullptr;
+    for (QToolButton* button : recorder->findChildren<QToolButton*>()) {
+        if (button->defaultAction() == recorder->cancelButton()) {
+            clearButton = button;
+        }
+    }
+    ASSERT_NE(clearButton, nullptr);
+    ASSERT_TRUE(clearButton->isVisible());
+    QTest::mouseClick(clearButton, Qt::LeftButton);
+    EXPECT_FALSE(getShortcut(name));
+    EXPECT_EQ(recorder->text(), QString());
+    EXPECT_FALSE(recorder->cancelButton()->isVisible());
+    ASSERT_EQ(changes.size(), 1);
+    EXPECT_EQ(changes.first(), std::nullopt);
 }
 
 TEST_F(RecorderTest, F12AloneIsNeverASystemConflict) {

@@ -177,7 +177,13 @@ TEST_F(ShortcutModelTest, JsonReaderRefusesMissingOrWrongMembers) {
 TEST_F(ShortcutModelTest, JsonReaderRefusesNumbersOutside32Bits) {
     EXPECT_FALSE(Shortcut::fromJson("{\"carbonKeyCode\":4294967336,\"carbonModifiers\":4352}"));
     EXPECT_FALSE(Shortcut::fromJson("{\"carbonKeyCode\":40,\"carbonModifiers\":-2147483649}"));
-    EXPECT_EQ(Shortcut::fromJson("{\"carbonKeyCode\":2147483647,\"carbonModifiers\":0}"), Shortcut(2147483647, 0));
+    EXPECT_EQ(Shortcut::fromJson("{\"carbonKeyCode\":40,\"carbonModifiers\":2147483647}"), Shortcut(40, 2147483647));
+}
+
+TEST_F(ShortcutModelTest, JsonReaderRefusesKeyCodesOutside16Bits) {
+    EXPECT_FALSE(Shortcut::fromJson("{\"carbonKeyCode\":65536,\"carbonModifiers\":0}"));
+    EXPECT_FALSE(Shortcut::fromJson("{\"carbonKeyCode\":-1,\"carbonModifiers\":0}"));
+    EXPECT_EQ(Shortcut::fromJson("{\"carbonKeyCode\":65535,\"carbonModifiers\":0}"), Shortcut(65535, 0));
 }
 
 TEST_F(ShortcutModelTest, JsonRoundTripKeepsEveryNamedKey) {
