@@ -1,0 +1,91 @@
+// Desktop entries that name and draw applications, matched against WM_CLASS. No X server needed.
+#include <gtest/gtest.h>
+
+#include <unistd.h>
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include "platform/x11/X11WindowDesktopEntries.h"
+#include "platform/x11/X11WindowOwners.h"
+
+namespace {
+
+class X11WindowDesktopEntriesTest : public ::testing::Test {
+protected:
+    void write(const QString& directory, const QString& relative, const QByteArray& text) {
+        const QString path = directory + QLatin1Char('/') + relative;
+        QDir().mkpath(QFileInfo(path).path());
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(text);
+    }
+    QTemporaryDir first;
+    QTemporaryDir second;
+};
+
+TEST_F(X11WindowDesktopEntriesTest, StartupWmClassWinsOverTheFileName) {
+    write(first.path(), QStringLiteral("editor.desktop"), "[Desktop Entry]\nType=Application\nName=By File\n");
+    write(first.path(), QStringLiteral("other.desktop"),
+          "[Desktop Entry]\nType=Application\nName=By Class\nStartupWMClass=Editor\nIcon=accessories-text-editor\n");
+    X11WindowDesktopEntries entries({first.path()});
+    const auto entry = entries.find("editor", "Editor");
+    ASSERT_TRUE(entry.has_value());
+    EXPECT_EQ(entry->name, QStringLiteral("By Class"));
+    EXPECT_EQ(entry->icon, QStringLiteral("accessories-text-editor"));
+}
+
+TEST_F(X11WindowDesktopEntriesTest, FileNameMatchesClassOrInstanceWithoutCase) {
+    write(first.path(), QStringLiteral("Gimp.desktop"), "[Desktop Entry]\nType=Application\nName=GNU Image\n");
+    write(first.path(), QStringLiteral("org.example.Viewer.desktop"),
+          "[Desktop Entry]\nType=Application\nName=Viewer\n");
+    X11WindowDesktopEntries entries({first.path()});
+    EXPECT_EQ(entries.find("gimp-2.10", "GIMP").value_or(X11WindowDesktopEntries::Entry{}).name,
+              QStringLiteral("GNU Image"));
+    EXPECT_EQ(entries.find("gimp", "Gimp-2.10").value_or(X11WindowDesktopEntries::Entry{}).name,
+              QStringLiteral("GNU Image"));
+    // A reverse-domain file name also matches by its last part.
+    EXPECT_EQ(entries.find("viewer", "Viewer").value_or(X11WindowDesktopEntries::Entry{}).name,
+              QStringLiteral("Viewer"));
+    EXPECT_FALSE(entries.find("nothing", "Nothing").has_value());
+    EXPECT_FALSE(entries.find("", "").has_value());
+}
+
+TEST_F(X11WindowDesktopEntriesTest, OnlyApplicationsWithANameInTheMainGroupCount) {
+    write(first.path(), QStringLiteral("link.desktop"), "[Desktop Entry]\nType=Link\nName=A Link\n");
+    write(first.path(), QStringLiteral("nameless.desktop"), "[Desktop Entry]\nType=Application\n");
+    write(first.path(), QStringLiteral("action.desktop"),
+          "[Desktop Entry]\nType=Application\nName=Main\n[Desktop Action New]\nName=Action\n");
+    write(first.path(), QStringLiteral("broken.desktop"), "this is = not\n an entry");
+    X11WindowDesktopEntries entries({first.path()});
+    EXPECT_FALSE(entries.find("link", "Link").has_value());
+    EXPECT_FALSE(entries.find("nameless", "Nameless").has_value());
+    EXPECT_FALSE(entries.find("broken", "Broken").has_value());
+    EXPECT_EQ(entries.find("action", "Action").value_or(X11WindowDesktopEntries::Entry{}).name, QStringLiteral("Main"));
+}
+
+TEST_F(X11WindowDesktopEntriesTest, EarlierDirectoriesWinAndSubdirectoriesAreSearched) {
+    write(first.path(), QStringLiteral("tool.desktop"), "[Desktop Entry]\nType=Application\nName=Mine\n");
+    write(second.path(), QStringLiteral("tool.desktop"), "[Desktop Entry]\nType=Application\nName=System\n");
+    write(second.path(), QStringLiteral("kde/deep.desktop"), "[Desktop Entry]\nType=Application\nName=Deep\n");
+    X11WindowDesktopEntries entries({first.path(), second.path()});
+    EXPECT_EQ(entries.find("tool", "Tool").value_or(X11WindowDesktopEntries::Entry{}).name, QStringLiteral("Mine"));
+    EXPECT_EQ(entries.find("deep", "Deep").value_or(X11WindowDesktopEntries::Entry{}).name, QStringLiteral("Deep"));
+}
+
+TEST_F(X11WindowDesktopEntriesTest, MissingDirectoriesGiveNoEntries) {
+    X11WindowDesktopEntries entries({first.path() + QStringLiteral("/absent")});
+    EXPECT_FALSE(entries.find("tool", "Tool").has_value());
+}
+
+TEST(X11WindowOwnersTest, ProcessFactsComeFromProc) {
+    EXPECT_TRUE(X11WindowOwners::processStartTime(getpid()).has_value());
+    EXPECT_TRUE(X11WindowOwners::processName(getpid()).has_value());
+    // A pid no process can have.
+    EXPECT_FALSE(X11WindowOwners::processStartTime(0x7ffffff0).has_value());
+    EXPECT_FALSE(X11WindowOwners::processName(0x7ffffff0).has_value());
+    // A process started later has a later (or equal) start time.
+    EXPECT_LE(X11WindowOwners::processStartTime(1).value_or(0), *X11WindowOwners::processStartTime(getpid()));
+}
+
+}  // namespace
