@@ -71,7 +71,8 @@ SettingsAboutSection::SettingsAboutSection(AppController& controller, QWidget* p
     m_gitHub->setFlat(true);
     m_gitHub->setCursor(Qt::PointingHandCursor);
     m_gitHub->setToolTip(QString::fromLatin1(BuildConfig::kProjectUrl));
-    m_gitHub->setForegroundRole(QPalette::Link);
+    // Link-coloured text, taken from whatever palette is current.
+    m_gitHub->setStyleSheet(QStringLiteral("QPushButton { color: palette(link); }"));
     creditsRow->addWidget(creditsText, 1);
     creditsRow->addWidget(m_gitHub);
     connect(m_gitHub, &QPushButton::clicked, this, [] {
