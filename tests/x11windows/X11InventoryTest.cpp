@@ -1,5 +1,10 @@
 // The core's inventory (qualifying windows, snapshots per display) on the real X11 services.
+#include <QPointF>
+#include <atomic>
+#include <thread>
+
 #include "app/ScreenSnapshotService.h"
+#include "platform/Accessibility.h"
 #include "platform/Platform.h"
 #include "tests/support/VirtualDesktop.h"
 #include "tests/x11windows/X11DesktopFixture.h"
@@ -81,6 +86,48 @@ TEST_F(X11InventoryTest, SnapshotsCountVisibleAndMinimisedWindowsPerDisplayAndCa
             EXPECT_TRUE(snapshot.appGroups.isEmpty());
         }
     }
+}
+
+TEST_F(X11InventoryTest, SnapshotsOnABackgroundThreadWhileTheMainThreadMovesWindows) {
+    const quint32 moving = client.open(QStringLiteral("moving"), placement(0, 100, 100, 400, 300));
+    ASSERT_NE(client.open(QStringLiteral("still"), placement(1, 100, 100, 400, 300)), 0u);
+    ASSERT_NE(moving, 0u);
+    const QList<DisplayDescriptor> descriptors = ScreenSnapshotService::currentDisplayDescriptors();
+    std::atomic<bool> stop{false};
+    std::atomic<int> rounds{0};
+    std::atomic<int> incomplete{0};
+    // The preview capture runs off the main thread while moves use the shared connection on it.
+    std::thread capture([&] {
+        while (!stop) {
+            const QList<DisplaySnapshot> snapshots = ScreenSnapshotService::captureDisplaySnapshots(descriptors);
+            int windows = 0;
+            for (const DisplaySnapshot& snapshot : snapshots) {
+                if (!snapshot.previewImage) {
+                    ++incomplete;
+                }
+                windows += snapshot.visibleWindowCount.value_or(0) + snapshot.invisibleWindowCount.value_or(0);
+            }
+            if (windows < 2) {
+                ++incomplete;
+            }
+            ++rounds;
+        }
+    });
+    Accessibility& ax = *Platform::services().accessibility;
+    int moves = 0;
+    for (int i = 0; i < 20; ++i) {
+        const QPointF target = monitors().value(i % 2).topLeft() + QPointF(100 + 10 * i, 100);
+        if (ax.setAttributeValue(AXUIElement::window(moving), QLatin1String(kAXPositionAttribute), target) ==
+            kAXErrorSuccess) {
+            ++moves;
+        }
+    }
+    VirtualDesktop::waitUntil([&] { return rounds >= 3; }, 10000);
+    stop = true;
+    capture.join();
+    EXPECT_EQ(moves, 20);
+    EXPECT_GE(rounds, 3);
+    EXPECT_EQ(incomplete, 0);
 }
 
 }  // namespace
