@@ -157,30 +157,122 @@ QString displayLabel(const DisplaySnapshot& display) {
     return QStringLiteral("%1#%2").arg(display.name).arg(display.index);
 }
 
+// What every window of one move shares.
+struct MoveContext {
+    QHash<QString, QRectF> frames;
+    QHash<pid_t, QSet<qint64>> sourceIDs;
+    QRectF source;
+    QRectF destination;
+    bool adjustSize = false;
+};
+
+// A window's frame and where it came from: Accessibility, else the window list mirrored inside the source.
+std::optional<std::pair<QRectF, QString>> windowFrame(const WindowFacts& window, pid_t pid, const MoveContext& move) {
+    if (const std::optional<QRectF> axFrame = AXValues::usableFrame(window.position, window.size)) {
+        return std::pair{*axFrame, QStringLiteral("AX")};
+    }
+    if (window.number) {
+        const auto found = move.frames.constFind(WindowMover::windowListKey(pid, *window.number));
+        if (found != move.frames.cend()) {
+            return std::pair{WindowMover::convertedWindowListFrame(*found, move.source),
+                             QStringLiteral("CGFallbackConverted")};
+        }
+    }
+    return std::nullopt;
+}
+
+// Moves the application's windows that are on the source display; returns its counts.
+WindowMoveResult moveApplicationWindows(const RunningApplication& application, const MoveContext& move,
+                                        bool revealMovedWindows) {
+    const pid_t pid = application.processIdentifier;
+    const AXUIElement appElement = AXUIElement::application(pid);
+    const QString label = applicationLabel(application);
+    const std::optional<AXUIElementList> windows = WindowMover::movableWindows(appElement, label);
+    if (!windows) {
+        qCDebug(lcMover).noquote() << label + QStringLiteral(": no accessible windows returned");
+        return {};
+    }
+    const QSet<qint64> sourceSet = move.sourceIDs.value(pid);
+    qCDebug(lcMover).noquote() << QStringLiteral("%1: mergedAXWindows=%2, sourceWindowIDs=%3")
+                                      .arg(label, QString::number(windows->size()), QString::number(sourceSet.size()));
+    const QRectF& S = move.source;
+
+    WindowMoveResult counts;
+    AXUIElementList moved;
+    for (const WindowFacts& window : readWindowFacts(*windows)) {
+        const QString windowIDText = WindowMoveLog::windowNumber(window.number);
+        const auto frameAndSource = windowFrame(window, pid, move);
+        if (!frameAndSource) {
+            qCDebug(lcMover).noquote()
+                << QStringLiteral("%1: skip window without frame, windowID=%2").arg(label, windowIDText);
+            continue;
+        }
+        const auto& [frame, frameSource] = *frameAndSource;
+
+        const bool listedOnSource = window.number && sourceSet.contains(*window.number);
+        if (!listedOnSource && !Geometry::intersects(frame, S)) {
+            continue;
+        }
+        ++counts.attemptedCount;
+        if (!(S.width() > 0 && S.height() > 0)) {
+            qCDebug(lcMover).noquote() << label + QStringLiteral(": invalid source bounds, skipping resize/move");
+            continue;
+        }
+
+        const NormalizedRect n = WindowMover::normalizedRect(frame, S);
+        const QPointF center = WindowMover::normalizedCenter(frame, S);
+        const MovePlan plan{label, windowIDText, frame, S, move.destination, center, WindowMover::isCenterLike(center)};
+        WindowMover::moveDiagLog(
+            QStringLiteral("START app=%1, windowID=%2, frameSource=%3, centerLike=%4, adjustSize=%5, frame=%6, "
+                           "normalizedCenter=%7, normalizedRect=(%8,%9,%10,%11)")
+                .arg(label, windowIDText, frameSource, boolean(plan.centerLike), boolean(move.adjustSize),
+                     describe(frame), centerText(center), fraction(n.x), fraction(n.y), fraction(n.width),
+                     fraction(n.height)));
+
+        const bool windowMoved =
+            move.adjustSize ? moveAdjustingSize(window.element, plan) : moveKeepingSize(window.element, plan);
+        if (windowMoved) {
+            ++counts.movedCount;
+            moved.append(window.element);
+        }
+    }
+
+    qCDebug(lcMover).noquote() << QStringLiteral("%1: attempted=%2, moved=%3")
+                                      .arg(label, QString::number(counts.attemptedCount),
+                                           QString::number(counts.movedCount));
+    // Shown only after they have been moved, so a hidden or minimised window appears in its new place.
+    if (revealMovedWindows && !moved.isEmpty()) {
+        WindowMover::revealMovedWindowsForApplication(moved, appElement, label);
+    }
+    return counts;
+}
+
 }  // namespace
 
 WindowMoveResult WindowMover::moveWindows(const DisplaySnapshot& source, const DisplaySnapshot& destination,
                                           bool adjustSizeToDestination, const std::optional<QSet<pid_t>>& targetPIDs,
                                           bool revealMovedWindows) {
-    const QRectF S = source.bounds;
-    const QRectF T = destination.bounds;
-
     // Both look-ups read one copy of the window list: listing is the costly part with many windows.
     const std::optional<QList<WindowInfo>> windowList = windowListIncludingOffscreen();
-    const QHash<QString, QRectF> frames = allWindowFramesByOwnerAndWindowID(windowList);
-    const QHash<pid_t, QSet<qint64>> sourceIDs = sourceWindowIDsByOwnerPID(S, windowList);
+    MoveContext move;
+    move.frames = allWindowFramesByOwnerAndWindowID(windowList);
+    move.sourceIDs = sourceWindowIDsByOwnerPID(source.bounds, windowList);
+    move.source = source.bounds;
+    move.destination = destination.bounds;
+    move.adjustSize = adjustSizeToDestination;
+
     qsizetype sourceWindowCount = 0;
-    for (const QSet<qint64>& ids : sourceIDs) {
+    for (const QSet<qint64>& ids : move.sourceIDs) {
         sourceWindowCount += ids.size();
     }
     qCDebug(lcMover).noquote() << QStringLiteral(
                                       "moveAllWindows start: source=%1 -> destination=%2, sourceWindowIDsAcrossApps=%3")
                                       .arg(displayLabel(source), displayLabel(destination),
                                            QString::number(sourceWindowCount));
-    moveDiagLog(
-        QStringLiteral("BEGIN source=%1 sourceAX=%2 sourceCG=%2 destination=%3 destAX=%4 destCG=%4 "
-                       "targetPIDs=%5")
-            .arg(displayLabel(source), describe(S), displayLabel(destination), describe(T), targetPIDList(targetPIDs)));
+    moveDiagLog(QStringLiteral("BEGIN source=%1 sourceAX=%2 sourceCG=%2 destination=%3 destAX=%4 destCG=%4 "
+                               "targetPIDs=%5")
+                    .arg(displayLabel(source), describe(move.source), displayLabel(destination),
+                         describe(move.destination), targetPIDList(targetPIDs)));
 
     WindowMoveResult total;
     for (const RunningApplication& application : Platform::services().workspace->runningApplications()) {
@@ -189,80 +281,9 @@ WindowMoveResult WindowMover::moveWindows(const DisplaySnapshot& source, const D
             (targetPIDs && !targetPIDs->contains(pid))) {
             continue;
         }
-        const AXUIElement appElement = AXUIElement::application(pid);
-        const QString label = applicationLabel(application);
-        const std::optional<AXUIElementList> windows = movableWindows(appElement, label);
-        if (!windows) {
-            qCDebug(lcMover).noquote() << label + QStringLiteral(": no accessible windows returned");
-            continue;
-        }
-        const QSet<qint64> sourceSet = sourceIDs.value(pid);
-        qCDebug(lcMover).noquote() << QStringLiteral("%1: mergedAXWindows=%2, sourceWindowIDs=%3")
-                                          .arg(label, QString::number(windows->size()),
-                                               QString::number(sourceSet.size()));
-
-        WindowMoveResult app;
-        AXUIElementList moved;
-        for (const WindowFacts& window : readWindowFacts(*windows)) {
-            const QString windowIDText = WindowMoveLog::windowNumber(window.number);
-            std::optional<QRectF> listBounds;
-            if (window.number) {
-                const auto found = frames.constFind(windowListKey(pid, *window.number));
-                if (found != frames.cend()) {
-                    listBounds = *found;
-                }
-            }
-
-            QRectF frame;
-            QString frameSource;
-            if (const std::optional<QRectF> axFrame = AXValues::usableFrame(window.position, window.size)) {
-                frame = *axFrame;
-                frameSource = QStringLiteral("AX");
-            } else if (listBounds) {
-                frame = convertedWindowListFrame(*listBounds, S);
-                frameSource = QStringLiteral("CGFallbackConverted");
-            } else {
-                qCDebug(lcMover).noquote()
-                    << QStringLiteral("%1: skip window without frame, windowID=%2").arg(label, windowIDText);
-                continue;
-            }
-
-            const bool listedOnSource = window.number && sourceSet.contains(*window.number);
-            if (!listedOnSource && !Geometry::intersects(frame, S)) {
-                continue;
-            }
-            ++total.attemptedCount;
-            ++app.attemptedCount;
-
-            if (!(S.width() > 0 && S.height() > 0)) {
-                qCDebug(lcMover).noquote() << label + QStringLiteral(": invalid source bounds, skipping resize/move");
-                continue;
-            }
-
-            const NormalizedRect n = normalizedRect(frame, S);
-            const QPointF center = normalizedCenter(frame, S);
-            const MovePlan plan{label, windowIDText, frame, S, T, center, isCenterLike(center)};
-            moveDiagLog(QStringLiteral("START app=%1, windowID=%2, frameSource=%3, centerLike=%4, adjustSize=%5, "
-                                       "frame=%6, normalizedCenter=%7, normalizedRect=(%8,%9,%10,%11)")
-                            .arg(label, windowIDText, frameSource, boolean(plan.centerLike),
-                                 boolean(adjustSizeToDestination), describe(frame), centerText(center), fraction(n.x),
-                                 fraction(n.y), fraction(n.width), fraction(n.height)));
-
-            const bool windowMoved = adjustSizeToDestination ? moveAdjustingSize(window.element, plan)
-                                                             : moveKeepingSize(window.element, plan);
-            if (windowMoved) {
-                ++total.movedCount;
-                ++app.movedCount;
-                moved.append(window.element);
-            }
-        }
-
-        qCDebug(lcMover).noquote() << QStringLiteral("%1: attempted=%2, moved=%3")
-                                          .arg(label, QString::number(app.attemptedCount),
-                                               QString::number(app.movedCount));
-        if (revealMovedWindows && !moved.isEmpty()) {
-            revealMovedWindowsForApplication(moved, appElement, label);
-        }
+        const WindowMoveResult counts = moveApplicationWindows(application, move, revealMovedWindows);
+        total.movedCount += counts.movedCount;
+        total.attemptedCount += counts.attemptedCount;
     }
 
     qCDebug(lcMover).noquote() << QStringLiteral("moveAllWindows done: attempted=%1, moved=%2")
