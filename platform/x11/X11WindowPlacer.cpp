@@ -29,17 +29,6 @@ X11WindowPlacer::X11WindowPlacer(X11Connection& connection, X11WindowReader& rea
     m_maximizedVert = connection.atom("_NET_WM_STATE_MAXIMIZED_VERT");
     m_maximizedHorz = connection.atom("_NET_WM_STATE_MAXIMIZED_HORZ");
     m_fullscreen = connection.atom("_NET_WM_STATE_FULLSCREEN");
-    // Forget windows once they are gone; the event mask dies with them.
-    m_eventHandler = connection.addEventHandler([this](xcb_generic_event_t* event) {
-        if ((event->response_type & 0x7f) == XCB_DESTROY_NOTIFY) {
-            m_watched.remove(reinterpret_cast<xcb_destroy_notify_event_t*>(event)->window);
-        }
-        return false;
-    });
-}
-
-X11WindowPlacer::~X11WindowPlacer() {
-    m_connection.removeEventHandler(m_eventHandler);
 }
 
 X11WindowFacts X11WindowPlacer::read(xcb_window_t window) {
@@ -47,12 +36,10 @@ X11WindowFacts X11WindowPlacer::read(xcb_window_t window) {
 }
 
 void X11WindowPlacer::watch(xcb_window_t window) {
-    if (m_watched.contains(window)) {
-        return;
-    }
+    // Selected again before every change: costs no round trip, and a window number that was given to a
+    // new window after the old one died gets the mask too.
     const uint32_t mask = XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_PROPERTY_CHANGE;
     xcb_change_window_attributes(m_connection.xcb(), window, XCB_CW_EVENT_MASK, &mask);
-    m_watched.insert(window);
 }
 
 bool X11WindowPlacer::waitUntil(xcb_window_t window, const std::function<bool(const X11WindowFacts&)>& condition,

@@ -3,7 +3,6 @@
 #include <xcb/xcb.h>
 
 #include <QPoint>
-#include <QSet>
 #include <QSize>
 #include <functional>
 
@@ -23,7 +22,6 @@ public:
     static constexpr int kConfirmationMilliseconds = 100;
 
     X11WindowPlacer(X11Connection& connection, X11WindowReader& reader, const X11WindowKinds& kinds);
-    ~X11WindowPlacer();
     X11WindowPlacer(const X11WindowPlacer&) = delete;
     X11WindowPlacer& operator=(const X11WindowPlacer&) = delete;
 
@@ -53,8 +51,6 @@ private:
     X11Connection& m_connection;
     X11WindowReader& m_reader;
     const X11WindowKinds& m_kinds;
-    int m_eventHandler = 0;
-    QSet<xcb_window_t> m_watched;
     // Window managers differ in what the position of a move request means: the frame's corner (as the
     // standard has it) or the client's. Learned from the first move that lands off by the decorations.
     bool m_positionIsClientCorner = false;

@@ -92,6 +92,22 @@ TEST_F(X11AccessibilityWritesTest, MaximisedWindowEndsMaximisedOnTheTargetMonito
     EXPECT_TRUE(list.contains(QStringLiteral("_NET_WM_STATE_MAXIMIZED_HORZ"))) << list.toStdString();
 }
 
+TEST_F(X11AccessibilityWritesTest, FullScreenWindowEndsFullScreenOnTheTargetMonitor) {
+    const quint32 window =
+        client.open(QStringLiteral("full"), placement(2, 100, 100, 600, 400) + QStringLiteral(" states=fullscreen"));
+    ASSERT_NE(window, 0u);
+    const QRect source = monitors().value(2);
+    ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return frameFromTree(window).size() == source.size(); }));
+    const QRect target = monitors().value(0);
+    EXPECT_EQ(setPosition(window, target.topLeft()), kAXErrorSuccess);
+    // Full screen on the 1920 x 1080 monitor, read back at once.
+    EXPECT_EQ(axFrame(window), QRectF(target));
+    EXPECT_EQ(QRectF(frameFromTree(window)), QRectF(target));
+    const QString list = VirtualDesktop::output(
+        QStringLiteral("xprop"), {QStringLiteral("-id"), QString::number(window), QStringLiteral("_NET_WM_STATE")});
+    EXPECT_TRUE(list.contains(QStringLiteral("_NET_WM_STATE_FULLSCREEN"))) << list.toStdString();
+}
+
 TEST_F(X11AccessibilityWritesTest, MinimizedFalseRestoresTheWindow) {
     const quint32 window =
         client.open(QStringLiteral("iconic"), placement(2, 50, 50, 300, 200) + QStringLiteral(" states=minimized"));
