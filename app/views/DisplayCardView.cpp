@@ -13,6 +13,7 @@
 
 #include "app/AppController.h"
 #include "app/views/SymbolIcons.h"
+#include "app/views/SymbolLabel.h"
 #include "app/views/ViewStyle.h"
 #include "platform/Platform.h"
 #include "platform/Workspace.h"
@@ -57,9 +58,8 @@ DisplayCardView::DisplayCardView(AppController& controller, QWidget* parent)
 
     auto* header = new QHBoxLayout();
     header->setSpacing(6);
-    m_numberIcon = new QLabel(this);
+    m_numberIcon = new SymbolLabel(screenNumberSymbol(1), kTargetIconSize, this);
     m_numberIcon->setObjectName(QStringLiteral("numberSymbol"));
-    m_numberIcon->setFixedSize(kTargetIconSize, kTargetIconSize);
     m_nameLabel = ViewStyle::makeLabel(QString(), ViewStyle::headlineFont(), this);
     m_nameLabel->setObjectName(QStringLiteral("displayName"));
     m_nameLabel->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
@@ -166,9 +166,7 @@ QList<DisplaySnapshot> DisplayCardView::targets() const {
 }
 
 void DisplayCardView::updateHeader() {
-    const int ratio = qCeil(devicePixelRatioF());
-    m_numberIcon->setPixmap(
-        SymbolIcons::icon(screenNumberSymbol(m_display.index)).pixmap(QSize(kTargetIconSize, kTargetIconSize), ratio));
+    m_numberIcon->setSymbol(screenNumberSymbol(m_display.index));
     m_nameLabel->setToolTip(m_display.name);
     m_indexBadge->setText(QString::number(m_display.index));
     m_indexBadge->adjustSize();
@@ -233,10 +231,7 @@ void DisplayCardView::rebuildMoveControls() {
         auto* row = new QHBoxLayout(warning);
         row->setContentsMargins(0, 0, 0, 0);
         row->setSpacing(6);
-        auto* icon = new QLabel(warning);
-        icon->setPixmap(SymbolIcons::icon(QStringLiteral("exclamationmark.triangle")).pixmap(14, 14));
-        icon->setAlignment(Qt::AlignTop);
-        row->addWidget(icon, 0, Qt::AlignTop);
+        row->addWidget(new SymbolLabel(QStringLiteral("exclamationmark.triangle"), 14, warning), 0, Qt::AlignTop);
         row->addWidget(ViewStyle::makeLabel(QStringLiteral("No other display available for moving windows."),
                                             ViewStyle::captionFont(), warning, true, true),
                        1);

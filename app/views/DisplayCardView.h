@@ -14,6 +14,7 @@ class QProgressBar;
 class QPushButton;
 class QToolButton;
 class QVBoxLayout;
+class SymbolLabel;
 
 // One display in the tray panel: its number and name, a preview, the count of visible windows, a
 // button per other display that moves every visible window there, and a menu that moves the windows
@@ -69,7 +70,7 @@ private:
     double m_previewHeight = 0;
     bool m_isLoadingPreview = false;
 
-    QLabel* m_numberIcon = nullptr;
+    SymbolLabel* m_numberIcon = nullptr;
     QLabel* m_nameLabel = nullptr;
     QWidget* m_previewArea = nullptr;
     QWidget* m_loadingOverlay = nullptr;

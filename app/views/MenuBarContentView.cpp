@@ -12,6 +12,7 @@
 #include "app/PanelGeometry.h"
 #include "app/views/DisplayCardView.h"
 #include "app/views/SymbolIcons.h"
+#include "app/views/SymbolLabel.h"
 #include "app/views/ViewStyle.h"
 
 namespace {
@@ -169,9 +170,7 @@ QWidget* MenuBarContentView::makeGridPage() {
     auto* hint = new QHBoxLayout(m_singleDisplayHint);
     hint->setContentsMargins(0, 0, 0, 0);
     hint->setSpacing(6);
-    auto* icon = new QLabel(m_singleDisplayHint);
-    icon->setPixmap(SymbolIcons::icon(QStringLiteral("display")).pixmap(14, 14));
-    hint->addWidget(icon, 0, Qt::AlignTop);
+    hint->addWidget(new SymbolLabel(QStringLiteral("display"), 14, m_singleDisplayHint), 0, Qt::AlignTop);
     hint->addWidget(
         ViewStyle::makeLabel(
             QStringLiteral("Only one display is connected. Connect another display to enable window moves."),

@@ -9,6 +9,7 @@
 #include "app/AppController.h"
 #include "app/PermissionService.h"
 #include "app/views/SymbolIcons.h"
+#include "app/views/SymbolLabel.h"
 #include "app/views/ViewStyle.h"
 
 namespace {
@@ -16,11 +17,8 @@ namespace {
 constexpr int kContentWidth = 640;
 constexpr int kMinimumHeight = 480;
 
-QLabel* iconLabel(const QString& symbol, int size, QWidget* parent) {
-    auto* label = new QLabel(parent);
-    label->setPixmap(SymbolIcons::icon(symbol).pixmap(size, size));
-    label->setFixedSize(size, size);
-    return label;
+SymbolLabel* iconLabel(const QString& symbol, int size, QWidget* parent) {
+    return new SymbolLabel(symbol, size, parent);
 }
 
 QPushButton* makeButton(const QString& symbol, const QString& title, QWidget* parent) {
@@ -30,7 +28,8 @@ QPushButton* makeButton(const QString& symbol, const QString& title, QWidget* pa
 }
 
 // A button drawn in the accent colour, for the action the row is about.
-void makeProminent(QPushButton& button) {
+void makeProminent(QPushButton& button, const QString& symbol) {
+    button.setIcon(SymbolIcons::iconOnAccent(symbol));
     QPalette palette = button.palette();
     palette.setColor(QPalette::Button, palette.color(QPalette::Highlight));
     palette.setColor(QPalette::ButtonText, palette.color(QPalette::HighlightedText));
@@ -144,7 +143,7 @@ QWidget* PermissionGuideView::guideStep(const QString& title, qint64 stepNumber,
 
     QPushButton* request = makeButton(requestSymbol, requestTitle, row);
     request->setObjectName(QStringLiteral("requestButton"));
-    makeProminent(*request);
+    makeProminent(*request, requestSymbol);
     connect(request, &QPushButton::clicked, this, requestAction);
     QPushButton* openSettings = makeButton(QStringLiteral("gearshape"), openSettingsTitle, row);
     openSettings->setObjectName(QStringLiteral("openSettingsButton"));

@@ -14,9 +14,9 @@ namespace {
 // Draws one symbol in a 24 x 24 design grid, scaled to the requested rectangle.
 class SymbolIconEngine : public QIconEngine {
 public:
-    explicit SymbolIconEngine(QString name) : m_name(std::move(name)) {}
+    explicit SymbolIconEngine(QString name, bool onAccent = false) : m_name(std::move(name)), m_onAccent(onAccent) {}
 
-    QIconEngine* clone() const override { return new SymbolIconEngine(m_name); }
+    QIconEngine* clone() const override { return new SymbolIconEngine(m_name, m_onAccent); }
     QString key() const override { return QStringLiteral("LatticaSymbol"); }
     QString iconName() override { return m_name; }
 
@@ -50,6 +50,7 @@ private:
     void draw(QPainter& painter, const QPalette& palette, QPalette::ColorGroup group) const;
 
     QString m_name;
+    bool m_onAccent = false;
 };
 
 QPen strokePen(const QColor& color, qreal width = 2.0) {
@@ -240,7 +241,7 @@ void drawUnknown(QPainter& painter, const QColor& color, const QString& name) {
 }
 
 void SymbolIconEngine::draw(QPainter& painter, const QPalette& palette, QPalette::ColorGroup group) const {
-    const QColor text = palette.color(group, QPalette::WindowText);
+    const QColor text = palette.color(group, m_onAccent ? QPalette::HighlightedText : QPalette::WindowText);
     if (const std::optional<int> number = SymbolIcons::circledNumber(m_name)) {
         drawNumberedCircle(painter, QString::number(*number), palette, group);
     } else if (m_name == QLatin1String("number.circle.fill")) {
@@ -308,6 +309,10 @@ QString SymbolIcons::themeIconName(const QString& symbolName) {
 
 QIcon SymbolIcons::drawnIcon(const QString& symbolName) {
     return QIcon(new SymbolIconEngine(symbolName));
+}
+
+QIcon SymbolIcons::iconOnAccent(const QString& symbolName) {
+    return QIcon(new SymbolIconEngine(symbolName, true));
 }
 
 QIcon SymbolIcons::icon(const QString& symbolName) {

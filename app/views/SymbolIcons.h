@@ -14,6 +14,8 @@ namespace SymbolIcons {
 QIcon icon(const QString& symbolName);
 // The same icon, never taken from the theme (for places that need the drawn look).
 QIcon drawnIcon(const QString& symbolName);
+// A drawn icon for a surface in the accent colour: outlines in the palette's highlighted-text colour.
+QIcon iconOnAccent(const QString& symbolName);
 // The number N of a "N.circle.fill" name, nothing for any other name.
 std::optional<int> circledNumber(const QString& symbolName);
 // The freedesktop icon name tried first for a symbol; empty when the symbol is always drawn.

@@ -1,0 +1,72 @@
+// Pictures of the permission guide and the panel's permission request, light and dark, written when
+// LATTICA_SCREENSHOT_DIR is set.
+#include <QApplication>
+#include <QImage>
+
+#include "app/LatticaApp.h"
+#include "app/views/MenuBarContentView.h"
+#include "tests/ui/ScreenshotSupport.h"
+#include "tests/ui/UiFixture.h"
+
+namespace {
+
+class Screenshots : public UiTest {
+protected:
+    void SetUp() override {
+        UiTest::SetUp();
+        directory = screenshotDirectory();
+        if (directory.isEmpty()) {
+            GTEST_SKIP() << "LATTICA_SCREENSHOT_DIR is not set";
+        }
+        original = QApplication::palette();
+    }
+    void TearDown() override {
+        QApplication::setPalette(original);
+        if (controller_) {
+            if (QWidget* guide = controller().permissionWindow()) {
+                guide->close();
+            }
+        }
+        UiTest::TearDown();
+    }
+    void save(QWidget& widget, const QString& name) {
+        QCoreApplication::processEvents();
+        const QImage image = widget.grab().toImage();
+        EXPECT_FALSE(image.isNull());
+        EXPECT_TRUE(image.save(directory + QLatin1Char('/') + name)) << name.toStdString();
+    }
+
+    QString directory;
+    QPalette original;
+    bool controller_ = false;
+};
+
+TEST_F(Screenshots, PermissionGuideLightAndDark) {
+    platform.permissions.trusted = false;
+    makeController();
+    controller_ = true;
+    for (const bool dark : {false, true}) {
+        QApplication::setPalette(dark ? darkPalette() : original);
+        controller().showPermissionGuideWindow();
+        QWidget* guide = controller().permissionWindow();
+        ASSERT_NE(guide, nullptr);
+        ASSERT_TRUE(waitUntil([&] { return guide->isVisible(); }));
+        save(*guide, dark ? QStringLiteral("permission-guide-dark.png") : QStringLiteral("permission-guide.png"));
+    }
+}
+
+TEST_F(Screenshots, PanelAskingForPermissionsLightAndDark) {
+    platform.permissions.screenCaptureGranted = false;
+    makeController();
+    controller_ = true;
+    for (const bool dark : {false, true}) {
+        QApplication::setPalette(dark ? darkPalette() : original);
+        MenuBarContentView view(controller());
+        view.resize(460, 235);
+        view.show();
+        ASSERT_TRUE(waitUntil([&] { return view.isVisible(); }));
+        save(view, dark ? QStringLiteral("panel-permissions-dark.png") : QStringLiteral("panel-permissions.png"));
+    }
+}
+
+}  // namespace
