@@ -108,6 +108,10 @@ void X11WindowPlacer::sendState(xcb_window_t window, bool add, xcb_atom_t first,
     sendToRoot(window, m_state, {add ? kStateAdd : kStateRemove, first, second, kSourcePager, 0});
 }
 
+QPoint X11WindowPlacer::decorationOffset(const X11WindowFacts& facts) {
+    return QPoint(facts.frameExtents.left() + facts.borderWidth, facts.frameExtents.top() + facts.borderWidth);
+}
+
 QList<xcb_atom_t> X11WindowPlacer::sizeStates(const X11WindowFacts& facts) const {
     QList<xcb_atom_t> states;
     for (xcb_atom_t atom : {m_maximizedVert, m_maximizedHorz, m_fullscreen}) {
@@ -127,17 +131,22 @@ AXError X11WindowPlacer::leaveSizeStates(xcb_window_t window, const QList<xcb_at
     if (vert || horz) {
         sendState(window, false, vert ? m_maximizedVert : m_maximizedHorz, vert && horz ? m_maximizedHorz : 0);
     }
+    // The state property may change before the frame does; wait for both.
+    const QSize sizeInState = facts->outerFrame().size();
     const bool left = waitUntil(
         window,
-        [this](const X11WindowFacts& current) {
+        [this, sizeInState](const X11WindowFacts& current) {
             return !current.hasState(m_maximizedVert) && !current.hasState(m_maximizedHorz) &&
-                   !current.hasState(m_fullscreen);
+                   !current.hasState(m_fullscreen) && current.outerFrame().size() != sizeInState;
         },
         kConfirmationMilliseconds, facts);
     if (!facts->exists) {
         return kAXErrorInvalidUIElement;
     }
-    return left ? kAXErrorSuccess : kAXErrorCannotComplete;
+    // A window whose normal size is its maximised size never changes size: the state is what counts.
+    const bool stateLeft =
+        !facts->hasState(m_maximizedVert) && !facts->hasState(m_maximizedHorz) && !facts->hasState(m_fullscreen);
+    return left || stateLeft ? kAXErrorSuccess : kAXErrorCannotComplete;
 }
 
 void X11WindowPlacer::restoreSizeStates(xcb_window_t window, const QList<xcb_atom_t>& states) {
@@ -180,19 +189,29 @@ AXError X11WindowPlacer::moveFrame(xcb_window_t window, QPoint rootTopLeft) {
         return kAXErrorSuccess;
     }
     const QPoint before = facts.outerFrame().topLeft();
-    const QPoint decorations(facts.frameExtents.left() + facts.borderWidth,
-                             facts.frameExtents.top() + facts.borderWidth);
+    const QPoint decorations = decorationOffset(facts);
     sendMoveResize(window, m_positionIsClientCorner ? rootTopLeft + decorations : rootTopLeft, std::nullopt);
     auto arrived = [rootTopLeft](const X11WindowFacts& current) {
         return current.outerFrame().topLeft() == rootTopLeft;
     };
-    bool landed = waitUntil(window, arrived, kConfirmationMilliseconds, &facts);
-    if (!landed && facts.exists && !m_positionIsClientCorner && !decorations.isNull() &&
-        facts.outerFrame().topLeft() == rootTopLeft - decorations) {
-        // This window manager places the client's corner where asked; say so from now on.
-        qCDebug(lcPlacer) << "window manager reads move positions as the client's corner";
-        m_positionIsClientCorner = true;
-        sendMoveResize(window, rootTopLeft + decorations, std::nullopt);
+    // Done waiting once the frame has moved at all; where it went says whether to aim again.
+    waitUntil(
+        window,
+        [&](const X11WindowFacts& current) { return arrived(current) || current.outerFrame().topLeft() != before; },
+        kConfirmationMilliseconds, &facts);
+    bool landed = arrived(facts);
+    const QPoint offBy = facts.outerFrame().topLeft() - rootTopLeft;
+    if (!landed && facts.exists && offBy.manhattanLength() <= kDecorationSlack &&
+        facts.outerFrame().topLeft() != before) {
+        if (!m_positionIsClientCorner && states.isEmpty() && !decorations.isNull() && offBy == -decorations) {
+            // This window manager places the client's corner where asked; say so from now on.
+            qCDebug(lcPlacer) << "window manager reads move positions as the client's corner";
+            m_positionIsClientCorner = true;
+        }
+        // Off by about a decoration: aim once more with what the window manager reports now (its frame may
+        // have changed meanwhile, as when a full-screen window gets its decorations back).
+        const QPoint now = decorationOffset(facts);
+        sendMoveResize(window, m_positionIsClientCorner ? rootTopLeft + now : rootTopLeft, std::nullopt);
         landed = waitUntil(window, arrived, kConfirmationMilliseconds, &facts);
     }
     if (!facts.exists) {

@@ -33,6 +33,8 @@ public:
     AXError setMinimized(xcb_window_t window, bool minimized);
 
 private:
+    // A frame that lands this close to the target (in pixels along both axes) missed it by a decoration.
+    static constexpr int kDecorationSlack = 64;
     static constexpr unsigned kPlacementFields =
         X11WindowFacts::Geometry | X11WindowFacts::State | X11WindowFacts::Attributes;
 
@@ -44,6 +46,8 @@ private:
     void sendMoveResize(xcb_window_t window, std::optional<QPoint> position, std::optional<QSize> size);
     void sendState(xcb_window_t window, bool add, xcb_atom_t first, xcb_atom_t second);
     void sendToRoot(xcb_window_t window, xcb_atom_t type, std::initializer_list<uint32_t> data);
+    // From the frame's corner to the client's.
+    static QPoint decorationOffset(const X11WindowFacts& facts);
     QList<xcb_atom_t> sizeStates(const X11WindowFacts& facts) const;
     AXError leaveSizeStates(xcb_window_t window, const QList<xcb_atom_t>& states, X11WindowFacts* facts);
     void restoreSizeStates(xcb_window_t window, const QList<xcb_atom_t>& states);
