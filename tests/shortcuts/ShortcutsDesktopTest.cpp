@@ -392,6 +392,49 @@ TEST_F(ShortcutsDesktopTest, DisplayedCharacterFollowsLayoutWhileSamePhysicalKey
     EXPECT_EQ(counter.ups, 1) << "the physical key of Z still fires";
 }
 
+TEST_F(ShortcutsDesktopTest, DisplayedCharacterFollowsTheCurrentKeyboardGroup) {
+    auto* layout = static_cast<X11KeyboardLayout*>(Platform::services().keyboardLayout);
+    QObject scope;  // ends the connection with the test
+    int changes = 0;
+    QObject::connect(layout, &KeyboardLayout::layoutChanged, &scope, [&] { ++changes; });
+    const Shortcut commandZ(Key::z, ModifierFlag::command);
+    ASSERT_EQ(VirtualDesktop::run(QStringLiteral("setxkbmap"),
+                                  {QStringLiteral("-layout"), QStringLiteral("us,de"), QStringLiteral("-option"),
+                                   QStringLiteral("grp:alt_shift_toggle")}),
+              0);
+    const bool loaded = VirtualDesktop::waitUntil([&] { return changes > 0; }, 5000);
+    const QString firstGroup = commandZ.presentableDescription();
+    // Alt+Shift switches to the second group (de).
+    keyboard.press(XTestKeyboard::altL);
+    keyboard.tap(50);  // left shift
+    keyboard.release(XTestKeyboard::altL);
+    const bool switched =
+        VirtualDesktop::waitUntil([&] { return commandZ.presentableDescription() == QStringLiteral("⌘Y"); }, 5000);
+    VirtualDesktop::run(QStringLiteral("setxkbmap"),
+                        {QStringLiteral("-layout"), QStringLiteral("us"), QStringLiteral("-option"), QString(),
+                         QStringLiteral("-option"), QStringLiteral("srvrkeys:none")});
+    EXPECT_TRUE(VirtualDesktop::waitUntil([&] { return commandZ.presentableDescription() == QStringLiteral("⌘Z"); }));
+    ASSERT_TRUE(loaded);
+    EXPECT_EQ(firstGroup, QStringLiteral("⌘Z"));
+    EXPECT_TRUE(switched) << commandZ.presentableDescription().toStdString();
+}
+
+TEST_F(ShortcutsDesktopTest, RecorderDoesNotStartRecordingWhenItsWindowOpens) {
+    QWidget window;
+    auto* layout = new QVBoxLayout(&window);
+    auto* recorder = new RecorderCocoa(Name(QStringLiteral("display.2")));
+    layout->addWidget(recorder);  // the window's only focusable widget
+    window.show();
+    window.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return recorder->canBecomeKey(); }));
+    QCoreApplication::processEvents();
+    EXPECT_FALSE(recorder->isRecording());
+    EXPECT_FALSE(isPaused());
+    QTest::mouseClick(recorder, Qt::LeftButton);
+    EXPECT_TRUE(VirtualDesktop::waitUntil([&] { return recorder->isRecording(); })) << "a click still starts it";
+}
+
 TEST_F(ShortcutsDesktopTest, NumLockMovedToAnotherModifierIsFollowed) {
     const uint16_t original = hotKeys().numLockMask();
     ASSERT_EQ(original, XCB_MOD_MASK_2);
