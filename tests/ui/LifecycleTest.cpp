@@ -1,9 +1,11 @@
 #include <QCursor>
 #include <QGuiApplication>
 #include <QScreen>
+#include <QSignalSpy>
 #include <QUrlQuery>
 
 #include "BuildConfig.h"
+#include "app/UpdaterService.h"
 #include "app/views/PermissionGuideView.h"
 #include "tests/ui/UiFixture.h"
 
@@ -131,6 +133,45 @@ TEST_F(Lifecycle, SupportMailCarriesSubjectAndBody) {
     const QString encoded = url.toString(QUrl::FullyEncoded);
     EXPECT_TRUE(encoded.contains(QStringLiteral("subject=Lattica%20Support"))) << encoded.toStdString();
     EXPECT_TRUE(encoded.contains(QStringLiteral("%0A%0A---%0AApp:%20Lattica"))) << encoded.toStdString();
+}
+
+}  // namespace
+
+namespace {
+
+// The update feed points at a closed port on this machine, so a check ends at once without the network.
+class LifecycleUpdates : public Lifecycle {
+protected:
+    void SetUp() override {
+        Lifecycle::SetUp();
+        qputenv("LATTICA_APPCAST_URL", "http://127.0.0.1:9/appcast.xml");
+    }
+    void TearDown() override {
+        Updater* updater = UpdaterService::shared().updaterController()->updater();
+        waitUntil([&] { return !updater->sessionInProgress(); });
+        qunsetenv("LATTICA_APPCAST_URL");
+        Lifecycle::TearDown();
+    }
+};
+
+TEST_F(LifecycleUpdates, LaunchChecksForUpdatesInTheBackgroundWhenEnabled) {
+    platform.userDefaults.setObject(QStringLiteral("autoCheckForUpdatesOnLaunch"), true);
+    makeController();
+    Updater* updater = UpdaterService::shared().updaterController()->updater();
+    QSignalSpy finished(updater, &Updater::checkFinished);
+    controller().applicationDidFinishLaunching();
+    ASSERT_TRUE(waitUntil([&] { return finished.count() == 1; }, 10000));
+    EXPECT_FALSE(finished[0][1].toBool()) << "a background check, not one the user asked for";
+}
+
+TEST_F(LifecycleUpdates, LaunchLeavesUpdatesAloneWhenDisabled) {
+    makeController();
+    Updater* updater = UpdaterService::shared().updaterController()->updater();
+    QSignalSpy finished(updater, &Updater::checkFinished);
+    controller().applicationDidFinishLaunching();
+    EXPECT_FALSE(updater->sessionInProgress());
+    QCoreApplication::processEvents();
+    EXPECT_EQ(finished.count(), 0);
 }
 
 }  // namespace
