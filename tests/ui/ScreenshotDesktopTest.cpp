@@ -1,5 +1,5 @@
 // Pictures of the real panel on the virtual desktop, light and dark, with client windows on every
-// monitor; written when LATTICA_SCREENSHOT_DIR is set.
+// monitor; saved as pictures.
 #include <gtest/gtest.h>
 
 #include <xcb/xcb.h>
@@ -23,9 +23,6 @@ namespace {
 
 TEST(PanelScreenshot, PanelWithEveryMonitorLightAndDark) {
     const QString directory = screenshotDirectory();
-    if (directory.isEmpty()) {
-        GTEST_SKIP() << "LATTICA_SCREENSHOT_DIR is not set";
-    }
     QTemporaryDir config;
     qputenv("XDG_CONFIG_HOME", config.path().toUtf8());
     QApplication::setQuitOnLastWindowClosed(false);

@@ -3,10 +3,11 @@
 #include <QDir>
 
 QString screenshotDirectory() {
-    const QString directory = qEnvironmentVariable("LATTICA_SCREENSHOT_DIR");
-    if (!directory.isEmpty()) {
-        QDir().mkpath(directory);
+    QString directory = qEnvironmentVariable("LATTICA_SCREENSHOT_DIR");
+    if (directory.isEmpty()) {
+        directory = QStringLiteral(LATTICA_SCREENSHOT_DEFAULT_DIR);
     }
+    QDir().mkpath(directory);
     return directory;
 }
 

@@ -3,7 +3,7 @@
 #include <QPalette>
 #include <QString>
 
-// Where screenshots go: $LATTICA_SCREENSHOT_DIR, or nowhere (empty) when it is not set.
+// Where screenshots go: $LATTICA_SCREENSHOT_DIR, else a folder of the build tree.
 QString screenshotDirectory();
 // A dark palette for the screenshots that check the views in dark mode.
 QPalette darkPalette();
