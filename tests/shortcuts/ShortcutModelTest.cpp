@@ -1,9 +1,11 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QKeyEvent>
+#include <QMouseEvent>
 
 #include "KeyboardShortcuts/InputEvent.h"
 #include "KeyboardShortcuts/Key.h"
+#include "KeyboardShortcuts/Localization.h"
 #include "KeyboardShortcuts/ModifierFlags.h"
 #include "KeyboardShortcuts/Shortcut.h"
 #include "KeyboardShortcuts/SpecialKey.h"
@@ -222,6 +224,44 @@ TEST_F(ShortcutModelTest, QtKeyEventsMapToCarbonCodes) {
     platform.keyboardLayout.scanCodes.insert(45, Key::k.rawValue());
     QKeyEvent event(QEvent::KeyPress, Qt::Key_A, Qt::NoModifier, 45, 0, 0);
     EXPECT_EQ(InputEvent::carbonKeyCode(event), Key::k.rawValue()) << "the physical key wins over the produced key";
+}
+
+TEST_F(ShortcutModelTest, QtEventsBecomeInputEvents) {
+    const QKeyEvent press(QEvent::KeyPress, Qt::Key_K, Qt::ControlModifier | Qt::AltModifier);
+    const auto down = InputEvent::fromQEvent(&press);
+    ASSERT_TRUE(down);
+    EXPECT_EQ(down->type(), InputEvent::keyDown);
+    EXPECT_EQ(down->keyCode(), Key::k.rawValue());
+    EXPECT_EQ(down->modifierFlags(), ModifierFlag::control | ModifierFlag::option);
+    const QKeyEvent release(QEvent::KeyRelease, Qt::Key_F5, Qt::NoModifier);
+    EXPECT_EQ(InputEvent::fromQEvent(&release)->type(), InputEvent::keyUp);
+    const QKeyEvent modifierOnly(QEvent::KeyPress, Qt::Key_Shift, Qt::ShiftModifier);
+    EXPECT_EQ(InputEvent::fromQEvent(&modifierOnly)->type(), InputEvent::flagsChanged);
+    EXPECT_FALSE(Shortcut::fromEvent(*InputEvent::fromQEvent(&modifierOnly)));
+    const QMouseEvent rightUp(QEvent::MouseButtonRelease, QPointF(1, 2), QPointF(30, 40), Qt::RightButton, Qt::NoButton,
+                              Qt::NoModifier);
+    const auto mouse = InputEvent::fromQEvent(&rightUp);
+    ASSERT_TRUE(mouse);
+    EXPECT_EQ(mouse->type(), InputEvent::rightMouseUp);
+    EXPECT_EQ(mouse->globalPosition(), QPointF(30, 40));
+    const QMouseEvent middle(QEvent::MouseButtonRelease, QPointF(), QPointF(), Qt::MiddleButton, Qt::NoButton,
+                             Qt::NoModifier);
+    EXPECT_FALSE(InputEvent::fromQEvent(&middle));
+    EXPECT_EQ(InputEvent::mask(InputEvent::keyDown) | InputEvent::mask(InputEvent::leftMouseUp) |
+                  InputEvent::mask(InputEvent::rightMouseUp),
+              0x414u);
+}
+
+TEST_F(ShortcutModelTest, EnglishStringTableCoversEveryKey) {
+    for (const char* key : {"space_key", "record_shortcut", "press_shortcut", "keyboard_shortcut_used_by_menu_item",
+                            "keyboard_shortcut_disallowed", "keyboard_shortcut_used_by_system",
+                            "keyboard_shortcuts_can_be_changed", "ok", "force_use_shortcut"}) {
+        EXPECT_NE(localized(key), QString::fromUtf8(key)) << key;
+    }
+    EXPECT_TRUE(localized("keyboard_shortcut_used_by_menu_item").contains(QStringLiteral("%1")));
+    EXPECT_EQ(localized("no_such_key"), QStringLiteral("no_such_key"));
+    EXPECT_EQ(capitalized(QStringLiteral("space bar")), QStringLiteral("Space Bar"));
+    EXPECT_EQ(capitalized(QStringLiteral("é")), QStringLiteral("É"));
 }
 
 }  // namespace
