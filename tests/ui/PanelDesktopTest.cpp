@@ -308,6 +308,28 @@ TEST_F(PanelOnDesktop, ClickOnTheTrayIconWhileOpenClosesThePanel) {
     EXPECT_TRUE(VirtualDesktop::waitUntil([&] { return !app->panel()->isVisible(); }, 5000));
 }
 
+TEST_F(PanelOnDesktop, ClickOutsideThePanelClosesIt) {
+    ASSERT_TRUE(openPanelByClick());
+    ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return pointerIsGrabbed(); }));
+    click(monitors[1].center());
+    EXPECT_TRUE(VirtualDesktop::waitUntil([&] { return !app->panel()->isVisible(); }, 5000));
+}
+
+TEST_F(PanelOnDesktop, PresentedSettingsWindowBecomesTheActiveWindow) {
+    controller->showSettingsWindow();
+    const auto window = static_cast<xcb_window_t>(controller->settingsWindow()->winId());
+    X11Connection& x11 = platform->connection();
+    EXPECT_TRUE(VirtualDesktop::waitUntil([&] {
+        xcb_get_property_reply_t* reply = xcb_get_property_reply(
+            xcb(), xcb_get_property(xcb(), 0, x11.root(), x11.atom("_NET_ACTIVE_WINDOW"), XCB_ATOM_WINDOW, 0, 1),
+            nullptr);
+        const bool active = reply != nullptr && xcb_get_property_value_length(reply) == 4 &&
+                            *static_cast<const xcb_window_t*>(xcb_get_property_value(reply)) == window;
+        std::free(reply);
+        return active;
+    }));
+}
+
 TEST_F(PanelOnDesktop, MoveButtonSendsTheMonitorsWindowsToTheTargetAndRefreshes) {
     TestClient client;
     ASSERT_TRUE(client.start());
