@@ -1,0 +1,51 @@
+// Shortcuts written through the file-backed user defaults read back the same after a restart.
+#include <QTemporaryDir>
+
+#include "KeyboardShortcuts/KeyboardShortcuts.h"
+#include "platform/x11/FileUserDefaults.h"
+#include "tests/shortcuts/ShortcutTestFixture.h"
+
+using namespace KeyboardShortcuts;
+
+namespace {
+
+class ShortcutPersistenceTest : public ShortcutTest {
+protected:
+    ShortcutPersistenceTest() : path(directory.filePath(QStringLiteral("defaults.json"))) { useStore(); }
+
+    // Installs a store freshly loaded from the file, as a new process would.
+    void useStore() {
+        store = std::make_unique<FileUserDefaults>(path);
+        PlatformServices services = Platform::services();
+        services.userDefaults = store.get();
+        Platform::install(services);
+    }
+
+    QTemporaryDir directory;
+    QString path;
+    std::unique_ptr<FileUserDefaults> store;
+};
+
+TEST_F(ShortcutPersistenceTest, StoredShortcutSurvivesRestartAsJsonString) {
+    const Name name(QStringLiteral("moveFocusedWindowToDisplay.v16-m32-s7"));
+    setShortcut(Shortcut(Key::k, ModifierFlag::control | ModifierFlag::command), name);
+    useStore();
+    const QVariant reloaded = store->object(QStringLiteral("KeyboardShortcuts_moveFocusedWindowToDisplay.v16-m32-s7"));
+    ASSERT_EQ(reloaded.typeId(), QMetaType::QString);
+    EXPECT_EQ(reloaded.toString(), QStringLiteral("{\"carbonKeyCode\":40,\"carbonModifiers\":4352}"));
+    EXPECT_EQ(getShortcut(name), Shortcut(40, 4352));
+}
+
+TEST_F(ShortcutPersistenceTest, RemovedDefaultStaysRemovedAfterRestart) {
+    {
+        const Name name(QStringLiteral("withDefault"), Shortcut(Key::f5));
+        setShortcut(std::nullopt, name);
+    }
+    useStore();
+    EXPECT_EQ(store->object(QStringLiteral("KeyboardShortcuts_withDefault")), QVariant(false));
+    const Name again(QStringLiteral("withDefault"), Shortcut(Key::f5));
+    EXPECT_FALSE(getShortcut(again));
+    EXPECT_TRUE(platform.hotKeys.registrations().isEmpty());
+}
+
+}  // namespace
