@@ -42,25 +42,32 @@ void X11WindowPlacer::watch(xcb_window_t window) {
     xcb_change_window_attributes(m_connection.xcb(), window, XCB_CW_EVENT_MASK, &mask);
 }
 
+namespace {
+
+// Whether an event tells about the window: its geometry, properties, mapping or end.
+bool isAbout(xcb_window_t window, xcb_generic_event_t* event) {
+    switch (event->response_type & 0x7f) {
+        case XCB_CONFIGURE_NOTIFY:
+            return reinterpret_cast<xcb_configure_notify_event_t*>(event)->window == window;
+        case XCB_PROPERTY_NOTIFY:
+            return reinterpret_cast<xcb_property_notify_event_t*>(event)->window == window;
+        case XCB_DESTROY_NOTIFY:
+            return reinterpret_cast<xcb_destroy_notify_event_t*>(event)->window == window;
+        case XCB_MAP_NOTIFY:
+            return reinterpret_cast<xcb_map_notify_event_t*>(event)->window == window;
+        case XCB_UNMAP_NOTIFY:
+            return reinterpret_cast<xcb_unmap_notify_event_t*>(event)->window == window;
+        default:
+            return false;
+    }
+}
+
+}  // namespace
+
 bool X11WindowPlacer::waitUntil(xcb_window_t window, const std::function<bool(const X11WindowFacts&)>& condition,
                                 int timeoutMs, X11WindowFacts* last) {
     QDeadlineTimer deadline(timeoutMs);
-    auto aboutWindow = [window](xcb_generic_event_t* event) {
-        switch (event->response_type & 0x7f) {
-            case XCB_CONFIGURE_NOTIFY:
-                return reinterpret_cast<xcb_configure_notify_event_t*>(event)->window == window;
-            case XCB_PROPERTY_NOTIFY:
-                return reinterpret_cast<xcb_property_notify_event_t*>(event)->window == window;
-            case XCB_DESTROY_NOTIFY:
-                return reinterpret_cast<xcb_destroy_notify_event_t*>(event)->window == window;
-            case XCB_MAP_NOTIFY:
-                return reinterpret_cast<xcb_map_notify_event_t*>(event)->window == window;
-            case XCB_UNMAP_NOTIFY:
-                return reinterpret_cast<xcb_unmap_notify_event_t*>(event)->window == window;
-            default:
-                return false;
-        }
-    };
+    auto aboutWindow = [window](xcb_generic_event_t* event) { return isAbout(window, event); };
     while (true) {
         *last = read(window);
         if (!last->exists || condition(*last)) {
@@ -71,6 +78,14 @@ bool X11WindowPlacer::waitUntil(xcb_window_t window, const std::function<bool(co
             *last = read(window);
             return last->exists && condition(*last);
         }
+    }
+}
+
+void X11WindowPlacer::waitForQuiet(xcb_window_t window, int quietMs, int timeoutMs) {
+    QDeadlineTimer deadline(timeoutMs);
+    auto aboutWindow = [window](xcb_generic_event_t* event) { return isAbout(window, event); };
+    while (!deadline.hasExpired() &&
+           m_connection.waitForEvent(aboutWindow, static_cast<int>(qMin<qint64>(quietMs, deadline.remainingTime())))) {
     }
 }
 
@@ -143,6 +158,7 @@ AXError X11WindowPlacer::leaveSizeStates(xcb_window_t window, const QList<xcb_at
     if (!facts->exists) {
         return kAXErrorInvalidUIElement;
     }
+    qCDebug(lcPlacer) << "left states of" << window << "frame" << facts->outerFrame() << "from size" << sizeInState;
     // A window whose normal size is its maximised size never changes size: the state is what counts.
     const bool stateLeft =
         !facts->hasState(m_maximizedVert) && !facts->hasState(m_maximizedHorz) && !facts->hasState(m_fullscreen);
@@ -172,6 +188,10 @@ void X11WindowPlacer::restoreSizeStates(xcb_window_t window, const QList<xcb_ato
             return current.outerFrame().size() != before;
         },
         kConfirmationMilliseconds, &facts);
+    // Window managers take several steps to maximise (client, decorations, frame); let them finish.
+    waitForQuiet(window, kQuietMilliseconds, kConfirmationMilliseconds);
+    qCDebug(lcPlacer) << "restored states of" << window << "frame" << read(window).outerFrame() << "from size"
+                      << before;
 }
 
 AXError X11WindowPlacer::moveFrame(xcb_window_t window, QPoint rootTopLeft) {

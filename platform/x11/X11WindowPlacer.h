@@ -33,6 +33,8 @@ public:
     AXError setMinimized(xcb_window_t window, bool minimized);
 
 private:
+    // How long a window must stay silent to count as settled after a change of state.
+    static constexpr int kQuietMilliseconds = 15;
     // A frame that lands this close to the target (in pixels along both axes) missed it by a decoration.
     static constexpr int kDecorationSlack = 64;
     static constexpr unsigned kPlacementFields =
@@ -42,6 +44,8 @@ private:
     // Reads the window after every event about it until the condition holds or the time is up.
     bool waitUntil(xcb_window_t window, const std::function<bool(const X11WindowFacts&)>& condition, int timeoutMs,
                    X11WindowFacts* last);
+    // Waits until no event about the window has come for quietMs, or the time is up.
+    void waitForQuiet(xcb_window_t window, int quietMs, int timeoutMs);
     void watch(xcb_window_t window);
     void sendMoveResize(xcb_window_t window, std::optional<QPoint> position, std::optional<QSize> size);
     void sendState(xcb_window_t window, bool add, xcb_atom_t first, xcb_atom_t second);

@@ -89,3 +89,23 @@ bool X11DesktopFixture::near(const QRectF& actual, const QRectF& expected, doubl
            qAbs(actual.width() - expected.width()) <= tolerance &&
            qAbs(actual.height() - expected.height()) <= tolerance;
 }
+
+quint32 X11DesktopFixture::activeWindow() {
+    const xcb_atom_t atom = platform->connection().atom("_NET_ACTIVE_WINDOW");
+    xcb_get_property_reply_t* reply = xcb_get_property_reply(
+        xcb(), xcb_get_property(xcb(), 0, platform->connection().root(), atom, XCB_ATOM_WINDOW, 0, 1), nullptr);
+    quint32 window = 0;
+    if (reply != nullptr && reply->format == 32 && xcb_get_property_value_length(reply) >= 4) {
+        window = *static_cast<quint32*>(xcb_get_property_value(reply));
+    }
+    std::free(reply);
+    return window;
+}
+
+bool X11DesktopFixture::activate(quint32 window) {
+    if (VirtualDesktop::run(QStringLiteral("wmctrl"),
+                            {QStringLiteral("-i"), QStringLiteral("-a"), QString::number(window)}) != 0) {
+        return false;
+    }
+    return VirtualDesktop::waitUntil([&] { return activeWindow() == window; });
+}

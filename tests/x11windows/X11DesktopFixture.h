@@ -28,6 +28,9 @@ protected:
     QList<QRect> monitors() const;
     // Options that place a w x h window at an offset inside a monitor.
     QString placement(int monitor, int dx, int dy, int width, int height) const;
+    // Asks the window manager to activate the window and waits until _NET_ACTIVE_WINDOW names it.
+    bool activate(quint32 window);
+    quint32 activeWindow();
     // True when the frame lies within tolerance of the rectangle.
     static bool near(const QRectF& actual, const QRectF& expected, double tolerance = 2.0);
 

@@ -89,9 +89,7 @@ TEST_F(X11WorkspaceTest, FrontmostApplicationOwnsTheActiveWindow) {
     ASSERT_NE(mine, 0u);
     ASSERT_NE(theirs, 0u);
     for (const auto& [window, pid] : {std::pair{theirs, other.pid()}, std::pair{mine, client.pid()}}) {
-        ASSERT_EQ(VirtualDesktop::run(QStringLiteral("wmctrl"),
-                                      {QStringLiteral("-i"), QStringLiteral("-a"), QString::number(window)}),
-                  0);
+        ASSERT_TRUE(activate(window));
         EXPECT_TRUE(VirtualDesktop::waitUntil([&] {
             const auto front = workspace().frontmostApplication();
             return front && front->processIdentifier == pid;
