@@ -88,6 +88,20 @@ TEST_F(X11InventoryTest, SnapshotsCountVisibleAndMinimisedWindowsPerDisplayAndCa
     }
 }
 
+TEST_F(X11InventoryTest, WindowAcrossTwoMonitorsCountsOnBoth) {
+    const QRect first = VirtualDesktop::layout().value(0);
+    ASSERT_NE(client.open(QStringLiteral("across"), QStringLiteral("x=%1 y=200 w=600 h=400").arg(first.right() - 300)),
+              0u);
+    const QList<DisplaySnapshot> snapshots =
+        ScreenSnapshotService::captureDisplaySnapshots(ScreenSnapshotService::currentDisplayDescriptors());
+    for (const DisplaySnapshot& snapshot : snapshots) {
+        const int monitor = static_cast<int>(monitors().indexOf(snapshot.bounds.toRect()));
+        const int expected = monitor <= 1 ? 1 : 0;
+        EXPECT_EQ(snapshot.visibleWindowCount, expected) << monitor;
+        EXPECT_EQ(snapshot.appGroups.size(), expected) << monitor;
+    }
+}
+
 TEST_F(X11InventoryTest, SnapshotsOnABackgroundThreadWhileTheMainThreadMovesWindows) {
     const quint32 moving = client.open(QStringLiteral("moving"), placement(0, 100, 100, 400, 300));
     ASSERT_NE(client.open(QStringLiteral("still"), placement(1, 100, 100, 400, 300)), 0u);

@@ -178,6 +178,45 @@ TEST_F(X11MoverTest, FocusedWindowAlreadyOnTheTargetGivesZeroOne) {
     EXPECT_EQ(frameFromTree(focused), before);
 }
 
+TEST_F(X11MoverTest, FocusedWindowOutsideEveryDisplayIsMovedFromTheFirst) {
+    // Below the first monitor, which is shorter than the second: inside the screen, on no monitor.
+    const QRect first = monitors().value(0);
+    const quint32 lost = client.open(
+        QStringLiteral("lost"), QStringLiteral("x=%1 y=%2 w=300 h=150").arg(first.x() + 200).arg(first.bottom() + 120));
+    ASSERT_NE(lost, 0u);
+    ASSERT_TRUE(activate(lost));
+    const QRectF start = frameFromTree(lost);
+    for (const DisplaySnapshot& display : displays()) {
+        if (display.bounds.intersects(start)) {
+            // Openbox, for one, pulls such a window onto a monitor as it maps it.
+            GTEST_SKIP() << "this window manager keeps new windows on a monitor";
+        }
+    }
+    const DisplaySnapshot target = display(2);
+    EXPECT_EQ(WindowMover::moveFocusedWindow(target, displays(), false), (WindowMoveResult{1, 1}));
+    const QRectF expected = expectedFrame(start, displays().value(0).bounds, target.bounds, false);
+    EXPECT_TRUE(near(frameFromTree(lost), expected))
+        << describe(frameFromTree(lost)).toStdString() << " expected " << describe(expected).toStdString();
+}
+
+TEST_F(X11MoverTest, AdjustSizeOfAWindowThatRefusesTheSizeCentresItByItsActualSize) {
+    const quint32 window =
+        client.open(QStringLiteral("fixed"), placement(0, 500, 300, 400, 300) + QStringLiteral(" fixed=yes"));
+    ASSERT_NE(window, 0u);
+    const DisplaySnapshot source = display(0);
+    const DisplaySnapshot target = display(1);
+    const QRectF start = frameFromTree(window);
+    EXPECT_EQ(WindowMover::moveWindows(source, target, true, std::nullopt, false), (WindowMoveResult{1, 1}));
+    const QRectF end = frameFromTree(window);
+    // Whatever size the window manager allowed, the window is centred where its centre was, by that size.
+    const QPointF centre(
+        (start.center().x() - source.bounds.x()) / source.bounds.width() * target.bounds.width() + target.bounds.x(),
+        (start.center().y() - source.bounds.y()) / source.bounds.height() * target.bounds.height() + target.bounds.y());
+    EXPECT_NEAR(end.center().x(), centre.x(), 2.0);
+    EXPECT_NEAR(end.center().y(), centre.y(), 2.0);
+    std::printf("fixed-size window: %s before, %s after\n", qPrintable(describe(start)), qPrintable(describe(end)));
+}
+
 TEST_F(X11MoverTest, DiagnosticLinesTellEachMove) {
     const quint32 window = client.open(QStringLiteral("w"), placement(0, 200, 200, 500, 300));
     ASSERT_NE(window, 0u);
