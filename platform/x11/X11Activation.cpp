@@ -11,7 +11,7 @@
 
 #include "platform/x11/X11Connection.h"
 
-Q_LOGGING_CATEGORY(lcActivation, "lattica.x11.activation")
+Q_LOGGING_CATEGORY(lcActivation, "lattica.x11.activation", QtInfoMsg)
 
 namespace {
 
