@@ -8,6 +8,7 @@
 #include <QStringList>
 #include <algorithm>
 
+#include "app/views/GridIconEngine.h"
 #include "app/views/SymbolIcons.h"
 
 namespace {
@@ -125,56 +126,33 @@ void drawTrash(QPainter& painter, const QColor& color) {
 }
 
 // Paints one settings symbol in a 24 x 24 design grid scaled to the rectangle asked for.
-class SettingsSymbolEngine : public QIconEngine {
+class SettingsSymbolEngine : public GridIconEngine {
 public:
-    explicit SettingsSymbolEngine(QString name) : m_name(std::move(name)) {}
+    using GridIconEngine::GridIconEngine;
 
-    QIconEngine* clone() const override { return new SettingsSymbolEngine(m_name); }
+    QIconEngine* clone() const override { return new SettingsSymbolEngine(name()); }
     QString key() const override { return QStringLiteral("LatticaSettingsSymbol"); }
-    QString iconName() override { return m_name; }
 
-    QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State state) override {
-        return scaledPixmap(size, mode, state, 1.0);
-    }
-
-    QPixmap scaledPixmap(const QSize& size, QIcon::Mode mode, QIcon::State state, qreal scale) override {
-        QPixmap pixmap(size * scale);
-        pixmap.setDevicePixelRatio(scale);
-        pixmap.fill(Qt::transparent);
-        QPainter painter(&pixmap);
-        paint(&painter, QRect(QPoint(0, 0), size), mode, state);
-        return pixmap;
-    }
-
-    void paint(QPainter* painter, const QRect& rect, QIcon::Mode mode, QIcon::State) override {
-        const QPalette palette = QGuiApplication::palette();
-        const QPalette::ColorGroup group = mode == QIcon::Disabled ? QPalette::Disabled : QPalette::Active;
+protected:
+    void draw(QPainter& painter, const QPalette& palette, QPalette::ColorGroup group) const override {
         const QColor color = palette.color(group, QPalette::WindowText);
-        const qreal side = std::min(rect.width(), rect.height());
-        painter->save();
-        painter->setRenderHint(QPainter::Antialiasing);
-        painter->translate(rect.x() + (rect.width() - side) / 2.0, rect.y() + (rect.height() - side) / 2.0);
-        painter->scale(side / 24.0, side / 24.0);
-        if (m_name == u"slider.horizontal.3") {
-            drawSliders(*painter, color, palette.color(group, QPalette::Base));
-        } else if (m_name == u"keyboard") {
-            drawKeyboard(*painter, color);
-        } else if (m_name == u"arrow.triangle.2.circlepath") {
-            drawCirclePath(*painter, color);
-        } else if (m_name == u"ladybug") {
-            drawLadybug(*painter, color);
-        } else if (m_name == u"envelope") {
-            drawEnvelope(*painter, color);
-        } else if (m_name == u"link") {
-            drawLink(*painter, color);
-        } else if (m_name == u"trash") {
-            drawTrash(*painter, color);
+        const QString& symbol = name();
+        if (symbol == u"slider.horizontal.3") {
+            drawSliders(painter, color, palette.color(group, QPalette::Base));
+        } else if (symbol == u"keyboard") {
+            drawKeyboard(painter, color);
+        } else if (symbol == u"arrow.triangle.2.circlepath") {
+            drawCirclePath(painter, color);
+        } else if (symbol == u"ladybug") {
+            drawLadybug(painter, color);
+        } else if (symbol == u"envelope") {
+            drawEnvelope(painter, color);
+        } else if (symbol == u"link") {
+            drawLink(painter, color);
+        } else if (symbol == u"trash") {
+            drawTrash(painter, color);
         }
-        painter->restore();
     }
-
-private:
-    QString m_name;
 };
 
 }  // namespace

@@ -1,5 +1,7 @@
 #include "app/views/SymbolIcons.h"
 
+#include "app/views/GridIconEngine.h"
+
 #include <QGuiApplication>
 #include <QHash>
 #include <QIconEngine>
@@ -11,45 +13,19 @@
 
 namespace {
 
-// Draws one symbol in a 24 x 24 design grid, scaled to the requested rectangle.
-class SymbolIconEngine : public QIconEngine {
+// Draws one named symbol; on an accent surface, outlines take the highlighted-text colour.
+class SymbolIconEngine : public GridIconEngine {
 public:
-    explicit SymbolIconEngine(QString name, bool onAccent = false) : m_name(std::move(name)), m_onAccent(onAccent) {}
+    explicit SymbolIconEngine(QString name, bool onAccent = false)
+        : GridIconEngine(std::move(name)), m_onAccent(onAccent) {}
 
-    QIconEngine* clone() const override { return new SymbolIconEngine(m_name, m_onAccent); }
+    QIconEngine* clone() const override { return new SymbolIconEngine(name(), m_onAccent); }
     QString key() const override { return QStringLiteral("LatticaSymbol"); }
-    QString iconName() override { return m_name; }
 
-    QPixmap pixmap(const QSize& size, QIcon::Mode mode, QIcon::State state) override {
-        return scaledPixmap(size, mode, state, 1.0);
-    }
-
-    QPixmap scaledPixmap(const QSize& size, QIcon::Mode mode, QIcon::State state, qreal scale) override {
-        QPixmap pixmap(size * scale);
-        pixmap.setDevicePixelRatio(scale);
-        pixmap.fill(Qt::transparent);
-        QPainter painter(&pixmap);
-        paint(&painter, QRect(QPoint(0, 0), size), mode, state);
-        return pixmap;
-    }
-
-    void paint(QPainter* painter, const QRect& rect, QIcon::Mode mode, QIcon::State) override {
-        const QPalette palette = QGuiApplication::palette();
-        const QPalette::ColorGroup group = mode == QIcon::Disabled ? QPalette::Disabled : QPalette::Active;
-        const qreal side = std::min(rect.width(), rect.height());
-        painter->save();
-        painter->setRenderHint(QPainter::Antialiasing);
-        painter->setRenderHint(QPainter::TextAntialiasing);
-        painter->translate(rect.x() + (rect.width() - side) / 2.0, rect.y() + (rect.height() - side) / 2.0);
-        painter->scale(side / 24.0, side / 24.0);
-        draw(*painter, palette, group);
-        painter->restore();
-    }
+protected:
+    void draw(QPainter& painter, const QPalette& palette, QPalette::ColorGroup group) const override;
 
 private:
-    void draw(QPainter& painter, const QPalette& palette, QPalette::ColorGroup group) const;
-
-    QString m_name;
     bool m_onAccent = false;
 };
 
@@ -242,40 +218,40 @@ void drawUnknown(QPainter& painter, const QColor& color, const QString& name) {
 
 void SymbolIconEngine::draw(QPainter& painter, const QPalette& palette, QPalette::ColorGroup group) const {
     const QColor text = palette.color(group, m_onAccent ? QPalette::HighlightedText : QPalette::WindowText);
-    if (const std::optional<int> number = SymbolIcons::circledNumber(m_name)) {
+    if (const std::optional<int> number = SymbolIcons::circledNumber(name())) {
         drawNumberedCircle(painter, QString::number(*number), palette, group);
-    } else if (m_name == QLatin1String("number.circle.fill")) {
+    } else if (name() == QLatin1String("number.circle.fill")) {
         drawNumberedCircle(painter, QStringLiteral("#"), palette, group);
-    } else if (m_name == QLatin1String("display")) {
+    } else if (name() == QLatin1String("display")) {
         drawDisplay(painter, text);
-    } else if (m_name == QLatin1String("gearshape")) {
+    } else if (name() == QLatin1String("gearshape")) {
         drawGear(painter, text);
-    } else if (m_name == QLatin1String("power")) {
+    } else if (name() == QLatin1String("power")) {
         drawPower(painter, text);
-    } else if (m_name == QLatin1String("hand.raised")) {
+    } else if (name() == QLatin1String("hand.raised")) {
         drawHand(painter, text, false);
-    } else if (m_name == QLatin1String("hand.raised.fill")) {
+    } else if (name() == QLatin1String("hand.raised.fill")) {
         drawHand(painter, text, true);
-    } else if (m_name == QLatin1String("lock.shield.fill")) {
+    } else if (name() == QLatin1String("lock.shield.fill")) {
         drawLockShield(painter, palette.color(group, QPalette::Highlight), palette.color(group, QPalette::Window));
-    } else if (m_name == QLatin1String("info.circle")) {
+    } else if (name() == QLatin1String("info.circle")) {
         drawInfo(painter, text);
-    } else if (m_name == QLatin1String("arrow.clockwise")) {
+    } else if (name() == QLatin1String("arrow.clockwise")) {
         drawArrowClockwise(painter, text);
-    } else if (m_name == QLatin1String("checkmark.circle.fill")) {
+    } else if (name() == QLatin1String("checkmark.circle.fill")) {
         const QColor green =
             group == QPalette::Disabled ? palette.color(group, QPalette::WindowText) : QColor(0x2e, 0xa0, 0x43);
         drawCheckmarkCircle(painter, green, Qt::white);
-    } else if (m_name == QLatin1String("exclamationmark.triangle")) {
+    } else if (name() == QLatin1String("exclamationmark.triangle")) {
         drawWarningTriangle(painter, text);
-    } else if (m_name == QLatin1String("list.bullet.rectangle")) {
+    } else if (name() == QLatin1String("list.bullet.rectangle")) {
         drawListRectangle(painter, text);
-    } else if (m_name == QLatin1String("app.fill")) {
+    } else if (name() == QLatin1String("app.fill")) {
         drawAppTile(painter, palette.color(group, QPalette::Mid));
-    } else if (m_name == QLatin1String("rectangle.on.rectangle.angled")) {
+    } else if (name() == QLatin1String("rectangle.on.rectangle.angled")) {
         drawProgramSymbol(painter);
     } else {
-        drawUnknown(painter, text, m_name);
+        drawUnknown(painter, text, name());
     }
 }
 

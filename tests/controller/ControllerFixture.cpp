@@ -1,5 +1,7 @@
 #include "tests/controller/ControllerFixture.h"
 
+#include "tests/support/VirtualDesktop.h"
+
 #include <QCoreApplication>
 #include <QDeadlineTimer>
 #include <QThread>
@@ -42,15 +44,7 @@ void ControllerTest::TearDown() {
 }
 
 bool ControllerTest::waitUntil(const std::function<bool()>& predicate, int timeoutMs) {
-    QDeadlineTimer deadline(timeoutMs);
-    while (!predicate()) {
-        if (deadline.hasExpired()) {
-            return false;
-        }
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
-        QThread::msleep(1);
-    }
-    return true;
+    return VirtualDesktop::waitUntil(predicate, timeoutMs);
 }
 
 void ControllerTest::finishBackgroundWork() {

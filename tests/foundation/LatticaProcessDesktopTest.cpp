@@ -1,10 +1,10 @@
 #include <gtest/gtest.h>
 
+#include <QDir>
 #include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcess>
-#include <QDir>
 #include <QTemporaryDir>
 
 #include "tests/support/VirtualDesktop.h"
@@ -19,21 +19,29 @@ QJsonObject readDefaults(const QString& path) {
     return QJsonDocument::fromJson(file.readAll()).object();
 }
 
+// Starts the program with its own configuration folder. The update feed points at a closed port on
+// this machine, so the launch-time check never leaves it.
+void startLattica(QProcess& lattica, const QString& configDirectory) {
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("XDG_CONFIG_HOME"), configDirectory);
+    environment.insert(QStringLiteral("LATTICA_APPCAST_URL"), QStringLiteral("http://127.0.0.1:9/appcast.xml"));
+    lattica.setProcessEnvironment(environment);
+    lattica.setProcessChannelMode(QProcess::ForwardedChannels);
+    lattica.start(QStringLiteral(LATTICA_BINARY), {});
+}
+
 TEST(LatticaProcessDesktopTest, FirstStartWritesThePreferenceDefaultsAndSigtermEndsWithStatusZero) {
     QTemporaryDir config;
     ASSERT_TRUE(config.isValid());
     QProcess lattica;
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("XDG_CONFIG_HOME"), config.path());
-    lattica.setProcessEnvironment(environment);
-    lattica.setProcessChannelMode(QProcess::ForwardedChannels);
-    lattica.start(QStringLiteral(LATTICA_BINARY), {});
+    startLattica(lattica, config.path());
     ASSERT_TRUE(lattica.waitForStarted(5000));
 
     const QString defaultsPath = config.filePath(QStringLiteral("lattica/defaults.json"));
     ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return readDefaults(defaultsPath).size() >= 3; }, 10000));
     const QJsonObject defaults = readDefaults(defaultsPath);
-    EXPECT_EQ(defaults.value(QStringLiteral("dockIconVisible")).toObject().value(QStringLiteral("bool")), QJsonValue(false));
+    EXPECT_EQ(defaults.value(QStringLiteral("dockIconVisible")).toObject().value(QStringLiteral("bool")),
+              QJsonValue(false));
     EXPECT_EQ(defaults.value(QStringLiteral("autoCheckForUpdatesOnLaunch")).toObject().value(QStringLiteral("bool")),
               QJsonValue(true));
     EXPECT_EQ(defaults.value(QStringLiteral("adjustWindowSizeToTargetScreen")).toObject().value(QStringLiteral("bool")),
@@ -56,11 +64,7 @@ TEST(LatticaProcessDesktopTest, CorruptPreferencesFileIsKeptAndTheDefaultsRecrea
         file.write("\x00\xff garbage {");
     }
     QProcess lattica;
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("XDG_CONFIG_HOME"), config.path());
-    lattica.setProcessEnvironment(environment);
-    lattica.setProcessChannelMode(QProcess::ForwardedChannels);
-    lattica.start(QStringLiteral(LATTICA_BINARY), {});
+    startLattica(lattica, config.path());
     ASSERT_TRUE(lattica.waitForStarted(5000));
     ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return readDefaults(defaultsPath).size() >= 3; }, 10000));
     const QStringList kept =

@@ -33,17 +33,11 @@ protected:
     static void defineMonitor(int i, bool primary) {
         const QRect rect = VirtualDesktop::layout().at(i);
         const QString name = (primary ? QStringLiteral("*") : QString()) + QStringLiteral("VIRTUAL-%1").arg(i + 1);
-        const QString geometry = QStringLiteral("%1/%2x%3/%4+%5+%6")
-                                     .arg(rect.width())
-                                     .arg(rect.width() * 254 / 960)
-                                     .arg(rect.height())
-                                     .arg(rect.height() * 254 / 960)
-                                     .arg(rect.x())
-                                     .arg(rect.y());
-        ASSERT_EQ(VirtualDesktop::run(QStringLiteral("xrandr"),
-                                      {QStringLiteral("--setmonitor"), name, geometry,
-                                       i == 0 ? QStringLiteral("screen") : QStringLiteral("none")}),
-                  0);
+        const QString geometry = VirtualDesktop::monitorGeometry(rect);
+        ASSERT_EQ(
+            VirtualDesktop::run(QStringLiteral("xrandr"), {QStringLiteral("--setmonitor"), name, geometry,
+                                                           i == 0 ? QStringLiteral("screen") : QStringLiteral("none")}),
+            0);
     }
 
     X11Displays* displays() const { return static_cast<X11Displays*>(m_platform->services().displays); }
@@ -70,7 +64,9 @@ TEST_F(X11DisplaysDesktopTest, DescriptorsListMonitorsInScreenOrderWithIndexesNa
 TEST_F(X11DisplaysDesktopTest, MakingAnotherMonitorPrimaryChangesOrderAndOrigin) {
     const QList<QRect> layout = VirtualDesktop::layout();
     ASSERT_GE(layout.size(), 2);
-    ASSERT_EQ(VirtualDesktop::run(QStringLiteral("xrandr"), {QStringLiteral("--delmonitor"), QStringLiteral("VIRTUAL-2")}), 0);
+    ASSERT_EQ(
+        VirtualDesktop::run(QStringLiteral("xrandr"), {QStringLiteral("--delmonitor"), QStringLiteral("VIRTUAL-2")}),
+        0);
     defineMonitor(1, true);
     const QList<DisplayDescriptor> descriptors = ScreenSnapshotService::currentDisplayDescriptors();
     ASSERT_EQ(descriptors.size(), layout.size());

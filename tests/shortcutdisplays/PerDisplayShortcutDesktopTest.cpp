@@ -20,16 +20,6 @@ using KeyboardShortcuts::Shortcut;
 constexpr int kTwoKeyCode = 19;
 constexpr int kControlOption = 0x1000 | 0x800;
 
-QString monitorGeometry(const QRect& rect) {
-    return QStringLiteral("%1/%2x%3/%4+%5+%6")
-        .arg(rect.width())
-        .arg(rect.width() * 254 / 960)
-        .arg(rect.height())
-        .arg(rect.height() * 254 / 960)
-        .arg(rect.x())
-        .arg(rect.y());
-}
-
 class PerDisplayShortcutDesktopTest : public ::testing::Test {
 protected:
     void SetUp() override {
@@ -120,7 +110,7 @@ TEST_F(PerDisplayShortcutDesktopTest, ReleasingADisplaysShortcutMovesTheFocusedW
     // Plugged in again: the same record and the same shortcut come back.
     ASSERT_EQ(VirtualDesktop::run(QStringLiteral("xrandr"),
                                   {QStringLiteral("--setmonitor"), QStringLiteral("VIRTUAL-%1").arg(monitorNumber),
-                                   monitorGeometry(monitorRect), QStringLiteral("none")}),
+                                   VirtualDesktop::monitorGeometry(monitorRect), QStringLiteral("none")}),
               0);
     ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return controller.disconnectedShortcutDisplays().isEmpty(); }));
     // RandR lists a monitor defined again after the others, so look it up by its identifier.

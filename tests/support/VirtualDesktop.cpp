@@ -20,6 +20,16 @@ QList<QRect> VirtualDesktop::layout() {
     return monitors;
 }
 
+QString VirtualDesktop::monitorGeometry(const QRect& rect) {
+    return QStringLiteral("%1/%2x%3/%4+%5+%6")
+        .arg(rect.width())
+        .arg(rect.width() * 254 / 960)
+        .arg(rect.height())
+        .arg(rect.height() * 254 / 960)
+        .arg(rect.x())
+        .arg(rect.y());
+}
+
 int VirtualDesktop::run(const QString& program, const QStringList& arguments, int timeoutMs) {
     QProcess process;
     process.setProcessChannelMode(QProcess::ForwardedChannels);

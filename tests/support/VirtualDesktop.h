@@ -10,6 +10,8 @@ namespace VirtualDesktop {
 
 // The monitors the desktop was started with, left to right, in root coordinates.
 QList<QRect> layout();
+// The geometry argument of `xrandr --setmonitor` for a monitor rectangle (at about 96 dots per inch).
+QString monitorGeometry(const QRect& rect);
 // Runs a command to its end and returns its exit status; its output goes to the test log.
 int run(const QString& program, const QStringList& arguments, int timeoutMs = 10000);
 // Runs a command and returns its standard output.

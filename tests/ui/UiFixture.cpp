@@ -1,5 +1,7 @@
 #include "tests/ui/UiFixture.h"
 
+#include "tests/support/VirtualDesktop.h"
+
 #include <QApplication>
 #include <QDeadlineTimer>
 #include <QThread>
@@ -56,15 +58,7 @@ void UiTest::addApplication(pid_t pid, const QString& name, int displayIndex, co
 }
 
 bool UiTest::waitUntil(const std::function<bool()>& predicate, int timeoutMs) {
-    QDeadlineTimer deadline(timeoutMs);
-    while (!predicate()) {
-        if (deadline.hasExpired()) {
-            return false;
-        }
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 10);
-        QThread::msleep(1);
-    }
-    return true;
+    return VirtualDesktop::waitUntil(predicate, timeoutMs);
 }
 
 void UiTest::finishBackgroundWork() {
