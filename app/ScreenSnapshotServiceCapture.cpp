@@ -8,15 +8,22 @@ QList<DisplaySnapshot> ScreenSnapshotService::captureDisplaySnapshots(const QLis
         return {};
     }
     Displays* displays = Platform::services().displays;
+    // The pictures come first: they take a few milliseconds, and this runs while the panel is about to
+    // appear, so taken now they show the displays as the user left them rather than the panel itself.
+    QList<QImage> pictures;
+    pictures.reserve(descriptors.size());
+    for (const DisplayDescriptor& descriptor : descriptors) {
+        pictures.append(displays->createImage(descriptor.id));
+    }
     // One inventory for all displays.
     const QList<QualifiedWindow> inventory = qualifyingWindows();
 
     QList<DisplaySnapshot> snapshots;
-    for (const DisplayDescriptor& descriptor : descriptors) {
+    for (qsizetype i = 0; i < descriptors.size(); ++i) {
+        const DisplayDescriptor& descriptor = descriptors.at(i);
         DisplaySnapshot snapshot = DisplaySnapshot::placeholder(descriptor);
-        const QImage image = displays->createImage(descriptor.id);
-        if (!image.isNull()) {
-            snapshot.previewImage = image;
+        if (!pictures.at(i).isNull()) {
+            snapshot.previewImage = pictures.at(i);
         }
         QList<QualifiedWindow> onDisplay;
         for (const QualifiedWindow& window : inventory) {
