@@ -65,9 +65,14 @@ bool isAbout(xcb_window_t window, xcb_generic_event_t* event) {
 }  // namespace
 
 bool X11WindowPlacer::waitUntil(xcb_window_t window, const std::function<bool(const X11WindowFacts&)>& condition,
-                                int timeoutMs, X11WindowFacts* last) {
+                                int timeoutMs, X11WindowFacts* last, bool readFirst) {
     QDeadlineTimer deadline(timeoutMs);
     auto aboutWindow = [window](xcb_generic_event_t* event) { return isAbout(window, event); };
+    // Right after a request nothing has changed yet: the first look can wait for news of the window.
+    if (!readFirst && !m_connection.waitForEvent(aboutWindow, timeoutMs)) {
+        *last = read(window);
+        return last->exists && condition(*last);
+    }
     while (true) {
         *last = read(window);
         if (!last->exists || condition(*last)) {
@@ -218,7 +223,7 @@ AXError X11WindowPlacer::moveFrame(xcb_window_t window, QPoint rootTopLeft) {
     waitUntil(
         window,
         [&](const X11WindowFacts& current) { return arrived(current) || current.outerFrame().topLeft() != before; },
-        kConfirmationMilliseconds, &facts);
+        kConfirmationMilliseconds, &facts, false);
     bool landed = arrived(facts);
     const QPoint offBy = facts.outerFrame().topLeft() - rootTopLeft;
     if (!landed && facts.exists && offBy.manhattanLength() <= kDecorationSlack &&
@@ -273,7 +278,7 @@ AXError X11WindowPlacer::resizeFrame(xcb_window_t window, QSize frameSize) {
     sendMoveResize(window, std::nullopt, clientSize);
     const bool landed = waitUntil(
         window, [frameSize](const X11WindowFacts& now) { return now.outerFrame().size() == frameSize; },
-        kConfirmationMilliseconds, &facts);
+        kConfirmationMilliseconds, &facts, false);
     if (!facts.exists) {
         return kAXErrorInvalidUIElement;
     }

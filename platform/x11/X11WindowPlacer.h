@@ -43,7 +43,7 @@ private:
     X11WindowFacts read(xcb_window_t window);
     // Reads the window after every event about it until the condition holds or the time is up.
     bool waitUntil(xcb_window_t window, const std::function<bool(const X11WindowFacts&)>& condition, int timeoutMs,
-                   X11WindowFacts* last);
+                   X11WindowFacts* last, bool readFirst = true);
     // Waits until no event about the window has come for quietMs, or the time is up.
     void waitForQuiet(xcb_window_t window, int quietMs, int timeoutMs);
     void watch(xcb_window_t window);
