@@ -138,6 +138,10 @@ void FileUserDefaults::setObject(const QString& key, const QVariant& value) {
         removeObject(key);
         return;
     }
+    const auto existing = m_values.constFind(key);
+    if (existing != m_values.constEnd() && existing->typeId() == value.typeId() && *existing == value) {
+        return;  // nothing changes, so the file stays as it is
+    }
     m_values.insert(key, value);
     save();
 }

@@ -132,3 +132,17 @@ TEST_F(FileUserDefaultsTest, WriteSurvivesAKillRightAfterIt) {
 }
 
 }  // namespace
+
+namespace {
+
+TEST_F(FileUserDefaultsTest, StoringTheSameValueAgainLeavesTheFileAlone) {
+    FileUserDefaults store(path());
+    store.setObject(QStringLiteral("a"), QByteArray("[1]"));
+    QFile::remove(path());
+    store.setObject(QStringLiteral("a"), QByteArray("[1]"));
+    EXPECT_FALSE(QFile::exists(path())) << "an unchanged value was written again";
+    store.setObject(QStringLiteral("a"), QStringLiteral("[1]"));
+    EXPECT_TRUE(QFile::exists(path())) << "a value of another type is a change";
+}
+
+}  // namespace
