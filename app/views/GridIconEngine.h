@@ -2,6 +2,7 @@
 
 #include <QIconEngine>
 #include <QPalette>
+#include <QPen>
 #include <QString>
 
 // An icon drawn in a 24 x 24 design grid and painted at whatever size is asked for, in the colours
@@ -24,3 +25,8 @@ protected:
 private:
     QString m_name;
 };
+
+// The pen every drawn symbol uses for its lines: round caps and joins.
+inline QPen gridStroke(const QColor& color, qreal width) {
+    return QPen(color, width, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin);
+}

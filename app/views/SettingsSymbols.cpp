@@ -13,16 +13,15 @@
 
 namespace {
 
-QPen stroke(const QColor& color, qreal width = 1.7) {
-    return QPen(color, width, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin);
-}
+// Settings symbols are drawn with slightly finer lines than the panel's.
+constexpr qreal kStrokeWidth = 1.7;
 
 // Three rails with their knobs at different places.
 void drawSliders(QPainter& painter, const QColor& color, const QColor& knobFill) {
     const qreal rows[] = {6.0, 12.0, 18.0};
     const qreal knobs[] = {15.0, 8.0, 13.0};
     for (int i = 0; i < 3; ++i) {
-        painter.setPen(stroke(color));
+        painter.setPen(gridStroke(color, kStrokeWidth));
         painter.drawLine(QPointF(3, rows[i]), QPointF(21, rows[i]));
         painter.setBrush(knobFill);
         painter.drawEllipse(QPointF(knobs[i], rows[i]), 2.4, 2.4);
@@ -30,7 +29,7 @@ void drawSliders(QPainter& painter, const QColor& color, const QColor& knobFill)
 }
 
 void drawKeyboard(QPainter& painter, const QColor& color) {
-    painter.setPen(stroke(color));
+    painter.setPen(gridStroke(color, kStrokeWidth));
     painter.setBrush(Qt::NoBrush);
     painter.drawRoundedRect(QRectF(2, 6, 20, 13), 2.5, 2.5);
     painter.setPen(Qt::NoPen);
@@ -44,7 +43,7 @@ void drawKeyboard(QPainter& painter, const QColor& color) {
 
 // Two arcs chasing each other, each ending in an arrowhead.
 void drawCirclePath(QPainter& painter, const QColor& color) {
-    painter.setPen(stroke(color));
+    painter.setPen(gridStroke(color, kStrokeWidth));
     painter.setBrush(Qt::NoBrush);
     const QRectF circle(4.5, 4.5, 15, 15);
     painter.drawArc(circle, 30 * 16, 140 * 16);
@@ -71,7 +70,7 @@ void drawCirclePath(QPainter& painter, const QColor& color) {
 }
 
 void drawLadybug(QPainter& painter, const QColor& color) {
-    painter.setPen(stroke(color));
+    painter.setPen(gridStroke(color, kStrokeWidth));
     painter.setBrush(Qt::NoBrush);
     painter.drawEllipse(QRectF(5, 7, 14, 15));
     painter.drawChord(QRectF(8, 3, 8, 7), 0, 180 * 16);
@@ -86,7 +85,7 @@ void drawLadybug(QPainter& painter, const QColor& color) {
 }
 
 void drawEnvelope(QPainter& painter, const QColor& color) {
-    painter.setPen(stroke(color));
+    painter.setPen(gridStroke(color, kStrokeWidth));
     painter.setBrush(Qt::NoBrush);
     painter.drawRoundedRect(QRectF(2.5, 5.5, 19, 13), 2, 2);
     QPainterPath flap;
@@ -98,7 +97,7 @@ void drawEnvelope(QPainter& painter, const QColor& color) {
 
 // Two chain links at forty-five degrees.
 void drawLink(QPainter& painter, const QColor& color) {
-    painter.setPen(stroke(color, 1.9));
+    painter.setPen(gridStroke(color, 1.9));
     painter.setBrush(Qt::NoBrush);
     painter.save();
     painter.translate(12, 12);
@@ -109,7 +108,7 @@ void drawLink(QPainter& painter, const QColor& color) {
 }
 
 void drawTrash(QPainter& painter, const QColor& color) {
-    painter.setPen(stroke(color));
+    painter.setPen(gridStroke(color, kStrokeWidth));
     painter.setBrush(Qt::NoBrush);
     painter.drawLine(QPointF(4, 6.5), QPointF(20, 6.5));
     painter.drawLine(QPointF(9.5, 6.5), QPointF(10, 3.8));

@@ -29,9 +29,7 @@ private:
     bool m_onAccent = false;
 };
 
-QPen strokePen(const QColor& color, qreal width = 2.0) {
-    return QPen(color, width, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin);
-}
+constexpr qreal kStrokeWidth = 2.0;
 
 void drawNumberedCircle(QPainter& painter, const QString& text, const QPalette& palette, QPalette::ColorGroup group) {
     painter.setPen(Qt::NoPen);
@@ -47,7 +45,7 @@ void drawNumberedCircle(QPainter& painter, const QString& text, const QPalette& 
 }
 
 void drawDisplay(QPainter& painter, const QColor& color) {
-    painter.setPen(strokePen(color));
+    painter.setPen(gridStroke(color, kStrokeWidth));
     painter.setBrush(Qt::NoBrush);
     painter.drawRoundedRect(QRectF(2.5, 3.5, 19, 13), 2, 2);
     painter.drawLine(QPointF(12, 16.5), QPointF(12, 20));
@@ -79,7 +77,7 @@ void drawGear(QPainter& painter, const QColor& color) {
 }
 
 void drawPower(QPainter& painter, const QColor& color) {
-    painter.setPen(strokePen(color, 2.2));
+    painter.setPen(gridStroke(color, 2.2));
     painter.setBrush(Qt::NoBrush);
     painter.drawArc(QRectF(4, 4.5, 16, 16), 125 * 16, -250 * 16);
     painter.drawLine(QPointF(12, 2.5), QPointF(12, 11));
@@ -100,7 +98,7 @@ void drawHand(QPainter& painter, const QColor& color, bool filled) {
     thumb.lineTo(7.5, 13);
     hand.addPath(thumb);
     hand = hand.simplified();
-    painter.setPen(filled ? Qt::NoPen : strokePen(color, 1.4));
+    painter.setPen(filled ? Qt::NoPen : gridStroke(color, 1.4));
     painter.setBrush(filled ? QBrush(color) : Qt::NoBrush);
     painter.drawPath(hand);
 }
@@ -119,13 +117,13 @@ void drawLockShield(QPainter& painter, const QColor& color, const QColor& cutout
     painter.drawPath(shield);
     painter.setBrush(cutout);
     painter.drawRoundedRect(QRectF(8.5, 10.5, 7, 6), 1, 1);
-    painter.setPen(strokePen(cutout, 1.6));
+    painter.setPen(gridStroke(cutout, 1.6));
     painter.setBrush(Qt::NoBrush);
     painter.drawArc(QRectF(9.7, 6.5, 4.6, 7), 0, 180 * 16);
 }
 
 void drawInfo(QPainter& painter, const QColor& color) {
-    painter.setPen(strokePen(color, 1.8));
+    painter.setPen(gridStroke(color, 1.8));
     painter.setBrush(Qt::NoBrush);
     painter.drawEllipse(QRectF(2.5, 2.5, 19, 19));
     painter.drawLine(QPointF(12, 11), QPointF(12, 17));
@@ -135,7 +133,7 @@ void drawInfo(QPainter& painter, const QColor& color) {
 }
 
 void drawArrowClockwise(QPainter& painter, const QColor& color) {
-    painter.setPen(strokePen(color, 2.0));
+    painter.setPen(gridStroke(color, 2.0));
     painter.setBrush(Qt::NoBrush);
     painter.drawArc(QRectF(4, 4, 16, 16), 80 * 16, -300 * 16);
     QPainterPath head;
@@ -143,7 +141,7 @@ void drawArrowClockwise(QPainter& painter, const QColor& color) {
     head.lineTo(17.2, 4.4);
     head.lineTo(12.6, 6.8);
     head.closeSubpath();
-    painter.setPen(strokePen(color, 1.2));
+    painter.setPen(gridStroke(color, 1.2));
     painter.setBrush(color);
     painter.drawPath(head);
 }
@@ -152,7 +150,7 @@ void drawCheckmarkCircle(QPainter& painter, const QColor& fill, const QColor& ma
     painter.setPen(Qt::NoPen);
     painter.setBrush(fill);
     painter.drawEllipse(QRectF(1.5, 1.5, 21, 21));
-    painter.setPen(strokePen(mark, 2.4));
+    painter.setPen(gridStroke(mark, 2.4));
     painter.setBrush(Qt::NoBrush);
     QPainterPath check;
     check.moveTo(7, 12.5);
@@ -167,7 +165,7 @@ void drawWarningTriangle(QPainter& painter, const QColor& color) {
     triangle.lineTo(22, 20.5);
     triangle.lineTo(2, 20.5);
     triangle.closeSubpath();
-    painter.setPen(strokePen(color, 1.8));
+    painter.setPen(gridStroke(color, 1.8));
     painter.setBrush(Qt::NoBrush);
     painter.drawPath(triangle);
     painter.drawLine(QPointF(12, 9), QPointF(12, 14));
@@ -177,14 +175,14 @@ void drawWarningTriangle(QPainter& painter, const QColor& color) {
 }
 
 void drawListRectangle(QPainter& painter, const QColor& color) {
-    painter.setPen(strokePen(color, 1.6));
+    painter.setPen(gridStroke(color, 1.6));
     painter.setBrush(Qt::NoBrush);
     painter.drawRoundedRect(QRectF(2, 3.5, 20, 17), 2.5, 2.5);
     for (const qreal y : {8.5, 12.0, 15.5}) {
         painter.setPen(Qt::NoPen);
         painter.setBrush(color);
         painter.drawEllipse(QPointF(6.5, y), 1.1, 1.1);
-        painter.setPen(strokePen(color, 1.6));
+        painter.setPen(gridStroke(color, 1.6));
         painter.drawLine(QPointF(9.5, y), QPointF(18, y));
     }
 }
@@ -199,7 +197,7 @@ void drawAppTile(QPainter& painter, const QColor& color) {
 // dark tray backgrounds alike.
 void drawProgramSymbol(QPainter& painter) {
     const QColor blue(0x3d, 0x8b, 0xfd);
-    painter.setPen(strokePen(blue, 2.0));
+    painter.setPen(gridStroke(blue, 2.0));
     painter.setBrush(Qt::NoBrush);
     painter.drawRoundedRect(QRectF(2, 2, 13.5, 10.5), 1.5, 1.5);
     painter.setBrush(blue);
@@ -207,7 +205,7 @@ void drawProgramSymbol(QPainter& painter) {
 }
 
 void drawUnknown(QPainter& painter, const QColor& color, const QString& name) {
-    painter.setPen(strokePen(color, 1.6));
+    painter.setPen(gridStroke(color, 1.6));
     painter.setBrush(Qt::NoBrush);
     painter.drawEllipse(QRectF(2.5, 2.5, 19, 19));
     QFont font = QGuiApplication::font();
