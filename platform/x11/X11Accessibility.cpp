@@ -45,8 +45,13 @@ struct X11Accessibility::Batch {
     QList<X11WindowFacts> managed;                // front to back, when an application's list was asked for
 };
 
-X11Accessibility::X11Accessibility(X11Connection& connection)
-    : m_connection(connection), m_reader(connection), m_kinds(connection), m_placer(connection, m_reader, m_kinds) {
+X11Accessibility::X11Accessibility(X11Connection& connection, X11WindowCache* cache)
+    : m_connection(connection),
+      m_cache(cache),
+      m_reader(connection),
+      m_batchReader(connection, cache),
+      m_kinds(connection),
+      m_placer(connection, m_reader, m_kinds) {
     qRegisterMetaType<AXUIElement>();
     qRegisterMetaType<AXUIElementList>();
 }
@@ -135,7 +140,7 @@ QList<AXAttributeReply> X11Accessibility::copyAttributeValues(const QList<AXAttr
     }
     Batch batch;
     if (rootFields != 0) {
-        batch.root = m_reader.readRoot(rootFields);
+        batch.root = m_batchReader.readRoot(rootFields);
     }
 
     // Stage 2: the windows asked about, the active window's owner, and every managed window's owner,
@@ -151,10 +156,10 @@ QList<AXAttributeReply> X11Accessibility::copyAttributeValues(const QList<AXAttr
     for (auto it = batch.root.clientListStacking.crbegin(); it != batch.root.clientListStacking.crend(); ++it) {
         windowRequests.append({*it, X11WindowFacts::Pid | X11WindowFacts::Desktop | X11WindowFacts::State});
     }
-    QList<X11WindowFacts> facts = m_reader.readWindows(windowRequests);
+    QList<X11WindowFacts> facts = m_batchReader.readWindows(windowRequests);
 
     // Stage 3: owners of windows without _NET_WM_PID.
-    m_reader.resolveMissingPids(facts);
+    m_batchReader.resolveMissingPids(facts);
     for (qsizetype i = 0; i < facts.size(); ++i) {
         if (i < ownCount) {
             batch.windows.insert(facts[i].window, facts[i]);
@@ -287,11 +292,18 @@ AXError X11Accessibility::setAttributeValue(const AXUIElement& element, const QS
         return kAXErrorInvalidUIElement;
     }
     const auto window = static_cast<xcb_window_t>(element.identifier);
+    // Reads that follow a write must see it, even when the window manager's news of it is late.
+    const auto written = [this, window](AXError error) {
+        if (m_cache != nullptr) {
+            m_cache->forget(window);
+        }
+        return error;
+    };
     if (attribute == kMinimized) {
         if (value.typeId() != QMetaType::Bool) {
             return kAXErrorIllegalArgument;
         }
-        return m_placer.setMinimized(window, value.toBool());
+        return written(m_placer.setMinimized(window, value.toBool()));
     }
     if (attribute == kPosition) {
         if (value.typeId() != QMetaType::QPointF && value.typeId() != QMetaType::QPoint) {
@@ -302,7 +314,7 @@ AXError X11Accessibility::setAttributeValue(const AXUIElement& element, const QS
             return kAXErrorIllegalArgument;
         }
         const QPoint origin = m_reader.readRoot(X11WindowReader::GlobalOrigin).globalOriginInRoot;
-        return m_placer.moveFrame(window, point.toPoint() + origin);
+        return written(m_placer.moveFrame(window, point.toPoint() + origin));
     }
     if (value.typeId() != QMetaType::QSizeF && value.typeId() != QMetaType::QSize) {
         return kAXErrorIllegalArgument;
@@ -311,5 +323,5 @@ AXError X11Accessibility::setAttributeValue(const AXUIElement& element, const QS
     if (!std::isfinite(size.width()) || !std::isfinite(size.height()) || size.width() < 1 || size.height() < 1) {
         return kAXErrorIllegalArgument;
     }
-    return m_placer.resizeFrame(window, size.toSize());
+    return written(m_placer.resizeFrame(window, size.toSize()));
 }

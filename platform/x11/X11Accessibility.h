@@ -15,7 +15,8 @@ class X11Connection;
 // safe on any thread and a batch costs at most three round trips; writes belong to the main thread.
 class X11Accessibility : public Accessibility {
 public:
-    explicit X11Accessibility(X11Connection& connection);
+    // With a cache, batches of reads go through it; writes and their confirmations never do.
+    explicit X11Accessibility(X11Connection& connection, X11WindowCache* cache = nullptr);
 
     AXError copyAttributeValue(const AXUIElement& element, const QString& attribute, QVariant* value) override;
     AXError setAttributeValue(const AXUIElement& element, const QString& attribute, const QVariant& value) override;
@@ -31,7 +32,9 @@ private:
     AXAttributeReply answerSystemWide(const QString& attribute, const Batch& batch) const;
 
     X11Connection& m_connection;
-    X11WindowReader m_reader;
+    X11WindowCache* m_cache = nullptr;
+    X11WindowReader m_reader;       // always the main connection, never cached
+    X11WindowReader m_batchReader;  // through the cache, when there is one
     X11WindowKinds m_kinds;
     X11WindowPlacer m_placer;
     QMutex m_wmMutex;

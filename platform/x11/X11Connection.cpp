@@ -102,6 +102,7 @@ void X11Connection::dispatch(xcb_generic_event_t* event) {
 }
 
 void X11Connection::dispatchPendingEvents() {
+    QMutexLocker lock(&m_dispatchMutex);
     while (xcb_generic_event_t* event = xcb_poll_for_event(m_connection)) {
         dispatch(event);
         std::free(event);
@@ -112,12 +113,15 @@ bool X11Connection::waitForEvent(const std::function<bool(xcb_generic_event_t*)>
     xcb_flush(m_connection);
     QDeadlineTimer deadline(timeoutMs);
     while (!hasError()) {
-        while (xcb_generic_event_t* event = xcb_poll_for_event(m_connection)) {
-            const bool matched = predicate(event);
-            dispatch(event);
-            std::free(event);
-            if (matched) {
-                return true;
+        {
+            QMutexLocker lock(&m_dispatchMutex);
+            while (xcb_generic_event_t* event = xcb_poll_for_event(m_connection)) {
+                const bool matched = predicate(event);
+                dispatch(event);
+                std::free(event);
+                if (matched) {
+                    return true;
+                }
             }
         }
         const qint64 remaining = deadline.remainingTime();

@@ -5,6 +5,7 @@
 #include <QHash>
 #include <QMutex>
 #include <QObject>
+#include <QRecursiveMutex>
 #include <QSocketNotifier>
 #include <functional>
 #include <memory>
@@ -37,7 +38,9 @@ public:
     int addEventHandler(EventHandler handler);
     void removeEventHandler(int handlerId);
 
-    // Hands every event already read from the server to the handlers.
+    // Hands every event already read from the server to the handlers. Safe on any thread: events are
+    // taken and handled one thread at a time, so once this returns, every event that had arrived
+    // before the call has been handled.
     void dispatchPendingEvents();
     // Reads events until one satisfies the predicate or the time limit passes. Every event, the
     // matching one included, is dispatched to the handlers as usual. True when a match was seen.
@@ -55,6 +58,7 @@ private:
     xcb_screen_t* m_screen = nullptr;
     QByteArray m_displayName;
     std::unique_ptr<QSocketNotifier> m_notifier;
+    QRecursiveMutex m_dispatchMutex;  // a handler may wait for events itself
     QMutex m_atomMutex;
     QHash<QByteArray, xcb_atom_t> m_atoms;
     QList<std::pair<int, EventHandler>> m_handlers;

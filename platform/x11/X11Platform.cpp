@@ -1,13 +1,14 @@
 #include "platform/x11/X11Platform.h"
 
 #include "platform/x11/FileUserDefaults.h"
-#include "platform/x11/X11Connection.h"
-#include "platform/x11/X11HotKeys.h"
-#include "platform/x11/X11KeyboardLayout.h"
-#include "platform/x11/X11Displays.h"
-#include "platform/x11/X11Permissions.h"
 #include "platform/x11/X11Accessibility.h"
 #include "platform/x11/X11Activation.h"
+#include "platform/x11/X11Connection.h"
+#include "platform/x11/X11Displays.h"
+#include "platform/x11/X11HotKeys.h"
+#include "platform/x11/X11KeyboardLayout.h"
+#include "platform/x11/X11Permissions.h"
+#include "platform/x11/X11WindowCache.h"
 #include "platform/x11/X11WindowDesktopEntries.h"
 #include "platform/x11/X11WindowServer.h"
 #include "platform/x11/X11Workspace.h"
@@ -21,6 +22,7 @@ struct X11Platform::Owned {
     std::unique_ptr<XdgLoginItems> loginItems;
     std::unique_ptr<X11Permissions> permissions;
     std::unique_ptr<X11WindowDesktopEntries> desktopEntries;
+    std::unique_ptr<X11WindowCache> windowCache;
     std::unique_ptr<X11WindowServer> windowServer;
     std::unique_ptr<X11Workspace> workspace;
     std::unique_ptr<X11Accessibility> accessibility;
@@ -43,9 +45,15 @@ X11Platform::X11Platform(std::unique_ptr<X11Connection> connection)
     m_owned->loginItems = std::make_unique<XdgLoginItems>(XdgLoginItems::standardPath());
     m_owned->permissions = std::make_unique<X11Permissions>(x11);
     m_owned->desktopEntries = std::make_unique<X11WindowDesktopEntries>();
-    m_owned->windowServer = std::make_unique<X11WindowServer>(x11, *m_owned->desktopEntries);
-    m_owned->workspace = std::make_unique<X11Workspace>(x11, *m_owned->desktopEntries);
-    m_owned->accessibility = std::make_unique<X11Accessibility>(x11);
+    // The window list, the running applications and the Accessibility reads share what they learn of
+    // windows. Without a second connection they simply read everything each time.
+    if (std::unique_ptr<X11Connection> watch = X11Connection::open(x11.displayName())) {
+        m_owned->windowCache = std::make_unique<X11WindowCache>(std::move(watch));
+    }
+    X11WindowCache* cache = m_owned->windowCache.get();
+    m_owned->windowServer = std::make_unique<X11WindowServer>(x11, *m_owned->desktopEntries, cache);
+    m_owned->workspace = std::make_unique<X11Workspace>(x11, *m_owned->desktopEntries, cache);
+    m_owned->accessibility = std::make_unique<X11Accessibility>(x11, cache);
     m_owned->activation = std::make_unique<X11Activation>(x11);
 
     m_owned->keyboardLayout = std::make_unique<X11KeyboardLayout>(x11);
@@ -65,6 +73,10 @@ X11Platform::X11Platform(std::unique_ptr<X11Connection> connection)
 
 X11Platform::~X11Platform() {
     m_owned.reset();
+}
+
+X11WindowCache* X11Platform::windowCache() const {
+    return m_owned->windowCache.get();
 }
 
 void X11Platform::install() {

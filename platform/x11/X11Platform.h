@@ -6,6 +6,7 @@
 #include "platform/Platform.h"
 
 class X11Connection;
+class X11WindowCache;
 
 // Every platform service on a live X server. Creating one connects to the server; install() makes the
 // services the ones the program uses.
@@ -20,6 +21,8 @@ public:
     void install();
     const PlatformServices& services() const { return m_services; }
     X11Connection& connection() const { return *m_connection; }
+    // What the window services know of windows between reads; nothing without a second connection.
+    X11WindowCache* windowCache() const;
 
 private:
     explicit X11Platform(std::unique_ptr<X11Connection> connection);

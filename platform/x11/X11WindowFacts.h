@@ -60,6 +60,8 @@ struct X11WindowFacts {
                      clientRect.height() + 2 * borderWidth + frameExtents.top() + frameExtents.bottom());
     }
     bool hasType(xcb_atom_t atom) const { return types.contains(atom); }
+    // Takes over the given fields from another read of the same window.
+    void copyFields(const X11WindowFacts& other, unsigned fields);
     bool hasState(xcb_atom_t atom) const { return states.contains(atom); }
 };
 

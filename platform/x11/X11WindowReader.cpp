@@ -62,11 +62,13 @@ QByteArray bytes(const xcb_get_property_reply_t* reply) {
 
 }  // namespace
 
-X11WindowReader::X11WindowReader(X11Connection& connection) : m_connection(connection) {
-    connection.internAtoms({"_NET_CLIENT_LIST_STACKING", "_NET_ACTIVE_WINDOW", "_NET_CURRENT_DESKTOP",
-                            "_NET_SUPPORTING_WM_CHECK", "_NET_FRAME_EXTENTS", "_NET_WM_WINDOW_TYPE", "_NET_WM_STATE",
-                            "_NET_WM_DESKTOP", "_NET_WM_PID", "_NET_WM_WINDOW_OPACITY", "_NET_WM_NAME", "UTF8_STRING"});
-    xcb_connection_t* xcb = connection.xcb();
+X11WindowReader::X11WindowReader(X11Connection& connection, X11WindowCache* cache)
+    : m_connection(cache != nullptr ? cache->connection() : connection), m_cache(cache) {
+    m_connection.internAtoms({"_NET_CLIENT_LIST_STACKING", "_NET_ACTIVE_WINDOW", "_NET_CURRENT_DESKTOP",
+                              "_NET_SUPPORTING_WM_CHECK", "_NET_FRAME_EXTENTS", "_NET_WM_WINDOW_TYPE", "_NET_WM_STATE",
+                              "_NET_WM_DESKTOP", "_NET_WM_PID", "_NET_WM_WINDOW_OPACITY", "_NET_WM_NAME",
+                              "UTF8_STRING"});
+    xcb_connection_t* xcb = m_connection.xcb();
     const xcb_query_extension_reply_t* resource = xcb_get_extension_data(xcb, &xcb_res_id);
     if (resource != nullptr && resource->present) {
         Owned<xcb_res_query_version_reply_t> version(
@@ -175,12 +177,26 @@ X11WindowReader::PendingWindows X11WindowReader::sendWindowRequests(const QList<
     const xcb_atom_t opacityAtom = m_connection.atom("_NET_WM_WINDOW_OPACITY");
     const xcb_atom_t nameAtom = m_connection.atom("_NET_WM_NAME");
     PendingWindows pending;
-    pending.reserve(requests.size());
+    if (requests.isEmpty()) {
+        return pending;
+    }
+    if (m_cache != nullptr) {
+        m_cache->catchUp();
+        pending.mark = m_cache->beginRead();
+    }
+    pending.windows.reserve(requests.size());
     for (const Request& request : requests) {
         PendingWindow entry;
         entry.request = request;
         const xcb_window_t w = request.window;
-        const unsigned f = request.fields;
+        if (m_cache != nullptr) {
+            entry.known = m_cache->lookup(w);
+            if (entry.known.fields == 0) {
+                m_cache->watch(w);
+            }
+        }
+        const unsigned f = request.fields & ~entry.known.fields;
+        entry.sentFields = f;
         auto property = [&](xcb_atom_t atom, xcb_atom_t type, uint32_t length) {
             return xcb_get_property(xcb, 0, w, atom, type, 0, length);
         };
@@ -219,7 +235,7 @@ X11WindowReader::PendingWindows X11WindowReader::sendWindowRequests(const QList<
         if (f & X11WindowFacts::SizeHints) {
             entry.hints = property(XCB_ATOM_WM_NORMAL_HINTS, XCB_ATOM_WM_SIZE_HINTS, 18);
         }
-        pending.append(entry);
+        pending.windows.append(entry);
     }
     return pending;
 }
@@ -227,11 +243,11 @@ X11WindowReader::PendingWindows X11WindowReader::sendWindowRequests(const QList<
 QList<X11WindowFacts> X11WindowReader::collectWindows(PendingWindows& pending) {
     xcb_connection_t* xcb = m_connection.xcb();
     QList<X11WindowFacts> result;
-    result.reserve(pending.size());
-    for (const PendingWindow& entry : pending) {
+    result.reserve(pending.windows.size());
+    for (const PendingWindow& entry : pending.windows) {
         X11WindowFacts facts;
         facts.window = entry.request.window;
-        const unsigned f = entry.request.fields;
+        const unsigned f = entry.sentFields;
         bool gone = false;
         if (f & X11WindowFacts::Attributes) {
             const auto reply =
@@ -313,27 +329,40 @@ QList<X11WindowFacts> X11WindowReader::collectWindows(PendingWindows& pending) {
             }
         }
         facts.exists = !gone;
+        if (m_cache != nullptr && facts.exists) {
+            m_cache->store(facts, f, pending.mark);
+            X11WindowFacts known = entry.known.facts;
+            known.window = facts.window;
+            known.copyFields(facts, f);
+            facts = known;
+        }
         result.append(facts);
     }
-    pending.clear();
+    if (m_cache != nullptr && !pending.windows.isEmpty()) {
+        m_cache->endRead(pending.mark);
+    }
+    pending.windows.clear();
     return result;
 }
 
 X11WindowReader::PendingPids X11WindowReader::sendPidQueries(const QList<xcb_window_t>& windows) {
     PendingPids pending;
-    if (!m_hasResource) {
+    if (!m_hasResource || windows.isEmpty()) {
         return pending;
+    }
+    if (m_cache != nullptr) {
+        pending.mark = m_cache->beginRead();
     }
     for (xcb_window_t window : windows) {
         const xcb_res_client_id_spec_t spec{window, XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID};
-        pending.append({window, xcb_res_query_client_ids(m_connection.xcb(), 1, &spec)});
+        pending.windows.append({window, xcb_res_query_client_ids(m_connection.xcb(), 1, &spec)});
     }
     return pending;
 }
 
 QHash<xcb_window_t, pid_t> X11WindowReader::collectPids(PendingPids& pending) {
     QHash<xcb_window_t, pid_t> pids;
-    for (const PendingPid& entry : pending) {
+    for (const PendingPid& entry : pending.windows) {
         bool gone = false;
         const auto reply = take<xcb_res_query_client_ids_reply_t>(m_connection.xcb(), entry.cookie,
                                                                   xcb_res_query_client_ids_reply, &gone);
@@ -347,11 +376,17 @@ QHash<xcb_window_t, pid_t> X11WindowReader::collectPids(PendingPids& pending) {
                 const uint32_t pid = xcb_res_client_id_value_value(it.data)[0];
                 if (pid > 0 && pid <= 0x7fffffffu) {
                     pids.insert(entry.window, static_cast<pid_t>(pid));
+                    if (m_cache != nullptr) {
+                        m_cache->storeResourcePid(entry.window, static_cast<pid_t>(pid), pending.mark);
+                    }
                 }
             }
         }
     }
-    pending.clear();
+    if (m_cache != nullptr && !pending.windows.isEmpty()) {
+        m_cache->endRead(pending.mark);
+    }
+    pending.windows.clear();
     return pids;
 }
 

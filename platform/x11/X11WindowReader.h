@@ -6,6 +6,7 @@
 #include <QHash>
 #include <QList>
 
+#include "platform/x11/X11WindowCache.h"
 #include "platform/x11/X11WindowFacts.h"
 
 class X11Connection;
@@ -13,6 +14,9 @@ class X11Connection;
 // Reads windows and the root window with every request of a stage in flight before the first reply is
 // awaited, so a whole desktop costs a few round trips. Uses only requests with replies, so it is safe
 // on any thread: errors come back with the replies, never through the event queue.
+//
+// A reader with a cache reads through the cache's connection and asks the server only for the fields
+// of a window that the cache does not know.
 class X11WindowReader {
 public:
     enum RootField : unsigned {
@@ -30,6 +34,8 @@ public:
     // The cookies of requests in flight.
     struct PendingWindow {
         Request request;
+        X11WindowCache::Known known;  // what the cache already knew of the window
+        unsigned sentFields = 0;      // what was asked of the server
         xcb_get_window_attributes_cookie_t attributes{};
         xcb_get_geometry_cookie_t geometry{};
         xcb_translate_coordinates_cookie_t position{};
@@ -48,10 +54,16 @@ public:
         xcb_window_t window = XCB_NONE;
         xcb_res_query_client_ids_cookie_t cookie{};
     };
-    using PendingWindows = QList<PendingWindow>;
-    using PendingPids = QList<PendingPid>;
+    struct PendingWindows {
+        QList<PendingWindow> windows;
+        quint64 mark = 0;
+    };
+    struct PendingPids {
+        QList<PendingPid> windows;
+        quint64 mark = 0;
+    };
 
-    explicit X11WindowReader(X11Connection& connection);
+    explicit X11WindowReader(X11Connection& connection, X11WindowCache* cache = nullptr);
 
     X11Connection& connection() const { return m_connection; }
 
@@ -71,6 +83,7 @@ public:
 
 private:
     X11Connection& m_connection;
+    X11WindowCache* m_cache = nullptr;
     bool m_hasResource = false;
     bool m_hasRandr = false;
 };

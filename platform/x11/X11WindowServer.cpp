@@ -9,8 +9,8 @@
 
 Q_LOGGING_CATEGORY(lcWindowList, "lattica.x11.windowlist", QtWarningMsg)
 
-X11WindowServer::X11WindowServer(X11Connection& connection, X11WindowDesktopEntries& entries)
-    : m_reader(connection), m_kinds(connection), m_entries(entries) {}
+X11WindowServer::X11WindowServer(X11Connection& connection, X11WindowDesktopEntries& entries, X11WindowCache* cache)
+    : m_reader(connection, cache), m_kinds(connection), m_entries(entries) {}
 
 std::optional<QList<WindowInfo>> X11WindowServer::copyWindowInfo(quint32 options) {
     constexpr unsigned kFields = X11WindowFacts::Geometry | X11WindowFacts::Type | X11WindowFacts::State |

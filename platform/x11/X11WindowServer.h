@@ -13,7 +13,8 @@ class X11WindowDesktopEntries;
 // the global display space. Safe to call from a background thread.
 class X11WindowServer : public WindowServer {
 public:
-    X11WindowServer(X11Connection& connection, X11WindowDesktopEntries& entries);
+    // With a cache, windows are read through it.
+    X11WindowServer(X11Connection& connection, X11WindowDesktopEntries& entries, X11WindowCache* cache = nullptr);
 
     std::optional<QList<WindowInfo>> copyWindowInfo(quint32 options) override;
 

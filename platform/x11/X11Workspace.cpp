@@ -17,8 +17,8 @@ constexpr int kIconSize = 64;
 constexpr uint32_t kMaxIconLongs = 1u << 20;  // four megabytes of icon data is plenty
 }  // namespace
 
-X11Workspace::X11Workspace(X11Connection& connection, X11WindowDesktopEntries& entries)
-    : m_connection(connection), m_reader(connection), m_kinds(connection), m_entries(entries) {
+X11Workspace::X11Workspace(X11Connection& connection, X11WindowDesktopEntries& entries, X11WindowCache* cache)
+    : m_connection(connection), m_reader(connection, cache), m_kinds(connection), m_entries(entries) {
     connection.internAtoms({"_NET_WM_ICON"});
 }
 

@@ -11,7 +11,8 @@ struct X11WindowOwner;
 // Running applications seen from an X11 desktop: the processes that own top-level windows.
 class X11Workspace : public Workspace {
 public:
-    X11Workspace(X11Connection& connection, X11WindowDesktopEntries& entries);
+    // With a cache, windows are read through it.
+    X11Workspace(X11Connection& connection, X11WindowDesktopEntries& entries, X11WindowCache* cache = nullptr);
 
     QList<RunningApplication> runningApplications() override;
     std::optional<RunningApplication> frontmostApplication() override;

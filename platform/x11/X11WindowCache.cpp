@@ -1,0 +1,141 @@
+#include "platform/x11/X11WindowCache.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+#include "platform/x11/X11Connection.h"
+
+namespace {
+// Past this many, news older than every read under way is let go.
+constexpr qsizetype kNewsToKeep = 256;
+}  // namespace
+
+X11WindowCache::X11WindowCache(std::unique_ptr<X11Connection> connection) : m_connection(std::move(connection)) {
+    m_handlerId = m_connection->addEventHandler([this](xcb_generic_event_t* event) { return takeNews(event); });
+}
+
+X11WindowCache::~X11WindowCache() {
+    m_connection->removeEventHandler(m_handlerId);
+}
+
+void X11WindowCache::catchUp() {
+    xcb_connection_t* xcb = m_connection->xcb();
+    // Once the reply is in, every event the server sent before it is in the connection's queue.
+    std::free(xcb_get_input_focus_reply(xcb, xcb_get_input_focus(xcb), nullptr));
+    m_connection->dispatchPendingEvents();
+}
+
+quint64 X11WindowCache::beginRead() {
+    QMutexLocker lock(&m_mutex);
+    m_readsUnderWay.append(m_sequence);
+    return m_sequence;
+}
+
+void X11WindowCache::endRead(quint64 mark) {
+    QMutexLocker lock(&m_mutex);
+    m_readsUnderWay.removeOne(mark);
+    pruneNews();
+}
+
+X11WindowCache::Known X11WindowCache::lookup(xcb_window_t window) const {
+    QMutexLocker lock(&m_mutex);
+    return m_known.value(window);
+}
+
+void X11WindowCache::watch(xcb_window_t window) {
+    const uint32_t mask = XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_PROPERTY_CHANGE;
+    // Unchecked: for a window that is already gone, the error is harmless and the read says so.
+    xcb_change_window_attributes(m_connection->xcb(), window, XCB_CW_EVENT_MASK, &mask);
+}
+
+void X11WindowCache::store(const X11WindowFacts& facts, unsigned fields, quint64 mark) {
+    if (!facts.exists || fields == 0) {
+        return;
+    }
+    QMutexLocker lock(&m_mutex);
+    if (hasNewsSince(facts.window, mark)) {
+        return;
+    }
+    Known& known = m_known[facts.window];
+    known.facts.window = facts.window;
+    known.facts.copyFields(facts, fields);
+    known.fields |= fields;
+}
+
+void X11WindowCache::storeResourcePid(xcb_window_t window, pid_t pid, quint64 mark) {
+    QMutexLocker lock(&m_mutex);
+    const auto found = m_known.find(window);
+    if (found == m_known.end() || !(found->fields & X11WindowFacts::Pid) || hasNewsSince(window, mark)) {
+        return;
+    }
+    found->facts.pid = pid;
+}
+
+void X11WindowCache::forget(xcb_window_t window) {
+    QMutexLocker lock(&m_mutex);
+    noteNews(window);
+}
+
+qsizetype X11WindowCache::size() const {
+    QMutexLocker lock(&m_mutex);
+    return m_known.size();
+}
+
+void X11WindowCache::clear() {
+    QMutexLocker lock(&m_mutex);
+    for (auto it = m_known.cbegin(); it != m_known.cend(); ++it) {
+        m_news.insert(it.key(), m_sequence + 1);
+    }
+    ++m_sequence;
+    m_known.clear();
+}
+
+bool X11WindowCache::takeNews(xcb_generic_event_t* event) {
+    xcb_window_t window = XCB_NONE;
+    switch (event->response_type & 0x7f) {
+        case XCB_PROPERTY_NOTIFY:
+            window = reinterpret_cast<xcb_property_notify_event_t*>(event)->window;
+            break;
+        case XCB_CONFIGURE_NOTIFY:
+            window = reinterpret_cast<xcb_configure_notify_event_t*>(event)->window;
+            break;
+        case XCB_MAP_NOTIFY:
+            window = reinterpret_cast<xcb_map_notify_event_t*>(event)->window;
+            break;
+        case XCB_UNMAP_NOTIFY:
+            window = reinterpret_cast<xcb_unmap_notify_event_t*>(event)->window;
+            break;
+        case XCB_DESTROY_NOTIFY:
+            window = reinterpret_cast<xcb_destroy_notify_event_t*>(event)->window;
+            break;
+        case XCB_REPARENT_NOTIFY:
+            window = reinterpret_cast<xcb_reparent_notify_event_t*>(event)->window;
+            break;
+        case XCB_GRAVITY_NOTIFY:
+            window = reinterpret_cast<xcb_gravity_notify_event_t*>(event)->window;
+            break;
+        default:
+            return false;
+    }
+    QMutexLocker lock(&m_mutex);
+    noteNews(window);
+    return true;
+}
+
+void X11WindowCache::noteNews(xcb_window_t window) {
+    m_known.remove(window);
+    m_news.insert(window, ++m_sequence);
+}
+
+bool X11WindowCache::hasNewsSince(xcb_window_t window, quint64 mark) const {
+    return m_news.value(window, 0) > mark;
+}
+
+void X11WindowCache::pruneNews() {
+    if (m_news.size() <= kNewsToKeep) {
+        return;
+    }
+    const quint64 oldestRead =
+        m_readsUnderWay.isEmpty() ? m_sequence : *std::min_element(m_readsUnderWay.cbegin(), m_readsUnderWay.cend());
+    m_news.removeIf([oldestRead](const auto& entry) { return entry.value() <= oldestRead; });
+}

@@ -1,0 +1,74 @@
+#pragma once
+
+#include <xcb/xcb.h>
+
+#include <QHash>
+#include <QList>
+#include <QMutex>
+#include <memory>
+
+#include "platform/x11/X11WindowFacts.h"
+
+class X11Connection;
+
+// What earlier reads found out about windows, kept until the server reports a change. Every window is
+// watched from its first read on (property and structure changes), and any news of a window drops what
+// is known about it. A read then asks the server only about windows that are new or changed, instead of
+// every property of hundreds of windows each time the panel opens.
+//
+// Window managers tell a client when they move its frame (a synthetic ConfigureNotify, as ICCCM asks),
+// so moves by the window manager are news of the client window too.
+//
+// The cache has a connection of its own: each selection is then ordered with the reads that follow it,
+// and its news can be taken in on any thread without touching the handlers of the main connection.
+class X11WindowCache {
+public:
+    // What the cache knows of a window: the fields read, and what they said.
+    struct Known {
+        X11WindowFacts facts;
+        unsigned fields = 0;
+    };
+
+    explicit X11WindowCache(std::unique_ptr<X11Connection> connection);
+    ~X11WindowCache();
+    X11WindowCache(const X11WindowCache&) = delete;
+    X11WindowCache& operator=(const X11WindowCache&) = delete;
+
+    X11Connection& connection() const { return *m_connection; }
+
+    // Takes in the news of every change the server made before this call (one round trip), so that
+    // what lookup() returns is current.
+    void catchUp();
+
+    // A read starts: facts it collects are kept only if no news of their window comes after this mark.
+    quint64 beginRead();
+    void endRead(quint64 mark);
+
+    // Nothing when the window was never read or has changed since.
+    Known lookup(xcb_window_t window) const;
+    // Asks the server for news of a window; sent before its first read.
+    void watch(xcb_window_t window);
+    void store(const X11WindowFacts& facts, unsigned fields, quint64 mark);
+    // The creator's pid that the X-Resource extension gave for a window without _NET_WM_PID.
+    void storeResourcePid(xcb_window_t window, pid_t pid, quint64 mark);
+    // Drops what is known of a window, as if news of it had come.
+    void forget(xcb_window_t window);
+
+    qsizetype size() const;
+    void clear();
+
+private:
+    bool takeNews(xcb_generic_event_t* event);
+    void noteNews(xcb_window_t window);
+    bool hasNewsSince(xcb_window_t window, quint64 mark) const;
+    void pruneNews();
+
+    std::unique_ptr<X11Connection> m_connection;
+    int m_handlerId = 0;
+    mutable QMutex m_mutex;
+    QHash<xcb_window_t, Known> m_known;
+    quint64 m_sequence = 0;
+    // The last news of each window, for reads that were under way when it came.
+    QHash<xcb_window_t, quint64> m_news;
+    QList<quint64> m_readsUnderWay;
+};

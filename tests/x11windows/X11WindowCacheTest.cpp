@@ -1,0 +1,226 @@
+// Reads through the window cache: a second read of an unchanged desktop asks the server nothing per
+// window, and every kind of change made after a read shows in the next one.
+#include <xcb/xcb.h>
+
+#include <QThreadPool>
+#include <cstdlib>
+#include <cstring>
+
+#include "platform/Accessibility.h"
+#include "platform/Platform.h"
+#include "platform/x11/X11Connection.h"
+#include "platform/x11/X11WindowCache.h"
+#include "platform/x11/X11WindowDesktopEntries.h"
+#include "platform/x11/X11WindowServer.h"
+#include "tests/support/VirtualDesktop.h"
+#include "tests/x11windows/X11DesktopFixture.h"
+
+namespace {
+
+class X11WindowCacheTest : public X11DesktopFixture {
+protected:
+    void SetUp() override {
+        X11DesktopFixture::SetUp();
+        cache = platform->windowCache();
+        ASSERT_NE(cache, nullptr);
+    }
+
+    QList<WindowInfo> list() {
+        return Platform::services().windowServer->copyWindowInfo(kCGWindowListOptionAll).value_or(QList<WindowInfo>{});
+    }
+    static qint64 number(const WindowInfo& entry) { return entry.value(QLatin1String(kCGWindowNumber)).toLongLong(); }
+    WindowInfo listed(quint32 window) {
+        for (const WindowInfo& entry : list()) {
+            if (number(entry) == window) {
+                return entry;
+            }
+        }
+        return {};
+    }
+    // The sequence number of the next request on the cache's connection.
+    quint32 nextSequence() {
+        xcb_connection_t* c = cache->connection().xcb();
+        const xcb_get_input_focus_cookie_t cookie = xcb_get_input_focus(c);
+        std::free(xcb_get_input_focus_reply(c, cookie, nullptr));
+        return cookie.sequence + 1;
+    }
+    // Waits until the server has carried out everything sent on the main connection.
+    void sync() { std::free(xcb_get_input_focus_reply(xcb(), xcb_get_input_focus(xcb()), nullptr)); }
+    void setTitle(quint32 window, const QByteArray& title) {
+        xcb_change_property(xcb(), XCB_PROP_MODE_REPLACE, window, platform->connection().atom("_NET_WM_NAME"),
+                            platform->connection().atom("UTF8_STRING"), 8, static_cast<uint32_t>(title.size()),
+                            title.constData());
+        sync();
+    }
+
+    X11WindowCache* cache = nullptr;
+};
+
+TEST_F(X11WindowCacheTest, SecondReadOfUnchangedDesktopAsksNothingPerWindow) {
+    const QList<quint32> windows = client.openMany(QStringLiteral("same"), 40, placement(0, 100, 100, 300, 200));
+    ASSERT_EQ(windows.size(), 40);
+    list();
+    const quint32 before = nextSequence();
+    const QList<WindowInfo> second = list();
+    const quint32 requests = nextSequence() - before - 1;
+    EXPECT_GE(second.size(), 40);
+    // The root window's facts and one round trip to take in news; reading every window again would be
+    // hundreds of requests.
+    EXPECT_LT(requests, 20u);
+    EXPECT_GE(cache->size(), 40);
+}
+
+TEST_F(X11WindowCacheTest, ClearedCacheReadsEveryWindowAgain) {
+    const QList<quint32> windows = client.openMany(QStringLiteral("again"), 40, placement(0, 100, 100, 300, 200));
+    ASSERT_EQ(windows.size(), 40);
+    list();
+    cache->clear();
+    EXPECT_EQ(cache->size(), 0);
+    const quint32 before = nextSequence();
+    list();
+    EXPECT_GT(nextSequence() - before, 40u * 5);
+}
+
+TEST_F(X11WindowCacheTest, TitleChangedAfterAReadShowsInTheNextRead) {
+    const quint32 window = client.open(QStringLiteral("before"), placement(0, 100, 100, 300, 200));
+    ASSERT_NE(window, 0u);
+    ASSERT_EQ(listed(window).value(QLatin1String(kCGWindowName)).toString(), QStringLiteral("before"));
+    setTitle(window, "after");
+    EXPECT_EQ(listed(window).value(QLatin1String(kCGWindowName)).toString(), QStringLiteral("after"));
+}
+
+TEST_F(X11WindowCacheTest, WindowMovedByWindowManagerShowsInTheNextRead) {
+    const quint32 window = client.open(QStringLiteral("moving"), placement(0, 100, 100, 300, 200));
+    ASSERT_NE(window, 0u);
+    const QRect before = frameFromTree(window);
+    ASSERT_TRUE(near(boundsOf(listed(window)), before, 0.0));
+    // A configure request from another client goes through the window manager, which moves the frame.
+    const uint32_t position[] = {static_cast<uint32_t>(globalOrigin.x() + 400),
+                                 static_cast<uint32_t>(globalOrigin.y() + 300)};
+    xcb_configure_window(xcb(), window, XCB_CONFIG_WINDOW_X | XCB_CONFIG_WINDOW_Y, position);
+    xcb_flush(xcb());
+    ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return frameFromTree(window).topLeft() != before.topLeft(); }));
+    // Once the frame has moved, the very next read has it where the window tree has it.
+    const QRect after = frameFromTree(window);
+    EXPECT_TRUE(near(boundsOf(listed(window)), after, 0.0))
+        << boundsOf(listed(window)).x() << "," << boundsOf(listed(window)).y() << " vs " << after.x() << ","
+        << after.y();
+}
+
+TEST_F(X11WindowCacheTest, WindowResizedShowsInTheNextRead) {
+    const quint32 window = client.open(QStringLiteral("resizing"), placement(0, 100, 100, 300, 200));
+    ASSERT_NE(window, 0u);
+    const QRect before = frameFromTree(window);
+    ASSERT_TRUE(near(boundsOf(listed(window)), before, 0.0));
+    const uint32_t size[] = {500, 350};
+    xcb_configure_window(xcb(), window, XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT, size);
+    xcb_flush(xcb());
+    ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return frameFromTree(window).size() != before.size(); }));
+    EXPECT_TRUE(near(boundsOf(listed(window)), frameFromTree(window), 0.0));
+}
+
+TEST_F(X11WindowCacheTest, WindowMinimisedAfterAReadShowsOffScreenInTheNextRead) {
+    const quint32 window = client.open(QStringLiteral("iconify"), placement(1, 100, 100, 300, 200));
+    ASSERT_NE(window, 0u);
+    ASSERT_TRUE(listed(window).value(QLatin1String(kCGWindowIsOnscreen)).toBool());
+    // ICCCM's request to iconify: WM_CHANGE_STATE with IconicState, sent to the root window.
+    xcb_client_message_event_t message;
+    std::memset(&message, 0, sizeof message);
+    message.response_type = XCB_CLIENT_MESSAGE;
+    message.format = 32;
+    message.window = window;
+    message.type = platform->connection().atom("WM_CHANGE_STATE");
+    message.data.data32[0] = 3;
+    xcb_send_event(xcb(), 0, platform->connection().root(),
+                   XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
+                   reinterpret_cast<const char*>(&message));
+    xcb_flush(xcb());
+    EXPECT_TRUE(VirtualDesktop::waitUntil(
+        [&] { return !listed(window).value(QLatin1String(kCGWindowIsOnscreen), true).toBool(); }));
+}
+
+TEST_F(X11WindowCacheTest, WindowClosedAfterAReadIsGoneFromTheNextRead) {
+    const quint32 closing = client.open(QStringLiteral("closing"), placement(0, 100, 100, 300, 200));
+    const quint32 staying = client.open(QStringLiteral("staying"), placement(0, 200, 200, 300, 200));
+    ASSERT_NE(closing, 0u);
+    ASSERT_NE(staying, 0u);
+    ASSERT_FALSE(listed(closing).isEmpty());
+    ASSERT_TRUE(client.close(QStringLiteral("closing")));
+    sync();
+    EXPECT_TRUE(listed(closing).isEmpty());
+    EXPECT_FALSE(listed(staying).isEmpty());
+}
+
+TEST_F(X11WindowCacheTest, KnownWindowDestroyedBetweenListAndReadsIsLeftOut) {
+    const quint32 doomed = client.open(QStringLiteral("doomed"), placement(0, 100, 100, 300, 200));
+    const quint32 survivor = client.open(QStringLiteral("survivor"), placement(0, 200, 200, 300, 200));
+    ASSERT_NE(doomed, 0u);
+    ASSERT_NE(survivor, 0u);
+    X11WindowDesktopEntries entries;
+    X11WindowServer server(platform->connection(), entries, cache);
+    server.copyWindowInfo(kCGWindowListOptionAll);
+    ASSERT_TRUE(cache->lookup(doomed).fields != 0);
+    server.setAfterListingHookForTesting([&] {
+        ASSERT_TRUE(client.close(QStringLiteral("doomed")));
+        sync();
+    });
+    const auto entriesRead = server.copyWindowInfo(kCGWindowListOptionAll);
+    ASSERT_TRUE(entriesRead.has_value());
+    bool doomedListed = false;
+    bool survivorListed = false;
+    for (const WindowInfo& entry : *entriesRead) {
+        doomedListed = doomedListed || number(entry) == doomed;
+        survivorListed = survivorListed || number(entry) == survivor;
+    }
+    EXPECT_FALSE(doomedListed);
+    EXPECT_TRUE(survivorListed);
+}
+
+TEST_F(X11WindowCacheTest, FactsReadWhileNewsOfTheirWindowArrivesAreNotKept) {
+    const quint32 window = client.open(QStringLiteral("racing"), placement(0, 100, 100, 300, 200));
+    ASSERT_NE(window, 0u);
+    X11WindowFacts facts;
+    facts.window = window;
+    facts.title = QStringLiteral("read before the change");
+    const quint64 mark = cache->beginRead();
+    cache->forget(window);  // the news of a change comes in while the read is under way
+    cache->store(facts, X11WindowFacts::Title, mark);
+    cache->endRead(mark);
+    EXPECT_EQ(cache->lookup(window).fields, 0u);
+
+    const quint64 laterMark = cache->beginRead();
+    cache->store(facts, X11WindowFacts::Title, laterMark);
+    cache->endRead(laterMark);
+    EXPECT_EQ(cache->lookup(window).fields, unsigned(X11WindowFacts::Title));
+    EXPECT_EQ(cache->lookup(window).facts.title, facts.title);
+}
+
+TEST_F(X11WindowCacheTest, WriteThroughAccessibilityShowsInTheReadBack) {
+    const quint32 window = client.open(QStringLiteral("written"), placement(0, 100, 100, 300, 200));
+    ASSERT_NE(window, 0u);
+    Accessibility& accessibility = *Platform::services().accessibility;
+    const AXUIElement element = AXUIElement::window(window);
+    QVariant position;
+    ASSERT_EQ(accessibility.copyAttributeValue(element, QLatin1String(kAXPositionAttribute), &position),
+              kAXErrorSuccess);
+    const QPointF target = position.toPointF() + QPointF(2100, 150);
+    ASSERT_EQ(accessibility.setAttributeValue(element, QLatin1String(kAXPositionAttribute), target), kAXErrorSuccess);
+    ASSERT_EQ(accessibility.copyAttributeValue(element, QLatin1String(kAXPositionAttribute), &position),
+              kAXErrorSuccess);
+    EXPECT_NEAR(position.toPointF().x(), target.x(), 2.0);
+    EXPECT_NEAR(position.toPointF().y(), target.y(), 2.0);
+}
+
+TEST_F(X11WindowCacheTest, ReadsOnAnotherThreadSeeChangesMadeBeforeThem) {
+    const quint32 window = client.open(QStringLiteral("threaded"), placement(0, 100, 100, 300, 200));
+    ASSERT_NE(window, 0u);
+    ASSERT_FALSE(listed(window).isEmpty());
+    setTitle(window, "changed on the main thread");
+    QString seen;
+    QThreadPool pool;
+    pool.start([&] { seen = listed(window).value(QLatin1String(kCGWindowName)).toString(); });
+    ASSERT_TRUE(pool.waitForDone(10000));
+    EXPECT_EQ(seen, QStringLiteral("changed on the main thread"));
+}
+
+}  // namespace
