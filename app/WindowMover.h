@@ -81,6 +81,12 @@ void appendUnique(const AXUIElement& element, AXUIElementList& list);
 // "AXPosition" / "AXSize" when they read as a point / size.
 std::optional<QPointF> position(const AXUIElement& element);
 std::optional<QSizeF> size(const AXUIElement& element);
+// Both at once, in one batch of reads.
+struct PositionAndSize {
+    std::optional<QPointF> position;
+    std::optional<QSizeF> size;
+};
+PositionAndSize positionAndSize(const AXUIElement& element);
 // An attribute whose value is an element.
 std::optional<AXUIElement> axElementAttribute(const AXUIElement& element, const QString& attribute,
                                               const QString& sourceLabel);

@@ -12,7 +12,8 @@ AXAttributeReply read(const AXUIElement& element, const char* attribute) {
 
 // A frame for a focus candidate: readable position and size larger than one point.
 std::optional<QRectF> usableFrame(const AXUIElement& element) {
-    return AXValues::usableFrame(WindowMover::position(element), WindowMover::size(element));
+    const WindowMover::PositionAndSize read = WindowMover::positionAndSize(element);
+    return AXValues::usableFrame(read.position, read.size);
 }
 
 }  // namespace
@@ -112,6 +113,12 @@ std::optional<QPointF> WindowMover::position(const AXUIElement& element) {
 
 std::optional<QSizeF> WindowMover::size(const AXUIElement& element) {
     return AXValues::size(read(element, kAXSizeAttribute));
+}
+
+WindowMover::PositionAndSize WindowMover::positionAndSize(const AXUIElement& element) {
+    const QList<AXAttributeReply> replies = AXValues::accessibility()->copyAttributeValues(
+        {{element, QLatin1String(kAXPositionAttribute)}, {element, QLatin1String(kAXSizeAttribute)}});
+    return {AXValues::point(replies.value(0)), AXValues::size(replies.value(1))};
 }
 
 std::optional<qint64> WindowMover::axWindowNumber(const AXUIElement& window) {

@@ -45,7 +45,8 @@ QString centerText(const QPointF& center) {
 
 // The frame after a move: what reads back when usable, else the planned frame.
 QRectF postMoveFrame(const AXUIElement& window, const QRectF& planned) {
-    return AXValues::usableFrame(WindowMover::position(window), WindowMover::size(window)).value_or(planned);
+    const WindowMover::PositionAndSize read = WindowMover::positionAndSize(window);
+    return AXValues::usableFrame(read.position, read.size).value_or(planned);
 }
 
 // Everything one window's move needs besides the window.
@@ -89,8 +90,7 @@ bool moveAdjustingSize(const AXUIElement& window, const MovePlan& plan) {
     const AXError initialError = AXValues::setPoint(window, QLatin1String(kAXPositionAttribute), desiredOrigin);
     const AXError sizeError = AXValues::setSize(window, QLatin1String(kAXSizeAttribute), targetSize);
 
-    const std::optional<QPointF> readPosition = WindowMover::position(window);
-    const std::optional<QSizeF> readSize = WindowMover::size(window);
+    const auto [readPosition, readSize] = WindowMover::positionAndSize(window);
     const QSizeF actualSize = AXValues::usableFrame(readPosition, readSize) ? *readSize : targetSize;
     const QPointF positionAfterResize = readPosition.value_or(plan.frame.topLeft());
 

@@ -18,11 +18,13 @@ X11WindowCache::~X11WindowCache() {
     m_connection->removeEventHandler(m_handlerId);
 }
 
-void X11WindowCache::catchUp() {
-    xcb_connection_t* xcb = m_connection->xcb();
-    // Once the reply is in, every event the server sent before it is in the connection's queue.
-    std::free(xcb_get_input_focus_reply(xcb, xcb_get_input_focus(xcb), nullptr));
+void X11WindowCache::takeInNews() {
     m_connection->dispatchPendingEvents();
+}
+
+bool X11WindowCache::hasNewsSince(xcb_window_t window, quint64 mark) const {
+    QMutexLocker lock(&m_mutex);
+    return newsSince(window, mark);
 }
 
 quint64 X11WindowCache::beginRead() {
@@ -53,7 +55,7 @@ void X11WindowCache::store(const X11WindowFacts& facts, unsigned fields, quint64
         return;
     }
     QMutexLocker lock(&m_mutex);
-    if (hasNewsSince(facts.window, mark)) {
+    if (newsSince(facts.window, mark)) {
         return;
     }
     Known& known = m_known[facts.window];
@@ -65,7 +67,7 @@ void X11WindowCache::store(const X11WindowFacts& facts, unsigned fields, quint64
 void X11WindowCache::storeResourcePid(xcb_window_t window, pid_t pid, quint64 mark) {
     QMutexLocker lock(&m_mutex);
     const auto found = m_known.find(window);
-    if (found == m_known.end() || !(found->fields & X11WindowFacts::Pid) || hasNewsSince(window, mark)) {
+    if (found == m_known.end() || !(found->fields & X11WindowFacts::Pid) || newsSince(window, mark)) {
         return;
     }
     found->facts.pid = pid;
@@ -127,7 +129,7 @@ void X11WindowCache::noteNews(xcb_window_t window) {
     m_news.insert(window, ++m_sequence);
 }
 
-bool X11WindowCache::hasNewsSince(xcb_window_t window, quint64 mark) const {
+bool X11WindowCache::newsSince(xcb_window_t window, quint64 mark) const {
     return m_news.value(window, 0) > mark;
 }
 

@@ -36,9 +36,11 @@ public:
 
     X11Connection& connection() const { return *m_connection; }
 
-    // Takes in the news of every change the server made before this call (one round trip), so that
-    // what lookup() returns is current.
-    void catchUp();
+    // Hands every event the cache's connection has received to the cache. A reader that takes facts
+    // from the cache makes a round trip after its lookups, calls this, and reads again each window
+    // with news since its mark.
+    void takeInNews();
+    bool hasNewsSince(xcb_window_t window, quint64 mark) const;
 
     // A read starts: facts it collects are kept only if no news of their window comes after this mark.
     quint64 beginRead();
@@ -60,7 +62,7 @@ public:
 private:
     bool takeNews(xcb_generic_event_t* event);
     void noteNews(xcb_window_t window);
-    bool hasNewsSince(xcb_window_t window, quint64 mark) const;
+    bool newsSince(xcb_window_t window, quint64 mark) const;
     void pruneNews();
 
     std::unique_ptr<X11Connection> m_connection;

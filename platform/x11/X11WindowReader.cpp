@@ -14,6 +14,7 @@ constexpr uint8_t kBadWindow = 3;
 constexpr uint8_t kBadDrawable = 9;
 constexpr uint32_t kLongListLength = 1u << 16;  // in 32-bit units: room for a very long client list
 constexpr uint32_t kTitleLength = 256;
+constexpr int kOriginMilliseconds = 250;
 
 struct FreeDeleter {
     void operator()(void* pointer) const { std::free(pointer); }
@@ -68,6 +69,10 @@ X11WindowReader::X11WindowReader(X11Connection& connection, X11WindowCache* cach
                               "_NET_SUPPORTING_WM_CHECK", "_NET_FRAME_EXTENTS", "_NET_WM_WINDOW_TYPE", "_NET_WM_STATE",
                               "_NET_WM_DESKTOP", "_NET_WM_PID", "_NET_WM_WINDOW_OPACITY", "_NET_WM_NAME",
                               "UTF8_STRING"});
+    m_atoms = {m_connection.atom("_NET_FRAME_EXTENTS"), m_connection.atom("_NET_WM_WINDOW_TYPE"),
+               m_connection.atom("_NET_WM_STATE"),      m_connection.atom("_NET_WM_DESKTOP"),
+               m_connection.atom("_NET_WM_PID"),        m_connection.atom("_NET_WM_WINDOW_OPACITY"),
+               m_connection.atom("_NET_WM_NAME")};
     xcb_connection_t* xcb = m_connection.xcb();
     const xcb_query_extension_reply_t* resource = xcb_get_extension_data(xcb, &xcb_res_id);
     if (resource != nullptr && resource->present) {
@@ -111,7 +116,14 @@ X11RootFacts X11WindowReader::readRoot(unsigned fields) {
     if (fields & Children) {
         tree = xcb_query_tree(xcb, root);
     }
-    const bool wantOrigin = (fields & GlobalOrigin) && m_hasRandr;
+    bool wantOrigin = (fields & GlobalOrigin) && m_hasRandr;
+    if (wantOrigin) {
+        QMutexLocker lock(&m_originMutex);
+        if (!m_originValidUntil.hasExpired()) {
+            facts.globalOriginInRoot = m_origin;
+            wantOrigin = false;
+        }
+    }
     if (wantOrigin) {
         monitors = xcb_randr_get_monitors(xcb, root, 1);
     }
@@ -156,6 +168,9 @@ X11RootFacts X11WindowReader::readRoot(unsigned fields) {
                     haveFirst = true;
                 }
             }
+            QMutexLocker lock(&m_originMutex);
+            m_origin = facts.globalOriginInRoot;
+            m_originValidUntil = QDeadlineTimer(kOriginMilliseconds);
         }
     }
     facts.connected = !m_connection.hasError();
@@ -167,182 +182,227 @@ QList<X11WindowFacts> X11WindowReader::readWindows(const QList<Request>& request
     return collectWindows(pending);
 }
 
-X11WindowReader::PendingWindows X11WindowReader::sendWindowRequests(const QList<Request>& requests) {
+void X11WindowReader::sendFields(PendingWindow& entry) {
     xcb_connection_t* xcb = m_connection.xcb();
-    const xcb_atom_t extentsAtom = m_connection.atom("_NET_FRAME_EXTENTS");
-    const xcb_atom_t typeAtom = m_connection.atom("_NET_WM_WINDOW_TYPE");
-    const xcb_atom_t stateAtom = m_connection.atom("_NET_WM_STATE");
-    const xcb_atom_t desktopAtom = m_connection.atom("_NET_WM_DESKTOP");
-    const xcb_atom_t pidAtom = m_connection.atom("_NET_WM_PID");
-    const xcb_atom_t opacityAtom = m_connection.atom("_NET_WM_WINDOW_OPACITY");
-    const xcb_atom_t nameAtom = m_connection.atom("_NET_WM_NAME");
+    const xcb_window_t w = entry.request.window;
+    const unsigned f = entry.sentFields;
+    auto property = [&](xcb_atom_t atom, xcb_atom_t type, uint32_t length) {
+        return xcb_get_property(xcb, 0, w, atom, type, 0, length);
+    };
+    if (f & X11WindowFacts::Attributes) {
+        entry.attributes = xcb_get_window_attributes(xcb, w);
+    }
+    if (f & X11WindowFacts::Geometry) {
+        entry.geometry = xcb_get_geometry(xcb, w);
+        entry.position = xcb_translate_coordinates(xcb, w, m_connection.root(), 0, 0);
+        entry.extents = property(m_atoms.extents, XCB_ATOM_CARDINAL, 4);
+    }
+    if (f & X11WindowFacts::Type) {
+        entry.type = property(m_atoms.type, XCB_ATOM_ATOM, 32);
+    }
+    if (f & X11WindowFacts::Transient) {
+        entry.transient = property(XCB_ATOM_WM_TRANSIENT_FOR, XCB_ATOM_WINDOW, 1);
+    }
+    if (f & X11WindowFacts::State) {
+        entry.state = property(m_atoms.state, XCB_ATOM_ATOM, 32);
+    }
+    if (f & X11WindowFacts::Desktop) {
+        entry.desktop = property(m_atoms.desktop, XCB_ATOM_CARDINAL, 1);
+    }
+    if (f & X11WindowFacts::Pid) {
+        entry.pid = property(m_atoms.pid, XCB_ATOM_CARDINAL, 1);
+    }
+    if (f & X11WindowFacts::Opacity) {
+        entry.opacity = property(m_atoms.opacity, XCB_ATOM_CARDINAL, 1);
+    }
+    if (f & X11WindowFacts::Title) {
+        entry.title = property(m_atoms.name, XCB_ATOM_ANY, kTitleLength);
+    }
+    if (f & X11WindowFacts::Class) {
+        entry.wmClass = property(XCB_ATOM_WM_CLASS, XCB_ATOM_STRING, 64);
+    }
+    if (f & X11WindowFacts::SizeHints) {
+        entry.hints = property(XCB_ATOM_WM_NORMAL_HINTS, XCB_ATOM_WM_SIZE_HINTS, 18);
+    }
+}
+
+X11WindowFacts X11WindowReader::collectFields(const PendingWindow& entry) {
+    xcb_connection_t* xcb = m_connection.xcb();
+    X11WindowFacts facts;
+    facts.window = entry.request.window;
+    const unsigned f = entry.sentFields;
+    bool gone = false;
+    if (f & X11WindowFacts::Attributes) {
+        const auto reply =
+            take<xcb_get_window_attributes_reply_t>(xcb, entry.attributes, xcb_get_window_attributes_reply, &gone);
+        if (reply) {
+            facts.overrideRedirect = reply->override_redirect != 0;
+            facts.viewable = reply->map_state == XCB_MAP_STATE_VIEWABLE;
+            facts.mapped = reply->map_state != XCB_MAP_STATE_UNMAPPED;
+            facts.inputOnly = reply->_class == XCB_WINDOW_CLASS_INPUT_ONLY;
+        }
+    }
+    if (f & X11WindowFacts::Geometry) {
+        const auto geometry = take<xcb_get_geometry_reply_t>(xcb, entry.geometry, xcb_get_geometry_reply, &gone);
+        const auto position =
+            take<xcb_translate_coordinates_reply_t>(xcb, entry.position, xcb_translate_coordinates_reply, &gone);
+        const QList<uint32_t> extents = cardinals(takeProperty(xcb, entry.extents, &gone).get());
+        if (geometry && position) {
+            facts.clientRect = QRect(position->dst_x, position->dst_y, geometry->width, geometry->height);
+            facts.borderWidth = geometry->border_width;
+        }
+        if (extents.size() == 4) {
+            facts.frameExtents = QMargins(static_cast<int>(extents[0]), static_cast<int>(extents[2]),
+                                          static_cast<int>(extents[1]), static_cast<int>(extents[3]));
+        }
+    }
+    if (f & X11WindowFacts::Type) {
+        for (uint32_t atom : cardinals(takeProperty(xcb, entry.type, &gone).get())) {
+            facts.types.append(atom);
+        }
+    }
+    if (f & X11WindowFacts::Transient) {
+        facts.transientFor = firstCardinal(takeProperty(xcb, entry.transient, &gone).get()).value_or(XCB_NONE);
+    }
+    if (f & X11WindowFacts::State) {
+        for (uint32_t atom : cardinals(takeProperty(xcb, entry.state, &gone).get())) {
+            facts.states.append(atom);
+        }
+    }
+    if (f & X11WindowFacts::Desktop) {
+        facts.desktop = firstCardinal(takeProperty(xcb, entry.desktop, &gone).get());
+    }
+    if (f & X11WindowFacts::Pid) {
+        const std::optional<uint32_t> pid = firstCardinal(takeProperty(xcb, entry.pid, &gone).get());
+        if (pid && *pid > 0 && *pid <= 0x7fffffffu) {
+            facts.pid = static_cast<pid_t>(*pid);
+        }
+    }
+    if (f & X11WindowFacts::Opacity) {
+        const std::optional<uint32_t> opacity = firstCardinal(takeProperty(xcb, entry.opacity, &gone).get());
+        if (opacity) {
+            facts.opacity = static_cast<double>(*opacity) / 4294967295.0;
+        }
+    }
+    if (f & X11WindowFacts::Title) {
+        facts.title = QString::fromUtf8(bytes(takeProperty(xcb, entry.title, &gone).get()));
+    }
+    if (f & X11WindowFacts::Class) {
+        // Two NUL-terminated strings: the instance, then the class.
+        const QByteArray value = bytes(takeProperty(xcb, entry.wmClass, &gone).get());
+        const qsizetype split = value.indexOf('\0');
+        facts.classInstance = split < 0 ? value : value.left(split);
+        if (split >= 0) {
+            QByteArray rest = value.mid(split + 1);
+            const qsizetype end = rest.indexOf('\0');
+            facts.className = end < 0 ? rest : rest.left(end);
+        }
+    }
+    if (f & X11WindowFacts::SizeHints) {
+        const QList<uint32_t> hints = cardinals(takeProperty(xcb, entry.hints, &gone).get());
+        constexpr uint32_t kMinimumSize = 1u << 4;
+        constexpr uint32_t kMaximumSize = 1u << 5;
+        if (hints.size() >= 9) {
+            if (hints[0] & kMinimumSize) {
+                facts.minimumSize = QSize(static_cast<int>(hints[5]), static_cast<int>(hints[6]));
+            }
+            if (hints[0] & kMaximumSize) {
+                facts.maximumSize = QSize(static_cast<int>(hints[7]), static_cast<int>(hints[8]));
+            }
+        }
+    }
+    facts.exists = !gone;
+    return facts;
+}
+
+X11WindowReader::PendingWindows X11WindowReader::sendWindowRequests(const QList<Request>& requests) {
     PendingWindows pending;
     if (requests.isEmpty()) {
         return pending;
     }
     if (m_cache != nullptr) {
-        m_cache->catchUp();
         pending.mark = m_cache->beginRead();
     }
     pending.windows.reserve(requests.size());
     for (const Request& request : requests) {
         PendingWindow entry;
         entry.request = request;
-        const xcb_window_t w = request.window;
         if (m_cache != nullptr) {
-            entry.known = m_cache->lookup(w);
-            if (entry.known.fields == 0) {
-                m_cache->watch(w);
-            }
+            entry.known = m_cache->lookup(request.window);
+            pending.usesCache = pending.usesCache || (entry.known.fields & request.fields) != 0;
         }
-        const unsigned f = request.fields & ~entry.known.fields;
-        entry.sentFields = f;
-        auto property = [&](xcb_atom_t atom, xcb_atom_t type, uint32_t length) {
-            return xcb_get_property(xcb, 0, w, atom, type, 0, length);
-        };
-        if (f & X11WindowFacts::Attributes) {
-            entry.attributes = xcb_get_window_attributes(xcb, w);
+        entry.sentFields = request.fields & ~entry.known.fields;
+        // Watched again with every read from the server: a window number can be given to a new window
+        // once the old one is gone, and the new one has to be watched too.
+        if (m_cache != nullptr && entry.sentFields != 0) {
+            m_cache->watch(request.window);
         }
-        if (f & X11WindowFacts::Geometry) {
-            entry.geometry = xcb_get_geometry(xcb, w);
-            entry.position = xcb_translate_coordinates(xcb, w, m_connection.root(), 0, 0);
-            entry.extents = property(extentsAtom, XCB_ATOM_CARDINAL, 4);
-        }
-        if (f & X11WindowFacts::Type) {
-            entry.type = property(typeAtom, XCB_ATOM_ATOM, 32);
-        }
-        if (f & X11WindowFacts::Transient) {
-            entry.transient = property(XCB_ATOM_WM_TRANSIENT_FOR, XCB_ATOM_WINDOW, 1);
-        }
-        if (f & X11WindowFacts::State) {
-            entry.state = property(stateAtom, XCB_ATOM_ATOM, 32);
-        }
-        if (f & X11WindowFacts::Desktop) {
-            entry.desktop = property(desktopAtom, XCB_ATOM_CARDINAL, 1);
-        }
-        if (f & X11WindowFacts::Pid) {
-            entry.pid = property(pidAtom, XCB_ATOM_CARDINAL, 1);
-        }
-        if (f & X11WindowFacts::Opacity) {
-            entry.opacity = property(opacityAtom, XCB_ATOM_CARDINAL, 1);
-        }
-        if (f & X11WindowFacts::Title) {
-            entry.title = property(nameAtom, XCB_ATOM_ANY, kTitleLength);
-        }
-        if (f & X11WindowFacts::Class) {
-            entry.wmClass = property(XCB_ATOM_WM_CLASS, XCB_ATOM_STRING, 64);
-        }
-        if (f & X11WindowFacts::SizeHints) {
-            entry.hints = property(XCB_ATOM_WM_NORMAL_HINTS, XCB_ATOM_WM_SIZE_HINTS, 18);
-        }
+        sendFields(entry);
         pending.windows.append(entry);
+    }
+    // What the cache knew is checked against the news that came in before this point: when the reply
+    // to this request is in, so is every event sent before it.
+    if (pending.usesCache) {
+        pending.newsBarrier = xcb_get_input_focus(m_connection.xcb());
     }
     return pending;
 }
 
 QList<X11WindowFacts> X11WindowReader::collectWindows(PendingWindows& pending) {
-    xcb_connection_t* xcb = m_connection.xcb();
     QList<X11WindowFacts> result;
     result.reserve(pending.windows.size());
     for (const PendingWindow& entry : pending.windows) {
-        X11WindowFacts facts;
-        facts.window = entry.request.window;
-        const unsigned f = entry.sentFields;
-        bool gone = false;
-        if (f & X11WindowFacts::Attributes) {
-            const auto reply =
-                take<xcb_get_window_attributes_reply_t>(xcb, entry.attributes, xcb_get_window_attributes_reply, &gone);
-            if (reply) {
-                facts.overrideRedirect = reply->override_redirect != 0;
-                facts.viewable = reply->map_state == XCB_MAP_STATE_VIEWABLE;
-                facts.mapped = reply->map_state != XCB_MAP_STATE_UNMAPPED;
-                facts.inputOnly = reply->_class == XCB_WINDOW_CLASS_INPUT_ONLY;
-            }
-        }
-        if (f & X11WindowFacts::Geometry) {
-            const auto geometry = take<xcb_get_geometry_reply_t>(xcb, entry.geometry, xcb_get_geometry_reply, &gone);
-            const auto position =
-                take<xcb_translate_coordinates_reply_t>(xcb, entry.position, xcb_translate_coordinates_reply, &gone);
-            const QList<uint32_t> extents = cardinals(takeProperty(xcb, entry.extents, &gone).get());
-            if (geometry && position) {
-                facts.clientRect = QRect(position->dst_x, position->dst_y, geometry->width, geometry->height);
-                facts.borderWidth = geometry->border_width;
-            }
-            if (extents.size() == 4) {
-                facts.frameExtents = QMargins(static_cast<int>(extents[0]), static_cast<int>(extents[2]),
-                                              static_cast<int>(extents[1]), static_cast<int>(extents[3]));
-            }
-        }
-        if (f & X11WindowFacts::Type) {
-            for (uint32_t atom : cardinals(takeProperty(xcb, entry.type, &gone).get())) {
-                facts.types.append(atom);
-            }
-        }
-        if (f & X11WindowFacts::Transient) {
-            facts.transientFor = firstCardinal(takeProperty(xcb, entry.transient, &gone).get()).value_or(XCB_NONE);
-        }
-        if (f & X11WindowFacts::State) {
-            for (uint32_t atom : cardinals(takeProperty(xcb, entry.state, &gone).get())) {
-                facts.states.append(atom);
-            }
-        }
-        if (f & X11WindowFacts::Desktop) {
-            facts.desktop = firstCardinal(takeProperty(xcb, entry.desktop, &gone).get());
-        }
-        if (f & X11WindowFacts::Pid) {
-            const std::optional<uint32_t> pid = firstCardinal(takeProperty(xcb, entry.pid, &gone).get());
-            if (pid && *pid > 0 && *pid <= 0x7fffffffu) {
-                facts.pid = static_cast<pid_t>(*pid);
-            }
-        }
-        if (f & X11WindowFacts::Opacity) {
-            const std::optional<uint32_t> opacity = firstCardinal(takeProperty(xcb, entry.opacity, &gone).get());
-            if (opacity) {
-                facts.opacity = static_cast<double>(*opacity) / 4294967295.0;
-            }
-        }
-        if (f & X11WindowFacts::Title) {
-            facts.title = QString::fromUtf8(bytes(takeProperty(xcb, entry.title, &gone).get()));
-        }
-        if (f & X11WindowFacts::Class) {
-            // Two NUL-terminated strings: the instance, then the class.
-            const QByteArray value = bytes(takeProperty(xcb, entry.wmClass, &gone).get());
-            const qsizetype split = value.indexOf('\0');
-            facts.classInstance = split < 0 ? value : value.left(split);
-            if (split >= 0) {
-                QByteArray rest = value.mid(split + 1);
-                const qsizetype end = rest.indexOf('\0');
-                facts.className = end < 0 ? rest : rest.left(end);
-            }
-        }
-        if (f & X11WindowFacts::SizeHints) {
-            const QList<uint32_t> hints = cardinals(takeProperty(xcb, entry.hints, &gone).get());
-            constexpr uint32_t kMinimumSize = 1u << 4;
-            constexpr uint32_t kMaximumSize = 1u << 5;
-            if (hints.size() >= 9) {
-                if (hints[0] & kMinimumSize) {
-                    facts.minimumSize = QSize(static_cast<int>(hints[5]), static_cast<int>(hints[6]));
-                }
-                if (hints[0] & kMaximumSize) {
-                    facts.maximumSize = QSize(static_cast<int>(hints[7]), static_cast<int>(hints[8]));
-                }
-            }
-        }
-        facts.exists = !gone;
+        X11WindowFacts facts = collectFields(entry);
         if (m_cache != nullptr && facts.exists) {
-            m_cache->store(facts, f, pending.mark);
+            m_cache->store(facts, entry.sentFields, pending.mark);
             X11WindowFacts known = entry.known.facts;
             known.window = facts.window;
-            known.copyFields(facts, f);
+            known.copyFields(facts, entry.sentFields);
             facts = known;
         }
         result.append(facts);
+    }
+    if (pending.usesCache) {
+        std::free(xcb_get_input_focus_reply(m_connection.xcb(), pending.newsBarrier, nullptr));
+        m_cache->takeInNews();
+        rereadChanged(pending, result);
     }
     if (m_cache != nullptr && !pending.windows.isEmpty()) {
         m_cache->endRead(pending.mark);
     }
     pending.windows.clear();
     return result;
+}
+
+void X11WindowReader::rereadChanged(const PendingWindows& pending, QList<X11WindowFacts>& result) {
+    QList<qsizetype> changed;
+    for (qsizetype i = 0; i < pending.windows.size(); ++i) {
+        const PendingWindow& entry = pending.windows[i];
+        if ((entry.known.fields & entry.request.fields) != 0 && result[i].exists &&
+            m_cache->hasNewsSince(entry.request.window, pending.mark)) {
+            changed.append(i);
+        }
+    }
+    if (changed.isEmpty()) {
+        return;
+    }
+    // Rare: a window changed while its facts were being taken from the cache. Read it whole.
+    const quint64 mark = m_cache->beginRead();
+    QList<PendingWindow> again;
+    for (qsizetype i : changed) {
+        PendingWindow entry;
+        entry.request = pending.windows[i].request;
+        entry.sentFields = entry.request.fields;
+        m_cache->watch(entry.request.window);
+        sendFields(entry);
+        again.append(entry);
+    }
+    for (qsizetype k = 0; k < changed.size(); ++k) {
+        const X11WindowFacts facts = collectFields(again[k]);
+        m_cache->store(facts, again[k].sentFields, mark);
+        result[changed[k]] = facts;
+    }
+    m_cache->endRead(mark);
 }
 
 X11WindowReader::PendingPids X11WindowReader::sendPidQueries(const QList<xcb_window_t>& windows) {

@@ -3,8 +3,10 @@
 #include <xcb/res.h>
 #include <xcb/xcb.h>
 
+#include <QDeadlineTimer>
 #include <QHash>
 #include <QList>
+#include <QMutex>
 
 #include "platform/x11/X11WindowCache.h"
 #include "platform/x11/X11WindowFacts.h"
@@ -57,6 +59,8 @@ public:
     struct PendingWindows {
         QList<PendingWindow> windows;
         quint64 mark = 0;
+        bool usesCache = false;  // some facts came from the cache
+        xcb_get_input_focus_cookie_t newsBarrier{};
     };
     struct PendingPids {
         QList<PendingPid> windows;
@@ -82,8 +86,20 @@ public:
     void resolveMissingPids(QList<X11WindowFacts>& windows);
 
 private:
+    void sendFields(PendingWindow& entry);
+    X11WindowFacts collectFields(const PendingWindow& entry);
+    // Reads again every window whose cached facts were used although news of it had come in.
+    void rereadChanged(const PendingWindows& pending, QList<X11WindowFacts>& result);
+
     X11Connection& m_connection;
     X11WindowCache* m_cache = nullptr;
+    struct WindowAtoms {
+        xcb_atom_t extents, type, state, desktop, pid, opacity, name;
+    } m_atoms{};
     bool m_hasResource = false;
     bool m_hasRandr = false;
+    // The global origin moves only when monitors change; every move asks for it, so it is kept briefly.
+    QMutex m_originMutex;
+    QPoint m_origin;
+    QDeadlineTimer m_originValidUntil;
 };

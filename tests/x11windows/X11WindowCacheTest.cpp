@@ -176,6 +176,22 @@ TEST_F(X11WindowCacheTest, KnownWindowDestroyedBetweenListAndReadsIsLeftOut) {
     EXPECT_TRUE(survivorListed);
 }
 
+TEST_F(X11WindowCacheTest, WindowNumberGivenToANewWindowIsReadAndWatchedAfresh) {
+    // A client that disconnects frees its window numbers, and the next client to connect usually gets
+    // the same ones. Three clients in turn make sure each new window is watched, not only read.
+    for (int round = 0; round < 3; ++round) {
+        TestClient owner;
+        ASSERT_TRUE(owner.start());
+        const quint32 window = owner.open(QStringLiteral("w"), placement(1, 100, 100, 300, 200));
+        ASSERT_NE(window, 0u);
+        EXPECT_EQ(listed(window).value(QLatin1String(kCGWindowOwnerPID)).toLongLong(), owner.pid()) << round;
+        const QByteArray title = "round " + QByteArray::number(round);
+        setTitle(window, title);
+        EXPECT_EQ(listed(window).value(QLatin1String(kCGWindowName)).toString(), QString::fromUtf8(title)) << round;
+        ASSERT_TRUE(owner.exit());
+    }
+}
+
 TEST_F(X11WindowCacheTest, FactsReadWhileNewsOfTheirWindowArrivesAreNotKept) {
     const quint32 window = client.open(QStringLiteral("racing"), placement(0, 100, 100, 300, 200));
     ASSERT_NE(window, 0u);
