@@ -11,6 +11,7 @@
 #include "app/WindowMover.h"
 #include "bench/BenchTable.h"
 #include "platform/Platform.h"
+#include "platform/x11/X11Connection.h"
 #include "platform/x11/X11Platform.h"
 #include "tests/testclient/TestClient.h"
 
@@ -23,6 +24,64 @@ QList<DisplaySnapshot> displays() {
     }
     return snapshots;
 }
+
+// What any mover that waits for the window manager must spend: a _NET_MOVERESIZE_WINDOW request
+// for each window and its ConfigureNotify, with nothing read. One window after another, or all
+// requests at once and then all confirmations.
+class WindowManagerFloor {
+public:
+    explicit WindowManagerFloor(const QList<quint32>& windows) : m_windows(windows) {
+        m_connection = X11Connection::open();
+        xcb_connection_t* c = m_connection->xcb();
+        const uint32_t mask = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
+        for (quint32 window : windows) {
+            xcb_change_window_attributes(c, window, XCB_CW_EVENT_MASK, &mask);
+        }
+        m_moveResize = m_connection->atom("_NET_MOVERESIZE_WINDOW");
+    }
+
+    void moveOneAfterAnother(QPoint topLeft) {
+        for (quint32 window : m_windows) {
+            request(window, topLeft);
+            awaitConfirmations({window});
+        }
+    }
+    void moveAllAtOnce(QPoint topLeft) {
+        for (quint32 window : m_windows) {
+            request(window, topLeft);
+        }
+        awaitConfirmations(m_windows);
+    }
+
+private:
+    void request(quint32 window, QPoint topLeft) {
+        xcb_client_message_event_t message{};
+        message.response_type = XCB_CLIENT_MESSAGE;
+        message.format = 32;
+        message.window = window;
+        message.type = m_moveResize;
+        message.data.data32[0] = 1 | (1u << 8) | (1u << 9) | (2u << 12);  // north-west, x, y, from a pager
+        message.data.data32[1] = static_cast<uint32_t>(topLeft.x());
+        message.data.data32[2] = static_cast<uint32_t>(topLeft.y());
+        xcb_send_event(m_connection->xcb(), 0, m_connection->root(),
+                       XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
+                       reinterpret_cast<const char*>(&message));
+    }
+    void awaitConfirmations(QList<quint32> waiting) {
+        m_connection->waitForEvent(
+            [&waiting](xcb_generic_event_t* event) {
+                if ((event->response_type & 0x7f) == XCB_CONFIGURE_NOTIFY) {
+                    waiting.removeOne(reinterpret_cast<xcb_configure_notify_event_t*>(event)->window);
+                }
+                return waiting.isEmpty();
+            },
+            1000);
+    }
+
+    std::unique_ptr<X11Connection> m_connection;
+    QList<quint32> m_windows;
+    xcb_atom_t m_moveResize = XCB_ATOM_NONE;
+};
 
 }  // namespace
 
@@ -91,6 +150,13 @@ int main(int argc, char** argv) {
                      QStringLiteral("0,%1,%2,-1,-1").arg(int(target.x()) + 100).arg(int(target.y()) + 100)});
             }
         }));
+    WindowManagerFloor floor(windows);
+    int floorRound = 0;
+    auto nextCorner = [&] { return all[floorRound++ % 2].bounds.topLeft().toPoint() + QPoint(150, 150); };
+    BenchTable::row(QStringLiteral("window manager alone, each move awaited in turn (floor)"),
+                    BenchTable::measure(6, [&] { floor.moveOneAfterAnother(nextCorner()); }));
+    BenchTable::row(QStringLiteral("window manager alone, all moves sent then awaited"),
+                    BenchTable::measure(6, [&] { floor.moveAllAtOnce(nextCorner()); }));
     QProcess::execute(QStringLiteral("wmctrl"),
                       {QStringLiteral("-i"), QStringLiteral("-a"), QString::number(windows[0])});
     QCoreApplication::processEvents();

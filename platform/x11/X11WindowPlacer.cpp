@@ -86,6 +86,32 @@ bool X11WindowPlacer::waitUntil(xcb_window_t window, const std::function<bool(co
     }
 }
 
+bool X11WindowPlacer::confirmedByReport(xcb_window_t window, QPoint rootTopLeft, const QDeadlineTimer& deadline,
+                                        X11WindowFacts* facts) {
+    // ICCCM has window managers tell a client where its window went with a synthetic ConfigureNotify in
+    // root coordinates: the corner outside the border.
+    std::optional<QPoint> reported;
+    m_connection.waitForEvent(
+        [&](xcb_generic_event_t* event) {
+            if (!isAbout(window, event)) {
+                return false;
+            }
+            const auto* configure = reinterpret_cast<xcb_configure_notify_event_t*>(event);
+            if ((event->response_type & 0x7f) == XCB_CONFIGURE_NOTIFY && (event->response_type & 0x80) != 0) {
+                reported = QPoint(configure->x, configure->y);
+            }
+            return true;
+        },
+        static_cast<int>(qMax<qint64>(0, deadline.remainingTime())));
+    const QPoint extents(facts->frameExtents.left(), facts->frameExtents.top());
+    if (!reported || *reported - extents != rootTopLeft) {
+        return false;
+    }
+    const QPoint inside = *reported + QPoint(facts->borderWidth, facts->borderWidth);
+    facts->clientRect.moveTopLeft(inside);
+    return true;
+}
+
 void X11WindowPlacer::waitForQuiet(xcb_window_t window, int quietMs, int timeoutMs) {
     QDeadlineTimer deadline(timeoutMs);
     auto aboutWindow = [window](xcb_generic_event_t* event) { return isAbout(window, event); };
@@ -219,11 +245,15 @@ AXError X11WindowPlacer::moveFrame(xcb_window_t window, QPoint rootTopLeft) {
     auto arrived = [rootTopLeft](const X11WindowFacts& current) {
         return current.outerFrame().topLeft() == rootTopLeft;
     };
-    // Done waiting once the frame has moved at all; where it went says whether to aim again.
-    waitUntil(
-        window,
-        [&](const X11WindowFacts& current) { return arrived(current) || current.outerFrame().topLeft() != before; },
-        kConfirmationMilliseconds, &facts, false);
+    // Done waiting once the frame has moved at all; where it went says whether to aim again. Usually the
+    // window manager's own report of the move says it landed, and nothing needs to be read.
+    QDeadlineTimer deadline(kConfirmationMilliseconds);
+    if (!confirmedByReport(window, rootTopLeft, deadline, &facts)) {
+        waitUntil(
+            window,
+            [&](const X11WindowFacts& current) { return arrived(current) || current.outerFrame().topLeft() != before; },
+            static_cast<int>(deadline.remainingTime()), &facts);
+    }
     bool landed = arrived(facts);
     const QPoint offBy = facts.outerFrame().topLeft() - rootTopLeft;
     if (!landed && facts.exists && offBy.manhattanLength() <= kDecorationSlack &&
