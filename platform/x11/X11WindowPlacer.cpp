@@ -65,14 +65,9 @@ bool isAbout(xcb_window_t window, xcb_generic_event_t* event) {
 }  // namespace
 
 bool X11WindowPlacer::waitUntil(xcb_window_t window, const std::function<bool(const X11WindowFacts&)>& condition,
-                                int timeoutMs, X11WindowFacts* last, bool readFirst) {
+                                int timeoutMs, X11WindowFacts* last) {
     QDeadlineTimer deadline(timeoutMs);
     auto aboutWindow = [window](xcb_generic_event_t* event) { return isAbout(window, event); };
-    // Right after a request nothing has changed yet: the first look can wait for news of the window.
-    if (!readFirst && !m_connection.waitForEvent(aboutWindow, timeoutMs)) {
-        *last = read(window);
-        return last->exists && condition(*last);
-    }
     while (true) {
         *last = read(window);
         if (!last->exists || condition(*last)) {
@@ -86,29 +81,34 @@ bool X11WindowPlacer::waitUntil(xcb_window_t window, const std::function<bool(co
     }
 }
 
-bool X11WindowPlacer::confirmedByReport(xcb_window_t window, QPoint rootTopLeft, const QDeadlineTimer& deadline,
-                                        X11WindowFacts* facts) {
-    // ICCCM has window managers tell a client where its window went with a synthetic ConfigureNotify in
-    // root coordinates: the corner outside the border.
-    std::optional<QPoint> reported;
+bool X11WindowPlacer::confirmedByReport(xcb_window_t window, const QDeadlineTimer& deadline, X11WindowFacts* facts,
+                                        const std::function<bool(const X11WindowFacts&)>& condition) {
+    // The X server reports a new size in a ConfigureNotify; ICCCM has window managers report a move
+    // with a synthetic one in root coordinates (the corner outside the border).
+    std::optional<X11WindowFacts> reported;
     m_connection.waitForEvent(
         [&](xcb_generic_event_t* event) {
             if (!isAbout(window, event)) {
                 return false;
             }
-            const auto* configure = reinterpret_cast<xcb_configure_notify_event_t*>(event);
-            if ((event->response_type & 0x7f) == XCB_CONFIGURE_NOTIFY && (event->response_type & 0x80) != 0) {
-                reported = QPoint(configure->x, configure->y);
+            if ((event->response_type & 0x7f) == XCB_CONFIGURE_NOTIFY) {
+                const auto* configure = reinterpret_cast<xcb_configure_notify_event_t*>(event);
+                X11WindowFacts now = *facts;
+                now.borderWidth = configure->border_width;
+                now.clientRect.setSize(QSize(configure->width, configure->height));
+                if ((event->response_type & 0x80) != 0) {
+                    now.clientRect.moveTopLeft(QPoint(configure->x, configure->y) +
+                                               QPoint(configure->border_width, configure->border_width));
+                }
+                reported = now;
             }
             return true;
         },
         static_cast<int>(qMax<qint64>(0, deadline.remainingTime())));
-    const QPoint extents(facts->frameExtents.left(), facts->frameExtents.top());
-    if (!reported || *reported - extents != rootTopLeft) {
+    if (!reported || !condition(*reported)) {
         return false;
     }
-    const QPoint inside = *reported + QPoint(facts->borderWidth, facts->borderWidth);
-    facts->clientRect.moveTopLeft(inside);
+    *facts = *reported;
     return true;
 }
 
@@ -248,7 +248,7 @@ AXError X11WindowPlacer::moveFrame(xcb_window_t window, QPoint rootTopLeft) {
     // Done waiting once the frame has moved at all; where it went says whether to aim again. Usually the
     // window manager's own report of the move says it landed, and nothing needs to be read.
     QDeadlineTimer deadline(kConfirmationMilliseconds);
-    if (!confirmedByReport(window, rootTopLeft, deadline, &facts)) {
+    if (!confirmedByReport(window, deadline, &facts, arrived)) {
         waitUntil(
             window,
             [&](const X11WindowFacts& current) { return arrived(current) || current.outerFrame().topLeft() != before; },
@@ -306,9 +306,10 @@ AXError X11WindowPlacer::resizeFrame(xcb_window_t window, QSize frameSize) {
                             facts.frameExtents.top() + facts.frameExtents.bottom() + 2 * facts.borderWidth);
     const QSize clientSize = (frameSize - decorations).expandedTo(QSize(1, 1));
     sendMoveResize(window, std::nullopt, clientSize);
-    const bool landed = waitUntil(
-        window, [frameSize](const X11WindowFacts& now) { return now.outerFrame().size() == frameSize; },
-        kConfirmationMilliseconds, &facts, false);
+    auto sized = [frameSize](const X11WindowFacts& now) { return now.outerFrame().size() == frameSize; };
+    QDeadlineTimer deadline(kConfirmationMilliseconds);
+    const bool landed = confirmedByReport(window, deadline, &facts, sized) ||
+                        waitUntil(window, sized, static_cast<int>(deadline.remainingTime()), &facts);
     if (!facts.exists) {
         return kAXErrorInvalidUIElement;
     }

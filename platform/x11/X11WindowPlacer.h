@@ -44,11 +44,11 @@ private:
     X11WindowFacts read(xcb_window_t window);
     // Reads the window after every event about it until the condition holds or the time is up.
     bool waitUntil(xcb_window_t window, const std::function<bool(const X11WindowFacts&)>& condition, int timeoutMs,
-                   X11WindowFacts* last, bool readFirst = true);
-    // Waits for the first news of the window after a move request. True when it is the window manager's
-    // report that the frame's corner is at the point; the facts then have the window there.
-    bool confirmedByReport(xcb_window_t window, QPoint rootTopLeft, const QDeadlineTimer& deadline,
-                           X11WindowFacts* facts);
+                   X11WindowFacts* last);
+    // Waits for the first news of the window after a request. True when it reports a new geometry that
+    // meets the condition; the facts then have the window so.
+    bool confirmedByReport(xcb_window_t window, const QDeadlineTimer& deadline, X11WindowFacts* facts,
+                           const std::function<bool(const X11WindowFacts&)>& condition);
     // Waits until no event about the window has come for quietMs, or the time is up.
     void waitForQuiet(xcb_window_t window, int quietMs, int timeoutMs);
     void watch(xcb_window_t window);
