@@ -4,10 +4,12 @@
 
 #include <QApplication>
 #include <QSocketNotifier>
+#include <QThreadPool>
 #include <cstdio>
 
 #include "BuildConfig.h"
 #include "app/LatticaApp.h"
+#include "app/ScreenSnapshotService.h"
 #include "platform/x11/X11Platform.h"
 
 namespace {
@@ -62,6 +64,11 @@ int main(int argc, char** argv) {
 
     LatticaApp app;
     app.start();
+    // The windows of the desktop are read once in the background now, so that the first opening of the
+    // panel only has to ask about what changed since.
+    QThreadPool::globalInstance()->start([] { ScreenSnapshotService::qualifyingWindows(); });
     const int status = QApplication::exec();
+    // Background reads use the platform's connections: let them end before the platform goes.
+    QThreadPool::globalInstance()->waitForDone();
     return status;
 }

@@ -4,6 +4,7 @@
 #include <cstdlib>
 
 #include "platform/x11/X11Connection.h"
+#include "platform/x11/X11WindowEvents.h"
 
 namespace {
 // Past this many, news older than every read under way is let go.
@@ -93,31 +94,9 @@ void X11WindowCache::clear() {
 }
 
 bool X11WindowCache::takeNews(xcb_generic_event_t* event) {
-    xcb_window_t window = XCB_NONE;
-    switch (event->response_type & 0x7f) {
-        case XCB_PROPERTY_NOTIFY:
-            window = reinterpret_cast<xcb_property_notify_event_t*>(event)->window;
-            break;
-        case XCB_CONFIGURE_NOTIFY:
-            window = reinterpret_cast<xcb_configure_notify_event_t*>(event)->window;
-            break;
-        case XCB_MAP_NOTIFY:
-            window = reinterpret_cast<xcb_map_notify_event_t*>(event)->window;
-            break;
-        case XCB_UNMAP_NOTIFY:
-            window = reinterpret_cast<xcb_unmap_notify_event_t*>(event)->window;
-            break;
-        case XCB_DESTROY_NOTIFY:
-            window = reinterpret_cast<xcb_destroy_notify_event_t*>(event)->window;
-            break;
-        case XCB_REPARENT_NOTIFY:
-            window = reinterpret_cast<xcb_reparent_notify_event_t*>(event)->window;
-            break;
-        case XCB_GRAVITY_NOTIFY:
-            window = reinterpret_cast<xcb_gravity_notify_event_t*>(event)->window;
-            break;
-        default:
-            return false;
+    const xcb_window_t window = X11WindowEvents::subject(event);
+    if (window == XCB_NONE) {
+        return false;
     }
     QMutexLocker lock(&m_mutex);
     noteNews(window);

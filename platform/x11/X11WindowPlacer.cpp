@@ -4,6 +4,7 @@
 #include <QLoggingCategory>
 
 #include "platform/x11/X11Connection.h"
+#include "platform/x11/X11WindowEvents.h"
 #include "platform/x11/X11WindowKinds.h"
 #include "platform/x11/X11WindowReader.h"
 
@@ -46,20 +47,7 @@ namespace {
 
 // Whether an event tells about the window: its geometry, properties, mapping or end.
 bool isAbout(xcb_window_t window, xcb_generic_event_t* event) {
-    switch (event->response_type & 0x7f) {
-        case XCB_CONFIGURE_NOTIFY:
-            return reinterpret_cast<xcb_configure_notify_event_t*>(event)->window == window;
-        case XCB_PROPERTY_NOTIFY:
-            return reinterpret_cast<xcb_property_notify_event_t*>(event)->window == window;
-        case XCB_DESTROY_NOTIFY:
-            return reinterpret_cast<xcb_destroy_notify_event_t*>(event)->window == window;
-        case XCB_MAP_NOTIFY:
-            return reinterpret_cast<xcb_map_notify_event_t*>(event)->window == window;
-        case XCB_UNMAP_NOTIFY:
-            return reinterpret_cast<xcb_unmap_notify_event_t*>(event)->window == window;
-        default:
-            return false;
-    }
+    return X11WindowEvents::subject(event) == window;
 }
 
 }  // namespace

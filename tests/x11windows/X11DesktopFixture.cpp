@@ -1,5 +1,6 @@
 #include "tests/x11windows/X11DesktopFixture.h"
 
+#include <algorithm>
 #include <cstdlib>
 
 #include "platform/Platform.h"
@@ -38,6 +39,12 @@ WindowInfo X11DesktopFixture::entryFor(quint32 window, quint32 options) {
         }
     }
     return {};
+}
+
+bool X11DesktopFixture::lists(const QList<WindowInfo>& entries, quint32 window) {
+    return std::any_of(entries.cbegin(), entries.cend(), [window](const WindowInfo& entry) {
+        return entry.value(QLatin1String(kCGWindowNumber)).toLongLong() == window;
+    });
 }
 
 QRectF X11DesktopFixture::boundsOf(const WindowInfo& entry) {

@@ -19,6 +19,8 @@ protected:
     xcb_connection_t* xcb() const;
     // The entry of the window list for a window, or an empty map.
     WindowInfo entryFor(quint32 window, quint32 options = kCGWindowListOptionAll);
+    // Whether a window list has an entry for the window.
+    static bool lists(const QList<WindowInfo>& entries, quint32 window);
     // The bounds of a window-list entry.
     static QRectF boundsOf(const WindowInfo& entry);
     // The frame the window manager drew around a client, read from the window tree itself

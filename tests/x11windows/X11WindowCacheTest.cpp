@@ -166,14 +166,8 @@ TEST_F(X11WindowCacheTest, KnownWindowDestroyedBetweenListAndReadsIsLeftOut) {
     });
     const auto entriesRead = server.copyWindowInfo(kCGWindowListOptionAll);
     ASSERT_TRUE(entriesRead.has_value());
-    bool doomedListed = false;
-    bool survivorListed = false;
-    for (const WindowInfo& entry : *entriesRead) {
-        doomedListed = doomedListed || number(entry) == doomed;
-        survivorListed = survivorListed || number(entry) == survivor;
-    }
-    EXPECT_FALSE(doomedListed);
-    EXPECT_TRUE(survivorListed);
+    EXPECT_FALSE(lists(*entriesRead, doomed));
+    EXPECT_TRUE(lists(*entriesRead, survivor));
 }
 
 TEST_F(X11WindowCacheTest, WindowNumberGivenToANewWindowIsReadAndWatchedAfresh) {
