@@ -46,9 +46,7 @@ X11WindowCache::Known X11WindowCache::lookup(xcb_window_t window) const {
 }
 
 void X11WindowCache::watch(xcb_window_t window) {
-    const uint32_t mask = XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_PROPERTY_CHANGE;
-    // Unchecked: for a window that is already gone, the error is harmless and the read says so.
-    xcb_change_window_attributes(m_connection->xcb(), window, XCB_CW_EVENT_MASK, &mask);
+    X11WindowEvents::watch(m_connection->xcb(), window);
 }
 
 void X11WindowCache::store(const X11WindowFacts& facts, unsigned fields, quint64 mark) {

@@ -4,6 +4,13 @@
 
 namespace X11WindowEvents {
 
+// Asks the server for the events subject() tells about. Costs no round trip; for a window that is
+// already gone, the error is harmless and the next read of it says so.
+inline void watch(xcb_connection_t* connection, xcb_window_t window) {
+    const uint32_t mask = XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_PROPERTY_CHANGE;
+    xcb_change_window_attributes(connection, window, XCB_CW_EVENT_MASK, &mask);
+}
+
 // The window an event tells about, for the events that selecting StructureNotify and PropertyChange on
 // a window brings (its geometry, properties, mapping, parent or end); XCB_NONE for any other event.
 inline xcb_window_t subject(xcb_generic_event_t* event) {

@@ -37,10 +37,9 @@ X11WindowFacts X11WindowPlacer::read(xcb_window_t window) {
 }
 
 void X11WindowPlacer::watch(xcb_window_t window) {
-    // Selected again before every change: costs no round trip, and a window number that was given to a
-    // new window after the old one died gets the mask too.
-    const uint32_t mask = XCB_EVENT_MASK_STRUCTURE_NOTIFY | XCB_EVENT_MASK_PROPERTY_CHANGE;
-    xcb_change_window_attributes(m_connection.xcb(), window, XCB_CW_EVENT_MASK, &mask);
+    // Selected again before every change: a window number that was given to a new window after the old
+    // one died gets the mask too.
+    X11WindowEvents::watch(m_connection.xcb(), window);
 }
 
 namespace {
