@@ -105,17 +105,8 @@ void UpdateWindow::showChecking() {
 }
 
 void UpdateWindow::showUpToDate(const QString& currentVersion) {
-    m_state = State::UpToDate;
-    m_downloadURL.clear();
-    setTexts(QStringLiteral("You're up to date!"),
-             QStringLiteral("Lattica %1 is currently the newest version available.").arg(currentVersion));
-    m_progress->setVisible(false);
-    m_releaseNotes->setVisible(false);
-    m_releaseNotesLink->setVisible(false);
-    m_primaryButton->setText(QStringLiteral("OK"));
-    m_primaryButton->setEnabled(true);
-    m_secondaryButton->setVisible(false);
-    adjustSize();
+    showMessage(State::UpToDate, QStringLiteral("You're up to date!"),
+                QStringLiteral("Lattica %1 is currently the newest version available.").arg(currentVersion));
 }
 
 void UpdateWindow::showUpdateFound(const AppcastItem& item, const QString& currentVersion) {
@@ -143,9 +134,13 @@ void UpdateWindow::showUpdateFound(const AppcastItem& item, const QString& curre
 }
 
 void UpdateWindow::showError(const QString& message) {
-    m_state = State::Error;
+    showMessage(State::Error, QStringLiteral("Update Error!"), message);
+}
+
+void UpdateWindow::showMessage(State state, const QString& title, const QString& message) {
+    m_state = state;
     m_downloadURL.clear();
-    setTexts(QStringLiteral("Update Error!"), message);
+    setTexts(title, message);
     m_progress->setVisible(false);
     m_releaseNotes->setVisible(false);
     m_releaseNotesLink->setVisible(false);

@@ -44,6 +44,8 @@ protected:
     void closeEvent(QCloseEvent* event) override;
 
 private:
+    // A message that only needs acknowledging: the texts and an OK button.
+    void showMessage(State state, const QString& title, const QString& message);
     void setTexts(const QString& title, const QString& message);
     void handlePrimary();
     void handleSecondary();
