@@ -3,9 +3,7 @@
 #include <QPointF>
 #include <QRectF>
 #include <QSizeF>
-#include <QVariant>
 #include <algorithm>
-#include <optional>
 
 // Rectangle tests with the window server's semantics. They differ from QRectF's own on purpose:
 // containment is half-open (the right and bottom edges belong to the next rectangle), and two
@@ -42,9 +40,5 @@ inline double intersectionArea(const QRectF& a, const QRectF& b) {
     const QRectF common = intersection(a, b);
     return common.isEmpty() ? 0.0 : common.width() * common.height();
 }
-
-// Reads a bounds dictionary ("X", "Y", "Width", "Height", all numbers) as a rectangle; nothing when it
-// is not a dictionary or a field is missing or not a number.
-std::optional<QRectF> rectFromDictionaryRepresentation(const QVariant& value);
 
 }  // namespace Geometry

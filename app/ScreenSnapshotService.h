@@ -7,7 +7,7 @@
 
 #include "app/Models.h"
 #include "platform/Accessibility.h"
-#include "platform/WindowServer.h"
+#include "platform/WindowList.h"
 
 // One window of the window list that counts as a user window.
 struct QualifiedWindow {
@@ -43,10 +43,6 @@ QList<QualifiedWindow> qualifyingWindows();
 QHash<pid_t, AXWindowMetadata> axWindowMetadataByOwnerPID(const QSet<pid_t>& pids);
 QList<DisplayAppGroup> groupedApplications(const QList<QualifiedWindow>& windows);
 
-// Readers of one window-list entry.
-std::optional<pid_t> ownerPID(const WindowInfo& entry);
-std::optional<qint64> windowID(const WindowInfo& entry);
-bool isOnScreen(const WindowInfo& entry);
 // The element's role when it reads as a string.
 std::optional<QString> role(const AXUIElement& element);
 

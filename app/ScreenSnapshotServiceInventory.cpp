@@ -3,21 +3,9 @@
 
 #include "app/AXValues.h"
 #include "app/ScreenSnapshotService.h"
-#include "app/WindowList.h"
+#include "app/WindowListFilters.h"
 #include "app/WindowMover.h"
 #include "platform/Platform.h"
-
-std::optional<pid_t> ScreenSnapshotService::ownerPID(const WindowInfo& entry) {
-    return WindowList::ownerPID(entry);
-}
-
-std::optional<qint64> ScreenSnapshotService::windowID(const WindowInfo& entry) {
-    return WindowList::windowID(entry);
-}
-
-bool ScreenSnapshotService::isOnScreen(const WindowInfo& entry) {
-    return WindowList::isOnScreen(entry);
-}
 
 std::optional<QString> ScreenSnapshotService::role(const AXUIElement& element) {
     AXAttributeReply reply;
@@ -84,42 +72,34 @@ QHash<pid_t, AXWindowMetadata> ScreenSnapshotService::axWindowMetadataByOwnerPID
 }
 
 QList<QualifiedWindow> ScreenSnapshotService::qualifyingWindows() {
-    const std::optional<QList<WindowInfo>> list =
-        Platform::services().windowServer->copyWindowInfo(kCGWindowListExcludeDesktopElements);
+    const std::optional<QList<WindowEntry>> list = Platform::services().windowList->windows(DesktopWindows::Exclude);
     if (!list) {
         return {};
     }
-    const QSet<pid_t> regular = WindowList::regularApplicationPIDs();
+    const QSet<pid_t> regular = WindowListFilters::regularApplicationPIDs();
     const QHash<pid_t, AXWindowMetadata> metadata = axWindowMetadataByOwnerPID(regular);
 
     QList<QualifiedWindow> windows;
-    for (const WindowInfo& entry : *list) {
-        if (!WindowList::isOnNormalLayer(entry)) {
+    for (const WindowEntry& entry : *list) {
+        if (!WindowListFilters::isOnNormalLayer(entry)) {
             continue;
         }
-        const std::optional<pid_t> pid = ownerPID(entry);
-        if (!pid || !regular.contains(*pid)) {
+        if (!entry.pid || !regular.contains(*entry.pid)) {
             continue;
         }
-        const std::optional<qint64> number = windowID(entry);
-        if (!number) {
+        if (WindowListFilters::hasExcludedOwnerName(entry) || WindowListFilters::isTransparent(entry)) {
             continue;
         }
-        const std::optional<QString> ownerName = WindowList::ownerName(entry);
-        if ((ownerName && WindowList::isExcludedOwnerName(*ownerName)) || WindowList::isTransparent(entry)) {
-            continue;
-        }
-        const std::optional<QRectF> bounds = WindowList::bounds(entry);
-        if (!bounds || !WindowList::hasUserWindowSize(*bounds)) {
+        if (!WindowListFilters::hasUserWindowSize(entry.frame)) {
             continue;
         }
         // Where Accessibility knows the application's real windows, only those count.
-        const auto known = metadata.constFind(*pid);
+        const auto known = metadata.constFind(*entry.pid);
         if (known != metadata.cend() && known->axQuerySupported && !known->windowIDsForFiltering.isEmpty() &&
-            !known->windowIDsForFiltering.contains(*number)) {
+            !known->windowIDsForFiltering.contains(entry.id)) {
             continue;
         }
-        windows.append({*bounds, isOnScreen(entry), *pid, ownerName.value_or(QStringLiteral("Unknown"))});
+        windows.append({entry.frame, entry.onScreen, *entry.pid, entry.ownerName.value_or(QStringLiteral("Unknown"))});
     }
     return windows;
 }

@@ -11,7 +11,7 @@
 
 #include "app/Models.h"
 #include "platform/Accessibility.h"
-#include "platform/WindowServer.h"
+#include "platform/WindowList.h"
 
 // The outcome of reading a window-list attribute of an application element.
 struct WindowAttributeResult {
@@ -92,20 +92,17 @@ std::optional<AXUIElement> axElementAttribute(const AXUIElement& element, const 
                                               const QString& sourceLabel);
 // "AXWindowNumber" of a window element, when it reads as a number.
 std::optional<qint64> axWindowNumber(const AXUIElement& window);
-// Readers of one window-list entry.
-std::optional<pid_t> ownerPID(const WindowInfo& entry);
-std::optional<qint64> windowID(const WindowInfo& entry);
 // Window-list key of a window: "<pid>-<windowNumber>".
 QString windowListKey(pid_t pid, qint64 windowNumber);
 // The window list with off-screen, hidden and minimised windows; nothing when it is unavailable.
-std::optional<QList<WindowInfo>> windowListIncludingOffscreen();
+std::optional<QList<WindowEntry>> windowListIncludingOffscreen();
 // Bounds of every layer-0 window with an owner, a number and a size above one point, by window-list key.
 QHash<QString, QRectF> allWindowFramesByOwnerAndWindowID();
-QHash<QString, QRectF> allWindowFramesByOwnerAndWindowID(const std::optional<QList<WindowInfo>>& list);
+QHash<QString, QRectF> allWindowFramesByOwnerAndWindowID(const std::optional<QList<WindowEntry>>& list);
 // The window numbers the window server places on the source display, by owner.
 QHash<pid_t, QSet<qint64>> sourceWindowIDsByOwnerPID(const QRectF& source);
 QHash<pid_t, QSet<qint64>> sourceWindowIDsByOwnerPID(const QRectF& source,
-                                                     const std::optional<QList<WindowInfo>>& list);
+                                                     const std::optional<QList<WindowEntry>>& list);
 // Un-hides the application and un-minimises the given windows; failures are traced, never fatal.
 void revealMovedWindowsForApplication(const AXUIElementList& windows, const AXUIElement& app, const QString& appLabel);
 // The first element of the list with a readable frame larger than one point.

@@ -253,7 +253,7 @@ WindowMoveResult WindowMover::moveWindows(const DisplaySnapshot& source, const D
                                           bool adjustSizeToDestination, const std::optional<QSet<pid_t>>& targetPIDs,
                                           bool revealMovedWindows) {
     // Both look-ups read one copy of the window list: listing is the costly part with many windows.
-    const std::optional<QList<WindowInfo>> windowList = windowListIncludingOffscreen();
+    const std::optional<QList<WindowEntry>> windowList = windowListIncludingOffscreen();
     MoveContext move;
     move.frames = allWindowFramesByOwnerAndWindowID(windowList);
     move.sourceIDs = sourceWindowIDsByOwnerPID(source.bounds, windowList);

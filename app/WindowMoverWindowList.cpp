@@ -1,18 +1,10 @@
 #include "app/Geometry.h"
-#include "app/WindowList.h"
+#include "app/WindowListFilters.h"
 #include "app/WindowMover.h"
 #include "platform/Platform.h"
 
-std::optional<QList<WindowInfo>> WindowMover::windowListIncludingOffscreen() {
-    return Platform::services().windowServer->copyWindowInfo(kCGWindowListExcludeDesktopElements);
-}
-
-std::optional<pid_t> WindowMover::ownerPID(const WindowInfo& entry) {
-    return WindowList::ownerPID(entry);
-}
-
-std::optional<qint64> WindowMover::windowID(const WindowInfo& entry) {
-    return WindowList::windowID(entry);
+std::optional<QList<WindowEntry>> WindowMover::windowListIncludingOffscreen() {
+    return Platform::services().windowList->windows(DesktopWindows::Exclude);
 }
 
 QString WindowMover::windowListKey(pid_t pid, qint64 windowNumber) {
@@ -23,22 +15,19 @@ QHash<QString, QRectF> WindowMover::allWindowFramesByOwnerAndWindowID() {
     return allWindowFramesByOwnerAndWindowID(windowListIncludingOffscreen());
 }
 
-QHash<QString, QRectF> WindowMover::allWindowFramesByOwnerAndWindowID(const std::optional<QList<WindowInfo>>& list) {
+QHash<QString, QRectF> WindowMover::allWindowFramesByOwnerAndWindowID(const std::optional<QList<WindowEntry>>& list) {
     QHash<QString, QRectF> frames;
     if (!list) {
         return frames;
     }
-    for (const WindowInfo& entry : *list) {
-        if (!WindowList::isOnNormalLayer(entry)) {
+    for (const WindowEntry& entry : *list) {
+        if (!WindowListFilters::isOnNormalLayer(entry) || !entry.pid) {
             continue;
         }
-        const std::optional<pid_t> pid = ownerPID(entry);
-        const std::optional<qint64> number = pid ? windowID(entry) : std::nullopt;
-        const std::optional<QRectF> bounds = number ? WindowList::bounds(entry) : std::nullopt;
-        if (!bounds || !(bounds->width() > 1.0 && bounds->height() > 1.0)) {
+        if (!(entry.frame.width() > 1.0 && entry.frame.height() > 1.0)) {
             continue;
         }
-        frames.insert(windowListKey(*pid, *number), *bounds);
+        frames.insert(windowListKey(*entry.pid, entry.id), entry.frame);
     }
     return frames;
 }
@@ -48,33 +37,26 @@ QHash<pid_t, QSet<qint64>> WindowMover::sourceWindowIDsByOwnerPID(const QRectF& 
 }
 
 QHash<pid_t, QSet<qint64>> WindowMover::sourceWindowIDsByOwnerPID(const QRectF& source,
-                                                                  const std::optional<QList<WindowInfo>>& list) {
+                                                                  const std::optional<QList<WindowEntry>>& list) {
     QHash<pid_t, QSet<qint64>> idsByOwner;
     if (!list) {
         return idsByOwner;
     }
-    const QSet<pid_t> regular = WindowList::regularApplicationPIDs();
-    for (const WindowInfo& entry : *list) {
-        if (!WindowList::isOnNormalLayer(entry)) {
+    const QSet<pid_t> regular = WindowListFilters::regularApplicationPIDs();
+    for (const WindowEntry& entry : *list) {
+        if (!WindowListFilters::isOnNormalLayer(entry)) {
             continue;
         }
-        const std::optional<pid_t> pid = ownerPID(entry);
-        if (!pid || !regular.contains(*pid)) {
+        if (!entry.pid || !regular.contains(*entry.pid)) {
             continue;
         }
-        const std::optional<QString> name = WindowList::ownerName(entry);
-        if ((name && WindowList::isExcludedOwnerName(*name)) || WindowList::isTransparent(entry)) {
+        if (WindowListFilters::hasExcludedOwnerName(entry) || WindowListFilters::isTransparent(entry)) {
             continue;
         }
-        const std::optional<QRectF> bounds = WindowList::bounds(entry);
-        if (!bounds || !WindowList::hasUserWindowSize(*bounds) || !Geometry::intersects(*bounds, source)) {
+        if (!WindowListFilters::hasUserWindowSize(entry.frame) || !Geometry::intersects(entry.frame, source)) {
             continue;
         }
-        const std::optional<qint64> number = windowID(entry);
-        if (!number) {
-            continue;
-        }
-        idsByOwner[*pid].insert(*number);
+        idsByOwner[*entry.pid].insert(entry.id);
     }
     return idsByOwner;
 }

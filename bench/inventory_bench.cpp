@@ -10,7 +10,7 @@
 #include "app/ScreenSnapshotService.h"
 #include "bench/BenchTable.h"
 #include "platform/Platform.h"
-#include "platform/WindowServer.h"
+#include "platform/WindowList.h"
 #include "platform/x11/X11Connection.h"
 #include "platform/x11/X11Platform.h"
 #include "platform/x11/X11WindowCache.h"
@@ -77,20 +77,18 @@ int main(int argc, char** argv) {
             return 1;
         }
         open = total;
-        WindowServer& server = *Platform::services().windowServer;
-        const qsizetype listed = server.copyWindowInfo(kCGWindowListExcludeDesktopElements)->size();
+        WindowList& windowList = *Platform::services().windowList;
+        const qsizetype listed = windowList.windows(DesktopWindows::Exclude)->size();
         // The list and the floor take turns, so that both see the same load on a shared machine.
         std::vector<double> ours;
         std::vector<double> floor;
         for (int i = 0; i < 30; ++i) {
-            ours.push_back(
-                BenchTable::measure(1, [&] { server.copyWindowInfo(kCGWindowListExcludeDesktopElements); }).median);
+            ours.push_back(BenchTable::measure(1, [&] { windowList.windows(DesktopWindows::Exclude); }).median);
             floor.push_back(BenchTable::measure(1, [&] { minimalListing(platform->connection()); }).median);
         }
         const BenchTable::Figures oursFigures = BenchTable::summarize(ours);
         const BenchTable::Figures floorFigures = BenchTable::summarize(floor);
-        BenchTable::row(QStringLiteral("%1 windows: window server list (%2 entries)").arg(total).arg(listed),
-                        oursFigures);
+        BenchTable::row(QStringLiteral("%1 windows: window list (%2 entries)").arg(total).arg(listed), oursFigures);
         BenchTable::row(QStringLiteral("%1 windows: minimal pipelined listing (floor)").arg(total), floorFigures);
         std::printf("%-58s %10.1f\n", qPrintable(QStringLiteral("%1 windows: list / floor, medians").arg(total)),
                     oursFigures.median / floorFigures.median);
@@ -99,10 +97,10 @@ int main(int argc, char** argv) {
         // The same with nothing known of any window beforehand, as on the first opening of the panel
         // or after every window has changed.
         if (X11WindowCache* cache = platform->windowCache()) {
-            BenchTable::row(QStringLiteral("%1 windows: window server list, every window read afresh").arg(total),
-                            BenchTable::measure(10, [cache, &server] {
+            BenchTable::row(QStringLiteral("%1 windows: window list, every window read afresh").arg(total),
+                            BenchTable::measure(10, [cache, &windowList] {
                                 cache->clear();
-                                server.copyWindowInfo(kCGWindowListExcludeDesktopElements);
+                                windowList.windows(DesktopWindows::Exclude);
                             }));
             BenchTable::row(QStringLiteral("%1 windows: qualifying windows, every window read afresh").arg(total),
                             BenchTable::measure(10, [cache] {

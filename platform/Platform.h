@@ -8,14 +8,14 @@ class KeyboardLayout;
 class LoginItems;
 class Permissions;
 class UserDefaults;
-class WindowServer;
+class WindowList;
 class Workspace;
 
 // The services of the platform the program runs on. A backend (X11, or the fake one in tests) fills
 // them in once at start-up; the core reaches the system only through them.
 struct PlatformServices {
     Displays* displays = nullptr;
-    WindowServer* windowServer = nullptr;
+    WindowList* windowList = nullptr;
     Workspace* workspace = nullptr;
     Accessibility* accessibility = nullptr;
     HotKeys* hotKeys = nullptr;

@@ -9,7 +9,7 @@
 #include "platform/fake/FakeLoginItems.h"
 #include "platform/fake/FakePermissions.h"
 #include "platform/fake/FakeUserDefaults.h"
-#include "platform/fake/FakeWindowServer.h"
+#include "platform/fake/FakeWindowList.h"
 #include "platform/fake/FakeWorkspace.h"
 
 // Every platform service in memory. Constructing one installs it; tests script it through its members.
@@ -21,7 +21,7 @@ public:
     FakePlatform& operator=(const FakePlatform&) = delete;
 
     FakeDisplays displays;
-    FakeWindowServer windowServer;
+    FakeWindowList windowList;
     FakeWorkspace workspace;
     FakeAccessibility accessibility;
     FakeHotKeys hotKeys;

@@ -10,7 +10,7 @@
 #include "platform/x11/X11Permissions.h"
 #include "platform/x11/X11WindowCache.h"
 #include "platform/x11/X11WindowDesktopEntries.h"
-#include "platform/x11/X11WindowServer.h"
+#include "platform/x11/X11WindowList.h"
 #include "platform/x11/X11Workspace.h"
 #include "platform/x11/XdgLoginItems.h"
 
@@ -23,7 +23,7 @@ struct X11Platform::Owned {
     std::unique_ptr<X11Permissions> permissions;
     std::unique_ptr<X11WindowDesktopEntries> desktopEntries;
     std::unique_ptr<X11WindowCache> windowCache;
-    std::unique_ptr<X11WindowServer> windowServer;
+    std::unique_ptr<X11WindowList> windowList;
     std::unique_ptr<X11Workspace> workspace;
     std::unique_ptr<X11Accessibility> accessibility;
     std::unique_ptr<X11Activation> activation;
@@ -51,7 +51,7 @@ X11Platform::X11Platform(std::unique_ptr<X11Connection> connection)
         m_owned->windowCache = std::make_unique<X11WindowCache>(std::move(watch));
     }
     X11WindowCache* cache = m_owned->windowCache.get();
-    m_owned->windowServer = std::make_unique<X11WindowServer>(x11, *m_owned->desktopEntries, cache);
+    m_owned->windowList = std::make_unique<X11WindowList>(x11, *m_owned->desktopEntries, cache);
     m_owned->workspace = std::make_unique<X11Workspace>(x11, *m_owned->desktopEntries, cache);
     m_owned->accessibility = std::make_unique<X11Accessibility>(x11, cache);
     m_owned->activation = std::make_unique<X11Activation>(x11);
@@ -65,7 +65,7 @@ X11Platform::X11Platform(std::unique_ptr<X11Connection> connection)
     m_services.userDefaults = m_owned->userDefaults.get();
     m_services.loginItems = m_owned->loginItems.get();
     m_services.permissions = m_owned->permissions.get();
-    m_services.windowServer = m_owned->windowServer.get();
+    m_services.windowList = m_owned->windowList.get();
     m_services.workspace = m_owned->workspace.get();
     m_services.accessibility = m_owned->accessibility.get();
     m_services.activation = m_owned->activation.get();

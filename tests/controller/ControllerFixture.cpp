@@ -40,7 +40,7 @@ void ControllerTest::TearDown() {
     release();
     finishBackgroundWork();
     m_controller.reset();
-    platform.windowServer.setQueryHook({});
+    platform.windowList.setQueryHook({});
 }
 
 bool ControllerTest::waitUntil(const std::function<bool()>& predicate, int timeoutMs) {
@@ -54,7 +54,7 @@ void ControllerTest::finishBackgroundWork() {
 
 void ControllerTest::holdNextCapture() {
     m_holdArmed = true;
-    platform.windowServer.setQueryHook([this](int) {
+    platform.windowList.setQueryHook([this](int) {
         // Only a background capture is held; the mover queries the list on the main thread.
         const bool onMainThread = QThread::currentThread() == QCoreApplication::instance()->thread();
         if (!onMainThread && m_holdArmed.exchange(false)) {

@@ -16,13 +16,13 @@ protected:
     // Accessibility.
     void addApplication(pid_t pid, const QString& name, const QList<qint64>& numbers) {
         platform.workspace.addApplication(pid, name);
-        std::optional<QList<WindowInfo>> list = platform.windowServer.copyWindowInfo(0);
+        std::optional<QList<WindowEntry>> list = platform.windowList.scriptedList();
         for (qint64 number : numbers) {
             const QRectF frame(100 + number * 10, 100, 800, 600);
-            list->append(FakeWindowServer::entry({.number = number, .pid = pid, .ownerName = name, .bounds = frame}));
+            list->append(WindowEntry{.id = number, .pid = pid, .ownerName = name, .frame = frame});
             platform.accessibility.addWindow(pid, {.number = number, .frame = frame});
         }
-        platform.windowServer.setWindowList(list);
+        platform.windowList.setWindowList(list);
     }
     void focus(qint64 number) {
         platform.accessibility.setValue(AXUIElement::systemWide(), QStringLiteral("AXFocusedWindow"),
@@ -128,12 +128,12 @@ TEST_F(MoveCommands, AfterWholeDisplayMoveCardsAreRebuiltFromPlaceholdersThenRef
 
 TEST_F(MoveCommands, ApplicationMoveAlsoRefreshesThePanel) {
     addApplication(100, QStringLiteral("Editor"), {1});
-    const int queries = platform.windowServer.queryCount();
+    const int queries = platform.windowList.queryCount();
     controller().moveWindows(DisplayAppGroup{100, QStringLiteral("Editor"), 1}, left, right);
     EXPECT_TRUE(controller().isLoadingPreviews());
     finishBackgroundWork();
     // One window-list read for the move itself, one for the new capture.
-    EXPECT_EQ(platform.windowServer.queryCount(), queries + 2);
+    EXPECT_EQ(platform.windowList.queryCount(), queries + 2);
 }
 
 TEST_F(MoveCommands, ShortcutForUnpluggedDisplayReportsItAndNeverCallsTheMover) {
@@ -157,14 +157,14 @@ TEST_F(MoveCommands, ShortcutWithNoDisplaysAtAllReportsNotConnected) {
 TEST_F(MoveCommands, FocusedMoveToDisplayReportsSuccessWithoutRefreshingThePanel) {
     addApplication(100, QStringLiteral("Editor"), {1});
     focus(1);
-    const int queries = platform.windowServer.queryCount();
+    const int queries = platform.windowList.queryCount();
     signalLog().clear();
     controller().moveFocusedWindow(right.persistentID);
     EXPECT_EQ(controller().statusMessage(), QStringLiteral("Moved focused window to Right."));
     EXPECT_GE(platform.accessibility.frame(1).x(), 1920);
     EXPECT_EQ(signalLog(), QStringList{QStringLiteral("statusMessage")});
     finishBackgroundWork();
-    EXPECT_EQ(platform.windowServer.queryCount(), queries);
+    EXPECT_EQ(platform.windowList.queryCount(), queries);
 }
 
 TEST_F(MoveCommands, FocusedMoveUsesTheNameTheDisplayHasNow) {

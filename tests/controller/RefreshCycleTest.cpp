@@ -12,8 +12,8 @@ bool captured(const QList<DisplaySnapshot>& displays) {
 
 TEST_F(RefreshCycle, OpenPublishesPlaceholdersAtOnceThenCapturedSnapshotsInOrder) {
     platform.workspace.addApplication(100, QStringLiteral("Editor"));
-    platform.windowServer.setWindows(
-        {{.number = 1, .pid = 100, .ownerName = QStringLiteral("Editor"), .bounds = QRectF(100, 100, 800, 600)}});
+    platform.windowList.setWindows(
+        {{.id = 1, .pid = 100, .ownerName = QStringLiteral("Editor"), .frame = QRectF(100, 100, 800, 600)}});
     holdNextCapture();
     signalLog().clear();
     controller().refreshForMenuOpen();
@@ -44,17 +44,17 @@ TEST_F(RefreshCycle, OpenPublishesPlaceholdersAtOnceThenCapturedSnapshotsInOrder
 
 TEST_F(RefreshCycle, TwoOpensInQuickSuccessionPublishOnlyTheSecondCapture) {
     platform.workspace.addApplication(100, QStringLiteral("Editor"));
-    platform.windowServer.setWindows(
-        {{.number = 1, .pid = 100, .ownerName = QStringLiteral("Editor"), .bounds = QRectF(100, 100, 800, 600)}});
+    platform.windowList.setWindows(
+        {{.id = 1, .pid = 100, .ownerName = QStringLiteral("Editor"), .frame = QRectF(100, 100, 800, 600)}});
     holdNextCapture();
     controller().refreshForMenuOpen();
     const QUuid firstToken = controller().previewLoadID();
     ASSERT_TRUE(heldCaptureStarted());
 
     // The second open sees two windows; the first capture has already taken the list with one.
-    platform.windowServer.setWindows({
-        {.number = 1, .pid = 100, .ownerName = QStringLiteral("Editor"), .bounds = QRectF(100, 100, 800, 600)},
-        {.number = 2, .pid = 100, .ownerName = QStringLiteral("Editor"), .bounds = QRectF(300, 100, 800, 600)},
+    platform.windowList.setWindows({
+        {.id = 1, .pid = 100, .ownerName = QStringLiteral("Editor"), .frame = QRectF(100, 100, 800, 600)},
+        {.id = 2, .pid = 100, .ownerName = QStringLiteral("Editor"), .frame = QRectF(300, 100, 800, 600)},
     });
     controller().refreshForMenuOpen();
     EXPECT_NE(controller().previewLoadID(), firstToken);
@@ -65,7 +65,7 @@ TEST_F(RefreshCycle, TwoOpensInQuickSuccessionPublishOnlyTheSecondCapture) {
     // The first capture ends later and is dropped.
     release();
     finishBackgroundWork();
-    EXPECT_EQ(platform.windowServer.queryCount(), 2);
+    EXPECT_EQ(platform.windowList.queryCount(), 2);
     EXPECT_EQ(controller().displays()[0].visibleWindowCount, 2);
     EXPECT_FALSE(controller().isLoadingPreviews());
 }
@@ -86,7 +86,7 @@ TEST_F(RefreshCycle, RevokingScreenRecordingDuringCaptureDropsItsResult) {
 
     release();
     finishBackgroundWork();
-    EXPECT_EQ(platform.windowServer.queryCount(), 1);
+    EXPECT_EQ(platform.windowList.queryCount(), 1);
     ASSERT_EQ(controller().displays().size(), 2);
     EXPECT_FALSE(captured(controller().displays()));
     EXPECT_FALSE(controller().isLoadingPreviews());
@@ -99,13 +99,13 @@ TEST_F(RefreshCycle, OpenWithoutScreenRecordingClearsCardsWithoutCapture) {
 
     platform.permissions.screenCaptureGranted = false;
     const QUuid token = controller().previewLoadID();
-    const int queries = platform.windowServer.queryCount();
+    const int queries = platform.windowList.queryCount();
     controller().refreshForMenuOpen();
     EXPECT_TRUE(controller().displays().isEmpty());
     EXPECT_FALSE(controller().isLoadingPreviews());
     EXPECT_NE(controller().previewLoadID(), token);
     finishBackgroundWork();
-    EXPECT_EQ(platform.windowServer.queryCount(), queries);
+    EXPECT_EQ(platform.windowList.queryCount(), queries);
 }
 
 TEST_F(RefreshCycle, OpenWithoutAccessibilityClearsCardsWithoutCapture) {
@@ -115,7 +115,7 @@ TEST_F(RefreshCycle, OpenWithoutAccessibilityClearsCardsWithoutCapture) {
     EXPECT_FALSE(controller().isLoadingPreviews());
     EXPECT_FALSE(controller().permissionState().accessibilityGranted);
     finishBackgroundWork();
-    EXPECT_EQ(platform.windowServer.queryCount(), 0);
+    EXPECT_EQ(platform.windowList.queryCount(), 0);
 }
 
 TEST_F(RefreshCycle, ZeroDisplaysLeaveTheTokenUnchanged) {
@@ -126,7 +126,7 @@ TEST_F(RefreshCycle, ZeroDisplaysLeaveTheTokenUnchanged) {
     EXPECT_FALSE(controller().isLoadingPreviews());
     EXPECT_EQ(controller().previewLoadID(), token);
     finishBackgroundWork();
-    EXPECT_EQ(platform.windowServer.queryCount(), 0);
+    EXPECT_EQ(platform.windowList.queryCount(), 0);
 }
 
 TEST_F(RefreshCycle, PermissionRefreshWithBothGrantedTouchesNothingElse) {
@@ -163,13 +163,13 @@ TEST_F(RefreshCycle, DisplayChangeRebuildsShortcutListsButLeavesCardsUntilNextOp
     controller().refreshForMenuOpen();
     ASSERT_TRUE(waitUntil([&] { return !controller().isLoadingPreviews(); }));
     finishBackgroundWork();
-    const int queries = platform.windowServer.queryCount();
+    const int queries = platform.windowList.queryCount();
     platform.displays.changeDisplays({platform.displays.displays()[0]});
     ASSERT_TRUE(waitUntil([&] { return controller().connectedShortcutDisplays().size() == 1; }));
     EXPECT_EQ(controller().displays().size(), 2);
     EXPECT_FALSE(controller().isLoadingPreviews());
     finishBackgroundWork();
-    EXPECT_EQ(platform.windowServer.queryCount(), queries);
+    EXPECT_EQ(platform.windowList.queryCount(), queries);
 }
 
 TEST_F(RefreshCycle, CaptureFinishingAfterControllerIsGoneIsDiscarded) {
@@ -180,7 +180,7 @@ TEST_F(RefreshCycle, CaptureFinishingAfterControllerIsGoneIsDiscarded) {
     release();
     finishBackgroundWork();
     // The capture ran to its end; its hand-over found no controller and did nothing.
-    EXPECT_EQ(platform.windowServer.queryCount(), 1);
+    EXPECT_EQ(platform.windowList.queryCount(), 1);
     EXPECT_EQ(platform.displays.captureCount(), 2);
 }
 

@@ -60,7 +60,7 @@ TEST_F(XdgLoginItemsTest, UnwritableAutostartFolderGivesTheStatusMessageAndFalse
     XdgLoginItems items(entryPath());
     FakePlatform platform;
     Platform::install({.displays = &platform.displays,
-                       .windowServer = &platform.windowServer,
+                       .windowList = &platform.windowList,
                        .workspace = &platform.workspace,
                        .accessibility = &platform.accessibility,
                        .hotKeys = &platform.hotKeys,

@@ -94,8 +94,8 @@ TEST_F(CaptureDisplaySnapshots, SnapshotCopiesTheDescriptorFields) {
 }
 
 TEST_F(CaptureDisplaySnapshots, WindowAcrossTwoDisplaysCountsOnBoth) {
-    platform.windowServer.setWindows(
-        {{.number = 1, .pid = 100, .ownerName = QStringLiteral("Editor"), .bounds = QRectF(1500, 100, 800, 600)}});
+    platform.windowList.setWindows(
+        {{.id = 1, .pid = 100, .ownerName = QStringLiteral("Editor"), .frame = QRectF(1500, 100, 800, 600)}});
     const QList<DisplaySnapshot> snapshots = capture();
     ASSERT_EQ(snapshots.size(), 2);
     for (const DisplaySnapshot& snapshot : snapshots) {
@@ -105,8 +105,8 @@ TEST_F(CaptureDisplaySnapshots, WindowAcrossTwoDisplaysCountsOnBoth) {
 }
 
 TEST_F(CaptureDisplaySnapshots, WindowTouchingAnEdgeBelongsOnlyToItsDisplay) {
-    platform.windowServer.setWindows(
-        {{.number = 1, .pid = 100, .ownerName = QStringLiteral("Editor"), .bounds = QRectF(1120, 100, 800, 600)}});
+    platform.windowList.setWindows(
+        {{.id = 1, .pid = 100, .ownerName = QStringLiteral("Editor"), .frame = QRectF(1120, 100, 800, 600)}});
     const QList<DisplaySnapshot> snapshots = capture();
     EXPECT_EQ(snapshots[0].visibleWindowCount, 1);
     EXPECT_EQ(snapshots[1].visibleWindowCount, 0);
@@ -114,12 +114,12 @@ TEST_F(CaptureDisplaySnapshots, WindowTouchingAnEdgeBelongsOnlyToItsDisplay) {
 }
 
 TEST_F(CaptureDisplaySnapshots, MinimisedWindowCountsAsInvisibleWhereItsFrameLies) {
-    platform.windowServer.setWindows({
-        {.number = 1, .pid = 100, .ownerName = QStringLiteral("Editor"), .bounds = QRectF(100, 100, 800, 600)},
-        {.number = 2,
+    platform.windowList.setWindows({
+        {.id = 1, .pid = 100, .ownerName = QStringLiteral("Editor"), .frame = QRectF(100, 100, 800, 600)},
+        {.id = 2,
          .pid = 200,
          .ownerName = QStringLiteral("Mail"),
-         .bounds = QRectF(300, 200, 800, 600),
+         .frame = QRectF(300, 200, 800, 600),
          .onScreen = false},
     });
     const QList<DisplaySnapshot> snapshots = capture();
@@ -135,8 +135,8 @@ TEST_F(CaptureDisplaySnapshots, FailedPictureLeavesPreviewAbsentButCountsFilled)
     QList<FakeDisplays::Display> displays = platform.displays.displays();
     displays[1].image = QImage();
     platform.displays.setDisplays(displays);
-    platform.windowServer.setWindows(
-        {{.number = 1, .pid = 100, .ownerName = QStringLiteral("Editor"), .bounds = QRectF(2000, 100, 800, 600)}});
+    platform.windowList.setWindows(
+        {{.id = 1, .pid = 100, .ownerName = QStringLiteral("Editor"), .frame = QRectF(2000, 100, 800, 600)}});
     const QList<DisplaySnapshot> snapshots = capture();
     EXPECT_TRUE(snapshots[0].previewImage.has_value());
     EXPECT_FALSE(snapshots[1].previewImage.has_value());
@@ -147,7 +147,7 @@ TEST_F(CaptureDisplaySnapshots, FailedPictureLeavesPreviewAbsentButCountsFilled)
 
 TEST_F(CaptureDisplaySnapshots, WindowListIsReadOnceForAllDisplays) {
     capture();
-    EXPECT_EQ(platform.windowServer.queryCount(), 1);
+    EXPECT_EQ(platform.windowList.queryCount(), 1);
     EXPECT_EQ(platform.displays.captureCount(), 2);
 }
 

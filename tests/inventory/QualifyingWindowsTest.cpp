@@ -9,20 +9,16 @@ class QualifyingWindows : public ::testing::Test {
 protected:
     void SetUp() override { platform.workspace.addApplication(100, QStringLiteral("Editor")); }
 
-    static WindowInfo window(qint64 number, const QRectF& bounds = QRectF(0, 0, 800, 600), pid_t pid = 100) {
-        return FakeWindowServer::entry(
-            {.number = number, .pid = pid, .ownerName = QStringLiteral("Editor"), .bounds = bounds});
+    static WindowEntry window(qint64 number, const QRectF& bounds = QRectF(0, 0, 800, 600), pid_t pid = 100) {
+        return {.id = number, .pid = pid, .ownerName = QStringLiteral("Editor"), .frame = bounds};
     }
-    static WindowInfo changed(WindowInfo entry, const char* key, const QVariant& value) {
-        if (value.isValid()) {
-            entry.insert(QLatin1String(key), value);
-        } else {
-            entry.remove(QLatin1String(key));
-        }
+    template <typename Change>
+    static WindowEntry changed(WindowEntry entry, Change change) {
+        change(entry);
         return entry;
     }
-    QList<qint64> qualifyingNumbers(const QList<WindowInfo>& entries) {
-        platform.windowServer.setWindowList(entries);
+    QList<qint64> qualifyingNumbers(const QList<WindowEntry>& entries) {
+        platform.windowList.setWindows(entries);
         QList<qint64> numbers;
         for (const QualifiedWindow& qualified : ScreenSnapshotService::qualifyingWindows()) {
             // Each scripted window has its own x origin: its number times 10.
@@ -33,8 +29,17 @@ protected:
     static QRectF at(qint64 number, double width = 800, double height = 600) {
         return QRectF(number * 10, 0, width, height);
     }
-    static WindowInfo numbered(qint64 number, double width = 800, double height = 600) {
+    static WindowEntry numbered(qint64 number, double width = 800, double height = 600) {
         return window(number, at(number, width, height));
+    }
+    static WindowEntry withOpacity(qint64 number, std::optional<double> opacity) {
+        return changed(numbered(number), [opacity](WindowEntry& entry) { entry.opacity = opacity; });
+    }
+    static WindowEntry ownedBy(qint64 number, std::optional<QString> name) {
+        return changed(numbered(number), [name](WindowEntry& entry) { entry.ownerName = name; });
+    }
+    static WindowEntry onLayer(qint64 number, int layer) {
+        return changed(numbered(number), [layer](WindowEntry& entry) { entry.layer = layer; });
     }
 
     FakePlatform platform;
@@ -42,11 +47,11 @@ protected:
 
 TEST_F(QualifyingWindows, ListIsQueriedWithDesktopElementsExcludedOnly) {
     qualifyingNumbers({});
-    EXPECT_EQ(platform.windowServer.lastOptions(), 16u);
+    EXPECT_EQ(platform.windowList.lastDesktopWindows(), DesktopWindows::Exclude);
 }
 
 TEST_F(QualifyingWindows, UnavailableWindowListGivesNoWindows) {
-    platform.windowServer.setWindowList(std::nullopt);
+    platform.windowList.setWindowList(std::nullopt);
     EXPECT_TRUE(ScreenSnapshotService::qualifyingWindows().isEmpty());
 }
 
@@ -54,30 +59,24 @@ TEST_F(QualifyingWindows, WindowOf119By500IsDroppedAnd120By80Kept) {
     EXPECT_EQ(qualifyingNumbers({numbered(1, 119, 500), numbered(2, 120, 80), numbered(3, 500, 79)}), QList<qint64>{2});
 }
 
-TEST_F(QualifyingWindows, AlphaOfOneHundredthIsDroppedAndSlightlyMoreKept) {
-    EXPECT_EQ(
-        qualifyingNumbers({changed(numbered(1), kCGWindowAlpha, 0.01), changed(numbered(2), kCGWindowAlpha, 0.011),
-                           changed(numbered(3), kCGWindowAlpha, QVariant()), changed(numbered(4), kCGWindowAlpha, 0.0),
-                           changed(numbered(5), kCGWindowAlpha, QStringLiteral("0"))}),
-        (QList<qint64>{2, 3, 5}));
+TEST_F(QualifyingWindows, OpacityOfOneHundredthIsDroppedAndSlightlyMoreKept) {
+    EXPECT_EQ(qualifyingNumbers({withOpacity(1, 0.01), withOpacity(2, 0.011), withOpacity(3, std::nullopt),
+                                 withOpacity(4, 0.0), withOpacity(5, 1.0)}),
+              (QList<qint64>{2, 3, 5}));
 }
 
 TEST_F(QualifyingWindows, ExcludedOwnerNamesAreDroppedEvenForRegularApplications) {
-    QList<WindowInfo> entries;
+    QList<WindowEntry> entries;
     qint64 number = 1;
     for (const char* name : {"Window Server", "SystemUIServer", "ControlCenter", "NotificationCenter", "Dock"}) {
-        entries.append(changed(numbered(number++), kCGWindowOwnerName, QString::fromLatin1(name)));
+        entries.append(ownedBy(number++, QString::fromLatin1(name)));
     }
-    entries.append(changed(numbered(number), kCGWindowOwnerName, QStringLiteral("Docker")));
+    entries.append(ownedBy(number, QStringLiteral("Docker")));
     EXPECT_EQ(qualifyingNumbers(entries), QList<qint64>{6});
 }
 
-TEST_F(QualifyingWindows, OnlyLayerZeroGivenAsIntegerQualifies) {
-    EXPECT_EQ(
-        qualifyingNumbers({changed(numbered(1), kCGWindowLayer, 25), changed(numbered(2), kCGWindowLayer, QVariant()),
-                           changed(numbered(3), kCGWindowLayer, QStringLiteral("0")),
-                           changed(numbered(4), kCGWindowLayer, 0.0), changed(numbered(5), kCGWindowLayer, qint64(0))}),
-        QList<qint64>{5});
+TEST_F(QualifyingWindows, OnlyLayerZeroQualifies) {
+    EXPECT_EQ(qualifyingNumbers({onLayer(1, 25), onLayer(2, -1), onLayer(3, 3), onLayer(4, 0)}), QList<qint64>{4});
 }
 
 TEST_F(QualifyingWindows, OnlyWindowsOfRegularRunningApplicationsQualify) {
@@ -87,37 +86,27 @@ TEST_F(QualifyingWindows, OnlyWindowsOfRegularRunningApplicationsQualify) {
     platform.workspace.applications.last().isTerminated = true;
     EXPECT_EQ(
         qualifyingNumbers({window(1, at(1), 200), window(2, at(2), 300), window(3, at(3), 400), window(4, at(4), 999),
-                           changed(numbered(5), kCGWindowOwnerPID, QVariant()), numbered(6)}),
+                           changed(numbered(5), [](WindowEntry& entry) { entry.pid.reset(); }), numbered(6)}),
         QList<qint64>{6});
 }
 
-TEST_F(QualifyingWindows, WindowWithoutReadableNumberOrBoundsIsDropped) {
-    EXPECT_EQ(
-        qualifyingNumbers({changed(numbered(1), kCGWindowNumber, QVariant()),
-                           changed(numbered(2), kCGWindowNumber, QStringLiteral("2")),
-                           changed(numbered(3), kCGWindowBounds, QVariant()),
-                           changed(numbered(4), kCGWindowBounds, QVariant(QRectF(40, 0, 800, 600))), numbered(5)}),
-        QList<qint64>{5});
-}
-
 TEST_F(QualifyingWindows, QualifiedWindowCarriesBoundsVisibilityOwnerAndName) {
-    platform.windowServer.setWindows({{.number = 1,
-                                       .pid = 100,
-                                       .ownerName = QStringLiteral("Editor"),
-                                       .bounds = QRectF(5, 6, 700, 500),
-                                       .onScreen = false}});
+    platform.windowList.setWindows({{.id = 1,
+                                     .pid = 100,
+                                     .ownerName = QStringLiteral("Editor"),
+                                     .frame = QRectF(5, 6, 700, 500),
+                                     .onScreen = false}});
     const QList<QualifiedWindow> windows = ScreenSnapshotService::qualifyingWindows();
     ASSERT_EQ(windows.size(), 1);
     EXPECT_EQ(windows[0], (QualifiedWindow{QRectF(5, 6, 700, 500), false, 100, QStringLiteral("Editor")}));
 }
 
-TEST_F(QualifyingWindows, MissingOrNonStringOwnerNameReadsAsUnknown) {
-    platform.windowServer.setWindowList(QList<WindowInfo>{changed(numbered(1), kCGWindowOwnerName, QVariant()),
-                                                          changed(numbered(2), kCGWindowOwnerName, 12)});
+TEST_F(QualifyingWindows, MissingOwnerNameReadsAsUnknown) {
+    platform.windowList.setWindows({ownedBy(1, std::nullopt), ownedBy(2, QStringLiteral("Mail"))});
     const QList<QualifiedWindow> windows = ScreenSnapshotService::qualifyingWindows();
     ASSERT_EQ(windows.size(), 2);
     EXPECT_EQ(windows[0].ownerName, QStringLiteral("Unknown"));
-    EXPECT_EQ(windows[1].ownerName, QStringLiteral("Unknown"));
+    EXPECT_EQ(windows[1].ownerName, QStringLiteral("Mail"));
 }
 
 TEST_F(QualifyingWindows, WindowListOrderIsKept) {

@@ -174,21 +174,6 @@ TEST(RectangleTests, IntersectionAreaIsCommonWidthTimesHeight) {
     EXPECT_EQ(Geometry::intersectionArea(QRectF(1900, 1000, 100, 100), kMain), 20.0 * 80.0);
 }
 
-TEST(RectangleTests, BoundsDictionaryConvertsOnlyWithFourNumbers) {
-    const QVariantMap good{{QStringLiteral("X"), 1},
-                           {QStringLiteral("Y"), 2.5},
-                           {QStringLiteral("Width"), 300},
-                           {QStringLiteral("Height"), 200LL}};
-    EXPECT_EQ(Geometry::rectFromDictionaryRepresentation(good), QRectF(1, 2.5, 300, 200));
-    QVariantMap missing = good;
-    missing.remove(QStringLiteral("Height"));
-    EXPECT_FALSE(Geometry::rectFromDictionaryRepresentation(missing).has_value());
-    QVariantMap text = good;
-    text.insert(QStringLiteral("X"), QStringLiteral("1"));
-    EXPECT_FALSE(Geometry::rectFromDictionaryRepresentation(text).has_value());
-    EXPECT_FALSE(Geometry::rectFromDictionaryRepresentation(QVariant(QRectF(0, 0, 1, 1))).has_value());
-}
-
 TEST(MoverTrace, IsOnByDefaultOnlyInDebugBuilds) {
     if (qEnvironmentVariableIsSet("QT_LOGGING_RULES")) {
         GTEST_SKIP() << "QT_LOGGING_RULES decides the trace level";

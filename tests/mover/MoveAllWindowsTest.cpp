@@ -82,15 +82,15 @@ TEST_F(MoveAllWindows, RefusedSizeKeepsSizeAndIsCentredByActualSize) {
 
 TEST_F(MoveAllWindows, WindowListIsReadOncePerMove) {
     addWindow(100, 11, kCentred);
-    const int queries = platform.windowServer.queryCount();
+    const int queries = platform.windowList.queryCount();
     moveAll();
-    EXPECT_EQ(platform.windowServer.queryCount(), queries + 1);
-    EXPECT_EQ(platform.windowServer.lastOptions(), kCGWindowListExcludeDesktopElements);
+    EXPECT_EQ(platform.windowList.queryCount(), queries + 1);
+    EXPECT_EQ(platform.windowList.lastDesktopWindows(), DesktopWindows::Exclude);
 }
 
 TEST_F(MoveAllWindows, UnavailableWindowListStillMovesWindowsOnTheSourceByFrame) {
     addWindow(100, 11, kCentred);
-    platform.windowServer.setWindowList(std::nullopt);
+    platform.windowList.setWindowList(std::nullopt);
     EXPECT_EQ(moveAll(), (WindowMoveResult{1, 1}));
 }
 
@@ -131,8 +131,8 @@ TEST_F(MoveAllWindows, WindowOnAnotherDisplayIsNeitherAttemptedNorMoved) {
 
 TEST_F(MoveAllWindows, WindowOnlyInFullListIsMovedThenUnminimised) {
     platform.workspace.addApplication(100, QStringLiteral("Editor"));
-    platform.windowServer.setWindows(
-        {{.number = 12, .pid = 100, .ownerName = QStringLiteral("Editor"), .bounds = kCentred, .onScreen = false}});
+    platform.windowList.setWindows(
+        {{.id = 12, .pid = 100, .ownerName = QStringLiteral("Editor"), .frame = kCentred, .onScreen = false}});
     platform.accessibility.addWindow(100, {.number = 12, .frame = kCentred, .inWindows = false});
     EXPECT_EQ(moveAll(false, QSet<pid_t>{100}, true), (WindowMoveResult{1, 1}));
     const QList<FakeAccessibility::Write> writes = platform.accessibility.writes();
@@ -206,7 +206,7 @@ TEST_F(MoveAllWindows, ApplicationWithoutNameIsLabelledUnknownApp) {
 
 TEST_F(MoveAllWindows, ApplicationWithoutAccessibleWindowsIsSkipped) {
     platform.workspace.addApplication(100, QStringLiteral("Editor"));
-    platform.windowServer.setWindows({{.number = 11, .pid = 100, .bounds = kCentred}});
+    platform.windowList.setWindows({{.id = 11, .pid = 100, .frame = kCentred}});
     EXPECT_EQ(moveAll(), (WindowMoveResult{0, 0}));
     EXPECT_TRUE(trace.contains(QStringLiteral("Editor [pid:100]: no accessible windows returned")));
 }

@@ -49,9 +49,9 @@ void MoverTest::addWindow(pid_t pid, qint64 number, const QRectF& frame, const Q
     if (!known) {
         platform.workspace.addApplication(pid, ownerName);
     }
-    std::optional<QList<WindowInfo>> list = platform.windowServer.copyWindowInfo(0);
-    list->append(FakeWindowServer::entry({.number = number, .pid = pid, .ownerName = ownerName, .bounds = frame}));
-    platform.windowServer.setWindowList(list);
+    std::optional<QList<WindowEntry>> list = platform.windowList.scriptedList();
+    list->append(WindowEntry{.id = number, .pid = pid, .ownerName = ownerName, .frame = frame});
+    platform.windowList.setWindowList(list);
     platform.accessibility.addWindow(pid, {.number = number, .frame = frame});
 }
 

@@ -20,7 +20,7 @@
 #include "app/views/MenuBarContentView.h"
 #include "platform/Activation.h"
 #include "platform/UserDefaults.h"
-#include "platform/WindowServer.h"
+#include "platform/WindowList.h"
 #include "platform/x11/X11Connection.h"
 #include "platform/x11/X11Platform.h"
 #include "tests/support/VirtualDesktop.h"
@@ -178,16 +178,13 @@ protected:
         return last;
     }
 
-    // The window's frame in the window server's list, or an empty rectangle.
+    // The window's frame in the window list, or an empty rectangle.
     static QRectF frameOf(quint32 window) {
-        const std::optional<QList<WindowInfo>> list =
-            Platform::services().windowServer->copyWindowInfo(kCGWindowListOptionAll);
-        for (const WindowInfo& entry : list.value_or(QList<WindowInfo>{})) {
-            if (entry.value(QLatin1String(kCGWindowNumber)).toLongLong() == window) {
-                const QVariantMap bounds = entry.value(QLatin1String(kCGWindowBounds)).toMap();
-                return {bounds.value(QStringLiteral("X")).toDouble(), bounds.value(QStringLiteral("Y")).toDouble(),
-                        bounds.value(QStringLiteral("Width")).toDouble(),
-                        bounds.value(QStringLiteral("Height")).toDouble()};
+        const std::optional<QList<WindowEntry>> list =
+            Platform::services().windowList->windows(DesktopWindows::Include);
+        for (const WindowEntry& entry : list.value_or(QList<WindowEntry>{})) {
+            if (entry.id == window) {
+                return entry.frame;
             }
         }
         return {};

@@ -48,13 +48,13 @@ void UiTest::refreshAndWait() {
 
 void UiTest::addApplication(pid_t pid, const QString& name, int displayIndex, const QList<qint64>& numbers) {
     platform.workspace.addApplication(pid, name);
-    std::optional<QList<WindowInfo>> list = platform.windowServer.copyWindowInfo(0);
+    std::optional<QList<WindowEntry>> list = platform.windowList.scriptedList();
     for (qint64 number : numbers) {
         const QRectF frame(displayIndex * 1920 + 100 + number * 10, 100, 800, 600);
-        list->append(FakeWindowServer::entry({.number = number, .pid = pid, .ownerName = name, .bounds = frame}));
+        list->append(WindowEntry{.id = number, .pid = pid, .ownerName = name, .frame = frame});
         platform.accessibility.addWindow(pid, {.number = number, .frame = frame});
     }
-    platform.windowServer.setWindowList(list);
+    platform.windowList.setWindowList(list);
 }
 
 bool UiTest::waitUntil(const std::function<bool()>& predicate, int timeoutMs) {

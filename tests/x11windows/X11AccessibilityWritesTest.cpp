@@ -116,7 +116,7 @@ TEST_F(X11AccessibilityWritesTest, MinimizedFalseRestoresTheWindow) {
     EXPECT_EQ(ax().setAttributeValue(AXUIElement::window(window), QLatin1String(kAXMinimizedAttribute), false),
               kAXErrorSuccess);
     EXPECT_FALSE(minimized(window));
-    EXPECT_TRUE(entryFor(window).value(QLatin1String(kCGWindowIsOnscreen)).toBool());
+    EXPECT_TRUE(isOnScreen(window));
 }
 
 TEST_F(X11AccessibilityWritesTest, MinimizedTrueMinimisesAndFalseRestoresAgain) {
@@ -125,7 +125,7 @@ TEST_F(X11AccessibilityWritesTest, MinimizedTrueMinimisesAndFalseRestoresAgain) 
     EXPECT_EQ(ax().setAttributeValue(AXUIElement::window(window), QLatin1String(kAXMinimizedAttribute), true),
               kAXErrorSuccess);
     EXPECT_TRUE(minimized(window));
-    EXPECT_FALSE(entryFor(window).value(QLatin1String(kCGWindowIsOnscreen)).toBool());
+    EXPECT_FALSE(isOnScreen(window));
     EXPECT_EQ(ax().setAttributeValue(AXUIElement::window(window), QLatin1String(kAXMinimizedAttribute), false),
               kAXErrorSuccess);
     EXPECT_FALSE(minimized(window));

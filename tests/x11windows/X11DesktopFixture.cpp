@@ -28,29 +28,31 @@ xcb_connection_t* X11DesktopFixture::xcb() const {
     return platform->connection().xcb();
 }
 
-WindowInfo X11DesktopFixture::entryFor(quint32 window, quint32 options) {
-    const auto list = Platform::services().windowServer->copyWindowInfo(options);
+std::optional<WindowEntry> X11DesktopFixture::entryFor(quint32 window, DesktopWindows desktopWindows) {
+    const auto list = Platform::services().windowList->windows(desktopWindows);
     if (!list) {
-        return {};
+        return std::nullopt;
     }
-    for (const WindowInfo& entry : *list) {
-        if (entry.value(QLatin1String(kCGWindowNumber)).toLongLong() == window) {
+    for (const WindowEntry& entry : *list) {
+        if (entry.id == window) {
             return entry;
         }
     }
-    return {};
+    return std::nullopt;
 }
 
-bool X11DesktopFixture::lists(const QList<WindowInfo>& entries, quint32 window) {
-    return std::any_of(entries.cbegin(), entries.cend(), [window](const WindowInfo& entry) {
-        return entry.value(QLatin1String(kCGWindowNumber)).toLongLong() == window;
-    });
+bool X11DesktopFixture::lists(const QList<WindowEntry>& entries, quint32 window) {
+    return std::any_of(entries.cbegin(), entries.cend(),
+                       [window](const WindowEntry& entry) { return entry.id == window; });
 }
 
-QRectF X11DesktopFixture::boundsOf(const WindowInfo& entry) {
-    const QVariantMap bounds = entry.value(QLatin1String(kCGWindowBounds)).toMap();
-    return QRectF(bounds.value(QStringLiteral("X")).toDouble(), bounds.value(QStringLiteral("Y")).toDouble(),
-                  bounds.value(QStringLiteral("Width")).toDouble(), bounds.value(QStringLiteral("Height")).toDouble());
+QRectF X11DesktopFixture::boundsOf(const std::optional<WindowEntry>& entry) {
+    return entry ? entry->frame : QRectF();
+}
+
+bool X11DesktopFixture::isOnScreen(quint32 window) {
+    const std::optional<WindowEntry> entry = entryFor(window);
+    return entry && entry->onScreen;
 }
 
 QRect X11DesktopFixture::frameFromTree(quint32 window) {

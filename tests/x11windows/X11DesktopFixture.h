@@ -6,7 +6,7 @@
 #include <QRect>
 #include <memory>
 
-#include "platform/WindowServer.h"
+#include "platform/WindowList.h"
 #include "platform/x11/X11Platform.h"
 #include "tests/testclient/TestClient.h"
 
@@ -17,12 +17,14 @@ protected:
     void TearDown() override;
 
     xcb_connection_t* xcb() const;
-    // The entry of the window list for a window, or an empty map.
-    WindowInfo entryFor(quint32 window, quint32 options = kCGWindowListOptionAll);
+    // The entry of the window list for a window; nothing when it is not listed.
+    std::optional<WindowEntry> entryFor(quint32 window, DesktopWindows desktopWindows = DesktopWindows::Include);
     // Whether a window list has an entry for the window.
-    static bool lists(const QList<WindowInfo>& entries, quint32 window);
-    // The bounds of a window-list entry.
-    static QRectF boundsOf(const WindowInfo& entry);
+    static bool lists(const QList<WindowEntry>& entries, quint32 window);
+    // The frame of a window-list entry; an empty rectangle when there is no entry.
+    static QRectF boundsOf(const std::optional<WindowEntry>& entry);
+    // Whether the window is listed and on screen.
+    bool isOnScreen(quint32 window);
     // The frame the window manager drew around a client, read from the window tree itself
     // (the client's top-level ancestor), in the global display space.
     QRect frameFromTree(quint32 window);

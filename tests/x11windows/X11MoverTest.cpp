@@ -117,8 +117,7 @@ TEST_F(X11MoverTest, PerApplicationMoveRestoresMinimisedWindowsAndLeavesOthersAl
         WindowMover::moveWindows(source, target, false, QSet<pid_t>{static_cast<pid_t>(client.pid())}, true);
     EXPECT_EQ(result, (WindowMoveResult{2, 2}));
     EXPECT_FALSE(minimized(iconic));
-    EXPECT_TRUE(
-        VirtualDesktop::waitUntil([&] { return entryFor(iconic).value(QLatin1String(kCGWindowIsOnscreen)).toBool(); }));
+    EXPECT_TRUE(VirtualDesktop::waitUntil([&] { return isOnScreen(iconic); }));
     const QRectF expected = expectedFrame(iconicBefore, source.bounds, target.bounds, false);
     // Some window managers animate the restore; the frame settles where it was moved to.
     EXPECT_TRUE(VirtualDesktop::waitUntil([&] { return near(frameFromTree(iconic), expected); }))

@@ -11,7 +11,7 @@
 #include "platform/x11/X11Connection.h"
 #include "platform/x11/X11WindowCache.h"
 #include "platform/x11/X11WindowDesktopEntries.h"
-#include "platform/x11/X11WindowServer.h"
+#include "platform/x11/X11WindowList.h"
 #include "tests/support/VirtualDesktop.h"
 #include "tests/x11windows/X11DesktopFixture.h"
 
@@ -25,17 +25,22 @@ protected:
         ASSERT_NE(cache, nullptr);
     }
 
-    QList<WindowInfo> list() {
-        return Platform::services().windowServer->copyWindowInfo(kCGWindowListOptionAll).value_or(QList<WindowInfo>{});
+    QList<WindowEntry> list() {
+        return Platform::services().windowList->windows(DesktopWindows::Include).value_or(QList<WindowEntry>{});
     }
-    static qint64 number(const WindowInfo& entry) { return entry.value(QLatin1String(kCGWindowNumber)).toLongLong(); }
-    WindowInfo listed(quint32 window) {
-        for (const WindowInfo& entry : list()) {
-            if (number(entry) == window) {
+    // The window's entry; nothing when it is not listed.
+    std::optional<WindowEntry> listed(quint32 window) {
+        for (const WindowEntry& entry : list()) {
+            if (entry.id == window) {
                 return entry;
             }
         }
-        return {};
+        return std::nullopt;
+    }
+    // The window's title; nothing when it is not listed or has none.
+    std::optional<QString> titleOf(quint32 window) {
+        const std::optional<WindowEntry> entry = listed(window);
+        return entry ? entry->title : std::nullopt;
     }
     // The sequence number of the next request on the cache's connection.
     quint32 nextSequence() {
@@ -61,7 +66,7 @@ TEST_F(X11WindowCacheTest, SecondReadOfUnchangedDesktopAsksNothingPerWindow) {
     ASSERT_EQ(windows.size(), 40);
     list();
     const quint32 before = nextSequence();
-    const QList<WindowInfo> second = list();
+    const QList<WindowEntry> second = list();
     const quint32 requests = nextSequence() - before - 1;
     EXPECT_GE(second.size(), 40);
     // The root window's facts and one round trip to take in news; reading every window again would be
@@ -84,9 +89,9 @@ TEST_F(X11WindowCacheTest, ClearedCacheReadsEveryWindowAgain) {
 TEST_F(X11WindowCacheTest, TitleChangedAfterAReadShowsInTheNextRead) {
     const quint32 window = client.open(QStringLiteral("before"), placement(0, 100, 100, 300, 200));
     ASSERT_NE(window, 0u);
-    ASSERT_EQ(listed(window).value(QLatin1String(kCGWindowName)).toString(), QStringLiteral("before"));
+    ASSERT_EQ(titleOf(window), QStringLiteral("before"));
     setTitle(window, "after");
-    EXPECT_EQ(listed(window).value(QLatin1String(kCGWindowName)).toString(), QStringLiteral("after"));
+    EXPECT_EQ(titleOf(window), QStringLiteral("after"));
 }
 
 TEST_F(X11WindowCacheTest, WindowMovedByWindowManagerShowsInTheNextRead) {
@@ -122,7 +127,7 @@ TEST_F(X11WindowCacheTest, WindowResizedShowsInTheNextRead) {
 TEST_F(X11WindowCacheTest, WindowMinimisedAfterAReadShowsOffScreenInTheNextRead) {
     const quint32 window = client.open(QStringLiteral("iconify"), placement(1, 100, 100, 300, 200));
     ASSERT_NE(window, 0u);
-    ASSERT_TRUE(listed(window).value(QLatin1String(kCGWindowIsOnscreen)).toBool());
+    ASSERT_TRUE(isOnScreen(window));
     // ICCCM's request to iconify: WM_CHANGE_STATE with IconicState, sent to the root window.
     xcb_client_message_event_t message;
     std::memset(&message, 0, sizeof message);
@@ -135,8 +140,7 @@ TEST_F(X11WindowCacheTest, WindowMinimisedAfterAReadShowsOffScreenInTheNextRead)
                    XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
                    reinterpret_cast<const char*>(&message));
     xcb_flush(xcb());
-    EXPECT_TRUE(VirtualDesktop::waitUntil(
-        [&] { return !listed(window).value(QLatin1String(kCGWindowIsOnscreen), true).toBool(); }));
+    EXPECT_TRUE(VirtualDesktop::waitUntil([&] { return listed(window).has_value() && !listed(window)->onScreen; }));
 }
 
 TEST_F(X11WindowCacheTest, WindowClosedAfterAReadIsGoneFromTheNextRead) {
@@ -144,11 +148,11 @@ TEST_F(X11WindowCacheTest, WindowClosedAfterAReadIsGoneFromTheNextRead) {
     const quint32 staying = client.open(QStringLiteral("staying"), placement(0, 200, 200, 300, 200));
     ASSERT_NE(closing, 0u);
     ASSERT_NE(staying, 0u);
-    ASSERT_FALSE(listed(closing).isEmpty());
+    ASSERT_TRUE(listed(closing).has_value());
     ASSERT_TRUE(client.close(QStringLiteral("closing")));
     sync();
-    EXPECT_TRUE(listed(closing).isEmpty());
-    EXPECT_FALSE(listed(staying).isEmpty());
+    EXPECT_FALSE(listed(closing).has_value());
+    EXPECT_TRUE(listed(staying).has_value());
 }
 
 TEST_F(X11WindowCacheTest, KnownWindowDestroyedBetweenListAndReadsIsLeftOut) {
@@ -157,14 +161,14 @@ TEST_F(X11WindowCacheTest, KnownWindowDestroyedBetweenListAndReadsIsLeftOut) {
     ASSERT_NE(doomed, 0u);
     ASSERT_NE(survivor, 0u);
     X11WindowDesktopEntries entries;
-    X11WindowServer server(platform->connection(), entries, cache);
-    server.copyWindowInfo(kCGWindowListOptionAll);
+    X11WindowList windowList(platform->connection(), entries, cache);
+    windowList.windows(DesktopWindows::Include);
     ASSERT_TRUE(cache->lookup(doomed).fields != 0);
-    server.setAfterListingHookForTesting([&] {
+    windowList.setAfterListingHookForTesting([&] {
         ASSERT_TRUE(client.close(QStringLiteral("doomed")));
         sync();
     });
-    const auto entriesRead = server.copyWindowInfo(kCGWindowListOptionAll);
+    const auto entriesRead = windowList.windows(DesktopWindows::Include);
     ASSERT_TRUE(entriesRead.has_value());
     EXPECT_FALSE(lists(*entriesRead, doomed));
     EXPECT_TRUE(lists(*entriesRead, survivor));
@@ -178,10 +182,12 @@ TEST_F(X11WindowCacheTest, WindowNumberGivenToANewWindowIsReadAndWatchedAfresh) 
         ASSERT_TRUE(owner.start());
         const quint32 window = owner.open(QStringLiteral("w"), placement(1, 100, 100, 300, 200));
         ASSERT_NE(window, 0u);
-        EXPECT_EQ(listed(window).value(QLatin1String(kCGWindowOwnerPID)).toLongLong(), owner.pid()) << round;
+        const std::optional<WindowEntry> entry = listed(window);
+        ASSERT_TRUE(entry.has_value()) << round;
+        EXPECT_EQ(entry->pid, owner.pid()) << round;
         const QByteArray title = "round " + QByteArray::number(round);
         setTitle(window, title);
-        EXPECT_EQ(listed(window).value(QLatin1String(kCGWindowName)).toString(), QString::fromUtf8(title)) << round;
+        EXPECT_EQ(titleOf(window), QString::fromUtf8(title)) << round;
         ASSERT_TRUE(owner.exit());
     }
 }
@@ -224,11 +230,11 @@ TEST_F(X11WindowCacheTest, WriteThroughAccessibilityShowsInTheReadBack) {
 TEST_F(X11WindowCacheTest, ReadsOnAnotherThreadSeeChangesMadeBeforeThem) {
     const quint32 window = client.open(QStringLiteral("threaded"), placement(0, 100, 100, 300, 200));
     ASSERT_NE(window, 0u);
-    ASSERT_FALSE(listed(window).isEmpty());
+    ASSERT_TRUE(listed(window).has_value());
     setTitle(window, "changed on the main thread");
-    QString seen;
+    std::optional<QString> seen;
     QThreadPool pool;
-    pool.start([&] { seen = listed(window).value(QLatin1String(kCGWindowName)).toString(); });
+    pool.start([&] { seen = titleOf(window); });
     ASSERT_TRUE(pool.waitForDone(10000));
     EXPECT_EQ(seen, QStringLiteral("changed on the main thread"));
 }

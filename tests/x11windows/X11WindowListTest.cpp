@@ -9,7 +9,7 @@
 #include "platform/Platform.h"
 #include "platform/x11/X11Connection.h"
 #include "platform/x11/X11WindowDesktopEntries.h"
-#include "platform/x11/X11WindowServer.h"
+#include "platform/x11/X11WindowList.h"
 #include "tests/support/VirtualDesktop.h"
 #include "tests/x11windows/X11DesktopFixture.h"
 
@@ -17,11 +17,9 @@ namespace {
 
 class X11WindowListTest : public X11DesktopFixture {
 protected:
-    QList<WindowInfo> list(quint32 options = kCGWindowListOptionAll) {
-        return Platform::services().windowServer->copyWindowInfo(options).value_or(QList<WindowInfo>{});
+    QList<WindowEntry> list(DesktopWindows desktopWindows = DesktopWindows::Include) {
+        return Platform::services().windowList->windows(desktopWindows).value_or(QList<WindowEntry>{});
     }
-    static qint64 number(const WindowInfo& entry) { return entry.value(QLatin1String(kCGWindowNumber)).toLongLong(); }
-    static int layer(const WindowInfo& entry) { return entry.value(QLatin1String(kCGWindowLayer)).toInt(); }
     bool hasProperty(quint32 window, const char* name) {
         xcb_get_property_reply_t* reply = xcb_get_property_reply(
             xcb(), xcb_get_property(xcb(), 0, window, platform->connection().atom(name), XCB_ATOM_ANY, 0, 1), nullptr);
@@ -40,19 +38,20 @@ TEST_F(X11WindowListTest, WindowsOnEachMonitorAppearWithOuterFrameBoundsAndPid) 
         windows.append(window);
     }
     for (int monitor = 0; monitor < windows.size(); ++monitor) {
-        const WindowInfo entry = entryFor(windows[monitor]);
-        ASSERT_FALSE(entry.isEmpty());
-        EXPECT_EQ(entry.value(QLatin1String(kCGWindowOwnerPID)).toLongLong(), client.pid());
-        EXPECT_EQ(layer(entry), 0);
-        const QRectF bounds = boundsOf(entry);
+        const std::optional<WindowEntry> entry = entryFor(windows[monitor]);
+        ASSERT_TRUE(entry.has_value());
+        EXPECT_EQ(entry->pid, client.pid());
+        EXPECT_EQ(entry->layer, 0);
+        const QRectF bounds = entry->frame;
         EXPECT_TRUE(near(bounds, frameFromTree(windows[monitor]), 0.0))
             << bounds.x() << "," << bounds.y() << " " << bounds.width() << "x" << bounds.height();
         EXPECT_GT(bounds.width(), 500 + monitor);  // the decorations are part of the frame
         EXPECT_TRUE(monitors()[monitor].contains(bounds.center().toPoint()));
-        EXPECT_TRUE(entry.value(QLatin1String(kCGWindowIsOnscreen)).toBool());
-        EXPECT_EQ(entry.value(QLatin1String(kCGWindowName)).toString(), QStringLiteral("m%1").arg(monitor));
-        EXPECT_DOUBLE_EQ(entry.value(QLatin1String(kCGWindowAlpha)).toDouble(), 1.0);
-        EXPECT_FALSE(entry.value(QLatin1String(kCGWindowOwnerName)).toString().isEmpty());
+        EXPECT_TRUE(entry->onScreen);
+        EXPECT_EQ(entry->title, QStringLiteral("m%1").arg(monitor));
+        EXPECT_EQ(entry->opacity, 1.0);
+        ASSERT_TRUE(entry->ownerName.has_value());
+        EXPECT_FALSE(entry->ownerName->isEmpty());
     }
 }
 
@@ -61,9 +60,9 @@ TEST_F(X11WindowListTest, WindowWithoutNetWmPidGetsItsOwnerThroughXResource) {
         client.open(QStringLiteral("anonymous"), placement(1, 100, 100, 300, 200) + QStringLiteral(" pid=no"));
     ASSERT_NE(window, 0u);
     ASSERT_FALSE(hasProperty(window, "_NET_WM_PID"));
-    const WindowInfo entry = entryFor(window);
-    ASSERT_FALSE(entry.isEmpty());
-    EXPECT_EQ(entry.value(QLatin1String(kCGWindowOwnerPID)).toLongLong(), client.pid());
+    const std::optional<WindowEntry> entry = entryFor(window);
+    ASSERT_TRUE(entry.has_value());
+    EXPECT_EQ(entry->pid, client.pid());
 }
 
 TEST_F(X11WindowListTest, DocksDesktopsMenusAndKeepAboveWindowsHaveNonZeroLayers) {
@@ -79,11 +78,11 @@ TEST_F(X11WindowListTest, DocksDesktopsMenusAndKeepAboveWindowsHaveNonZeroLayers
     for (quint32 window : {dock, desktop, menu, above, notification, normal, dialog, utility}) {
         ASSERT_NE(window, 0u);
     }
-    const QList<WindowInfo> entries = list();
+    const QList<WindowEntry> entries = list();
     auto layerOf = [&](quint32 window) -> std::optional<int> {
-        for (const WindowInfo& entry : entries) {
-            if (number(entry) == window) {
-                return layer(entry);
+        for (const WindowEntry& entry : entries) {
+            if (entry.id == window) {
+                return entry.layer;
             }
         }
         return std::nullopt;
@@ -98,33 +97,32 @@ TEST_F(X11WindowListTest, DocksDesktopsMenusAndKeepAboveWindowsHaveNonZeroLayers
     }
     // The tray host's panel is a dock of another process.
     bool sawTray = false;
-    for (const WindowInfo& entry : entries) {
-        if (entry.value(QLatin1String(kCGWindowName)).toString() == QLatin1String("panel")) {
+    for (const WindowEntry& entry : entries) {
+        if (entry.title == QLatin1String("panel")) {
             sawTray = true;
-            EXPECT_NE(layer(entry), 0);
+            EXPECT_NE(entry.layer, 0);
         }
     }
     EXPECT_TRUE(sawTray) << "the tray host's window is missing from the list";
     // Leaving out desktop elements drops the desktop window and nothing else of ours.
-    const QList<WindowInfo> withoutDesktop = list(kCGWindowListExcludeDesktopElements);
-    bool desktopListed = false;
-    bool normalListed = false;
-    for (const WindowInfo& entry : withoutDesktop) {
-        desktopListed = desktopListed || number(entry) == desktop;
-        normalListed = normalListed || number(entry) == normal;
-    }
-    EXPECT_FALSE(desktopListed);
-    EXPECT_TRUE(normalListed);
+    const QList<WindowEntry> withoutDesktop = list(DesktopWindows::Exclude);
+    EXPECT_FALSE(lists(withoutDesktop, desktop));
+    EXPECT_TRUE(lists(withoutDesktop, normal));
+    EXPECT_TRUE(lists(entries, desktop));
 }
 
-TEST_F(X11WindowListTest, ZeroOpacityWindowCarriesAlphaZero) {
+TEST_F(X11WindowListTest, ZeroOpacityWindowCarriesOpacityZero) {
     const QString at = placement(0, 300, 300, 300, 200);
     const quint32 invisible = client.open(QStringLiteral("invisible"), at + QStringLiteral(" opacity=0"));
     const quint32 half = client.open(QStringLiteral("half"), at + QStringLiteral(" opacity=0.5"));
     ASSERT_NE(invisible, 0u);
     ASSERT_NE(half, 0u);
-    EXPECT_DOUBLE_EQ(entryFor(invisible).value(QLatin1String(kCGWindowAlpha)).toDouble(), 0.0);
-    EXPECT_NEAR(entryFor(half).value(QLatin1String(kCGWindowAlpha)).toDouble(), 0.5, 1e-6);
+    const std::optional<WindowEntry> invisibleEntry = entryFor(invisible);
+    const std::optional<WindowEntry> halfEntry = entryFor(half);
+    ASSERT_TRUE(invisibleEntry && invisibleEntry->opacity);
+    ASSERT_TRUE(halfEntry && halfEntry->opacity);
+    EXPECT_DOUBLE_EQ(*invisibleEntry->opacity, 0.0);
+    EXPECT_NEAR(*halfEntry->opacity, 0.5, 1e-6);
 }
 
 TEST_F(X11WindowListTest, MinimisedWindowIsListedButNotOnScreen) {
@@ -133,11 +131,11 @@ TEST_F(X11WindowListTest, MinimisedWindowIsListedButNotOnScreen) {
     const quint32 shown = client.open(QStringLiteral("shown"), placement(2, 200, 200, 300, 200));
     ASSERT_NE(minimised, 0u);
     ASSERT_NE(shown, 0u);
-    const WindowInfo entry = entryFor(minimised);
-    ASSERT_FALSE(entry.isEmpty());
-    EXPECT_FALSE(entry.value(QLatin1String(kCGWindowIsOnscreen)).toBool());
-    EXPECT_EQ(layer(entry), 0);
-    EXPECT_TRUE(entryFor(shown).value(QLatin1String(kCGWindowIsOnscreen)).toBool());
+    const std::optional<WindowEntry> entry = entryFor(minimised);
+    ASSERT_TRUE(entry.has_value());
+    EXPECT_FALSE(entry->onScreen);
+    EXPECT_EQ(entry->layer, 0);
+    EXPECT_TRUE(isOnScreen(shown));
 }
 
 TEST_F(X11WindowListTest, ListIsFrontToBack) {
@@ -146,9 +144,9 @@ TEST_F(X11WindowListTest, ListIsFrontToBack) {
     ASSERT_NE(first, 0u);
     ASSERT_NE(second, 0u);
     auto indexOf = [this](quint32 window) {
-        const QList<WindowInfo> entries = list();
+        const QList<WindowEntry> entries = list();
         for (qsizetype i = 0; i < entries.size(); ++i) {
-            if (number(entries[i]) == window) {
+            if (entries[i].id == window) {
                 return i;
             }
         }
@@ -170,11 +168,11 @@ TEST_F(X11WindowListTest, WindowDestroyedBetweenListAndReadsIsLeftOutWithoutHarm
     const quint32 survivor = client.open(QStringLiteral("survivor"), placement(0, 200, 200, 300, 200));
     ASSERT_NE(doomed, 0u);
     ASSERT_NE(survivor, 0u);
-    // A private window server on the same connection, so the hook stays local to this test.
+    // A private window list on the same connection, so the hook stays local to this test.
     X11WindowDesktopEntries entries;
-    X11WindowServer server(platform->connection(), entries);
+    X11WindowList windowList(platform->connection(), entries);
     bool hookRan = false;
-    server.setAfterListingHookForTesting([&] {
+    windowList.setAfterListingHookForTesting([&] {
         hookRan = true;
         ASSERT_TRUE(client.close(QStringLiteral("doomed")));
         // The client has destroyed it; make sure the server has too before the reads go out.
@@ -184,7 +182,7 @@ TEST_F(X11WindowListTest, WindowDestroyedBetweenListAndReadsIsLeftOutWithoutHarm
         EXPECT_NE(error, nullptr);
         std::free(error);
     });
-    const auto entriesRead = server.copyWindowInfo(kCGWindowListOptionAll);
+    const auto entriesRead = windowList.windows(DesktopWindows::Include);
     ASSERT_TRUE(hookRan);
     ASSERT_TRUE(entriesRead.has_value());
     EXPECT_FALSE(lists(*entriesRead, doomed));
@@ -204,7 +202,7 @@ TEST_F(X11WindowListTest, ClientDisconnectingDuringInventoryGivesNoCrash) {
     std::atomic<int> failures{0};
     std::thread reader([&] {
         while (!stop) {
-            if (!Platform::services().windowServer->copyWindowInfo(kCGWindowListOptionAll)) {
+            if (!Platform::services().windowList->windows(DesktopWindows::Include)) {
                 ++failures;
             }
             ++inventories;
@@ -218,14 +216,14 @@ TEST_F(X11WindowListTest, ClientDisconnectingDuringInventoryGivesNoCrash) {
     EXPECT_EQ(failures, 0);
     // Once the window manager has let go of them, none of the dead client's windows is listed.
     EXPECT_TRUE(VirtualDesktop::waitUntil([&] {
-        for (const WindowInfo& entry : list()) {
-            if (windows.contains(static_cast<quint32>(number(entry)))) {
+        for (const WindowEntry& entry : list()) {
+            if (windows.contains(static_cast<quint32>(entry.id))) {
                 return false;
             }
         }
         return true;
     }));
-    EXPECT_FALSE(entryFor(survivor).isEmpty());
+    EXPECT_TRUE(entryFor(survivor).has_value());
 }
 
 TEST_F(X11WindowListTest, OwnerNameComesFromDesktopEntryThenClassThenProcessName) {
@@ -236,11 +234,11 @@ TEST_F(X11WindowListTest, OwnerNameComesFromDesktopEntryThenClassThenProcessName
     file.write("[Desktop Entry]\nType=Application\nName=Probe Application\nStartupWMClass=ProbeClass\n");
     file.close();
     X11WindowDesktopEntries entries({data.path()});
-    X11WindowServer server(platform->connection(), entries);
-    auto ownerNameOf = [&server](quint32 window) {
-        for (const WindowInfo& entry : server.copyWindowInfo(0).value_or(QList<WindowInfo>{})) {
-            if (number(entry) == window) {
-                return entry.value(QLatin1String(kCGWindowOwnerName)).toString();
+    X11WindowList windowList(platform->connection(), entries);
+    auto ownerNameOf = [&windowList](quint32 window) {
+        for (const WindowEntry& entry : windowList.windows(DesktopWindows::Include).value_or(QList<WindowEntry>{})) {
+            if (entry.id == window) {
+                return entry.ownerName.value_or(QStringLiteral("<no owner name>"));
             }
         }
         return QStringLiteral("<not listed>");
@@ -264,10 +262,11 @@ TEST_F(X11WindowListTest, OwnerNameComesFromDesktopEntryThenClassThenProcessName
     }
 }
 
-TEST_F(X11WindowListTest, UnknownOptionBitsStillGiveTheList) {
+TEST_F(X11WindowListTest, OrdinaryWindowIsListedWithOrWithoutDesktopWindows) {
     const quint32 window = client.open(QStringLiteral("plain"), placement(0, 100, 100, 300, 200));
     ASSERT_NE(window, 0u);
-    EXPECT_FALSE(entryFor(window, 0xFFFFFFEFu).isEmpty());
+    EXPECT_TRUE(entryFor(window, DesktopWindows::Include).has_value());
+    EXPECT_TRUE(entryFor(window, DesktopWindows::Exclude).has_value());
 }
 
 }  // namespace

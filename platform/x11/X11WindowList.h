@@ -2,7 +2,7 @@
 
 #include <functional>
 
-#include "platform/WindowServer.h"
+#include "platform/WindowList.h"
 #include "platform/x11/X11WindowKinds.h"
 #include "platform/x11/X11WindowReader.h"
 
@@ -11,12 +11,12 @@ class X11WindowDesktopEntries;
 
 // The window list of an X11 desktop: every top-level client window, front to back, with its frame in
 // the global display space. Safe to call from a background thread.
-class X11WindowServer : public WindowServer {
+class X11WindowList : public WindowList {
 public:
     // With a cache, windows are read through it.
-    X11WindowServer(X11Connection& connection, X11WindowDesktopEntries& entries, X11WindowCache* cache = nullptr);
+    X11WindowList(X11Connection& connection, X11WindowDesktopEntries& entries, X11WindowCache* cache = nullptr);
 
-    std::optional<QList<WindowInfo>> copyWindowInfo(quint32 options) override;
+    std::optional<QList<WindowEntry>> windows(DesktopWindows desktopWindows) override;
 
     // Runs between reading the window manager's list and reading the windows, so that tests can make
     // windows vanish at that moment.

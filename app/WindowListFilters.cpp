@@ -1,0 +1,39 @@
+#include "app/WindowListFilters.h"
+
+#include <QStringList>
+
+#include "platform/Platform.h"
+#include "platform/Workspace.h"
+
+bool WindowListFilters::isExcludedOwnerName(const QString& name) {
+    static const QStringList excluded = {QStringLiteral("Window Server"), QStringLiteral("SystemUIServer"),
+                                         QStringLiteral("ControlCenter"), QStringLiteral("NotificationCenter"),
+                                         QStringLiteral("Dock")};
+    return excluded.contains(name);
+}
+
+bool WindowListFilters::isOnNormalLayer(const WindowEntry& entry) {
+    return entry.layer == 0;
+}
+
+bool WindowListFilters::isTransparent(const WindowEntry& entry) {
+    return entry.opacity && *entry.opacity <= 0.01;
+}
+
+bool WindowListFilters::hasExcludedOwnerName(const WindowEntry& entry) {
+    return entry.ownerName && isExcludedOwnerName(*entry.ownerName);
+}
+
+bool WindowListFilters::hasUserWindowSize(const QRectF& bounds) {
+    return bounds.width() >= 120.0 && bounds.height() >= 80.0;
+}
+
+QSet<pid_t> WindowListFilters::regularApplicationPIDs() {
+    QSet<pid_t> pids;
+    for (const RunningApplication& application : Platform::services().workspace->runningApplications()) {
+        if (application.activationPolicy == ActivationPolicy::Regular && !application.isTerminated) {
+            pids.insert(application.processIdentifier);
+        }
+    }
+    return pids;
+}

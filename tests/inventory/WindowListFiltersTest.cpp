@@ -1,0 +1,54 @@
+#include <gtest/gtest.h>
+
+#include "app/WindowListFilters.h"
+#include "platform/fake/FakePlatform.h"
+
+namespace {
+
+TEST(WindowListFilters, ExcludedOwnerNamesAreTheSystemSurfacesOnly) {
+    for (const char* name : {"Window Server", "SystemUIServer", "ControlCenter", "NotificationCenter", "Dock"}) {
+        EXPECT_TRUE(WindowListFilters::isExcludedOwnerName(QString::fromLatin1(name))) << name;
+    }
+    EXPECT_FALSE(WindowListFilters::isExcludedOwnerName(QStringLiteral("dock")));
+    EXPECT_FALSE(WindowListFilters::isExcludedOwnerName(QStringLiteral("Docker")));
+    EXPECT_FALSE(WindowListFilters::isExcludedOwnerName(QString()));
+}
+
+TEST(WindowListFilters, EntryWithoutOwnerNameIsNeverExcludedByName) {
+    WindowEntry entry{.id = 1, .ownerName = QStringLiteral("Dock")};
+    EXPECT_TRUE(WindowListFilters::hasExcludedOwnerName(entry));
+    entry.ownerName.reset();
+    EXPECT_FALSE(WindowListFilters::hasExcludedOwnerName(entry));
+}
+
+TEST(WindowListFilters, OnlyLayerZeroIsTheNormalLayer) {
+    EXPECT_TRUE(WindowListFilters::isOnNormalLayer({.layer = 0}));
+    EXPECT_FALSE(WindowListFilters::isOnNormalLayer({.layer = 3}));
+    EXPECT_FALSE(WindowListFilters::isOnNormalLayer({.layer = -1}));
+}
+
+TEST(WindowListFilters, TransparentUpToOneHundredthAndNeverWithoutOpacity) {
+    EXPECT_TRUE(WindowListFilters::isTransparent({.opacity = 0.0}));
+    EXPECT_TRUE(WindowListFilters::isTransparent({.opacity = 0.01}));
+    EXPECT_FALSE(WindowListFilters::isTransparent({.opacity = 0.011}));
+    EXPECT_FALSE(WindowListFilters::isTransparent({.opacity = 1.0}));
+    EXPECT_FALSE(WindowListFilters::isTransparent({.opacity = std::nullopt}));
+}
+
+TEST(WindowListFilters, UserWindowSizeIsAtLeast120By80) {
+    EXPECT_TRUE(WindowListFilters::hasUserWindowSize(QRectF(0, 0, 120, 80)));
+    EXPECT_FALSE(WindowListFilters::hasUserWindowSize(QRectF(0, 0, 119, 500)));
+    EXPECT_FALSE(WindowListFilters::hasUserWindowSize(QRectF(0, 0, 500, 79.5)));
+}
+
+TEST(WindowListFilters, RegularApplicationsAreTheRegularOnesStillRunning) {
+    FakePlatform platform;
+    platform.workspace.addApplication(100, QStringLiteral("Editor"));
+    platform.workspace.addApplication(200, QStringLiteral("Helper"), ActivationPolicy::Accessory);
+    platform.workspace.addApplication(300, QStringLiteral("Daemon"), ActivationPolicy::Prohibited);
+    platform.workspace.addApplication(400, QStringLiteral("Gone"));
+    platform.workspace.applications.last().isTerminated = true;
+    EXPECT_EQ(WindowListFilters::regularApplicationPIDs(), QSet<pid_t>{100});
+}
+
+}  // namespace
