@@ -237,8 +237,9 @@ AXAttributeReply X11Accessibility::answerApplication(const AXUIElement& element,
             if (window.pid != pid) {
                 continue;
             }
-            if (attribute == kWindows &&
-                (m_kinds.isHidden(window) || !m_kinds.isOnDesktop(window, batch.root.currentDesktop))) {
+            // Windows on other workspaces are never listed, so no command moves or restores them.
+            if (!m_kinds.isOnDesktop(window, batch.root.currentDesktop) ||
+                (attribute == kWindows && m_kinds.isHidden(window))) {
                 continue;
             }
             windows.append(AXUIElement::window(window.window));

@@ -58,6 +58,39 @@ TEST_F(X11AccessibilityReadsTest, WindowsListsShownWindowsAndAllWindowsAddsMinim
     EXPECT_EQ(all.size(), 2);
 }
 
+TEST_F(X11AccessibilityReadsTest, WindowListsHoldThisWorkspaceAndStickyWindowsOnly) {
+    ASSERT_TRUE(switchToDesktop(0));
+    const quint32 here = client.open(QStringLiteral("here"), placement(0, 100, 100, 300, 200));
+    const quint32 iconic =
+        client.open(QStringLiteral("iconic"), placement(0, 150, 150, 300, 200) + QStringLiteral(" states=minimized"));
+    const quint32 sticky = client.open(QStringLiteral("sticky"), placement(0, 200, 200, 300, 200));
+    const quint32 away = client.open(QStringLiteral("away"), placement(0, 250, 250, 300, 200));
+    const quint32 awayIconic = client.open(QStringLiteral("awayIconic"),
+                                           placement(0, 300, 300, 300, 200) + QStringLiteral(" states=minimized"));
+    ASSERT_TRUE(here && iconic && sticky && away && awayIconic);
+    ASSERT_TRUE(sendToDesktop(sticky, kAllDesktops));
+    ASSERT_TRUE(sendToDesktop(away, 1));
+    ASSERT_TRUE(sendToDesktop(awayIconic, 1));
+    QList<quint32> windows = windowNumbers(app(), kAXWindowsAttribute);
+    QList<quint32> all = windowNumbers(app(), kAXAllWindowsAttribute);
+    std::sort(windows.begin(), windows.end());
+    std::sort(all.begin(), all.end());
+    QList<quint32> expectedWindows{here, sticky};
+    QList<quint32> expectedAll{here, iconic, sticky};
+    std::sort(expectedWindows.begin(), expectedWindows.end());
+    std::sort(expectedAll.begin(), expectedAll.end());
+    EXPECT_EQ(windows, expectedWindows);
+    EXPECT_EQ(all, expectedAll);
+    // Seen from the other workspace, the lists turn around.
+    ASSERT_TRUE(switchToDesktop(1));
+    all = windowNumbers(app(), kAXAllWindowsAttribute);
+    std::sort(all.begin(), all.end());
+    expectedAll = {sticky, away, awayIconic};
+    std::sort(expectedAll.begin(), expectedAll.end());
+    EXPECT_EQ(all, expectedAll);
+    EXPECT_TRUE(switchToDesktop(0));
+}
+
 TEST_F(X11AccessibilityReadsTest, ApplicationWithoutWindowsHasAnEmptyList) {
     QVariant value;
     ASSERT_EQ(read(app(), kAXWindowsAttribute, &value), kAXErrorSuccess);

@@ -99,16 +99,51 @@ bool X11DesktopFixture::near(const QRectF& actual, const QRectF& expected, doubl
            qAbs(actual.height() - expected.height()) <= tolerance;
 }
 
-quint32 X11DesktopFixture::activeWindow() {
-    const xcb_atom_t atom = platform->connection().atom("_NET_ACTIVE_WINDOW");
-    xcb_get_property_reply_t* reply = xcb_get_property_reply(
-        xcb(), xcb_get_property(xcb(), 0, platform->connection().root(), atom, XCB_ATOM_WINDOW, 0, 1), nullptr);
-    quint32 window = 0;
+std::optional<quint32> X11DesktopFixture::firstValue(quint32 window, const char* property, xcb_atom_t type) {
+    const xcb_atom_t atom = platform->connection().atom(property);
+    xcb_get_property_reply_t* reply =
+        xcb_get_property_reply(xcb(), xcb_get_property(xcb(), 0, window, atom, type, 0, 1), nullptr);
+    std::optional<quint32> value;
     if (reply != nullptr && reply->format == 32 && xcb_get_property_value_length(reply) >= 4) {
-        window = *static_cast<quint32*>(xcb_get_property_value(reply));
+        value = *static_cast<quint32*>(xcb_get_property_value(reply));
     }
     std::free(reply);
-    return window;
+    return value;
+}
+
+quint32 X11DesktopFixture::activeWindow() {
+    return firstValue(platform->connection().root(), "_NET_ACTIVE_WINDOW", XCB_ATOM_WINDOW).value_or(0);
+}
+
+std::optional<quint32> X11DesktopFixture::currentDesktop() {
+    return firstValue(platform->connection().root(), "_NET_CURRENT_DESKTOP", XCB_ATOM_CARDINAL);
+}
+
+std::optional<quint32> X11DesktopFixture::desktopOf(quint32 window) {
+    return firstValue(window, "_NET_WM_DESKTOP", XCB_ATOM_CARDINAL);
+}
+
+bool X11DesktopFixture::switchToDesktop(quint32 desktop) {
+    if (VirtualDesktop::run(QStringLiteral("wmctrl"), {QStringLiteral("-s"), QString::number(desktop)}) != 0) {
+        return false;
+    }
+    return VirtualDesktop::waitUntil([&] { return currentDesktop() == desktop; });
+}
+
+bool X11DesktopFixture::sendToDesktop(quint32 window, quint32 desktop) {
+    // As a pager asks: a _NET_WM_DESKTOP message to the root window (0xFFFFFFFF: every desktop).
+    xcb_client_message_event_t message{};
+    message.response_type = XCB_CLIENT_MESSAGE;
+    message.format = 32;
+    message.window = window;
+    message.type = platform->connection().atom("_NET_WM_DESKTOP");
+    message.data.data32[0] = desktop;
+    message.data.data32[1] = 2;
+    xcb_send_event(xcb(), 0, platform->connection().root(),
+                   XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
+                   reinterpret_cast<const char*>(&message));
+    xcb_flush(xcb());
+    return VirtualDesktop::waitUntil([&] { return desktopOf(window) == desktop; });
 }
 
 bool X11DesktopFixture::activate(quint32 window) {

@@ -5,6 +5,7 @@
 
 #include <QRect>
 #include <memory>
+#include <optional>
 
 #include "platform/WindowList.h"
 #include "platform/x11/X11Platform.h"
@@ -35,10 +36,25 @@ protected:
     // Asks the window manager to activate the window and waits until _NET_ACTIVE_WINDOW names it.
     bool activate(quint32 window);
     quint32 activeWindow();
+    // The window manager's current desktop (_NET_CURRENT_DESKTOP).
+    std::optional<quint32> currentDesktop();
+    // The desktop a window is on (_NET_WM_DESKTOP; kAllDesktops for a sticky window), if it says.
+    std::optional<quint32> desktopOf(quint32 window);
+    // Switches to the desktop (wmctrl -s) and waits until the window manager is there.
+    bool switchToDesktop(quint32 desktop);
+    // Sends the window to the desktop, or to all of them (kAllDesktops), and waits until it is there.
+    bool sendToDesktop(quint32 window, quint32 desktop);
+    static constexpr quint32 kAllDesktops = 0xFFFFFFFFu;
     // True when the frame lies within tolerance of the rectangle.
     static bool near(const QRectF& actual, const QRectF& expected, double tolerance = 2.0);
 
     std::unique_ptr<X11Platform> platform;
+
+private:
+    // The first CARDINAL or WINDOW value of a property, if it has one.
+    std::optional<quint32> firstValue(quint32 window, const char* property, xcb_atom_t type);
+
+protected:
     TestClient client;
     QPoint globalOrigin;  // root coordinates of the global space's origin
 };
