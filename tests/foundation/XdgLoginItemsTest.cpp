@@ -59,7 +59,7 @@ TEST_F(XdgLoginItemsTest, UnwritableAutostartFolderGivesTheStatusMessageAndFalse
     }
     XdgLoginItems items(entryPath());
     FakePlatform platform;
-    Platform::install({.displays = &platform.displays,
+    Platform::install({.monitors = &platform.monitors,
                        .windowServer = &platform.windowServer,
                        .workspace = &platform.workspace,
                        .accessibility = &platform.accessibility,
