@@ -6,8 +6,8 @@
 #include "app/PermissionService.h"
 #include "app/UpdaterService.h"
 #include "platform/Activation.h"
-#include "platform/Displays.h"
 #include "platform/LoginItems.h"
+#include "platform/Monitors.h"
 #include "platform/Platform.h"
 #include "platform/UserDefaults.h"
 
@@ -62,8 +62,8 @@ AppController::AppController(QObject* parent) : QObject(parent) {
 
     // 10. A display configuration change rebuilds only the shortcut lists.
     QPointer<AppController> weakSelf(this);
-    m_screenParametersObserver = connect(
-        platform.displays, &Displays::screenParametersChanged, this,
+    m_monitorsObserver = connect(
+        platform.monitors, &Monitors::changed, this,
         [weakSelf] {
             if (weakSelf) {
                 weakSelf->refreshShortcutDisplays();

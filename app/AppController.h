@@ -158,5 +158,5 @@ private:
     QUuid m_previewLoadID;
     QList<ShortcutDisplayRecord> m_shortcutDisplayRecords;
     QSet<QString> m_registeredShortcutDisplayIDs;
-    QMetaObject::Connection m_screenParametersObserver;
+    QMetaObject::Connection m_monitorsObserver;
 };

@@ -7,6 +7,7 @@
 
 #include "app/Models.h"
 #include "platform/Accessibility.h"
+#include "platform/Monitors.h"
 #include "platform/WindowList.h"
 
 // One window of the window list that counts as a user window.
@@ -30,10 +31,11 @@ struct AXWindowMetadata {
 // The inventory of displays and windows. Stateless: every call reads the platform afresh.
 namespace ScreenSnapshotService {
 
-// The connected displays, main display first, with contiguous 1-based indexes.
+// The connected displays, main display first, with contiguous 1-based indexes; a monitor without a display
+// number is left out.
 QList<DisplayDescriptor> currentDisplayDescriptors();
 // "v<vendor>-m<model>-s<serial>", "v<vendor>-m<model>-u<unit>" or "display-<id>".
-QString stableDisplayIdentifier(CGDirectDisplayID display);
+QString stableDisplayIdentifier(const Monitor& monitor);
 
 // One snapshot per descriptor with picture, window counts and application groups. Runs off the main thread.
 QList<DisplaySnapshot> captureDisplaySnapshots(const QList<DisplayDescriptor>& descriptors);

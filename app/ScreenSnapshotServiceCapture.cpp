@@ -1,19 +1,19 @@
 #include "app/Geometry.h"
 #include "app/ScreenSnapshotService.h"
-#include "platform/Displays.h"
+#include "platform/Monitors.h"
 #include "platform/Platform.h"
 
 QList<DisplaySnapshot> ScreenSnapshotService::captureDisplaySnapshots(const QList<DisplayDescriptor>& descriptors) {
     if (descriptors.isEmpty()) {
         return {};
     }
-    Displays* displays = Platform::services().displays;
+    Monitors* monitors = Platform::services().monitors;
     // The pictures come first: they take a few milliseconds, and this runs while the panel is about to
     // appear, so taken now they show the displays as the user left them rather than the panel itself.
     QList<QImage> pictures;
     pictures.reserve(descriptors.size());
     for (const DisplayDescriptor& descriptor : descriptors) {
-        pictures.append(displays->createImage(descriptor.id));
+        pictures.append(monitors->capture(descriptor.id));
     }
     // One inventory for all displays.
     const QList<QualifiedWindow> inventory = qualifyingWindows();

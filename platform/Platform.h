@@ -2,10 +2,10 @@
 
 class Accessibility;
 class Activation;
-class Displays;
 class HotKeys;
 class KeyboardLayout;
 class LoginItems;
+class Monitors;
 class Permissions;
 class UserDefaults;
 class WindowList;
@@ -14,7 +14,7 @@ class Workspace;
 // The services of the platform the program runs on. A backend (X11, or the fake one in tests) fills
 // them in once at start-up; the core reaches the system only through them.
 struct PlatformServices {
-    Displays* displays = nullptr;
+    Monitors* monitors = nullptr;
     WindowList* windowList = nullptr;
     Workspace* workspace = nullptr;
     Accessibility* accessibility = nullptr;

@@ -1,7 +1,7 @@
 #include "platform/fake/FakePlatform.h"
 
 FakePlatform::FakePlatform() {
-    Platform::install({&displays, &windowList, &workspace, &accessibility, &hotKeys, &keyboardLayout, &userDefaults,
+    Platform::install({&monitors, &windowList, &workspace, &accessibility, &hotKeys, &keyboardLayout, &userDefaults,
                        &loginItems, &permissions, &activation});
 }
 

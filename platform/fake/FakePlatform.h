@@ -3,10 +3,10 @@
 #include "platform/Platform.h"
 #include "platform/fake/FakeAccessibility.h"
 #include "platform/fake/FakeActivation.h"
-#include "platform/fake/FakeDisplays.h"
 #include "platform/fake/FakeHotKeys.h"
 #include "platform/fake/FakeKeyboardLayout.h"
 #include "platform/fake/FakeLoginItems.h"
+#include "platform/fake/FakeMonitors.h"
 #include "platform/fake/FakePermissions.h"
 #include "platform/fake/FakeUserDefaults.h"
 #include "platform/fake/FakeWindowList.h"
@@ -20,7 +20,7 @@ public:
     FakePlatform(const FakePlatform&) = delete;
     FakePlatform& operator=(const FakePlatform&) = delete;
 
-    FakeDisplays displays;
+    FakeMonitors monitors;
     FakeWindowList windowList;
     FakeWorkspace workspace;
     FakeAccessibility accessibility;

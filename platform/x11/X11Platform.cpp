@@ -4,9 +4,9 @@
 #include "platform/x11/X11Accessibility.h"
 #include "platform/x11/X11Activation.h"
 #include "platform/x11/X11Connection.h"
-#include "platform/x11/X11Displays.h"
 #include "platform/x11/X11HotKeys.h"
 #include "platform/x11/X11KeyboardLayout.h"
+#include "platform/x11/X11Monitors.h"
 #include "platform/x11/X11Permissions.h"
 #include "platform/x11/X11WindowCache.h"
 #include "platform/x11/X11WindowDesktopEntries.h"
@@ -17,7 +17,7 @@
 struct X11Platform::Owned {
     std::unique_ptr<X11KeyboardLayout> keyboardLayout;
     std::unique_ptr<X11HotKeys> hotKeys;
-    std::unique_ptr<X11Displays> displays;
+    std::unique_ptr<X11Monitors> monitors;
     std::unique_ptr<FileUserDefaults> userDefaults;
     std::unique_ptr<XdgLoginItems> loginItems;
     std::unique_ptr<X11Permissions> permissions;
@@ -40,7 +40,7 @@ std::unique_ptr<X11Platform> X11Platform::connect(const QByteArray& displayName)
 X11Platform::X11Platform(std::unique_ptr<X11Connection> connection)
     : m_connection(std::move(connection)), m_owned(std::make_unique<Owned>()) {
     X11Connection& x11 = *m_connection;
-    m_owned->displays = std::make_unique<X11Displays>(x11);
+    m_owned->monitors = std::make_unique<X11Monitors>(x11);
     m_owned->userDefaults = std::make_unique<FileUserDefaults>(FileUserDefaults::standardPath());
     m_owned->loginItems = std::make_unique<XdgLoginItems>(XdgLoginItems::standardPath());
     m_owned->permissions = std::make_unique<X11Permissions>(x11);
@@ -59,7 +59,7 @@ X11Platform::X11Platform(std::unique_ptr<X11Connection> connection)
     m_owned->keyboardLayout = std::make_unique<X11KeyboardLayout>(x11);
     m_owned->hotKeys = std::make_unique<X11HotKeys>(x11, m_owned->keyboardLayout.get());
 
-    m_services.displays = m_owned->displays.get();
+    m_services.monitors = m_owned->monitors.get();
     m_services.hotKeys = m_owned->hotKeys.get();
     m_services.keyboardLayout = m_owned->keyboardLayout.get();
     m_services.userDefaults = m_owned->userDefaults.get();

@@ -12,14 +12,12 @@ void ControllerTest::SetUp() {
     QThreadPool::globalInstance()->setMaxThreadCount(std::max(4, QThreadPool::globalInstance()->maxThreadCount()));
     QImage picture(16, 9, QImage::Format_RGB32);
     picture.fill(Qt::darkGreen);
-    platform.displays.setDisplays({
-        {.id = 1, .name = QStringLiteral("Left"), .bounds = QRectF(0, 0, 1920, 1080), .serial = 11, .image = picture},
-        {.id = 2,
-         .name = QStringLiteral("Right"),
-         .bounds = QRectF(1920, 0, 2560, 1440),
-         .serial = 22,
-         .image = picture},
+    platform.monitors.setMonitors({
+        {.id = 1, .name = QStringLiteral("Left"), .bounds = QRectF(0, 0, 1920, 1080), .serial = 11},
+        {.id = 2, .name = QStringLiteral("Right"), .bounds = QRectF(1920, 0, 2560, 1440), .serial = 22},
     });
+    platform.monitors.setPicture(1, picture);
+    platform.monitors.setPicture(2, picture);
     platform.permissions.screenCaptureGranted = true;
     platform.permissions.trusted = true;
     m_controller = std::make_unique<AppController>();

@@ -113,7 +113,7 @@ TEST_F(MoveCommands, MovesFollowTheResizePreference) {
 
 TEST_F(MoveCommands, AfterWholeDisplayMoveCardsAreRebuiltFromPlaceholdersThenRefreshed) {
     addApplication(100, QStringLiteral("Editor"), {1});
-    const int captures = platform.displays.captureCount();
+    const int captures = platform.monitors.captureCount();
     holdNextCapture();
     controller().moveWindows(left, right);
     ASSERT_EQ(controller().displays().size(), 2);
@@ -123,7 +123,7 @@ TEST_F(MoveCommands, AfterWholeDisplayMoveCardsAreRebuiltFromPlaceholdersThenRef
     release();
     ASSERT_TRUE(waitUntil([&] { return !controller().isLoadingPreviews(); }));
     EXPECT_TRUE(controller().displays()[0].visibleWindowCount.has_value());
-    EXPECT_EQ(platform.displays.captureCount(), captures + 2);
+    EXPECT_EQ(platform.monitors.captureCount(), captures + 2);
 }
 
 TEST_F(MoveCommands, ApplicationMoveAlsoRefreshesThePanel) {
@@ -140,7 +140,7 @@ TEST_F(MoveCommands, ShortcutForUnpluggedDisplayReportsItAndNeverCallsTheMover) 
     addApplication(100, QStringLiteral("Editor"), {1});
     focus(1);
     const QString unplugged = right.persistentID;
-    platform.displays.setDisplays({platform.displays.displays()[0]});
+    platform.monitors.setMonitors({platform.monitors.monitors()[0]});
     const int reads = platform.accessibility.readCount();
     controller().moveFocusedWindow(unplugged);
     EXPECT_EQ(controller().statusMessage(), QStringLiteral("Shortcut target display is currently not connected."));
@@ -149,7 +149,7 @@ TEST_F(MoveCommands, ShortcutForUnpluggedDisplayReportsItAndNeverCallsTheMover) 
 }
 
 TEST_F(MoveCommands, ShortcutWithNoDisplaysAtAllReportsNotConnected) {
-    platform.displays.setDisplays({});
+    platform.monitors.setMonitors({});
     controller().moveFocusedWindow(right.persistentID);
     EXPECT_EQ(controller().statusMessage(), QStringLiteral("Shortcut target display is currently not connected."));
 }
@@ -170,9 +170,9 @@ TEST_F(MoveCommands, FocusedMoveToDisplayReportsSuccessWithoutRefreshingThePanel
 TEST_F(MoveCommands, FocusedMoveUsesTheNameTheDisplayHasNow) {
     addApplication(100, QStringLiteral("Editor"), {1});
     focus(1);
-    QList<FakeDisplays::Display> displays = platform.displays.displays();
+    QList<Monitor> displays = platform.monitors.monitors();
     displays[1].name = QStringLiteral("Renamed");
-    platform.displays.setDisplays(displays);
+    platform.monitors.setMonitors(displays);
     controller().moveFocusedWindow(right.persistentID);
     EXPECT_EQ(controller().statusMessage(), QStringLiteral("Moved focused window to Renamed."));
 }

@@ -119,7 +119,7 @@ TEST_F(RefreshCycle, OpenWithoutAccessibilityClearsCardsWithoutCapture) {
 }
 
 TEST_F(RefreshCycle, ZeroDisplaysLeaveTheTokenUnchanged) {
-    platform.displays.setDisplays({});
+    platform.monitors.setMonitors({});
     const QUuid token = controller().previewLoadID();
     controller().refreshForMenuOpen();
     EXPECT_TRUE(controller().displays().isEmpty());
@@ -151,7 +151,7 @@ TEST_F(RefreshCycle, PermissionRefreshReadsBothAnswersAfresh) {
 TEST_F(RefreshCycle, OpenFollowsDisplayChangesInShortcutLists) {
     controller().refreshForMenuOpen();
     finishBackgroundWork();  // the fake displays are not meant to change under a running capture
-    platform.displays.setDisplays({platform.displays.displays()[0]});
+    platform.monitors.setMonitors({platform.monitors.monitors()[0]});
     controller().refreshForMenuOpen();
     EXPECT_EQ(controller().connectedShortcutDisplays().size(), 1);
     EXPECT_EQ(controller().disconnectedShortcutDisplays().size(), 1);
@@ -164,7 +164,7 @@ TEST_F(RefreshCycle, DisplayChangeRebuildsShortcutListsButLeavesCardsUntilNextOp
     ASSERT_TRUE(waitUntil([&] { return !controller().isLoadingPreviews(); }));
     finishBackgroundWork();
     const int queries = platform.windowList.queryCount();
-    platform.displays.changeDisplays({platform.displays.displays()[0]});
+    platform.monitors.changeMonitors({platform.monitors.monitors()[0]});
     ASSERT_TRUE(waitUntil([&] { return controller().connectedShortcutDisplays().size() == 1; }));
     EXPECT_EQ(controller().displays().size(), 2);
     EXPECT_FALSE(controller().isLoadingPreviews());
@@ -181,7 +181,7 @@ TEST_F(RefreshCycle, CaptureFinishingAfterControllerIsGoneIsDiscarded) {
     finishBackgroundWork();
     // The capture ran to its end; its hand-over found no controller and did nothing.
     EXPECT_EQ(platform.windowList.queryCount(), 1);
-    EXPECT_EQ(platform.displays.captureCount(), 2);
+    EXPECT_EQ(platform.monitors.captureCount(), 2);
 }
 
 }  // namespace

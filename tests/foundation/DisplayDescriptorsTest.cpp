@@ -15,7 +15,7 @@ TEST_F(DisplayDescriptorsTest, NoScreensGiveAnEmptyList) {
 }
 
 TEST_F(DisplayDescriptorsTest, ListsScreensInPlatformOrderWithOneBasedIndexes) {
-    platform.displays.setDisplays({
+    platform.monitors.setMonitors({
         {.id = 7,
          .name = QStringLiteral("Main"),
          .bounds = QRectF(0, 0, 1920, 1080),
@@ -36,10 +36,10 @@ TEST_F(DisplayDescriptorsTest, ListsScreensInPlatformOrderWithOneBasedIndexes) {
     EXPECT_EQ(descriptors[1].bounds, QRectF(1920, 0, 2560, 1440));
 }
 
-TEST_F(DisplayDescriptorsTest, ScreenWithoutNumberIsSkippedAndIndexesStayContiguous) {
-    platform.displays.setDisplays({
+TEST_F(DisplayDescriptorsTest, MonitorWithoutNumberIsSkippedAndIndexesStayContiguous) {
+    platform.monitors.setMonitors({
         {.id = 1, .name = QStringLiteral("A")},
-        {.id = 2, .name = QStringLiteral("B"), .hasScreenNumber = false},
+        {.id = 0, .name = QStringLiteral("B"), .bounds = QRectF(0, 0, 800, 600), .serial = 4},
         {.id = 3, .name = QStringLiteral("C")},
     });
     const QList<DisplayDescriptor> descriptors = ScreenSnapshotService::currentDisplayDescriptors();
@@ -50,33 +50,47 @@ TEST_F(DisplayDescriptorsTest, ScreenWithoutNumberIsSkippedAndIndexesStayContigu
     EXPECT_EQ(descriptors[1].index, 2);
 }
 
+TEST_F(DisplayDescriptorsTest, OnlyMonitorsWithoutNumberGiveAnEmptyList) {
+    platform.monitors.setMonitors({{.id = 0, .name = QStringLiteral("A"), .bounds = QRectF(0, 0, 800, 600)}});
+    EXPECT_TRUE(ScreenSnapshotService::currentDisplayDescriptors().isEmpty());
+}
+
 TEST_F(DisplayDescriptorsTest, AllZeroHardwareNumbersGiveDisplayForm) {
-    platform.displays.setDisplays({{.id = 3}});
-    EXPECT_EQ(ScreenSnapshotService::stableDisplayIdentifier(3), QStringLiteral("display-3"));
+    EXPECT_EQ(ScreenSnapshotService::stableDisplayIdentifier({.id = 3}), QStringLiteral("display-3"));
 }
 
 TEST_F(DisplayDescriptorsTest, ZeroSerialWithVendorGivesUnitForm) {
-    platform.displays.setDisplays({{.id = 9, .vendor = 16, .model = 0, .serial = 0, .unit = 1}});
-    EXPECT_EQ(ScreenSnapshotService::stableDisplayIdentifier(9), QStringLiteral("v16-m0-u1"));
+    EXPECT_EQ(
+        ScreenSnapshotService::stableDisplayIdentifier({.id = 9, .vendor = 16, .model = 0, .serial = 0, .unit = 1}),
+        QStringLiteral("v16-m0-u1"));
 }
 
 TEST_F(DisplayDescriptorsTest, ZeroSerialWithModelOnlyGivesUnitForm) {
-    platform.displays.setDisplays({{.id = 9, .vendor = 0, .model = 32, .serial = 0, .unit = 2}});
-    EXPECT_EQ(ScreenSnapshotService::stableDisplayIdentifier(9), QStringLiteral("v0-m32-u2"));
+    EXPECT_EQ(
+        ScreenSnapshotService::stableDisplayIdentifier({.id = 9, .vendor = 0, .model = 32, .serial = 0, .unit = 2}),
+        QStringLiteral("v0-m32-u2"));
 }
 
 TEST_F(DisplayDescriptorsTest, SerialFormWinsOverUnit) {
-    platform.displays.setDisplays({{.id = 9, .vendor = 16, .model = 32, .serial = 7, .unit = 4}});
-    EXPECT_EQ(ScreenSnapshotService::stableDisplayIdentifier(9), QStringLiteral("v16-m32-s7"));
+    EXPECT_EQ(
+        ScreenSnapshotService::stableDisplayIdentifier({.id = 9, .vendor = 16, .model = 32, .serial = 7, .unit = 4}),
+        QStringLiteral("v16-m32-s7"));
 }
 
 TEST_F(DisplayDescriptorsTest, NumbersArePrintedUnsigned) {
-    platform.displays.setDisplays(
-        {{.id = 4294967295u, .vendor = 4294967295u, .model = 4294967295u, .serial = 4294967295u}});
-    EXPECT_EQ(ScreenSnapshotService::stableDisplayIdentifier(4294967295u),
+    EXPECT_EQ(ScreenSnapshotService::stableDisplayIdentifier(
+                  {.id = 4294967295u, .vendor = 4294967295u, .model = 4294967295u, .serial = 4294967295u}),
               QStringLiteral("v4294967295-m4294967295-s4294967295"));
-    platform.displays.setDisplays({{.id = 4294967295u}});
-    EXPECT_EQ(ScreenSnapshotService::stableDisplayIdentifier(4294967295u), QStringLiteral("display-4294967295"));
+    EXPECT_EQ(ScreenSnapshotService::stableDisplayIdentifier({.id = 4294967295u}),
+              QStringLiteral("display-4294967295"));
+}
+
+TEST_F(DisplayDescriptorsTest, ListedDescriptorsCarryTheIdentifierOfTheirMonitor) {
+    platform.monitors.setMonitors({{.id = 9, .vendor = 16, .model = 32, .serial = 0, .unit = 2}, {.id = 4}});
+    const QList<DisplayDescriptor> descriptors = ScreenSnapshotService::currentDisplayDescriptors();
+    ASSERT_EQ(descriptors.size(), 2);
+    EXPECT_EQ(descriptors[0].persistentID, QStringLiteral("v16-m32-u2"));
+    EXPECT_EQ(descriptors[1].persistentID, QStringLiteral("display-4"));
 }
 
 }  // namespace

@@ -59,7 +59,7 @@ TEST_F(XdgLoginItemsTest, UnwritableAutostartFolderGivesTheStatusMessageAndFalse
     }
     XdgLoginItems items(entryPath());
     FakePlatform platform;
-    Platform::install({.displays = &platform.displays,
+    Platform::install({.monitors = &platform.monitors,
                        .windowList = &platform.windowList,
                        .workspace = &platform.workspace,
                        .accessibility = &platform.accessibility,

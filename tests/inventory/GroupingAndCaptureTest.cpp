@@ -50,10 +50,12 @@ protected:
     void SetUp() override {
         QImage picture(16, 9, QImage::Format_RGB32);
         picture.fill(Qt::darkCyan);
-        platform.displays.setDisplays({
-            {.id = 1, .name = QStringLiteral("Left"), .bounds = QRectF(0, 0, 1920, 1080), .image = picture},
-            {.id = 2, .name = QStringLiteral("Right"), .bounds = QRectF(1920, 0, 2560, 1440), .image = picture},
+        platform.monitors.setMonitors({
+            {.id = 1, .name = QStringLiteral("Left"), .bounds = QRectF(0, 0, 1920, 1080)},
+            {.id = 2, .name = QStringLiteral("Right"), .bounds = QRectF(1920, 0, 2560, 1440)},
         });
+        platform.monitors.setPicture(1, picture);
+        platform.monitors.setPicture(2, picture);
         platform.workspace.addApplication(100, QStringLiteral("Editor"));
         platform.workspace.addApplication(200, QStringLiteral("Mail"));
     }
@@ -132,9 +134,7 @@ TEST_F(CaptureDisplaySnapshots, MinimisedWindowCountsAsInvisibleWhereItsFrameLie
 }
 
 TEST_F(CaptureDisplaySnapshots, FailedPictureLeavesPreviewAbsentButCountsFilled) {
-    QList<FakeDisplays::Display> displays = platform.displays.displays();
-    displays[1].image = QImage();
-    platform.displays.setDisplays(displays);
+    platform.monitors.setPicture(2, QImage());
     platform.windowList.setWindows(
         {{.id = 1, .pid = 100, .ownerName = QStringLiteral("Editor"), .frame = QRectF(2000, 100, 800, 600)}});
     const QList<DisplaySnapshot> snapshots = capture();
@@ -148,7 +148,7 @@ TEST_F(CaptureDisplaySnapshots, FailedPictureLeavesPreviewAbsentButCountsFilled)
 TEST_F(CaptureDisplaySnapshots, WindowListIsReadOnceForAllDisplays) {
     capture();
     EXPECT_EQ(platform.windowList.queryCount(), 1);
-    EXPECT_EQ(platform.displays.captureCount(), 2);
+    EXPECT_EQ(platform.monitors.captureCount(), 2);
 }
 
 }  // namespace

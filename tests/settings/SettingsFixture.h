@@ -13,7 +13,7 @@
 // checks pointed at a loopback port where nothing listens, so that no test reaches the network.
 class SettingsFixture : public ::testing::Test {
 protected:
-    static FakeDisplays::Display mainDisplay() {
+    static Monitor mainDisplay() {
         return {.id = 1,
                 .name = QStringLiteral("Built-in Display"),
                 .bounds = QRectF(0, 0, 1920, 1080),
@@ -21,7 +21,7 @@ protected:
                 .model = 32,
                 .serial = 5};
     }
-    static FakeDisplays::Display studioDisplay() {
+    static Monitor studioDisplay() {
         return {.id = 2,
                 .name = QStringLiteral("Studio Display"),
                 .bounds = QRectF(1920, 0, 2560, 1440),
@@ -34,7 +34,7 @@ protected:
 
     void SetUp() override {
         qputenv("LATTICA_APPCAST_URL", QByteArrayLiteral("http://127.0.0.1:9/appcast.xml"));
-        platform.displays.setDisplays({mainDisplay(), studioDisplay()});
+        platform.monitors.setMonitors({mainDisplay(), studioDisplay()});
     }
 
     void TearDown() override {

@@ -64,7 +64,7 @@ TEST_F(SettingsShortcutsSectionTest, NoDisconnectedDisplaysShowsTheTextAndNoDele
 }
 
 TEST_F(SettingsShortcutsSectionTest, NoConnectedDisplaysShowsItsText) {
-    platform.displays.setDisplays({});
+    platform.monitors.setMonitors({});
     SettingsShortcutsSection* section = shortcuts();
     EXPECT_TRUE(section->connectedRows().isEmpty());
     EXPECT_EQ(section->connectedEmptyText(), QStringLiteral("No connected screens were detected."));
@@ -72,7 +72,7 @@ TEST_F(SettingsShortcutsSectionTest, NoConnectedDisplaysShowsItsText) {
 
 TEST_F(SettingsShortcutsSectionTest, UnpluggedDisplayMovesToTheDisconnectedGroupWithADeleteButton) {
     SettingsShortcutsSection* section = shortcuts();
-    platform.displays.changeDisplays({mainDisplay()});
+    platform.monitors.changeMonitors({mainDisplay()});
     ASSERT_TRUE(QTest::qWaitFor([section] { return section->disconnectedRows().size() == 1; }, 5000));
     EXPECT_EQ(labels(section->connectedRows()), QStringList{QStringLiteral("1. Built-in Display")});
     const SettingsShortcutRow* row = section->disconnectedRows().first();
@@ -99,7 +99,7 @@ TEST_F(SettingsShortcutsSectionTest, RememberedDisplayWithoutIndexIsLabelledByNa
 
 TEST_F(SettingsShortcutsSectionTest, DeleteButtonForgetsTheDisconnectedDisplay) {
     SettingsShortcutsSection* section = shortcuts();
-    platform.displays.setDisplays({mainDisplay()});
+    platform.monitors.setMonitors({mainDisplay()});
     controller->refreshShortcutDisplays();
     ASSERT_EQ(section->disconnectedRows().size(), 1);
     QToolButton* remove = section->disconnectedRows().first()->deleteButton();
@@ -129,9 +129,9 @@ TEST_F(SettingsShortcutsSectionTest, UnchangedDisplaysKeepTheirRowsAndRecorders)
 
 TEST_F(SettingsShortcutsSectionTest, RenamedDisplayGetsItsNewLabel) {
     SettingsShortcutsSection* section = shortcuts();
-    FakeDisplays::Display renamed = studioDisplay();
+    Monitor renamed = studioDisplay();
     renamed.name = QStringLiteral("Studio Display XDR");
-    platform.displays.setDisplays({mainDisplay(), renamed});
+    platform.monitors.setMonitors({mainDisplay(), renamed});
     controller->refreshShortcutDisplays();
     EXPECT_EQ(labels(section->connectedRows()),
               (QStringList{QStringLiteral("1. Built-in Display"), QStringLiteral("2. Studio Display XDR")}));
@@ -139,10 +139,10 @@ TEST_F(SettingsShortcutsSectionTest, RenamedDisplayGetsItsNewLabel) {
 
 TEST_F(SettingsShortcutsSectionTest, ReconnectedDisplayReturnsToTheConnectedGroup) {
     SettingsShortcutsSection* section = shortcuts();
-    platform.displays.setDisplays({mainDisplay()});
+    platform.monitors.setMonitors({mainDisplay()});
     controller->refreshShortcutDisplays();
     ASSERT_EQ(section->disconnectedRows().size(), 1);
-    platform.displays.setDisplays({mainDisplay(), studioDisplay()});
+    platform.monitors.setMonitors({mainDisplay(), studioDisplay()});
     controller->refreshShortcutDisplays();
     EXPECT_EQ(section->connectedRows().size(), 2);
     EXPECT_TRUE(section->disconnectedRows().isEmpty());

@@ -138,7 +138,7 @@ TEST_F(SettingsViewTest, AppearingRebuildsTheShortcutRows) {
     ASSERT_NE(shortcuts, nullptr);
     EXPECT_EQ(shortcuts->connectedRows().size(), 2);
     // A display leaves without the configuration signal; showing the window must notice it.
-    platform.displays.setDisplays({mainDisplay()});
+    platform.monitors.setMonitors({mainDisplay()});
     settings.show();
     EXPECT_EQ(shortcuts->connectedRows().size(), 1);
     ASSERT_EQ(shortcuts->disconnectedRows().size(), 1);

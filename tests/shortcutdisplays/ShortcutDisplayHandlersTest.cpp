@@ -14,7 +14,7 @@ using KeyboardShortcuts::Shortcut;
 
 constexpr int kControlOption = 0x1000 | 0x800;
 
-FakeDisplays::Display display(CGDirectDisplayID id, const QString& name, quint32 serial, qreal x = 0) {
+Monitor display(CGDirectDisplayID id, const QString& name, quint32 serial, qreal x = 0) {
     return {.id = id, .name = name, .bounds = QRectF(x, 0, 1920, 1080), .vendor = 16, .model = 32, .serial = serial};
 }
 
@@ -27,7 +27,7 @@ protected:
     void SetUp() override {
         // Handler tables live for the whole process; start each test from none.
         KeyboardShortcuts::removeAllHandlers();
-        platform.displays.setDisplays(
+        platform.monitors.setMonitors(
             {display(5, QStringLiteral("Main"), 1), display(9, QStringLiteral("Side"), 2, 1920)});
         KeyboardShortcuts::setShortcut(Shortcut(18, kControlOption), displayName(QStringLiteral("v16-m32-s1")));
         KeyboardShortcuts::setShortcut(Shortcut(19, kControlOption), displayName(QStringLiteral("v16-m32-s2")));
@@ -76,7 +76,7 @@ TEST_F(ShortcutDisplayHandlersTest, MoveHappensOnReleaseNotOnPress) {
 
 TEST_F(ShortcutDisplayHandlersTest, UnpluggedDisplaysShortcutSaysItIsNotConnected) {
     AppController controller;
-    platform.displays.changeDisplays({display(5, QStringLiteral("Main"), 1)});
+    platform.monitors.changeMonitors({display(5, QStringLiteral("Main"), 1)});
     QCoreApplication::processEvents();
     ASSERT_EQ(controller.disconnectedShortcutDisplays().size(), 1);
     tap(19);
@@ -85,7 +85,7 @@ TEST_F(ShortcutDisplayHandlersTest, UnpluggedDisplaysShortcutSaysItIsNotConnecte
 
 TEST_F(ShortcutDisplayHandlersTest, DeletingADisconnectedDisplayForgetsItsKeyCombination) {
     AppController controller;
-    platform.displays.changeDisplays({display(5, QStringLiteral("Main"), 1)});
+    platform.monitors.changeMonitors({display(5, QStringLiteral("Main"), 1)});
     QCoreApplication::processEvents();
     controller.deleteDisconnectedShortcutDisplay(QStringLiteral("v16-m32-s2"));
     EXPECT_FALSE(KeyboardShortcuts::getShortcut(displayName(QStringLiteral("v16-m32-s2"))).has_value());

@@ -13,7 +13,7 @@ namespace {
 
 const QString kRecordsKey = QStringLiteral("shortcutDisplayRecords.v1");
 
-FakeDisplays::Display display(CGDirectDisplayID id, const QString& name, quint32 serial, qreal x = 0) {
+Monitor display(CGDirectDisplayID id, const QString& name, quint32 serial, qreal x = 0) {
     return {.id = id, .name = name, .bounds = QRectF(x, 0, 1920, 1080), .vendor = 16, .model = 32, .serial = serial};
 }
 
@@ -26,7 +26,7 @@ protected:
 };
 
 TEST_F(ShortcutDisplayRecordsTest, FirstRunWithTwoDisplaysStoresTwoRecordsSortedByIndex) {
-    platform.displays.setDisplays(
+    platform.monitors.setMonitors(
         {display(5, QStringLiteral("Studio Display"), 7), display(9, QStringLiteral("Side"), 8, 1920)});
     AppController controller;
     EXPECT_EQ(platform.userDefaults.object(kRecordsKey).typeId(), QMetaType::QByteArray);
@@ -43,9 +43,9 @@ TEST_F(ShortcutDisplayRecordsTest, FirstRunWithTwoDisplaysStoresTwoRecordsSorted
 }
 
 TEST_F(ShortcutDisplayRecordsTest, UnpluggingMovesTheRowToDisconnectedWithItsLastNameAndIndex) {
-    platform.displays.setDisplays({display(5, QStringLiteral("Main"), 1), display(9, QStringLiteral("Side"), 2, 1920)});
+    platform.monitors.setMonitors({display(5, QStringLiteral("Main"), 1), display(9, QStringLiteral("Side"), 2, 1920)});
     AppController controller;
-    platform.displays.setDisplays({display(5, QStringLiteral("Main"), 1)});
+    platform.monitors.setMonitors({display(5, QStringLiteral("Main"), 1)});
     controller.refreshShortcutDisplays();
     ASSERT_EQ(controller.connectedShortcutDisplays().size(), 1);
     ASSERT_EQ(controller.disconnectedShortcutDisplays().size(), 1);
@@ -56,10 +56,10 @@ TEST_F(ShortcutDisplayRecordsTest, UnpluggingMovesTheRowToDisconnectedWithItsLas
 }
 
 TEST_F(ShortcutDisplayRecordsTest, DisplayChangeSignalUpdatesShortcutListsButNotThePanelDisplays) {
-    platform.displays.setDisplays({display(5, QStringLiteral("Main"), 1), display(9, QStringLiteral("Side"), 2, 1920)});
+    platform.monitors.setMonitors({display(5, QStringLiteral("Main"), 1), display(9, QStringLiteral("Side"), 2, 1920)});
     AppController controller;
     const QList<DisplaySnapshot> panelDisplays = controller.displays();
-    platform.displays.changeDisplays({display(5, QStringLiteral("Main"), 1)});
+    platform.monitors.changeMonitors({display(5, QStringLiteral("Main"), 1)});
     QCoreApplication::processEvents();
     EXPECT_EQ(controller.connectedShortcutDisplays().size(), 1);
     EXPECT_EQ(controller.disconnectedShortcutDisplays().size(), 1);
@@ -67,12 +67,12 @@ TEST_F(ShortcutDisplayRecordsTest, DisplayChangeSignalUpdatesShortcutListsButNot
 }
 
 TEST_F(ShortcutDisplayRecordsTest, ReconnectedDisplayGetsItsOldRecordBack) {
-    platform.displays.setDisplays({display(5, QStringLiteral("Main"), 1), display(9, QStringLiteral("Side"), 2, 1920)});
+    platform.monitors.setMonitors({display(5, QStringLiteral("Main"), 1), display(9, QStringLiteral("Side"), 2, 1920)});
     AppController controller;
-    platform.displays.setDisplays({display(5, QStringLiteral("Main"), 1)});
+    platform.monitors.setMonitors({display(5, QStringLiteral("Main"), 1)});
     controller.refreshShortcutDisplays();
     // Back under a new display number and another name: matched by its stable identifier.
-    platform.displays.setDisplays(
+    platform.monitors.setMonitors(
         {display(5, QStringLiteral("Main"), 1), display(44, QStringLiteral("Side 2"), 2, 1920)});
     controller.refreshShortcutDisplays();
     EXPECT_TRUE(controller.disconnectedShortcutDisplays().isEmpty());
@@ -83,9 +83,9 @@ TEST_F(ShortcutDisplayRecordsTest, ReconnectedDisplayGetsItsOldRecordBack) {
 }
 
 TEST_F(ShortcutDisplayRecordsTest, DeletingTheDisconnectedRowRemovesItsRecordAndDeletingAgainDoesNothing) {
-    platform.displays.setDisplays({display(5, QStringLiteral("Main"), 1), display(9, QStringLiteral("Side"), 2, 1920)});
+    platform.monitors.setMonitors({display(5, QStringLiteral("Main"), 1), display(9, QStringLiteral("Side"), 2, 1920)});
     AppController controller;
-    platform.displays.setDisplays({display(5, QStringLiteral("Main"), 1)});
+    platform.monitors.setMonitors({display(5, QStringLiteral("Main"), 1)});
     controller.refreshShortcutDisplays();
     controller.deleteDisconnectedShortcutDisplay(QStringLiteral("v16-m32-s2"));
     EXPECT_TRUE(controller.disconnectedShortcutDisplays().isEmpty());
@@ -98,7 +98,7 @@ TEST_F(ShortcutDisplayRecordsTest, DeletingTheDisconnectedRowRemovesItsRecordAnd
 }
 
 TEST_F(ShortcutDisplayRecordsTest, ConnectedDisplayCannotBeDeleted) {
-    platform.displays.setDisplays({display(5, QStringLiteral("Main"), 1)});
+    platform.monitors.setMonitors({display(5, QStringLiteral("Main"), 1)});
     AppController controller;
     controller.deleteDisconnectedShortcutDisplay(QStringLiteral("v16-m32-s1"));
     EXPECT_EQ(controller.shortcutDisplayRecords().size(), 1);
@@ -107,7 +107,7 @@ TEST_F(ShortcutDisplayRecordsTest, ConnectedDisplayCannotBeDeleted) {
 
 TEST_F(ShortcutDisplayRecordsTest, RecordWithoutIndexDecodesSortsLastAndIsWrittenBackWithoutIt) {
     storeRecords(R"([{"id":"old","lastKnownName":"Attic"},{"id":"other","lastKnownName":"Beta","lastKnownIndex":3}])");
-    platform.displays.setDisplays({display(5, QStringLiteral("Main"), 1)});
+    platform.monitors.setMonitors({display(5, QStringLiteral("Main"), 1)});
     AppController controller;
     EXPECT_EQ(storedRecords(), QByteArray(R"([{"id":"v16-m32-s1","lastKnownName":"Main","lastKnownIndex":1},)"
                                           R"({"id":"other","lastKnownName":"Beta","lastKnownIndex":3},)"
@@ -127,7 +127,7 @@ TEST_F(ShortcutDisplayRecordsTest, NullIndexDecodesAsAbsent) {
 
 TEST_F(ShortcutDisplayRecordsTest, EqualIndexesAreOrderedByNameCaseInsensitively) {
     storeRecords(R"([{"id":"zeta","lastKnownName":"Zeta","lastKnownIndex":1}])");
-    platform.displays.setDisplays({{.id = 5, .name = QStringLiteral("apple"), .bounds = QRectF(0, 0, 100, 100)}});
+    platform.monitors.setMonitors({{.id = 5, .name = QStringLiteral("apple"), .bounds = QRectF(0, 0, 100, 100)}});
     AppController controller;
     ASSERT_EQ(controller.shortcutDisplayRecords().size(), 2);
     EXPECT_EQ(controller.shortcutDisplayRecords()[0].lastKnownName, QStringLiteral("apple"));
@@ -138,7 +138,7 @@ TEST_F(ShortcutDisplayRecordsTest, EqualIndexesAreOrderedByNameCaseInsensitively
 
 TEST_F(ShortcutDisplayRecordsTest, CorruptDataIsReplacedAtStartUpByTheConnectedDisplays) {
     storeRecords("{not json");
-    platform.displays.setDisplays({display(5, QStringLiteral("Main"), 1)});
+    platform.monitors.setMonitors({display(5, QStringLiteral("Main"), 1)});
     AppController controller;
     EXPECT_EQ(storedRecords(), QByteArray(R"([{"id":"v16-m32-s1","lastKnownName":"Main","lastKnownIndex":1}])"));
 }
@@ -146,7 +146,7 @@ TEST_F(ShortcutDisplayRecordsTest, CorruptDataIsReplacedAtStartUpByTheConnectedD
 TEST_F(ShortcutDisplayRecordsTest, DocumentThatRepeatsAnIdentifierReadsAsEmpty) {
     storeRecords(
         R"([{"id":"a","lastKnownName":"A","lastKnownIndex":1},{"id":"a","lastKnownName":"B","lastKnownIndex":2}])");
-    platform.displays.setDisplays({display(5, QStringLiteral("Main"), 1)});
+    platform.monitors.setMonitors({display(5, QStringLiteral("Main"), 1)});
     AppController controller;
     EXPECT_EQ(controller.shortcutDisplayRecords().size(), 1);
     EXPECT_TRUE(controller.disconnectedShortcutDisplays().isEmpty());
@@ -154,7 +154,7 @@ TEST_F(ShortcutDisplayRecordsTest, DocumentThatRepeatsAnIdentifierReadsAsEmpty) 
 
 TEST_F(ShortcutDisplayRecordsTest, StoredValueOfAnotherTypeReadsAsEmpty) {
     platform.userDefaults.setObject(kRecordsKey, QStringLiteral("[]"));
-    platform.displays.setDisplays({display(5, QStringLiteral("Main"), 1)});
+    platform.monitors.setMonitors({display(5, QStringLiteral("Main"), 1)});
     AppController controller;
     EXPECT_EQ(controller.shortcutDisplayRecords().size(), 1);
     EXPECT_EQ(platform.userDefaults.object(kRecordsKey).typeId(), QMetaType::QByteArray);
@@ -180,7 +180,7 @@ TEST_F(ShortcutDisplayRecordsTest, EncodingEscapesNamesAndRoundTrips) {
 }
 
 TEST_F(ShortcutDisplayRecordsTest, EveryRebuildRewritesTheStoredValue) {
-    platform.displays.setDisplays({display(5, QStringLiteral("Main"), 1)});
+    platform.monitors.setMonitors({display(5, QStringLiteral("Main"), 1)});
     AppController controller;
     platform.userDefaults.removeObject(kRecordsKey);
     controller.refreshShortcutDisplays();

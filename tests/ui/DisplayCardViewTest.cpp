@@ -143,9 +143,7 @@ TEST_F(DisplayCard, SingleDisplayShowsTheWarningInsteadOfTargets) {
 }
 
 TEST_F(DisplayCard, FailedCaptureShowsPreviewUnavailableWithCountsAndMenu) {
-    QList<FakeDisplays::Display> displays = platform.displays.displays();
-    displays[0].image = QImage();
-    platform.displays.setDisplays(displays);
+    platform.monitors.setPicture(platform.monitors.monitors()[0].id, QImage());
     addApplication(100, QStringLiteral("Editor"), 0, {1});
     makeController();
     refreshAndWait();
@@ -284,7 +282,7 @@ TEST_F(DisplayCard, PreviewIsStretchedOverTheWholeArea) {
     showCard(0);
     const QImage painted = card->grab().toImage();
     const QRect area = card->previewRect();
-    const QColor expected = platform.displays.displays()[0].image.pixelColor(0, 0);
+    const QColor expected = platform.monitors.picture(platform.monitors.monitors()[0].id).pixelColor(0, 0);
     // Near the four corners of the area (inside the rounded corners) and in its middle.
     for (const QPoint& point : {area.topLeft() + QPoint(8, area.height() / 2), area.topRight() + QPoint(-8, 8),
                                 area.bottomLeft() + QPoint(8, -8), area.bottomRight() + QPoint(-8, -8)}) {

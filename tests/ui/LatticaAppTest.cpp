@@ -23,9 +23,9 @@ protected:
         app->start();
         output = QString::fromStdString(::testing::internal::GetCapturedStdout());
     }
-    QSize expectedSize() const {
+    QSize expectedSize() {
         const bool granted = platform.permissions.screenCaptureGranted && platform.permissions.trusted;
-        const int count = static_cast<int>(platform.displays.displays().size());
+        const int count = static_cast<int>(platform.monitors.monitors().size());
         return {qCeil(PanelGeometry::popupWidth(granted, count)), qCeil(PanelGeometry::popupHeight(granted, count))};
     }
 
@@ -59,12 +59,12 @@ TEST_F(LatticaAppWithoutTray, EveryOpeningRunsTheRefresh) {
     start();
     ASSERT_TRUE(waitUntil([&] { return app->panel() && app->panel()->isVisible(); }));
     finishBackgroundWork();
-    const int captures = platform.displays.captureCount();
+    const int captures = platform.monitors.captureCount();
     app->closePanel();
     app->openPanel();
     EXPECT_TRUE(controller().isLoadingPreviews());
     finishBackgroundWork();
-    EXPECT_EQ(platform.displays.captureCount(), captures + 2);
+    EXPECT_EQ(platform.monitors.captureCount(), captures + 2);
 }
 
 TEST_F(LatticaAppWithoutTray, PanelResizesWhenTheStateChangesTheFormulas) {

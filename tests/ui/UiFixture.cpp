@@ -23,17 +23,18 @@ void UiTest::TearDown() {
 }
 
 void UiTest::setDisplayCount(int count) {
-    QList<FakeDisplays::Display> displays;
+    QList<Monitor> displays;
     for (int i = 0; i < count; ++i) {
         QImage picture(192, 108, QImage::Format_RGB32);
         picture.fill(QColor::fromHsv((i * 70) % 360, 160, 200));
-        displays.append({.id = static_cast<CGDirectDisplayID>(i + 1),
+        const auto id = static_cast<CGDirectDisplayID>(i + 1);
+        displays.append({.id = id,
                          .name = QStringLiteral("Display %1").arg(i + 1),
                          .bounds = QRectF(i * 1920, 0, 1920, 1080),
-                         .serial = static_cast<quint32>(100 + i),
-                         .image = picture});
+                         .serial = static_cast<quint32>(100 + i)});
+        platform.monitors.setPicture(id, picture);
     }
-    platform.displays.setDisplays(displays);
+    platform.monitors.setMonitors(displays);
 }
 
 AppController& UiTest::makeController() {

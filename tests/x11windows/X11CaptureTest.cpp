@@ -4,7 +4,7 @@
 #include <QColor>
 #include <cstdlib>
 
-#include "platform/Displays.h"
+#include "platform/Monitors.h"
 #include "platform/Platform.h"
 #include "platform/x11/X11Capture.h"
 #include "platform/x11/X11Connection.h"
@@ -17,11 +17,9 @@ class X11CaptureTest : public X11DesktopFixture {
 protected:
     // The display whose bounds are the monitor's, in the global space.
     std::optional<CGDirectDisplayID> displayFor(const QRect& monitor) {
-        Displays& displays = *Platform::services().displays;
-        for (const PlatformScreen& screen : displays.screens()) {
-            const auto id = screen.deviceDescription.value(QLatin1String(kNSScreenNumber)).toUInt();
-            if (displays.bounds(id) == QRectF(monitor)) {
-                return id;
+        for (const Monitor& candidate : Platform::services().monitors->monitors()) {
+            if (candidate.bounds == QRectF(monitor)) {
+                return candidate.id;
             }
         }
         return std::nullopt;
@@ -54,7 +52,7 @@ TEST_F(X11CaptureTest, KnownColourIsFoundAtTheWindowsPixelsOnTheRightMonitor) {
     QImage image;
     // The server paints the background when the window is exposed; look until it has.
     EXPECT_TRUE(VirtualDesktop::waitUntil([&] {
-        image = Platform::services().displays->createImage(*display);
+        image = Platform::services().monitors->capture(*display);
         return !image.isNull() && QColor(image.pixel(client.center())) == colour;
     }));
     ASSERT_FALSE(image.isNull());
@@ -66,7 +64,7 @@ TEST_F(X11CaptureTest, KnownColourIsFoundAtTheWindowsPixelsOnTheRightMonitor) {
     // The same spot on the first monitor shows something else.
     const auto first = displayFor(monitors().value(0));
     ASSERT_TRUE(first.has_value());
-    const QImage other = Platform::services().displays->createImage(*first);
+    const QImage other = Platform::services().monitors->capture(*first);
     ASSERT_FALSE(other.isNull());
     EXPECT_NE(QColor(other.pixel(client.center())), colour);
 }
@@ -125,7 +123,7 @@ TEST_F(X11CaptureTest, NothingToCaptureGivesANullPicture) {
     X11Capture capture(platform->connection().displayName());
     EXPECT_TRUE(capture.capture(QRect()).isNull());
     EXPECT_TRUE(capture.capture(QRect(-5000, -5000, 100, 100)).isNull());
-    EXPECT_TRUE(Platform::services().displays->createImage(0xdeadbeef).isNull());
+    EXPECT_TRUE(Platform::services().monitors->capture(0xdeadbeef).isNull());
     // A rectangle partly off the screen is cut to what exists.
     const QImage cut = capture.capture(QRect(-50, -50, 100, 100));
     EXPECT_EQ(cut.size(), QSize(50, 50));

@@ -1,4 +1,4 @@
-#include "platform/x11/X11Displays.h"
+#include "platform/x11/X11Monitors.h"
 
 #include <xcb/randr.h>
 
@@ -24,7 +24,7 @@ using ReplyPtr = std::unique_ptr<Reply, FreeDeleter<Reply>>;
 
 }  // namespace
 
-X11Displays::X11Displays(X11Connection& connection) : m_connection(connection), m_capture(connection.displayName()) {
+X11Monitors::X11Monitors(X11Connection& connection) : m_connection(connection), m_capture(connection.displayName()) {
     xcb_connection_t* xcb = m_connection.xcb();
     const xcb_query_extension_reply_t* randr = xcb_get_extension_data(xcb, &xcb_randr_id);
     if (randr != nullptr && randr->present) {
@@ -40,16 +40,16 @@ X11Displays::X11Displays(X11Connection& connection) : m_connection(connection), 
     }
     m_coalesceTimer.setSingleShot(true);
     m_coalesceTimer.setInterval(kCoalesceMilliseconds);
-    connect(&m_coalesceTimer, &QTimer::timeout, this, &X11Displays::checkForConfigurationChange);
+    connect(&m_coalesceTimer, &QTimer::timeout, this, &X11Monitors::checkForConfigurationChange);
     m_eventHandler = m_connection.addEventHandler([this](xcb_generic_event_t* event) { return handleEvent(event); });
     m_signalledMonitors = fetchMonitors();
     m_lastSignature = monitorSignature();
     m_pollTimer.setInterval(kPollMilliseconds);
-    connect(&m_pollTimer, &QTimer::timeout, this, &X11Displays::pollForUnannouncedChange);
+    connect(&m_pollTimer, &QTimer::timeout, this, &X11Monitors::pollForUnannouncedChange);
     m_pollTimer.start();
 }
 
-QByteArray X11Displays::monitorSignature() {
+QByteArray X11Monitors::monitorSignature() {
     xcb_connection_t* xcb = m_connection.xcb();
     if (!m_hasRandr15 || m_connection.hasError()) {
         return {};
@@ -64,7 +64,7 @@ QByteArray X11Displays::monitorSignature() {
     return QByteArray(begin, static_cast<qsizetype>(reply->length) * 4);
 }
 
-void X11Displays::pollForUnannouncedChange() {
+void X11Monitors::pollForUnannouncedChange() {
     const QByteArray signature = monitorSignature();
     if (signature != m_lastSignature) {
         m_lastSignature = signature;
@@ -72,11 +72,11 @@ void X11Displays::pollForUnannouncedChange() {
     }
 }
 
-X11Displays::~X11Displays() {
+X11Monitors::~X11Monitors() {
     m_connection.removeEventHandler(m_eventHandler);
 }
 
-bool X11Displays::handleEvent(xcb_generic_event_t* event) {
+bool X11Monitors::handleEvent(xcb_generic_event_t* event) {
     const uint8_t type = event->response_type & 0x7f;
     if (m_randrFirstEvent != 0 &&
         (type == m_randrFirstEvent + XCB_RANDR_SCREEN_CHANGE_NOTIFY || type == m_randrFirstEvent + XCB_RANDR_NOTIFY)) {
@@ -85,20 +85,19 @@ bool X11Displays::handleEvent(xcb_generic_event_t* event) {
     return false;
 }
 
-void X11Displays::checkForConfigurationChange() {
+void X11Monitors::checkForConfigurationChange() {
     m_lastSignature = monitorSignature();
-    const QList<Monitor> monitors = fetchMonitors();
+    const QList<RandrMonitor> monitors = fetchMonitors();
     if (monitors != m_signalledMonitors) {
         m_signalledMonitors = monitors;
-        Q_EMIT screenParametersChanged();
+        Q_EMIT changed();
     }
 }
 
-QList<X11Displays::Monitor> X11Displays::fetchMonitors() {
-    QList<Monitor> monitors;
+QList<X11Monitors::RandrMonitor> X11Monitors::fetchMonitors() {
+    QList<RandrMonitor> monitors;
     xcb_connection_t* xcb = m_connection.xcb();
     if (!m_hasRandr15 || m_connection.hasError()) {
-        m_monitors = monitors;
         return monitors;
     }
     const xcb_atom_t edidAtom = m_connection.atom("EDID");
@@ -110,7 +109,6 @@ QList<X11Displays::Monitor> X11Displays::fetchMonitors() {
     ReplyPtr<xcb_randr_get_screen_resources_current_reply_t> resources(
         xcb_randr_get_screen_resources_current_reply(xcb, resourcesCookie, nullptr));
     if (!monitorsReply) {
-        m_monitors = monitors;
         return monitors;
     }
     QList<xcb_randr_output_t> screenOutputs;
@@ -123,6 +121,7 @@ QList<X11Displays::Monitor> X11Displays::fetchMonitors() {
     // Stage 2: for every monitor its name, its first output's name and EDID, all requests sent first.
     struct Pending {
         Monitor monitor;
+        QRect rootRect;
         xcb_randr_output_t output = XCB_NONE;
         xcb_get_atom_name_cookie_t nameCookie{};
         xcb_randr_get_output_info_cookie_t outputCookie{};
@@ -133,7 +132,7 @@ QList<X11Displays::Monitor> X11Displays::fetchMonitors() {
          xcb_randr_monitor_info_next(&it)) {
         const xcb_randr_monitor_info_t* info = it.data;
         Pending entry;
-        entry.monitor.rootRect = QRect(info->x, info->y, info->width, info->height);
+        entry.rootRect = QRect(info->x, info->y, info->width, info->height);
         entry.monitor.primary = info->primary != 0;
         const int outputCount = xcb_randr_monitor_info_outputs_length(info);
         entry.output = outputCount > 0 ? xcb_randr_monitor_info_outputs(info)[0] : XCB_NONE;
@@ -183,82 +182,38 @@ QList<X11Displays::Monitor> X11Displays::fetchMonitors() {
         } else {
             entry.monitor.name = monitorName;
         }
-        monitors.append(entry.monitor);
+        monitors.append({entry.monitor, entry.rootRect});
     }
-    std::stable_partition(monitors.begin(), monitors.end(), [](const Monitor& monitor) { return monitor.primary; });
+    std::stable_partition(monitors.begin(), monitors.end(),
+                          [](const RandrMonitor& monitor) { return monitor.monitor.primary; });
 
-    m_monitors = monitors;
     QMutexLocker lock(&m_rectMutex);
-    for (const Monitor& monitor : monitors) {
-        m_rootRects.insert(monitor.id, monitor.rootRect);
+    for (const RandrMonitor& monitor : monitors) {
+        m_rootRects.insert(monitor.monitor.id, monitor.rootRect);
     }
     return monitors;
 }
 
-QPoint X11Displays::globalOriginInRoot() {
-    if (m_monitors.isEmpty()) {
-        fetchMonitors();
+QList<Monitor> X11Monitors::monitors() {
+    const QList<RandrMonitor> found = fetchMonitors();
+    QList<Monitor> monitors;
+    if (found.isEmpty()) {
+        return monitors;
     }
-    return m_monitors.isEmpty() ? QPoint() : m_monitors.first().rootRect.topLeft();
-}
-
-const X11Displays::Monitor* X11Displays::findMonitor(CGDirectDisplayID display) {
-    for (int attempt = 0; attempt < 2; ++attempt) {
-        for (const Monitor& monitor : m_monitors) {
-            if (monitor.id == display) {
-                return &monitor;
-            }
-        }
-        fetchMonitors();
+    const QPoint origin = found.first().rootRect.topLeft();
+    for (const RandrMonitor& entry : found) {
+        Monitor monitor = entry.monitor;
+        monitor.bounds = QRectF(entry.rootRect.translated(-origin));
+        monitors.append(monitor);
     }
-    return nullptr;
+    return monitors;
 }
 
-QList<PlatformScreen> X11Displays::screens() {
-    QList<PlatformScreen> screens;
-    for (const Monitor& monitor : fetchMonitors()) {
-        PlatformScreen screen;
-        screen.deviceDescription.insert(QLatin1String(kNSScreenNumber), monitor.id);
-        screen.localizedName = monitor.name;
-        screens.append(screen);
-    }
-    return screens;
-}
-
-QRectF X11Displays::bounds(CGDirectDisplayID display) {
-    const Monitor* monitor = findMonitor(display);
-    if (monitor == nullptr) {
-        return {};
-    }
-    const QPoint origin = m_monitors.first().rootRect.topLeft();
-    return QRectF(monitor->rootRect.translated(-origin));
-}
-
-quint32 X11Displays::vendorNumber(CGDirectDisplayID display) {
-    const Monitor* monitor = findMonitor(display);
-    return monitor != nullptr ? monitor->vendor : 0;
-}
-
-quint32 X11Displays::modelNumber(CGDirectDisplayID display) {
-    const Monitor* monitor = findMonitor(display);
-    return monitor != nullptr ? monitor->model : 0;
-}
-
-quint32 X11Displays::serialNumber(CGDirectDisplayID display) {
-    const Monitor* monitor = findMonitor(display);
-    return monitor != nullptr ? monitor->serial : 0;
-}
-
-quint32 X11Displays::unitNumber(CGDirectDisplayID display) {
-    const Monitor* monitor = findMonitor(display);
-    return monitor != nullptr ? monitor->unit : 0;
-}
-
-QImage X11Displays::createImage(CGDirectDisplayID display) {
+QImage X11Monitors::capture(CGDirectDisplayID id) {
     QRect rect;
     {
         QMutexLocker lock(&m_rectMutex);
-        const auto found = m_rootRects.constFind(display);
+        const auto found = m_rootRects.constFind(id);
         if (found == m_rootRects.constEnd()) {
             return {};
         }

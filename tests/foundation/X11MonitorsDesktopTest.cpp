@@ -4,13 +4,13 @@
 
 #include "app/ScreenSnapshotService.h"
 #include "platform/x11/X11Connection.h"
-#include "platform/x11/X11Displays.h"
+#include "platform/x11/X11Monitors.h"
 #include "platform/x11/X11Platform.h"
 #include "tests/support/VirtualDesktop.h"
 
 namespace {
 
-class X11DisplaysDesktopTest : public ::testing::Test {
+class X11MonitorsDesktopTest : public ::testing::Test {
 protected:
     void SetUp() override {
         m_platform = X11Platform::connect();
@@ -40,12 +40,12 @@ protected:
             0);
     }
 
-    X11Displays* displays() const { return static_cast<X11Displays*>(m_platform->services().displays); }
+    Monitors* monitors() const { return m_platform->services().monitors; }
 
     std::unique_ptr<X11Platform> m_platform;
 };
 
-TEST_F(X11DisplaysDesktopTest, DescriptorsListMonitorsInScreenOrderWithIndexesNamesAndBounds) {
+TEST_F(X11MonitorsDesktopTest, DescriptorsListMonitorsInScreenOrderWithIndexesNamesAndBounds) {
     const QList<QRect> layout = VirtualDesktop::layout();
     const QList<DisplayDescriptor> descriptors = ScreenSnapshotService::currentDisplayDescriptors();
     ASSERT_EQ(descriptors.size(), layout.size());
@@ -61,7 +61,7 @@ TEST_F(X11DisplaysDesktopTest, DescriptorsListMonitorsInScreenOrderWithIndexesNa
     EXPECT_EQ(descriptors[1].persistentID, QStringLiteral("display-%1").arg(descriptors[1].id));
 }
 
-TEST_F(X11DisplaysDesktopTest, MakingAnotherMonitorPrimaryChangesOrderAndOrigin) {
+TEST_F(X11MonitorsDesktopTest, MakingAnotherMonitorPrimaryChangesOrderAndOrigin) {
     const QList<QRect> layout = VirtualDesktop::layout();
     ASSERT_GE(layout.size(), 2);
     ASSERT_EQ(
@@ -78,8 +78,8 @@ TEST_F(X11DisplaysDesktopTest, MakingAnotherMonitorPrimaryChangesOrderAndOrigin)
     EXPECT_EQ(descriptors[1].bounds, QRectF(-layout[1].x(), 0, layout[0].width(), layout[0].height()));
 }
 
-TEST_F(X11DisplaysDesktopTest, AddingAndRemovingAMonitorSignalsOncePerChange) {
-    QSignalSpy spy(displays(), &Displays::screenParametersChanged);
+TEST_F(X11MonitorsDesktopTest, AddingAndRemovingAMonitorSignalsOncePerChange) {
+    QSignalSpy spy(monitors(), &Monitors::changed);
     const int count = VirtualDesktop::layout().size();
     ASSERT_EQ(VirtualDesktop::run(QStringLiteral("xrandr"),
                                   {QStringLiteral("--delmonitor"), QStringLiteral("VIRTUAL-%1").arg(count)}),
@@ -97,17 +97,30 @@ TEST_F(X11DisplaysDesktopTest, AddingAndRemovingAMonitorSignalsOncePerChange) {
     EXPECT_EQ(ScreenSnapshotService::currentDisplayDescriptors().size(), count);
 }
 
-TEST_F(X11DisplaysDesktopTest, CaptureOfAMonitorHasItsSize) {
+TEST_F(X11MonitorsDesktopTest, CaptureOfAMonitorHasItsSize) {
     const QList<DisplayDescriptor> descriptors = ScreenSnapshotService::currentDisplayDescriptors();
     ASSERT_FALSE(descriptors.isEmpty());
-    const QImage image = displays()->createImage(descriptors.last().id);
+    const QImage image = monitors()->capture(descriptors.last().id);
     ASSERT_FALSE(image.isNull());
     EXPECT_EQ(image.size(), descriptors.last().bounds.size().toSize());
 }
 
-TEST_F(X11DisplaysDesktopTest, UnknownDisplayHasNoBoundsAndNoPicture) {
-    EXPECT_TRUE(displays()->bounds(0xdeadbeef).isEmpty());
-    EXPECT_TRUE(displays()->createImage(0xdeadbeef).isNull());
+TEST_F(X11MonitorsDesktopTest, UnknownDisplayIsNotListedAndHasNoPicture) {
+    for (const Monitor& monitor : monitors()->monitors()) {
+        EXPECT_NE(monitor.id, 0xdeadbeefu);
+    }
+    EXPECT_TRUE(monitors()->capture(0xdeadbeef).isNull());
+}
+
+TEST_F(X11MonitorsDesktopTest, OnlyThePrimaryMonitorIsMarkedPrimaryAndItComesFirst) {
+    const QList<Monitor> listed = monitors()->monitors();
+    ASSERT_EQ(listed.size(), VirtualDesktop::layout().size());
+    EXPECT_TRUE(listed[0].primary);
+    EXPECT_EQ(listed[0].bounds.topLeft(), QPointF(0, 0));
+    for (qsizetype i = 1; i < listed.size(); ++i) {
+        EXPECT_FALSE(listed[i].primary);
+        EXPECT_NE(listed[i].id, 0u);
+    }
 }
 
 }  // namespace

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <QImage>
+#include <QList>
+#include <QObject>
+#include <QRectF>
+#include <QString>
+
+#include "platform/Types.h"
+
+// One connected monitor. Everything is in the global display space: origin at the top-left corner of the
+// primary monitor, y downwards.
+struct Monitor {
+    // The display number while the monitor stays connected; 0 when the monitor has none, which leaves it
+    // unaddressable (the core skips such a monitor).
+    CGDirectDisplayID id = 0;
+    QString name;
+    QRectF bounds;
+    bool primary = false;
+    // Identity from the monitor's EDID; 0 where it reports none.
+    quint32 vendor = 0;
+    quint32 model = 0;
+    quint32 serial = 0;
+    // The monitor's position among the outputs of its screen.
+    quint32 unit = 0;
+
+    bool operator==(const Monitor&) const = default;
+};
+
+// Connected monitors and their pictures.
+class Monitors : public QObject {
+    Q_OBJECT
+public:
+    Monitors() = default;
+    ~Monitors() override = default;
+    Monitors(const Monitors&) = delete;
+    Monitors& operator=(const Monitors&) = delete;
+
+    // The connected monitors, primary first, then in the platform's order.
+    virtual QList<Monitor> monitors() = 0;
+    // A full-resolution picture of the monitor's current contents; a null image when it cannot be taken.
+    // Safe to call from any thread.
+    virtual QImage capture(CGDirectDisplayID id) = 0;
+
+Q_SIGNALS:
+    // Emitted once per monitor configuration change, on the main thread.
+    void changed();
+};

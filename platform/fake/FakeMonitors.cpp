@@ -1,0 +1,17 @@
+#include "platform/fake/FakeMonitors.h"
+
+#include <algorithm>
+
+void FakeMonitors::changeMonitors(const QList<Monitor>& monitors) {
+    m_monitors = monitors;
+    Q_EMIT changed();
+}
+
+QImage FakeMonitors::capture(CGDirectDisplayID id) {
+    ++m_captureCount;
+    // Tests script monitors and pictures before captures start, so reading them here from another thread is
+    // safe. A monitor that is not connected gives no picture, as on a real desktop.
+    const bool connected =
+        std::any_of(m_monitors.cbegin(), m_monitors.cend(), [id](const Monitor& monitor) { return monitor.id == id; });
+    return connected ? m_pictures.value(id) : QImage();
+}

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <QHash>
+#include <atomic>
+
+#include "platform/Monitors.h"
+
+// Scripted monitors for tests.
+class FakeMonitors : public Monitors {
+    Q_OBJECT
+public:
+    // Replaces the connected monitors (primary first) without signalling.
+    void setMonitors(const QList<Monitor>& monitors) { m_monitors = monitors; }
+    // Replaces them and emits the change signal, as a real configuration change would.
+    void changeMonitors(const QList<Monitor>& monitors);
+    // What capture returns for the monitor; a null image (the default) means the capture fails.
+    void setPicture(CGDirectDisplayID id, const QImage& picture) { m_pictures.insert(id, picture); }
+    QImage picture(CGDirectDisplayID id) const { return m_pictures.value(id); }
+    int captureCount() const { return m_captureCount; }
+
+    QList<Monitor> monitors() override { return m_monitors; }
+    QImage capture(CGDirectDisplayID id) override;
+
+private:
+    QList<Monitor> m_monitors;
+    QHash<CGDirectDisplayID, QImage> m_pictures;
+    std::atomic<int> m_captureCount = 0;
+};

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <QHash>
+#include <QMutex>
+#include <QTimer>
+#include <memory>
+
+#include "platform/Monitors.h"
+#include "platform/x11/X11Capture.h"
+
+class X11Connection;
+
+// Monitors from RandR 1.5: the active ones, primary first, then RandR's order. The global space is the
+// root window shifted so that the primary monitor's top-left corner is the origin.
+class X11Monitors : public Monitors {
+    Q_OBJECT
+public:
+    explicit X11Monitors(X11Connection& connection);
+    ~X11Monitors() override;
+
+    QList<Monitor> monitors() override;
+    QImage capture(CGDirectDisplayID id) override;
+
+private:
+    // A monitor as RandR reports it, in root coordinates.
+    struct RandrMonitor {
+        Monitor monitor;  // its bounds are left empty here
+        QRect rootRect;
+
+        bool operator==(const RandrMonitor&) const = default;
+    };
+
+    // Reads the active monitors from the server, primary first.
+    QList<RandrMonitor> fetchMonitors();
+    bool handleEvent(xcb_generic_event_t* event);
+    void checkForConfigurationChange();
+    // The raw monitor list as the server reports it; cheap enough to poll.
+    QByteArray monitorSignature();
+    void pollForUnannouncedChange();
+
+    X11Connection& m_connection;
+    int m_eventHandler = 0;
+    uint8_t m_randrFirstEvent = 0;
+    bool m_hasRandr15 = false;
+    QTimer m_coalesceTimer;
+    QTimer m_pollTimer;
+    QByteArray m_lastSignature;
+    QList<RandrMonitor> m_signalledMonitors;  // the configuration last announced
+    QMutex m_rectMutex;
+    QHash<CGDirectDisplayID, QRect> m_rootRects;  // read by capture threads
+    X11Capture m_capture;
+};
