@@ -8,6 +8,7 @@
 #include <limits>
 #include <map>
 #include <memory>
+#include <variant>
 
 #include "KeyboardShortcuts/KeyboardShortcuts.h"
 #include "KeyboardShortcuts/RawKeyMonitor.h"
@@ -23,7 +24,7 @@ namespace {
 struct HotKey {
     Shortcut shortcut;
     int carbonHotKeyId = 0;
-    HotKeys::HotKeyRef carbonHotKey = 0;  // 0 while suspended
+    std::optional<HotKeys::RegistrationId> registration;  // empty while suspended
     Handler onKeyDown;
     Handler onKeyUp;
 };
@@ -50,10 +51,26 @@ HotKeys* service() {
     return Platform::services().hotKeys;
 }
 
-void printRegistrationError(const Shortcut& shortcut, int status) {
+// The number the error line gives each refusal: the hot-key manager's own statuses for a combination
+// that is taken (-9878) or cannot be a hot key (-9879), the system's error code for anything else.
+int statusNumber(const HotKeys::Failure& failure) {
+    switch (failure.error) {
+        case HotKeys::Error::takenByAnotherClient:
+            return -9878;
+        case HotKeys::Error::unsupportedKey:
+        case HotKeys::Error::unsupportedModifier:
+            return -9879;
+        case HotKeys::Error::other:
+            break;
+    }
+    return failure.code;
+}
+
+void printRegistrationError(const Shortcut& shortcut, const HotKeys::Failure& failure) {
     // Always printed, on standard output: the user's only trace of a shortcut that cannot work.
     const QByteArray line = QByteArrayLiteral("Error registering hotkey ") +
-                            shortcut.presentableDescription().toUtf8() + ": " + QByteArray::number(status) + '\n';
+                            shortcut.presentableDescription().toUtf8() + ": " +
+                            QByteArray::number(statusNumber(failure)) + '\n';
     std::fwrite(line.constData(), 1, static_cast<size_t>(line.size()), stdout);
     std::fflush(stdout);
 }
@@ -66,19 +83,7 @@ RawKeyMonitor& keyEventMonitor() {
     Tables& t = tables();
     if (!t.keyEventMonitor) {
         t.keyEventMonitor = std::make_unique<RawKeyMonitor>(
-            [](int keyCode, int modifiers, int kind) {
-                if (kind == 0) {
-                    // A probe (a repeat or a shortcut override): matched or not, without running anything.
-                    for (const auto& [id, hotKey] : tables().hotKeys) {
-                        if (hotKey.shortcut.carbonKeyCode() == keyCode &&
-                            hotKey.shortcut.carbonModifiers() == modifiers) {
-                            return 0;
-                        }
-                    }
-                    return eventNotHandledErr;
-                }
-                return handleRawKeyEvent(keyCode, modifiers, kind);
-            },
+            [](int keyCode, int modifiers, RawKeyEvent event) { return handleRawKeyEvent(keyCode, modifiers, event); },
             [](int modifier) {
                 for (const auto& [id, hotKey] : tables().hotKeys) {
                     if ((hotKey.shortcut.carbonModifiers() & modifier) != 0) {
@@ -91,29 +96,44 @@ RawKeyMonitor& keyEventMonitor() {
     return *t.keyEventMonitor;
 }
 
+// The table entry that holds a live registration, or 0.
+int hotKeyIdForRegistration(HotKeys::RegistrationId registration) {
+    for (const auto& [id, hotKey] : tables().hotKeys) {
+        if (hotKey.registration == registration) {
+            return id;
+        }
+    }
+    return 0;
+}
+
+void dispatchServiceEvent(HotKeys::RegistrationId registration, HotKeyEvent event) {
+    if (!tables().hotKeyEventsEnabled) {
+        return;
+    }
+    if (const int id = hotKeyIdForRegistration(registration); id != 0) {
+        handleHotKeyEvent(id, event);
+    }
+}
+
 void installEventHandler(HotKeys* hotKeys) {
     Tables& t = tables();
     t.eventHandler = hotKeys;
     t.hotKeyEventsEnabled = false;
-    QObject::connect(hotKeys, &HotKeys::hotKeyPressed, hotKeys, [](quint32 id) {
-        if (tables().hotKeyEventsEnabled) {
-            handleHotKeyEvent(id, 5);
-        }
+    QObject::connect(hotKeys, &HotKeys::pressed, hotKeys, [](HotKeys::RegistrationId registration) {
+        dispatchServiceEvent(registration, HotKeyEvent::pressed);
     });
-    QObject::connect(hotKeys, &HotKeys::hotKeyReleased, hotKeys, [](quint32 id) {
-        if (tables().hotKeyEventsEnabled) {
-            handleHotKeyEvent(id, 6);
-        }
+    QObject::connect(hotKeys, &HotKeys::released, hotKeys, [](HotKeys::RegistrationId registration) {
+        dispatchServiceEvent(registration, HotKeyEvent::released);
     });
 }
 
 void suspendAll() {
     HotKeys* hotKeys = service();
     for (auto& [id, hotKey] : tables().hotKeys) {
-        if (hotKey.carbonHotKey != 0 && hotKeys != nullptr) {
-            hotKeys->unregisterHotKey(hotKey.carbonHotKey);
+        if (hotKey.registration && hotKeys != nullptr) {
+            hotKeys->unregisterHotKey(*hotKey.registration);
         }
-        hotKey.carbonHotKey = 0;
+        hotKey.registration.reset();
     }
 }
 
@@ -132,16 +152,15 @@ void register_(const Shortcut& shortcut, Handler onKeyDown, Handler onKeyUp) {
     if (hotKeys == nullptr) {
         return;
     }
-    HotKeys::HotKeyRef ref = 0;
-    const int status =
-        hotKeys->registerHotKey(static_cast<quint32>(shortcut.carbonKeyCode()),
-                                static_cast<quint32>(shortcut.carbonModifiers()), static_cast<quint32>(id), &ref);
-    if (status != 0 || ref == 0) {
-        printRegistrationError(shortcut, status);
+    const HotKeys::Registration registration = hotKeys->registerHotKey(
+        static_cast<quint32>(shortcut.carbonKeyCode()), static_cast<quint32>(shortcut.carbonModifiers()));
+    if (const auto* failure = std::get_if<HotKeys::Failure>(&registration)) {
+        printRegistrationError(shortcut, *failure);
         return;
     }
     qCDebug(lcHotKeys) << "registered" << shortcut.presentableDescription() << "as" << id;
-    t.hotKeys.insert_or_assign(id, HotKey{shortcut, id, ref, std::move(onKeyDown), std::move(onKeyUp)});
+    t.hotKeys.insert_or_assign(id, HotKey{shortcut, id, std::get<HotKeys::RegistrationId>(registration),
+                                          std::move(onKeyDown), std::move(onKeyUp)});
     if (t.eventHandler.isNull() || t.eventHandler.data() != hotKeys) {
         installEventHandler(hotKeys);
         updateEventHandler();
@@ -153,8 +172,8 @@ void unregister(const Shortcut& shortcut) {
     HotKeys* hotKeys = service();
     for (auto it = t.hotKeys.begin(); it != t.hotKeys.end();) {
         if (it->second.shortcut == shortcut) {
-            if (it->second.carbonHotKey != 0 && hotKeys != nullptr) {
-                hotKeys->unregisterHotKey(it->second.carbonHotKey);
+            if (it->second.registration && hotKeys != nullptr) {
+                hotKeys->unregisterHotKey(*it->second.registration);
             }
             qCDebug(lcHotKeys) << "unregistered" << it->first;
             it = t.hotKeys.erase(it);
@@ -170,18 +189,17 @@ void softRegisterAll() {
         return;
     }
     for (auto& [id, hotKey] : tables().hotKeys) {
-        if (hotKey.carbonHotKey != 0) {
+        if (hotKey.registration) {
             continue;
         }
-        HotKeys::HotKeyRef ref = 0;
-        const int status = hotKeys->registerHotKey(static_cast<quint32>(hotKey.shortcut.carbonKeyCode()),
-                                                   static_cast<quint32>(hotKey.shortcut.carbonModifiers()),
-                                                   static_cast<quint32>(id), &ref);
-        if (status != 0 || ref == 0) {
-            printRegistrationError(hotKey.shortcut, status);
+        const HotKeys::Registration registration =
+            hotKeys->registerHotKey(static_cast<quint32>(hotKey.shortcut.carbonKeyCode()),
+                                    static_cast<quint32>(hotKey.shortcut.carbonModifiers()));
+        if (const auto* failure = std::get_if<HotKeys::Failure>(&registration)) {
+            printRegistrationError(hotKey.shortcut, *failure);
             continue;
         }
-        hotKey.carbonHotKey = ref;
+        hotKey.registration = std::get<HotKeys::RegistrationId>(registration);
     }
 }
 
@@ -232,43 +250,42 @@ QList<Shortcut> system(const QList<Shortcut>& candidates) {
     return held;
 }
 
-int handleRawKeyEvent(int keyCode, int carbonModifiers, int kind) {
+bool handleRawKeyEvent(int keyCode, int carbonModifiers, RawKeyEvent event) {
     for (const auto& [id, hotKey] : tables().hotKeys) {
         if (hotKey.shortcut.carbonKeyCode() != keyCode || hotKey.shortcut.carbonModifiers() != carbonModifiers) {
             continue;
         }
         // Copies: a handler may change the table.
         const Shortcut shortcut = hotKey.shortcut;
-        if (kind == 1) {
-            const Handler handler = hotKey.onKeyDown;
-            handler(shortcut);
-        } else if (kind == 3) {
-            const Handler handler = hotKey.onKeyUp;
-            handler(shortcut);
-        } else {
-            return eventNotHandledErr;
+        switch (event) {
+            case RawKeyEvent::keyDown: {
+                const Handler handler = hotKey.onKeyDown;
+                handler(shortcut);
+                break;
+            }
+            case RawKeyEvent::keyUp: {
+                const Handler handler = hotKey.onKeyUp;
+                handler(shortcut);
+                break;
+            }
+            case RawKeyEvent::probe:
+                break;
         }
-        return 0;
+        return true;
     }
-    return eventNotHandledErr;
+    return false;
 }
 
-int handleHotKeyEvent(quint32 hotKeyId, int kind) {
-    const auto found = tables().hotKeys.find(static_cast<int>(hotKeyId));
+bool handleHotKeyEvent(int hotKeyId, HotKeyEvent event) {
+    const auto found = tables().hotKeys.find(hotKeyId);
     if (found == tables().hotKeys.end()) {
-        return eventNotHandledErr;
+        return false;
     }
+    // Copies: a handler may change the table.
     const Shortcut shortcut = found->second.shortcut;
-    if (kind == 5) {
-        const Handler handler = found->second.onKeyDown;
-        handler(shortcut);
-    } else if (kind == 6) {
-        const Handler handler = found->second.onKeyUp;
-        handler(shortcut);
-    } else {
-        return eventNotHandledErr;
-    }
-    return 0;
+    const Handler handler = event == HotKeyEvent::pressed ? found->second.onKeyDown : found->second.onKeyUp;
+    handler(shortcut);
+    return true;
 }
 
 bool rebindIfServiceChanged() {
@@ -280,8 +297,8 @@ bool rebindIfServiceChanged() {
     const bool hadState = t.hasBoundService || !t.hotKeys.empty();
     if (!t.boundService.isNull()) {
         for (const auto& [id, hotKey] : t.hotKeys) {
-            if (hotKey.carbonHotKey != 0) {
-                t.boundService->unregisterHotKey(hotKey.carbonHotKey);
+            if (hotKey.registration) {
+                t.boundService->unregisterHotKey(*hotKey.registration);
             }
         }
     }
@@ -307,7 +324,7 @@ QList<int> hotKeyIds() {
 
 bool isActive(int hotKeyId) {
     const auto found = tables().hotKeys.find(hotKeyId);
-    return found != tables().hotKeys.end() && found->second.carbonHotKey != 0;
+    return found != tables().hotKeys.end() && found->second.registration.has_value();
 }
 
 std::optional<Shortcut> shortcutForHotKey(int hotKeyId) {

@@ -3,6 +3,7 @@
 #include <QList>
 #include <functional>
 
+#include "KeyboardShortcuts/KeyEvents.h"
 #include "KeyboardShortcuts/Shortcut.h"
 
 // The low layer of the global shortcuts: one table of hot keys registered with the platform's hot-key
@@ -11,9 +12,6 @@
 namespace KeyboardShortcuts::CarbonKeyboardShortcuts {
 
 using Handler = std::function<void(const Shortcut&)>;
-
-// The status the event path answers for an event it does not handle.
-constexpr int eventNotHandledErr = -9874;
 
 // Registers a hot key under the next id. A failure prints "Error registering hotkey <shortcut>: <status>"
 // on standard output and keeps nothing.
@@ -28,10 +26,10 @@ void updateEventHandler();
 // The candidates that the system or another client already holds.
 QList<Shortcut> system(const QList<Shortcut>& candidates);
 
-// A raw key event (kind 1 down, 3 up) matched against the table; 0 when a hot key handled it.
-int handleRawKeyEvent(int keyCode, int carbonModifiers, int kind);
-// A platform hot-key event (kind 5 pressed, 6 released); 0 when handled.
-int handleHotKeyEvent(quint32 hotKeyId, int kind);
+// A raw key event matched against the table; true when a hot key took it (a probe runs nothing).
+bool handleRawKeyEvent(int keyCode, int carbonModifiers, RawKeyEvent event);
+// A hot-key event for the table entry hotKeyId; true when the entry exists and handled it.
+bool handleHotKeyEvent(int hotKeyId, HotKeyEvent event);
 
 // Inspection, for tests and the debug trace.
 int lastHotKeyId();

@@ -69,7 +69,7 @@ bool RawKeyMonitor::eventFilter(QObject* watched, QEvent* event) {
     if (type == QEvent::ShortcutOverride) {
         // Claim the key so that no action of the open menu's window triggers on it; the press that
         // follows is matched below.
-        if (m_callback(*keyCode, modifiers, 0) == 0) {
+        if (m_callback(*keyCode, modifiers, RawKeyEvent::probe)) {
             event->accept();
             return true;
         }
@@ -81,9 +81,9 @@ bool RawKeyMonitor::eventFilter(QObject* watched, QEvent* event) {
     }
     if (keyEvent->isAutoRepeat()) {
         // A held hot key fires once; its repeats are swallowed when it is one of ours.
-        return m_callback(*keyCode, modifiers, 0) == 0;
+        return m_callback(*keyCode, modifiers, RawKeyEvent::probe);
     }
-    return m_callback(*keyCode, modifiers, type == QEvent::KeyPress ? 1 : 3) == 0;
+    return m_callback(*keyCode, modifiers, type == QEvent::KeyPress ? RawKeyEvent::keyDown : RawKeyEvent::keyUp);
 }
 
 }  // namespace KeyboardShortcuts

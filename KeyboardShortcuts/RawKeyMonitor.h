@@ -3,16 +3,18 @@
 #include <QObject>
 #include <functional>
 
+#include "KeyboardShortcuts/KeyEvents.h"
+
 namespace KeyboardShortcuts {
 
 // Watches the application's key events before any window or menu sees them, while started. The
-// callback gets (Carbon key code, Carbon modifiers, kind 1 down / 3 up) and answers 0 to swallow
+// callback gets the Carbon key code, the Carbon modifiers and what happened, and answers true to swallow
 // the event. Used while a menu holds the keyboard. Modifier keys that a hot key needs are kept from the
 // menu too (a menu closes when Alt is pressed, which would end a Control+Alt shortcut half-way).
 class RawKeyMonitor : public QObject {
     Q_OBJECT
 public:
-    using Callback = std::function<int(int keyCode, int carbonModifiers, int kind)>;
+    using Callback = std::function<bool(int keyCode, int carbonModifiers, RawKeyEvent event)>;
     // Whether some hot key holds this Carbon modifier bit.
     using ModifierQuery = std::function<bool(int carbonModifier)>;
 

@@ -23,8 +23,11 @@ constexpr uint8_t kBadAccess = 10;
 // The modifiers a hot key can hold; the lock bits and the others are masked away from key states.
 constexpr uint16_t kRealModifiers = XCB_MOD_MASK_SHIFT | XCB_MOD_MASK_CONTROL | XCB_MOD_MASK_1 | XCB_MOD_MASK_4;
 
-int statusForError(uint8_t errorCode) {
-    return errorCode == kBadAccess ? HotKeys::kEventHotKeyExistsErr : errorCode;
+HotKeys::Failure failureForError(uint8_t errorCode) {
+    if (errorCode == kBadAccess) {
+        return {HotKeys::Error::takenByAnotherClient};
+    }
+    return {HotKeys::Error::other, errorCode};
 }
 
 }  // namespace
@@ -96,7 +99,7 @@ QList<uint16_t> X11HotKeys::lockVariants() const {
     return variants;
 }
 
-int X11HotKeys::grab(xcb_keycode_t keycode, uint16_t modifiers) {
+std::optional<HotKeys::Failure> X11HotKeys::grab(xcb_keycode_t keycode, uint16_t modifiers) {
     xcb_connection_t* xcb = m_connection.xcb();
     const QList<uint16_t> variants = lockVariants();
     QList<xcb_void_cookie_t> cookies;
@@ -104,25 +107,25 @@ int X11HotKeys::grab(xcb_keycode_t keycode, uint16_t modifiers) {
         cookies.append(xcb_grab_key_checked(xcb, 1, m_connection.root(), static_cast<uint16_t>(modifiers | variant),
                                             keycode, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC));
     }
-    int status = 0;
+    std::optional<Failure> failure;
     QList<uint16_t> grabbed;
     for (int i = 0; i < cookies.size(); ++i) {
         if (xcb_generic_error_t* error = xcb_request_check(xcb, cookies[i])) {
-            if (status == 0) {
-                status = statusForError(error->error_code);
+            if (!failure) {
+                failure = failureForError(error->error_code);
             }
             std::free(error);
         } else {
             grabbed.append(variants[i]);
         }
     }
-    if (status != 0) {
+    if (failure) {
         for (const uint16_t variant : grabbed) {
             xcb_ungrab_key(xcb, keycode, m_connection.root(), static_cast<uint16_t>(modifiers | variant));
         }
         m_connection.flush();
     }
-    return status;
+    return failure;
 }
 
 void X11HotKeys::ungrab(xcb_keycode_t keycode, uint16_t modifiers) {
@@ -141,26 +144,29 @@ bool X11HotKeys::isGrabbedByUs(xcb_keycode_t keycode, uint16_t modifiers) const 
     return false;
 }
 
-int X11HotKeys::registerHotKey(quint32 carbonKeyCode, quint32 carbonModifiers, quint32 hotKeyId, HotKeyRef* ref) {
+HotKeys::Registration X11HotKeys::registerHotKey(quint32 carbonKeyCode, quint32 carbonModifiers) {
     const std::optional<xcb_keycode_t> keycode = CarbonKeyCodes::xKeycode(static_cast<int>(carbonKeyCode));
+    if (!keycode) {
+        return Failure{Error::unsupportedKey};
+    }
     const std::optional<uint16_t> modifiers = CarbonKeyCodes::xModifierMask(carbonModifiers);
-    if (!keycode || !modifiers) {
-        return kEventHotKeyInvalidErr;
+    if (!modifiers) {
+        return Failure{Error::unsupportedModifier};
     }
     // A combination we hold already is shared, not grabbed twice.
     if (!isGrabbedByUs(*keycode, *modifiers)) {
-        if (const int status = grab(*keycode, *modifiers); status != 0) {
-            return status;
+        if (const std::optional<Failure> failure = grab(*keycode, *modifiers)) {
+            return *failure;
         }
     }
-    *ref = m_nextRef++;
-    m_grabs.insert(*ref, {*keycode, *modifiers, hotKeyId});
-    qCDebug(lcX11HotKeys) << "grabbed keycode" << *keycode << "modifiers" << *modifiers << "for" << hotKeyId;
-    return 0;
+    const RegistrationId id = m_nextId++;
+    m_grabs.insert(id, {*keycode, *modifiers});
+    qCDebug(lcX11HotKeys) << "grabbed keycode" << *keycode << "modifiers" << *modifiers << "as" << id;
+    return id;
 }
 
-void X11HotKeys::unregisterHotKey(HotKeyRef ref) {
-    const auto found = m_grabs.constFind(ref);
+void X11HotKeys::unregisterHotKey(RegistrationId id) {
+    const auto found = m_grabs.constFind(id);
     if (found == m_grabs.constEnd()) {
         return;
     }
@@ -170,7 +176,7 @@ void X11HotKeys::unregisterHotKey(HotKeyRef ref) {
         ungrab(grab.keycode, grab.modifiers);
     }
     for (auto it = m_pressed.begin(); it != m_pressed.end();) {
-        it = it.value() == grab.hotKeyId ? m_pressed.erase(it) : std::next(it);
+        it = it.value() == id ? m_pressed.erase(it) : std::next(it);
     }
 }
 
@@ -194,11 +200,12 @@ bool X11HotKeys::isHeldByAnotherClient(quint32 carbonKeyCode, quint32 carbonModi
         return true;
     }
     // Probe: a grab that another client holds is refused; one we get is released at once.
-    if (grab(*keycode, *modifiers) == kEventHotKeyExistsErr) {
-        return true;
+    const std::optional<Failure> failure = grab(*keycode, *modifiers);
+    if (!failure) {
+        ungrab(*keycode, *modifiers);
+        return false;
     }
-    ungrab(*keycode, *modifiers);
-    return false;
+    return failure->error == Error::takenByAnotherClient;
 }
 
 void X11HotKeys::regrabAll() {
@@ -214,8 +221,8 @@ void X11HotKeys::regrabAll() {
     }
     readNumLockMask();
     for (const auto& [keycode, modifiers] : combinations) {
-        if (const int status = grab(keycode, modifiers); status != 0) {
-            qCDebug(lcX11HotKeys) << "re-grabbing keycode" << keycode << "failed with" << status;
+        if (const std::optional<Failure> failure = grab(keycode, modifiers)) {
+            qCDebug(lcX11HotKeys) << "re-grabbing keycode" << keycode << "failed with X error" << failure->code;
         }
     }
 }
@@ -232,22 +239,23 @@ bool X11HotKeys::handleEvent(xcb_generic_event_t* event) {
             if (pressed == m_pressed.constEnd()) {
                 return false;
             }
-            const quint32 id = *pressed;
+            const RegistrationId id = *pressed;
             m_pressed.erase(pressed);
-            Q_EMIT hotKeyReleased(id);
+            Q_EMIT released(id);
             return true;
         }
         const uint16_t state = key->state & kRealModifiers;
-        for (const Grab& grab : std::as_const(m_grabs)) {
-            if (grab.keycode != key->detail || grab.modifiers != state) {
+        for (auto it = m_grabs.cbegin(); it != m_grabs.cend(); ++it) {
+            if (it->keycode != key->detail || it->modifiers != state) {
                 continue;
             }
             if (m_pressed.contains(key->detail)) {
                 ++m_suppressedRepeats;  // a repeat of a key that is already down
                 return true;
             }
-            m_pressed.insert(key->detail, grab.hotKeyId);
-            Q_EMIT hotKeyPressed(grab.hotKeyId);
+            const RegistrationId id = it.key();
+            m_pressed.insert(key->detail, id);
+            Q_EMIT pressed(id);
             return true;
         }
         return false;

@@ -4,6 +4,7 @@
 
 #include <QHash>
 #include <QList>
+#include <optional>
 
 #include "platform/HotKeys.h"
 
@@ -20,8 +21,8 @@ public:
     explicit X11HotKeys(X11Connection& connection, X11KeyboardLayout* layout = nullptr);
     ~X11HotKeys() override;
 
-    int registerHotKey(quint32 carbonKeyCode, quint32 carbonModifiers, quint32 hotKeyId, HotKeyRef* ref) override;
-    void unregisterHotKey(HotKeyRef ref) override;
+    Registration registerHotKey(quint32 carbonKeyCode, quint32 carbonModifiers) override;
+    void unregisterHotKey(RegistrationId id) override;
     bool isHeldByAnotherClient(quint32 carbonKeyCode, quint32 carbonModifiers) override;
 
     // The real modifier bit NumLock sets (0 when no modifier carries it).
@@ -34,12 +35,11 @@ private:
     struct Grab {
         xcb_keycode_t keycode = 0;
         uint16_t modifiers = 0;
-        quint32 hotKeyId = 0;
     };
 
     QList<uint16_t> lockVariants() const;
-    // Grabs every lock variant; on failure releases what was grabbed and returns the X error code.
-    int grab(xcb_keycode_t keycode, uint16_t modifiers);
+    // Grabs every lock variant; on failure releases what was grabbed and says why.
+    std::optional<Failure> grab(xcb_keycode_t keycode, uint16_t modifiers);
     void ungrab(xcb_keycode_t keycode, uint16_t modifiers);
     bool isGrabbedByUs(xcb_keycode_t keycode, uint16_t modifiers) const;
     bool handleEvent(xcb_generic_event_t* event);
@@ -53,9 +53,9 @@ private:
     int m_firstXkbEvent = -1;
     uint16_t m_numLockMask = 0;
     bool m_detectableAutoRepeat = false;
-    QHash<HotKeyRef, Grab> m_grabs;
-    HotKeyRef m_nextRef = 1;
-    // Keys whose press was delivered and whose release is still to come, keycode -> hot-key id.
-    QHash<xcb_keycode_t, quint32> m_pressed;
+    QHash<RegistrationId, Grab> m_grabs;
+    RegistrationId m_nextId = 1;
+    // Keys whose press was delivered and whose release is still to come, keycode -> registration.
+    QHash<xcb_keycode_t, RegistrationId> m_pressed;
     int m_suppressedRepeats = 0;
 };

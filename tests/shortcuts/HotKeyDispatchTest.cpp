@@ -110,12 +110,12 @@ TEST_F(HotKeyDispatchTest, DisablingAndEnablingReRegistersEveryHotKeyWithItsOldI
     EXPECT_EQ(runs, 0);
 
     setEnabled(true);
-    QList<quint32> registeredIds;
-    for (const auto& registration : platform.hotKeys.registrations()) {
-        registeredIds.append(registration.hotKeyId);
-    }
-    std::sort(registeredIds.begin(), registeredIds.end());
-    EXPECT_EQ(registeredIds, QList<quint32>({1u, 2u}));
+    EXPECT_EQ(platform.hotKeys.registrations().size(), 2);
+    EXPECT_EQ(Carbon::hotKeyIds(), ids);
+    EXPECT_TRUE(Carbon::isActive(1));
+    EXPECT_TRUE(Carbon::isActive(2));
+    EXPECT_EQ(Carbon::shortcutForHotKey(1), kOptionF5);
+    EXPECT_EQ(Carbon::shortcutForHotKey(2), kControlCommandK);
     EXPECT_EQ(Carbon::lastHotKeyId(), 2) << "no new ids were handed out";
     press(platform.hotKeys, kOptionF5);
     EXPECT_EQ(runs, 1);
@@ -137,6 +137,31 @@ TEST_F(HotKeyDispatchTest, FailedRegistrationConsumesIdAndPrintsErrorLine) {
 
     setShortcut(kOptionF5, free);
     EXPECT_EQ(Carbon::hotKeyIds(), QList<int>({2}));
+}
+
+TEST_F(HotKeyDispatchTest, KeyOrModifierWithoutEquivalentPrintsInvalidHotKeyStatus) {
+    const Name name(QStringLiteral("n"));
+    platform.hotKeys.refuse(static_cast<quint32>(kOptionF5.carbonKeyCode()),
+                            static_cast<quint32>(kOptionF5.carbonModifiers()), {HotKeys::Error::unsupportedModifier});
+    platform.hotKeys.refuse(static_cast<quint32>(kControlCommandK.carbonKeyCode()),
+                            static_cast<quint32>(kControlCommandK.carbonModifiers()), {HotKeys::Error::unsupportedKey});
+    testing::internal::CaptureStdout();
+    setShortcut(kOptionF5, name);
+    setShortcut(kControlCommandK, name);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(),
+              "Error registering hotkey ⌥F5: -9879\nError registering hotkey ⌃⌘K: -9879\n");
+    EXPECT_TRUE(Carbon::hotKeyIds().isEmpty());
+}
+
+TEST_F(HotKeyDispatchTest, OtherRefusalPrintsTheSystemsOwnCode) {
+    const Name name(QStringLiteral("n"));
+    platform.hotKeys.refuse(static_cast<quint32>(kOptionF5.carbonKeyCode()),
+                            static_cast<quint32>(kOptionF5.carbonModifiers()), {HotKeys::Error::other, 11});
+    testing::internal::CaptureStdout();
+    setShortcut(kOptionF5, name);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "Error registering hotkey ⌥F5: 11\n");
+    EXPECT_EQ(Carbon::lastHotKeyId(), 1);
+    EXPECT_TRUE(platform.hotKeys.registrations().isEmpty());
 }
 
 TEST_F(HotKeyDispatchTest, IdsAreNeverReused) {
@@ -293,8 +318,26 @@ TEST_F(HotKeyDispatchTest, NewlyInstalledPlatformStartsWithoutRegistrations) {
 }
 
 TEST_F(HotKeyDispatchTest, UnknownHotKeyIdIsNotHandled) {
-    EXPECT_EQ(Carbon::handleHotKeyEvent(999, 5), Carbon::eventNotHandledErr);
-    EXPECT_EQ(Carbon::handleRawKeyEvent(40, 4352, 1), Carbon::eventNotHandledErr);
+    EXPECT_FALSE(Carbon::handleHotKeyEvent(999, HotKeyEvent::pressed));
+    EXPECT_FALSE(Carbon::handleRawKeyEvent(40, 4352, RawKeyEvent::keyDown));
+}
+
+TEST_F(HotKeyDispatchTest, HotKeyAndRawKeyEventsRunTheMatchingHandlers) {
+    const Name name(QStringLiteral("n"));
+    setShortcut(kControlCommandK, name);
+    QStringList events;
+    onKeyDown(name, [&] { events.append(QStringLiteral("down")); });
+    onKeyUp(name, [&] { events.append(QStringLiteral("up")); });
+    ASSERT_EQ(Carbon::hotKeyIds(), QList<int>({1}));
+    EXPECT_TRUE(Carbon::handleHotKeyEvent(1, HotKeyEvent::released));
+    EXPECT_TRUE(Carbon::handleHotKeyEvent(1, HotKeyEvent::pressed));
+    EXPECT_TRUE(Carbon::handleRawKeyEvent(40, 4352, RawKeyEvent::probe)) << "a probe matches";
+    EXPECT_FALSE(Carbon::handleRawKeyEvent(40, 256, RawKeyEvent::probe)) << "other modifiers do not";
+    EXPECT_EQ(events, QStringList({QStringLiteral("up"), QStringLiteral("down")})) << "a probe runs nothing";
+    EXPECT_TRUE(Carbon::handleRawKeyEvent(40, 4352, RawKeyEvent::keyDown));
+    EXPECT_TRUE(Carbon::handleRawKeyEvent(40, 4352, RawKeyEvent::keyUp));
+    EXPECT_EQ(events, QStringList({QStringLiteral("up"), QStringLiteral("down"), QStringLiteral("down"),
+                                   QStringLiteral("up")}));
 }
 
 TEST_F(HotKeyDispatchTest, SystemListsCandidatesHeldByOthers) {
@@ -334,7 +377,8 @@ TEST_F(HotKeyDispatchTest, OpeningAnyMenuSuspendsHotKeysAndKeysReachHandlersNotT
     EXPECT_FALSE(isMenuOpen());
     EXPECT_FALSE(Carbon::isRawKeyMonitorActive());
     ASSERT_EQ(platform.hotKeys.registrations().size(), 1) << "closing the menu registers them again";
-    EXPECT_EQ(platform.hotKeys.registrations().first().hotKeyId, 1u);
+    EXPECT_EQ(Carbon::hotKeyIds(), QList<int>({1}));
+    EXPECT_TRUE(Carbon::isActive(1)) << "under its old id";
 }
 
 }  // namespace

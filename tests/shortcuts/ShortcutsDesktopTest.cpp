@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <numeric>
+#include <variant>
 
 #include <QApplication>
 #include <QElapsedTimer>
@@ -258,6 +259,63 @@ TEST_F(ShortcutsDesktopTest, ShortcutGrabbedByAnotherClientPrintsErrorLine) {
     keyboard.type(kControlAlt, XTestKeyboard::keyL);
     ASSERT_TRUE(settle());
     EXPECT_EQ(counter.ups, 0);
+}
+
+TEST_F(ShortcutsDesktopTest, RegistrationAnswersAnIdOrWhyNot) {
+    const auto keyK = static_cast<quint32>(Key::k.rawValue());
+    const quint32 controlOption = CarbonModifier::controlKey | CarbonModifier::optionKey;
+    const HotKeys::Registration first = hotKeys().registerHotKey(keyK, controlOption);
+    const HotKeys::Registration shared = hotKeys().registerHotKey(keyK, controlOption);
+    ASSERT_TRUE(std::holds_alternative<HotKeys::RegistrationId>(first));
+    ASSERT_TRUE(std::holds_alternative<HotKeys::RegistrationId>(shared)) << "a combination we hold is shared";
+    const HotKeys::RegistrationId firstId = std::get<HotKeys::RegistrationId>(first);
+    const HotKeys::RegistrationId sharedId = std::get<HotKeys::RegistrationId>(shared);
+    EXPECT_NE(firstId, 0u);
+    EXPECT_NE(firstId, sharedId);
+
+    EXPECT_EQ(hotKeys().registerHotKey(keyK, controlOption | CarbonModifier::function),
+              HotKeys::Registration(HotKeys::Failure{HotKeys::Error::unsupportedModifier}))
+        << "X has no function modifier";
+    EXPECT_EQ(hotKeys().registerHotKey(0x7FFF, controlOption),
+              HotKeys::Registration(HotKeys::Failure{HotKeys::Error::unsupportedKey}));
+
+    XTestKeyboard other;  // another client that holds Control+Alt+J
+    ASSERT_TRUE(other.isConnected());
+    ASSERT_EQ(xcb_request_check(
+                  other.connection(),
+                  xcb_grab_key_checked(other.connection(), 1, other.root(), XCB_MOD_MASK_CONTROL | XCB_MOD_MASK_1,
+                                       XTestKeyboard::keyJ, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC)),
+              nullptr);
+    EXPECT_EQ(hotKeys().registerHotKey(static_cast<quint32>(Key::j.rawValue()), controlOption),
+              HotKeys::Registration(HotKeys::Failure{HotKeys::Error::takenByAnotherClient}));
+
+    // Presses and releases are reported under a registration id (the sentinel's are left out).
+    QList<HotKeys::RegistrationId> presses;
+    QList<HotKeys::RegistrationId> releases;
+    const auto ours = [&](HotKeys::RegistrationId id) { return id == firstId || id == sharedId; };
+    QObject scope;  // ends the connections with the test
+    QObject::connect(&hotKeys(), &HotKeys::pressed, &scope, [&](HotKeys::RegistrationId id) {
+        if (ours(id)) {
+            presses.append(id);
+        }
+    });
+    QObject::connect(&hotKeys(), &HotKeys::released, &scope, [&](HotKeys::RegistrationId id) {
+        if (ours(id)) {
+            releases.append(id);
+        }
+    });
+    keyboard.type(kControlAlt, XTestKeyboard::keyK);
+    ASSERT_TRUE(settle());
+    ASSERT_EQ(presses.size(), 1);
+    EXPECT_TRUE(presses.first() == firstId || presses.first() == sharedId);
+    EXPECT_EQ(releases, presses);
+
+    hotKeys().unregisterHotKey(firstId);
+    hotKeys().unregisterHotKey(sharedId);
+    presses.clear();
+    keyboard.type(kControlAlt, XTestKeyboard::keyK);
+    ASSERT_TRUE(settle());
+    EXPECT_TRUE(presses.isEmpty()) << "released with its last registration";
 }
 
 TEST_F(ShortcutsDesktopTest, RefusedLockVariantReleasesTheVariantsAlreadyGrabbed) {
