@@ -2,7 +2,7 @@
 
 FakePlatform::FakePlatform() {
     Platform::install({&displays, &windowServer, &workspace, &accessibility, &hotKeys, &keyboardLayout, &userDefaults,
-                       &loginItems, &permissions, &activation});
+                       &loginItems, &sessionCheck, &activation});
 }
 
 FakePlatform::~FakePlatform() {

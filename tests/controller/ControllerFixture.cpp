@@ -20,8 +20,8 @@ void ControllerTest::SetUp() {
          .serial = 22,
          .image = picture},
     });
-    platform.permissions.screenCaptureGranted = true;
-    platform.permissions.trusted = true;
+    platform.sessionCheck.screenCaptureAvailable = true;
+    platform.sessionCheck.windowControlAvailable = true;
     m_controller = std::make_unique<AppController>();
 
     AppController* c = m_controller.get();
