@@ -4,9 +4,6 @@
 #include "app/PermissionService.h"
 #include "app/ScreenSnapshotService.h"
 #include "app/WindowMover.h"
-#include "platform/Activation.h"
-#include "platform/Permissions.h"
-#include "platform/Platform.h"
 
 namespace {
 const QString kAccessibilityRequired = QStringLiteral("Accessibility permission is required to move windows.");
@@ -69,22 +66,16 @@ void AppController::moveFocusedWindow(const QString& displayPersistentID) {
 }
 
 void AppController::requestAccessibilityPermission() {
-    Permissions* permissions = Platform::services().permissions;
-    if (permissions->isProcessTrusted()) {
-        setStatusMessage(kAccessibilityGranted);
-    } else {
-        Platform::services().activation->activateIgnoringOtherApps();
-        permissions->isProcessTrustedWithOptions(true);
-        const bool trusted = permissions->isProcessTrustedWithOptions(false);
-        setStatusMessage(trusted ? kAccessibilityGranted
-                                 : QStringLiteral("Requested Accessibility permission. If no prompt appears, click "
-                                                  "Open System Settings."));
-    }
+    // No prompt exists: a request looks at the session again, and the state shows what it found.
+    const bool usable = PermissionService::requestWindowControl().isUsable();
+    setStatusMessage(usable ? kAccessibilityGranted
+                            : QStringLiteral("Requested Accessibility permission. If no prompt appears, click Open "
+                                             "System Settings."));
     refreshPermissions();
 }
 
 void AppController::requestScreenRecordingPermission() {
-    PermissionService::requestScreenRecording();
+    PermissionService::requestScreenCapture();
     setStatusMessage(QStringLiteral("Requested Screen Recording permission. macOS may require app restart."));
     refreshPermissions();
 }

@@ -6,6 +6,7 @@
 #include <QString>
 #include <optional>
 
+#include "platform/SessionCheck.h"
 #include "platform/Types.h"
 
 // One connected display at one moment.
@@ -52,10 +53,18 @@ struct DisplaySnapshot {
     }
 };
 
-// Which of the two required grants the process holds.
+// Which of the two required capabilities the session gives the process, and the checks they come
+// from: a capability counts as granted when it can be used at all, even if only for some applications.
 struct PermissionState {
     bool screenRecordingGranted = false;
     bool accessibilityGranted = false;
+    // What limits each capability, or why it is missing, for the views.
+    CapabilityCheck screenCapture;
+    CapabilityCheck windowControl;
+
+    static PermissionState fromChecks(const CapabilityCheck& screenCapture, const CapabilityCheck& windowControl) {
+        return {screenCapture.isUsable(), windowControl.isUsable(), screenCapture, windowControl};
+    }
 
     bool bothGranted() const { return screenRecordingGranted && accessibilityGranted; }
     bool operator==(const PermissionState&) const = default;

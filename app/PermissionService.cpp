@@ -1,36 +1,33 @@
 #include "app/PermissionService.h"
 
-#include "platform/Permissions.h"
+#include "platform/Activation.h"
 #include "platform/Platform.h"
+#include "platform/SessionCheck.h"
 
 namespace {
-Permissions* permissions() {
-    return Platform::services().permissions;
+SessionCheck* sessionCheck() {
+    return Platform::services().sessionCheck;
 }
 }  // namespace
 
 PermissionState PermissionService::currentState() {
-    PermissionState state;
-    state.screenRecordingGranted = permissions()->preflightScreenCaptureAccess();
-    state.accessibilityGranted = permissions()->isProcessTrusted();
-    return state;
+    const CapabilityCheck screenCapture = sessionCheck()->screenCapture();
+    const CapabilityCheck windowControl = sessionCheck()->windowControl();
+    return PermissionState::fromChecks(screenCapture, windowControl);
 }
 
-void PermissionService::requestAccessibility() {
-    if (permissions()->isProcessTrusted()) {
-        return;
+CapabilityCheck PermissionService::requestWindowControl() {
+    return sessionCheck()->windowControl();
+}
+
+CapabilityCheck PermissionService::requestScreenCapture() {
+    return sessionCheck()->screenCapture();
+}
+
+bool PermissionService::openHelp(Capability capability) {
+    const QUrl page = sessionCheck()->helpPage(capability);
+    if (page.isEmpty()) {
+        return false;
     }
-    permissions()->isProcessTrustedWithOptions(true);
-}
-
-void PermissionService::requestScreenRecording() {
-    permissions()->requestScreenCaptureAccess();
-}
-
-void PermissionService::openAccessibilitySettings() {
-    permissions()->openSettingsPage(QString::fromLatin1(kAccessibilitySettingsURL));
-}
-
-void PermissionService::openScreenRecordingSettings() {
-    permissions()->openSettingsPage(QString::fromLatin1(kScreenRecordingSettingsURL));
+    return Platform::services().activation->openURL(page);
 }

@@ -2,20 +2,17 @@
 
 #include "app/Models.h"
 
-// Reads and requests the two grants the program needs. Stateless.
+// Reads what the session allows and opens the pages that explain it. Stateless.
 namespace PermissionService {
 
-inline constexpr const char* kAccessibilitySettingsURL =
-    "x-apple.systempreferences:com.apple.preference.security?Privacy_Accessibility";
-inline constexpr const char* kScreenRecordingSettingsURL =
-    "x-apple.systempreferences:com.apple.preference.security?Privacy_ScreenCapture";
-
-// Screen capture is read first, then accessibility trust.
+// Screen capture is checked first, then window control.
 PermissionState currentState();
-// Prompts for accessibility trust unless it is already granted.
-void requestAccessibility();
-void requestScreenRecording();
-void openAccessibilitySettings();
-void openScreenRecordingSettings();
+// Checks window control again; no prompt exists, so this is all a request can do.
+CapabilityCheck requestWindowControl();
+// Checks screen capture again.
+CapabilityCheck requestScreenCapture();
+// Opens the page that explains what the session needs for a capability; false when there is none or
+// nothing could open it.
+bool openHelp(Capability capability);
 
 }  // namespace PermissionService

@@ -6,7 +6,7 @@ class HotKeys;
 class KeyboardLayout;
 class LoginItems;
 class Monitors;
-class Permissions;
+class SessionCheck;
 class UserDefaults;
 class WindowList;
 class Workspace;
@@ -22,7 +22,7 @@ struct PlatformServices {
     KeyboardLayout* keyboardLayout = nullptr;
     UserDefaults* userDefaults = nullptr;
     LoginItems* loginItems = nullptr;
-    Permissions* permissions = nullptr;
+    SessionCheck* sessionCheck = nullptr;
     Activation* activation = nullptr;
 };
 

@@ -10,6 +10,7 @@
 
 #include "app/AppController.h"
 #include "app/PanelGeometry.h"
+#include "app/views/CapabilityText.h"
 #include "app/views/DisplayCardView.h"
 #include "app/views/SymbolIcons.h"
 #include "app/views/SymbolLabel.h"
@@ -117,9 +118,11 @@ QLabel* MenuBarContentView::makePermissionBadge(const QString& objectName, QWidg
     return badge;
 }
 
-void MenuBarContentView::updatePermissionBadge(QLabel* badge, const QString& title, bool granted) {
-    const QColor tint = granted ? ViewStyle::grantedColor() : ViewStyle::missingColor();
-    badge->setText(title + (granted ? QStringLiteral(": Granted") : QStringLiteral(": Missing")));
+void MenuBarContentView::updatePermissionBadge(QLabel* badge, const QString& title, const CapabilityCheck& check) {
+    const QColor tint = CapabilityText::grantColor(check);
+    badge->setText(title + QStringLiteral(": ") + CapabilityText::grantText(check));
+    // The panel is small: why a capability is limited or missing is told on hovering its badge.
+    badge->setToolTip(check.explanation);
     const int radius = (badge->fontMetrics().height() + 12) / 2;
     badge->setStyleSheet(QStringLiteral("QLabel { color: %1; background-color: rgba(%2, %3, %4, 0.12); "
                                         "border-radius: %5px; padding: 6px 10px; }")
@@ -219,9 +222,8 @@ MenuBarContentView::State MenuBarContentView::stateFor(const PermissionState& pe
 
 void MenuBarContentView::render() {
     const PermissionState permissions = m_controller.permissionState();
-    updatePermissionBadge(m_screenRecordingBadge, QStringLiteral("Screen Recording"),
-                          permissions.screenRecordingGranted);
-    updatePermissionBadge(m_accessibilityBadge, QStringLiteral("Accessibility"), permissions.accessibilityGranted);
+    updatePermissionBadge(m_screenRecordingBadge, QStringLiteral("Screen Recording"), permissions.screenCapture);
+    updatePermissionBadge(m_accessibilityBadge, QStringLiteral("Accessibility"), permissions.windowControl);
 
     m_state = stateFor(permissions, m_controller.displays().isEmpty(), m_controller.isLoadingPreviews());
     switch (m_state) {

@@ -43,7 +43,7 @@ private:
     QWidget* makeGridPage();
     QWidget* makeFooter();
     QLabel* makePermissionBadge(const QString& objectName, QWidget* parent);
-    void updatePermissionBadge(QLabel* badge, const QString& title, bool granted);
+    void updatePermissionBadge(QLabel* badge, const QString& title, const CapabilityCheck& check);
 
     void render();
     void updateCards();

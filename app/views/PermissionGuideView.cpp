@@ -8,6 +8,7 @@
 
 #include "app/AppController.h"
 #include "app/PermissionService.h"
+#include "app/views/CapabilityText.h"
 #include "app/views/SymbolIcons.h"
 #include "app/views/SymbolLabel.h"
 #include "app/views/ViewStyle.h"
@@ -103,8 +104,9 @@ PermissionGuideView::PermissionGuideView(AppController& controller, QWidget* par
 }
 
 QWidget* PermissionGuideView::guideStep(const QString& title, qint64 stepNumber, const QString& stepSymbol,
-                                        bool granted, const QString& requestTitle, const QString& requestSymbol,
-                                        const QString& openSettingsTitle, const std::function<void()>& requestAction,
+                                        const CapabilityCheck& check, const QString& requestTitle,
+                                        const QString& requestSymbol, const QString& openSettingsTitle,
+                                        const std::function<void()>& requestAction,
                                         const std::function<void()>& openSettingsAction) {
     auto* row = new QFrame(this);
     row->setFrameShape(QFrame::StyledPanel);
@@ -128,17 +130,22 @@ QWidget* PermissionGuideView::guideStep(const QString& title, qint64 stepNumber,
     text->addWidget(ViewStyle::makeLabel(title, ViewStyle::headlineFont(), row));
     auto* state = new QHBoxLayout();
     state->setSpacing(4);
+    const bool granted = check.availability == Availability::Available;
     state->addWidget(iconLabel(
         granted ? QStringLiteral("checkmark.circle.fill") : QStringLiteral("exclamationmark.triangle"), 14, row));
-    QLabel* stateLabel = ViewStyle::makeLabel(granted ? QStringLiteral("Granted") : QStringLiteral("Missing"),
-                                              ViewStyle::captionFont(), row);
+    QLabel* stateLabel = ViewStyle::makeLabel(CapabilityText::grantText(check), ViewStyle::captionFont(), row);
     stateLabel->setObjectName(QStringLiteral("grantState"));
     QPalette statePalette = stateLabel->palette();
-    statePalette.setColor(QPalette::WindowText, granted ? ViewStyle::grantedColor() : ViewStyle::missingColor());
+    statePalette.setColor(QPalette::WindowText, CapabilityText::grantColor(check));
     stateLabel->setPalette(statePalette);
     state->addWidget(stateLabel);
     state->addStretch(1);
     text->addLayout(state);
+    // Why the capability is limited or missing, and what helps.
+    QLabel* explanation = ViewStyle::makeLabel(check.explanation, ViewStyle::captionFont(), row, true, true);
+    explanation->setObjectName(QStringLiteral("explanation"));
+    explanation->setVisible(!check.explanation.isEmpty());
+    text->addWidget(explanation);
     layout->addLayout(text, 1);
 
     QPushButton* request = makeButton(requestSymbol, requestTitle, row);
@@ -168,16 +175,16 @@ void PermissionGuideView::rebuildSteps() {
     }
     const PermissionState permissions = m_controller.permissionState();
     QWidget* screenRecording = guideStep(
-        QStringLiteral("Screen Recording"), 1, QStringLiteral("display"), permissions.screenRecordingGranted,
+        QStringLiteral("Screen Recording"), 1, QStringLiteral("display"), permissions.screenCapture,
         QStringLiteral("Request Screen Recording"), QStringLiteral("display"), QStringLiteral("Open System Settings"),
         [this] { m_controller.requestScreenRecordingPermission(); },
-        [] { PermissionService::openScreenRecordingSettings(); });
+        [] { PermissionService::openHelp(Capability::ScreenCapture); });
     screenRecording->setObjectName(QStringLiteral("screenRecordingStep"));
     QWidget* accessibility = guideStep(
-        QStringLiteral("Accessibility"), 2, QStringLiteral("hand.raised.fill"), permissions.accessibilityGranted,
+        QStringLiteral("Accessibility"), 2, QStringLiteral("hand.raised.fill"), permissions.windowControl,
         QStringLiteral("Request Accessibility"), QStringLiteral("hand.raised.fill"),
         QStringLiteral("Open System Settings"), [this] { m_controller.requestAccessibilityPermission(); },
-        [] { PermissionService::openAccessibilitySettings(); });
+        [] { PermissionService::openHelp(Capability::WindowControl); });
     accessibility->setObjectName(QStringLiteral("accessibilityStep"));
     m_stepsLayout->addWidget(screenRecording);
     m_stepsLayout->addWidget(accessibility);

@@ -7,6 +7,7 @@
 
 #include "app/AppController.h"
 #include "app/PermissionService.h"
+#include "app/views/CapabilityText.h"
 #include "app/views/SettingsCard.h"
 #include "app/views/ViewStyle.h"
 
@@ -23,22 +24,32 @@ QLabel* makeBadge(QWidget* parent, const QString& objectName) {
     return badge;
 }
 
-void showGrant(QLabel* badge, bool granted) {
-    badge->setText(granted ? QStringLiteral("Granted") : QStringLiteral("Missing"));
-    const QColor color = granted ? ViewStyle::grantedColor() : ViewStyle::missingColor();
+QLabel* makeExplanation(QWidget* parent, const QString& objectName) {
+    QLabel* explanation = ViewStyle::makeLabel(QString(), ViewStyle::captionFont(), parent, false, true);
+    explanation->setObjectName(objectName);
+    return explanation;
+}
+
+void showCheck(QLabel* badge, QLabel* explanation, const CapabilityCheck& check) {
+    badge->setText(CapabilityText::grantText(check));
+    const QColor color = CapabilityText::grantColor(check);
     badge->setStyleSheet(QStringLiteral("QLabel { color: %1; border: 1px solid %1; border-radius: 8px; "
                                         "padding: 1px 8px; }")
                              .arg(color.name()));
+    explanation->setText(check.explanation);
+    explanation->setVisible(!check.explanation.isEmpty());
 }
 
-// One permission: its name and purpose on the left, badge and buttons on the right.
-QWidget* makePermissionRow(const QString& title, const QString& purpose, QLabel* badge, QPushButton* request,
-                           QPushButton* settings) {
+// One capability: its name, purpose and explanation on the left, badge and buttons on the right.
+QWidget* makePermissionRow(const QString& title, const QString& purpose, QLabel* badge, QLabel* explanation,
+                           QPushButton* request, QPushButton* settings) {
     auto* row = new QWidget();
     auto* texts = new QVBoxLayout();
     texts->setSpacing(2);
     texts->addWidget(ViewStyle::makeLabel(title, ViewStyle::headlineFont(), row));
     texts->addWidget(ViewStyle::makeLabel(purpose, ViewStyle::captionFont(), row, true, true));
+    explanation->setParent(row);
+    texts->addWidget(explanation);
 
     auto* top = new QHBoxLayout();
     top->addLayout(texts, 1);
@@ -63,6 +74,8 @@ SettingsPermissionsSection::SettingsPermissionsSection(AppController& controller
     : QWidget(parent), m_controller(controller) {
     m_screenRecordingBadge = makeBadge(this, QStringLiteral("badge.screenRecording"));
     m_accessibilityBadge = makeBadge(this, QStringLiteral("badge.accessibility"));
+    m_screenRecordingExplanation = makeExplanation(this, QStringLiteral("explanation.screenRecording"));
+    m_accessibilityExplanation = makeExplanation(this, QStringLiteral("explanation.accessibility"));
 
     auto* requestScreenRecording = new QPushButton(QStringLiteral("Request Access"));
     requestScreenRecording->setObjectName(QStringLiteral("request.screenRecording"));
@@ -75,18 +88,21 @@ SettingsPermissionsSection::SettingsPermissionsSection(AppController& controller
 
     connect(requestScreenRecording, &QPushButton::clicked, this,
             [this] { m_controller.requestScreenRecordingPermission(); });
-    connect(openScreenRecording, &QPushButton::clicked, this, [] { PermissionService::openScreenRecordingSettings(); });
+    connect(openScreenRecording, &QPushButton::clicked, this,
+            [] { PermissionService::openHelp(Capability::ScreenCapture); });
     connect(requestAccessibility, &QPushButton::clicked, this,
             [this] { m_controller.requestAccessibilityPermission(); });
-    connect(openAccessibility, &QPushButton::clicked, this, [] { PermissionService::openAccessibilitySettings(); });
+    connect(openAccessibility, &QPushButton::clicked, this,
+            [] { PermissionService::openHelp(Capability::WindowControl); });
 
     auto* card = new SettingsCard(QString(), this);
     card->addRow(makePermissionRow(QStringLiteral("Screen Recording"),
                                    QStringLiteral("Needed to show live previews of your displays in the panel."),
-                                   m_screenRecordingBadge, requestScreenRecording, openScreenRecording));
-    card->addRow(makePermissionRow(QStringLiteral("Accessibility"),
-                                   QStringLiteral("Needed to find and move the windows of other applications."),
-                                   m_accessibilityBadge, requestAccessibility, openAccessibility));
+                                   m_screenRecordingBadge, m_screenRecordingExplanation, requestScreenRecording,
+                                   openScreenRecording));
+    card->addRow(makePermissionRow(
+        QStringLiteral("Accessibility"), QStringLiteral("Needed to find and move the windows of other applications."),
+        m_accessibilityBadge, m_accessibilityExplanation, requestAccessibility, openAccessibility));
 
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -98,6 +114,6 @@ SettingsPermissionsSection::SettingsPermissionsSection(AppController& controller
 
 void SettingsPermissionsSection::updateBadges() {
     const PermissionState state = m_controller.permissionState();
-    showGrant(m_screenRecordingBadge, state.screenRecordingGranted);
-    showGrant(m_accessibilityBadge, state.accessibilityGranted);
+    showCheck(m_screenRecordingBadge, m_screenRecordingExplanation, state.screenCapture);
+    showCheck(m_accessibilityBadge, m_accessibilityExplanation, state.windowControl);
 }

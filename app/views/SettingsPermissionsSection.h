@@ -5,7 +5,8 @@
 class AppController;
 class QLabel;
 
-// The two permission rows: status badge, "Request Access" and "Open System Settings".
+// The two capability rows: status badge, what limits the capability or why it is missing, a request
+// (a new check) and a button that opens the help page.
 class SettingsPermissionsSection : public QWidget {
     Q_OBJECT
 public:
@@ -13,6 +14,8 @@ public:
 
     QLabel* screenRecordingBadge() const { return m_screenRecordingBadge; }
     QLabel* accessibilityBadge() const { return m_accessibilityBadge; }
+    QLabel* screenRecordingExplanation() const { return m_screenRecordingExplanation; }
+    QLabel* accessibilityExplanation() const { return m_accessibilityExplanation; }
 
 private:
     void updateBadges();
@@ -20,4 +23,6 @@ private:
     AppController& m_controller;
     QLabel* m_screenRecordingBadge = nullptr;
     QLabel* m_accessibilityBadge = nullptr;
+    QLabel* m_screenRecordingExplanation = nullptr;
+    QLabel* m_accessibilityExplanation = nullptr;
 };

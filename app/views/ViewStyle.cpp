@@ -40,6 +40,10 @@ QColor ViewStyle::grantedColor() {
     return QColor(0x2e, 0xa0, 0x43);
 }
 
+QColor ViewStyle::limitedColor() {
+    return QColor(0x9a, 0x7d, 0x0a);
+}
+
 QColor ViewStyle::missingColor() {
     return QColor(0xe0, 0x7b, 0x00);
 }

@@ -19,8 +19,9 @@ QFont bodyFont();
 
 // The palette role of secondary text; it follows palette changes by itself.
 inline constexpr auto kSecondaryTextRole = QPalette::PlaceholderText;
-// Colours of a granted and a missing permission.
+// Colours of a granted, a limited and a missing capability.
 QColor grantedColor();
+QColor limitedColor();
 QColor missingColor();
 
 // A label in the given font, optionally in the secondary colour, with its text wrapped when asked.

@@ -2,7 +2,7 @@
 
 FakePlatform::FakePlatform() {
     Platform::install({&monitors, &windowList, &workspace, &accessibility, &hotKeys, &keyboardLayout, &userDefaults,
-                       &loginItems, &permissions, &activation});
+                       &loginItems, &sessionCheck, &activation});
 }
 
 FakePlatform::~FakePlatform() {

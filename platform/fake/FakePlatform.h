@@ -7,7 +7,7 @@
 #include "platform/fake/FakeKeyboardLayout.h"
 #include "platform/fake/FakeLoginItems.h"
 #include "platform/fake/FakeMonitors.h"
-#include "platform/fake/FakePermissions.h"
+#include "platform/fake/FakeSessionCheck.h"
 #include "platform/fake/FakeUserDefaults.h"
 #include "platform/fake/FakeWindowList.h"
 #include "platform/fake/FakeWorkspace.h"
@@ -28,6 +28,6 @@ public:
     FakeKeyboardLayout keyboardLayout;
     FakeUserDefaults userDefaults;
     FakeLoginItems loginItems;
-    FakePermissions permissions;
+    FakeSessionCheck sessionCheck;
     FakeActivation activation;
 };

@@ -7,7 +7,7 @@
 #include "platform/x11/X11HotKeys.h"
 #include "platform/x11/X11KeyboardLayout.h"
 #include "platform/x11/X11Monitors.h"
-#include "platform/x11/X11Permissions.h"
+#include "platform/x11/X11SessionCheck.h"
 #include "platform/x11/X11WindowCache.h"
 #include "platform/x11/X11WindowDesktopEntries.h"
 #include "platform/x11/X11WindowList.h"
@@ -20,7 +20,7 @@ struct X11Platform::Owned {
     std::unique_ptr<X11Monitors> monitors;
     std::unique_ptr<FileUserDefaults> userDefaults;
     std::unique_ptr<XdgLoginItems> loginItems;
-    std::unique_ptr<X11Permissions> permissions;
+    std::unique_ptr<X11SessionCheck> sessionCheck;
     std::unique_ptr<X11WindowDesktopEntries> desktopEntries;
     std::unique_ptr<X11WindowCache> windowCache;
     std::unique_ptr<X11WindowList> windowList;
@@ -43,7 +43,7 @@ X11Platform::X11Platform(std::unique_ptr<X11Connection> connection)
     m_owned->monitors = std::make_unique<X11Monitors>(x11);
     m_owned->userDefaults = std::make_unique<FileUserDefaults>(FileUserDefaults::standardPath());
     m_owned->loginItems = std::make_unique<XdgLoginItems>(XdgLoginItems::standardPath());
-    m_owned->permissions = std::make_unique<X11Permissions>(x11);
+    m_owned->sessionCheck = std::make_unique<X11SessionCheck>(x11);
     m_owned->desktopEntries = std::make_unique<X11WindowDesktopEntries>();
     // The window list, the running applications and the Accessibility reads share what they learn of
     // windows. Without a second connection they simply read everything each time.
@@ -64,7 +64,7 @@ X11Platform::X11Platform(std::unique_ptr<X11Connection> connection)
     m_services.keyboardLayout = m_owned->keyboardLayout.get();
     m_services.userDefaults = m_owned->userDefaults.get();
     m_services.loginItems = m_owned->loginItems.get();
-    m_services.permissions = m_owned->permissions.get();
+    m_services.sessionCheck = m_owned->sessionCheck.get();
     m_services.windowList = m_owned->windowList.get();
     m_services.workspace = m_owned->workspace.get();
     m_services.accessibility = m_owned->accessibility.get();

@@ -18,8 +18,8 @@ void ControllerTest::SetUp() {
     });
     platform.monitors.setPicture(1, picture);
     platform.monitors.setPicture(2, picture);
-    platform.permissions.screenCaptureGranted = true;
-    platform.permissions.trusted = true;
+    platform.sessionCheck.screenCaptureAvailable = true;
+    platform.sessionCheck.windowControlAvailable = true;
     m_controller = std::make_unique<AppController>();
 
     AppController* c = m_controller.get();

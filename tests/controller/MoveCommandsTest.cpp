@@ -29,7 +29,7 @@ protected:
                                         QVariant::fromValue(AXUIElement::window(number)));
     }
     void revokeAccessibility() {
-        platform.permissions.trusted = false;
+        platform.sessionCheck.windowControlAvailable = false;
         controller().refreshPermissions();
     }
     bool anyWrites() const { return !platform.accessibility.writes().isEmpty(); }
@@ -198,40 +198,44 @@ TEST_F(MoveCommands, FocusedWindowAlreadyOnTargetIsReportedAsNotMoved) {
     EXPECT_FALSE(anyWrites());
 }
 
-TEST_F(MoveCommands, AccessibilityRequestWhenTrustedSaysSoWithoutPrompting) {
+TEST_F(MoveCommands, AccessibilityRequestWhenAvailableSaysSo) {
     const int activations = platform.activation.activations;
     controller().requestAccessibilityPermission();
     EXPECT_EQ(controller().statusMessage(), QStringLiteral("Accessibility permission is already granted."));
-    EXPECT_EQ(platform.permissions.trustPrompts, 0);
+    // No prompt exists, so nothing is brought to the front for one.
     EXPECT_EQ(platform.activation.activations, activations);
 }
 
-TEST_F(MoveCommands, AccessibilityRequestThatYieldsNoTrustPointsToSettings) {
+TEST_F(MoveCommands, AccessibilityRequestThatFindsNothingPointsToHelp) {
     revokeAccessibility();
     const int activations = platform.activation.activations;
+    const int checks = platform.sessionCheck.windowControlChecks;
     signalLog().clear();
     controller().requestAccessibilityPermission();
     EXPECT_EQ(controller().statusMessage(),
               QStringLiteral("Requested Accessibility permission. If no prompt appears, click Open System Settings."));
-    EXPECT_EQ(platform.permissions.trustPrompts, 1);
-    EXPECT_EQ(platform.activation.activations, activations + 1);
+    // The request looks again (and the state is re-read after it).
+    EXPECT_EQ(platform.sessionCheck.windowControlChecks, checks + 2);
+    EXPECT_EQ(platform.activation.activations, activations);
     // The permission state is republished at the end.
     EXPECT_EQ(signalLog().last(), QStringLiteral("isLoadingPreviews=0"));
     EXPECT_TRUE(signalLog().contains(QStringLiteral("permissionState")));
 }
 
-TEST_F(MoveCommands, AccessibilityRequestThatGrantsTrustSaysGranted) {
+TEST_F(MoveCommands, AccessibilityRequestAfterTheDesktopChangedSaysGranted) {
     revokeAccessibility();
-    platform.permissions.promptGrantsTrust = true;
+    // A window manager was started since the last check.
+    platform.sessionCheck.windowControlAvailable = true;
     controller().requestAccessibilityPermission();
     EXPECT_EQ(controller().statusMessage(), QStringLiteral("Accessibility permission is already granted."));
     EXPECT_TRUE(controller().permissionState().accessibilityGranted);
 }
 
 TEST_F(MoveCommands, ScreenRecordingRequestAsksAndRefreshesPermissions) {
-    platform.permissions.screenCaptureGranted = false;
+    platform.sessionCheck.screenCaptureAvailable = false;
+    const int checks = platform.sessionCheck.screenCaptureChecks;
     controller().requestScreenRecordingPermission();
-    EXPECT_EQ(platform.permissions.screenCaptureRequests, 1);
+    EXPECT_EQ(platform.sessionCheck.screenCaptureChecks, checks + 2);
     EXPECT_EQ(controller().statusMessage(),
               QStringLiteral("Requested Screen Recording permission. macOS may require app restart."));
     EXPECT_FALSE(controller().permissionState().screenRecordingGranted);

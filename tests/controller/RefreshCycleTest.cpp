@@ -1,8 +1,14 @@
 #include <QThreadPool>
+#include <utility>
 
 #include "tests/controller/ControllerFixture.h"
 
 namespace {
+
+// The two flags of a permission state: screen capture, then window control.
+std::pair<bool, bool> grants(const PermissionState& state) {
+    return {state.screenRecordingGranted, state.accessibilityGranted};
+}
 
 using RefreshCycle = ControllerTest;
 
@@ -76,7 +82,7 @@ TEST_F(RefreshCycle, RevokingScreenRecordingDuringCaptureDropsItsResult) {
     const QUuid token = controller().previewLoadID();
     ASSERT_TRUE(heldCaptureStarted());
 
-    platform.permissions.screenCaptureGranted = false;
+    platform.sessionCheck.screenCaptureAvailable = false;
     controller().refreshPermissions();
     EXPECT_NE(controller().previewLoadID(), token);
     EXPECT_FALSE(controller().isLoadingPreviews());
@@ -97,7 +103,7 @@ TEST_F(RefreshCycle, OpenWithoutScreenRecordingClearsCardsWithoutCapture) {
     ASSERT_TRUE(waitUntil([&] { return !controller().isLoadingPreviews(); }));
     ASSERT_EQ(controller().displays().size(), 2);
 
-    platform.permissions.screenCaptureGranted = false;
+    platform.sessionCheck.screenCaptureAvailable = false;
     const QUuid token = controller().previewLoadID();
     const int queries = platform.windowList.queryCount();
     controller().refreshForMenuOpen();
@@ -109,7 +115,7 @@ TEST_F(RefreshCycle, OpenWithoutScreenRecordingClearsCardsWithoutCapture) {
 }
 
 TEST_F(RefreshCycle, OpenWithoutAccessibilityClearsCardsWithoutCapture) {
-    platform.permissions.trusted = false;
+    platform.sessionCheck.windowControlAvailable = false;
     controller().refreshForMenuOpen();
     EXPECT_TRUE(controller().displays().isEmpty());
     EXPECT_FALSE(controller().isLoadingPreviews());
@@ -135,17 +141,17 @@ TEST_F(RefreshCycle, PermissionRefreshWithBothGrantedTouchesNothingElse) {
     controller().refreshPermissions();
     EXPECT_EQ(controller().previewLoadID(), token);
     EXPECT_EQ(signalLog(), QStringList{QStringLiteral("permissionState")});
-    EXPECT_EQ(controller().permissionState(), (PermissionState{true, true}));
+    EXPECT_EQ(grants(controller().permissionState()), std::make_pair(true, true));
 }
 
 TEST_F(RefreshCycle, PermissionRefreshReadsBothAnswersAfresh) {
-    platform.permissions.trusted = false;
+    platform.sessionCheck.windowControlAvailable = false;
     controller().refreshPermissions();
-    EXPECT_EQ(controller().permissionState(), (PermissionState{true, false}));
-    platform.permissions.trusted = true;
-    platform.permissions.screenCaptureGranted = false;
+    EXPECT_EQ(grants(controller().permissionState()), std::make_pair(true, false));
+    platform.sessionCheck.windowControlAvailable = true;
+    platform.sessionCheck.screenCaptureAvailable = false;
     controller().refreshPermissions();
-    EXPECT_EQ(controller().permissionState(), (PermissionState{false, true}));
+    EXPECT_EQ(grants(controller().permissionState()), std::make_pair(false, true));
 }
 
 TEST_F(RefreshCycle, OpenFollowsDisplayChangesInShortcutLists) {

@@ -117,10 +117,11 @@ TEST_F(AppControllerPreferencesTest, PublishedChangesAreAnnouncedBeforeTheyAreSt
 }
 
 TEST_F(AppControllerPreferencesTest, PermissionStateIsReadAtConstruction) {
-    platform.permissions.screenCaptureGranted = true;
-    platform.permissions.trusted = false;
+    platform.sessionCheck.screenCaptureAvailable = true;
+    platform.sessionCheck.windowControlAvailable = false;
     AppController controller;
-    EXPECT_EQ(controller.permissionState(), (PermissionState{true, false}));
+    EXPECT_TRUE(controller.permissionState().screenRecordingGranted);
+    EXPECT_FALSE(controller.permissionState().accessibilityGranted);
 }
 
 TEST_F(AppControllerPreferencesTest, SharedReturnsOneInstance) {

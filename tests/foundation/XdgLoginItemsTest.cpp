@@ -67,7 +67,7 @@ TEST_F(XdgLoginItemsTest, UnwritableAutostartFolderGivesTheStatusMessageAndFalse
                        .keyboardLayout = &platform.keyboardLayout,
                        .userDefaults = &platform.userDefaults,
                        .loginItems = &items,
-                       .permissions = &platform.permissions,
+                       .sessionCheck = &platform.sessionCheck,
                        .activation = &platform.activation});
     AppController controller;
     controller.setLaunchAtLogin(true);

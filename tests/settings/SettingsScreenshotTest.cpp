@@ -49,7 +49,7 @@ protected:
         m_savedStyle = QApplication::style()->name();
         QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
         QApplication::setPalette(dark() ? darkPalette() : QApplication::style()->standardPalette());
-        platform.permissions.screenCaptureGranted = false;
+        platform.sessionCheck.screenCaptureAvailable = false;
         platform.keyboardLayout.useUSLayout();
         platform.userDefaults.setObject(
             QStringLiteral("shortcutDisplayRecords.v1"),

@@ -95,7 +95,7 @@ TEST_F(SettingsViewTest, DebugSectionExistsWithItsHeaderButIsOnlyReachableInCode
 TEST_F(SettingsViewTest, DebugRefreshRereadsThePermissions) {
     SettingsView& settings = makeView();
     settings.setSelectedSection(SettingsSection::Debug);
-    platform.permissions.screenCaptureGranted = false;
+    platform.sessionCheck.screenCaptureAvailable = false;
     QTest::mouseClick(find<QPushButton>(QStringLiteral("debug.refreshPermissions")), Qt::LeftButton);
     EXPECT_FALSE(controller->permissionState().screenRecordingGranted);
     EXPECT_EQ(find<QLabel>(QStringLiteral("badge.screenRecording"))->text(), QStringLiteral("Missing"));
@@ -125,7 +125,7 @@ TEST_F(SettingsViewTest, AppearingRereadsPermissions) {
     SettingsView& settings = makeView(false);
     auto* badge = find<QLabel>(QStringLiteral("badge.accessibility"));
     EXPECT_EQ(badge->text(), QStringLiteral("Granted"));
-    platform.permissions.trusted = false;
+    platform.sessionCheck.windowControlAvailable = false;
     EXPECT_EQ(badge->text(), QStringLiteral("Granted"));
     settings.show();
     EXPECT_FALSE(controller->permissionState().accessibilityGranted);

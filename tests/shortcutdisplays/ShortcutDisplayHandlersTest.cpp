@@ -56,7 +56,7 @@ TEST_F(ShortcutDisplayHandlersTest, RebuildingAgainInstallsNoSecondHandler) {
     controller.refreshShortcutDisplays();
     int moves = 0;
     QObject::connect(&controller, &AppController::statusMessageChanged, [&] { ++moves; });
-    platform.permissions.trusted = false;
+    platform.sessionCheck.windowControlAvailable = false;
     controller.refreshPermissions();
     tap(18);
     EXPECT_EQ(moves, 1);

@@ -23,8 +23,9 @@ protected:
         app->start();
         output = QString::fromStdString(::testing::internal::GetCapturedStdout());
     }
-    QSize expectedSize() {
-        const bool granted = platform.permissions.screenCaptureGranted && platform.permissions.trusted;
+    QSize expectedSize() const {
+        const bool granted =
+            platform.sessionCheck.screenCaptureAvailable && platform.sessionCheck.windowControlAvailable;
         const int count = static_cast<int>(platform.monitors.monitors().size());
         return {qCeil(PanelGeometry::popupWidth(granted, count)), qCeil(PanelGeometry::popupHeight(granted, count))};
     }
@@ -72,10 +73,10 @@ TEST_F(LatticaAppWithoutTray, PanelResizesWhenTheStateChangesTheFormulas) {
     start();
     ASSERT_TRUE(waitUntil([&] { return app->panel() && app->panel()->isVisible(); }));
     EXPECT_EQ(app->panel()->size(), QSize(460, 388));
-    platform.permissions.trusted = false;
+    platform.sessionCheck.windowControlAvailable = false;
     controller().refreshForMenuOpen();
     EXPECT_EQ(app->panel()->size(), QSize(460, 235));
-    platform.permissions.trusted = true;
+    platform.sessionCheck.windowControlAvailable = true;
     setDisplayCount(4);
     controller().refreshForMenuOpen();
     EXPECT_EQ(app->panel()->size(), QSize(848, 444));
@@ -113,7 +114,7 @@ TEST_F(LatticaAppWithoutTray, TrayMenuOffersSettingsAndQuit) {
 }
 
 TEST_F(LatticaAppWithoutTray, LaunchSequenceRunsOnceTheEventLoopRuns) {
-    platform.permissions.trusted = false;
+    platform.sessionCheck.windowControlAvailable = false;
     makeController();
     start();
     EXPECT_EQ(controller().permissionWindow(), nullptr);

@@ -47,7 +47,7 @@ TEST_F(Lifecycle, SettingsWindowRequestedTwiceIsTheSameWindowPlacedAgain) {
 }
 
 TEST_F(Lifecycle, GuideOpensAtLaunchWithoutPermissions) {
-    platform.permissions.screenCaptureGranted = false;
+    platform.sessionCheck.screenCaptureAvailable = false;
     makeController();
     controller().applicationDidFinishLaunching();
     QWidget* guide = controller().permissionWindow();
@@ -67,7 +67,7 @@ TEST_F(Lifecycle, GuideStaysClosedAtLaunchWithBothPermissions) {
 }
 
 TEST_F(Lifecycle, GuideRequestedTwiceIsTheSameWindow) {
-    platform.permissions.trusted = false;
+    platform.sessionCheck.windowControlAvailable = false;
     makeController();
     controller().showPermissionGuideWindow();
     QWidget* first = controller().permissionWindow();
@@ -94,7 +94,7 @@ TEST_F(Lifecycle, LaunchShowsTheProgramInTheTaskbarWhenTheDockIconIsWanted) {
 
 TEST_F(Lifecycle, LaunchRereadsThePermissions) {
     makeController();
-    platform.permissions.screenCaptureGranted = false;
+    platform.sessionCheck.screenCaptureAvailable = false;
     controller().applicationDidFinishLaunching();
     EXPECT_FALSE(controller().permissionState().screenRecordingGranted);
     ASSERT_NE(controller().permissionWindow(), nullptr);

@@ -31,7 +31,7 @@ TEST_F(MenuBarContent, HeaderShowsTheTitleAndTheCaption) {
 }
 
 TEST_F(MenuBarContent, AccessibilityWithoutScreenRecordingShowsTheRequestNotTheCards) {
-    platform.permissions.screenCaptureGranted = false;
+    platform.sessionCheck.screenCaptureAvailable = false;
     makeController();
     controller().refreshForMenuOpen();
     showPanel();
@@ -54,7 +54,7 @@ TEST_F(MenuBarContent, EvenCardsPublishedEarlierAreHiddenOnceAPermissionIsMissin
     refreshAndWait();
     showPanel();
     ASSERT_EQ(view->cards().size(), 2);
-    platform.permissions.trusted = false;
+    platform.sessionCheck.windowControlAvailable = false;
     controller().refreshPermissions();  // leaves the displays as they were
     EXPECT_FALSE(controller().displays().isEmpty());
     EXPECT_EQ(view->state(), MenuBarContentView::State::PermissionsRequired);
@@ -64,24 +64,25 @@ TEST_F(MenuBarContent, EvenCardsPublishedEarlierAreHiddenOnceAPermissionIsMissin
 }
 
 TEST_F(MenuBarContent, RequestScreenRecordingAsksAndReports) {
-    platform.permissions.screenCaptureGranted = false;
+    platform.sessionCheck.screenCaptureAvailable = false;
     makeController();
     showPanel();
+    const int checks = platform.sessionCheck.screenCaptureChecks;
     view->findChild<QPushButton*>(QStringLiteral("requestScreenRecordingButton"))->click();
-    EXPECT_EQ(platform.permissions.screenCaptureRequests, 1);
+    EXPECT_GT(platform.sessionCheck.screenCaptureChecks, checks);
     EXPECT_EQ(controller().statusMessage(),
               QStringLiteral("Requested Screen Recording permission. macOS may require app restart."));
 }
 
-TEST_F(MenuBarContent, RequestAccessibilityPromptsAndRereadsTheState) {
-    platform.permissions.trusted = false;
-    platform.permissions.promptGrantsTrust = true;
+TEST_F(MenuBarContent, RequestAccessibilityChecksAgainAndRereadsTheState) {
+    platform.sessionCheck.windowControlAvailable = false;
     makeController();
     showPanel();
     QPushButton* button = view->findChild<QPushButton*>(QStringLiteral("requestAccessibilityButton"));
     EXPECT_EQ(button->text(), QStringLiteral("Request Accessibility"));
+    // A window manager was started since the panel opened: the request's check sees it.
+    platform.sessionCheck.windowControlAvailable = true;
     button->click();
-    EXPECT_EQ(platform.permissions.trustPrompts, 1);
     EXPECT_TRUE(controller().permissionState().accessibilityGranted);
     EXPECT_EQ(view->findChild<QLabel*>(QStringLiteral("accessibilityBadge"))->text(),
               QStringLiteral("Accessibility: Granted"));

@@ -31,7 +31,7 @@ protected:
 };
 
 TEST_F(PermissionGuide, ShowsItsTextsAndBothStepsInOrder) {
-    platform.permissions.trusted = false;
+    platform.sessionCheck.windowControlAvailable = false;
     makeController();
     QWidget& window = openGuide();
     for (const char* text :
@@ -57,7 +57,7 @@ TEST_F(PermissionGuide, ShowsItsTextsAndBothStepsInOrder) {
 }
 
 TEST_F(PermissionGuide, EachStepReadsGrantedOrMissing) {
-    platform.permissions.trusted = false;
+    platform.sessionCheck.windowControlAvailable = false;
     makeController();
     QWidget& window = openGuide();
     EXPECT_EQ(grantState(window, "screenRecordingStep"), QStringLiteral("Granted"));
@@ -65,10 +65,10 @@ TEST_F(PermissionGuide, EachStepReadsGrantedOrMissing) {
 }
 
 TEST_F(PermissionGuide, ContinueWithOneGrantLeavesTheWindowOpen) {
-    platform.permissions.trusted = false;
+    platform.sessionCheck.windowControlAvailable = false;
     makeController();
     QWidget& window = openGuide();
-    platform.permissions.screenCaptureGranted = false;  // the re-read sees this change
+    platform.sessionCheck.screenCaptureAvailable = false;  // the re-read sees this change
     buttonWithText(window, QStringLiteral("Continue"))->click();
     settle();
     EXPECT_TRUE(window.isVisible());
@@ -78,10 +78,10 @@ TEST_F(PermissionGuide, ContinueWithOneGrantLeavesTheWindowOpen) {
 }
 
 TEST_F(PermissionGuide, ContinueWithBothGrantsClosesTheWindowAndRefreshesTheDisplays) {
-    platform.permissions.trusted = false;
+    platform.sessionCheck.windowControlAvailable = false;
     makeController();
     QWidget& window = openGuide();
-    platform.permissions.trusted = true;
+    platform.sessionCheck.windowControlAvailable = true;
     buttonWithText(window, QStringLiteral("Continue"))->click();
     EXPECT_FALSE(window.isVisible());
     EXPECT_EQ(controller().displays().size(), 2);
@@ -92,10 +92,10 @@ TEST_F(PermissionGuide, ContinueWithBothGrantsClosesTheWindowAndRefreshesTheDisp
 }
 
 TEST_F(PermissionGuide, RecheckRereadsTheState) {
-    platform.permissions.trusted = false;
+    platform.sessionCheck.windowControlAvailable = false;
     makeController();
     QWidget& window = openGuide();
-    platform.permissions.trusted = true;
+    platform.sessionCheck.windowControlAvailable = true;
     buttonWithText(window, QStringLiteral("Re-check Permissions"))->click();
     settle();
     EXPECT_TRUE(controller().permissionState().accessibilityGranted);
@@ -104,12 +104,13 @@ TEST_F(PermissionGuide, RecheckRereadsTheState) {
 }
 
 TEST_F(PermissionGuide, RequestScreenRecordingAsksReportsAndRereads) {
-    platform.permissions.screenCaptureGranted = false;
+    platform.sessionCheck.screenCaptureAvailable = false;
     makeController();
     QWidget& window = openGuide();
+    const int checks = platform.sessionCheck.screenCaptureChecks;
     button(window, "screenRecordingStep", "requestButton")->click();
     settle();
-    EXPECT_EQ(platform.permissions.screenCaptureRequests, 1);
+    EXPECT_GT(platform.sessionCheck.screenCaptureChecks, checks);
     EXPECT_EQ(controller().statusMessage(),
               QStringLiteral("Requested Screen Recording permission. macOS may require app restart."));
     QLabel* status = window.findChild<QLabel*>(QStringLiteral("statusMessage"));
@@ -118,25 +119,50 @@ TEST_F(PermissionGuide, RequestScreenRecordingAsksReportsAndRereads) {
 }
 
 TEST_F(PermissionGuide, RequestAccessibilityGoesThroughTheController) {
-    platform.permissions.trusted = false;
+    platform.sessionCheck.windowControlAvailable = false;
     makeController();
     QWidget& window = openGuide();
+    const int checks = platform.sessionCheck.windowControlChecks;
     button(window, "accessibilityStep", "requestButton")->click();
     settle();
-    EXPECT_EQ(platform.permissions.trustPrompts, 1);
+    EXPECT_GT(platform.sessionCheck.windowControlChecks, checks);
     EXPECT_EQ(controller().statusMessage(),
               QStringLiteral("Requested Accessibility permission. If no prompt appears, click Open System Settings."));
 }
 
-TEST_F(PermissionGuide, OpenSystemSettingsOpensEachStepsPage) {
-    platform.permissions.trusted = false;
+TEST_F(PermissionGuide, HelpButtonsOpenEachStepsHelpPage) {
+    platform.sessionCheck.windowControlAvailable = false;
     makeController();
     QWidget& window = openGuide();
     button(window, "screenRecordingStep", "openSettingsButton")->click();
     button(window, "accessibilityStep", "openSettingsButton")->click();
-    EXPECT_EQ(platform.permissions.openedSettingsPages,
-              (QStringList{QString::fromLatin1(PermissionService::kScreenRecordingSettingsURL),
-                           QString::fromLatin1(PermissionService::kAccessibilitySettingsURL)}));
+    EXPECT_EQ(platform.activation.openedURLs, (QList<QUrl>{FakeSessionCheck::helpPageUrl(Capability::ScreenCapture),
+                                                           FakeSessionCheck::helpPageUrl(Capability::WindowControl)}));
+}
+
+TEST_F(PermissionGuide, EachStepShowsWhyItIsMissingOrLimited) {
+    platform.sessionCheck.screenCaptureAvailable = false;
+    platform.sessionCheck.windowControlLimit = QStringLiteral("Only X11 applications are seen and moved.");
+    makeController();
+    QWidget& window = openGuide();
+    EXPECT_EQ(grantState(window, "screenRecordingStep"), QStringLiteral("Missing"));
+    EXPECT_EQ(grantState(window, "accessibilityStep"), QStringLiteral("Limited"));
+    auto explanation = [&](const char* step) {
+        return window.findChild<QWidget*>(QLatin1String(step))->findChild<QLabel*>(QStringLiteral("explanation"));
+    };
+    EXPECT_EQ(explanation("screenRecordingStep")->text(), platform.sessionCheck.screenCaptureReason);
+    EXPECT_TRUE(explanation("screenRecordingStep")->isVisible());
+    EXPECT_EQ(explanation("accessibilityStep")->text(), QStringLiteral("Only X11 applications are seen and moved."));
+    EXPECT_TRUE(explanation("accessibilityStep")->isVisible());
+}
+
+TEST_F(PermissionGuide, AvailableStepsShowNoExplanation) {
+    platform.sessionCheck.windowControlAvailable = false;
+    makeController();
+    QWidget& window = openGuide();
+    QLabel* explanation = window.findChild<QWidget*>(QStringLiteral("screenRecordingStep"))
+                              ->findChild<QLabel*>(QStringLiteral("explanation"));
+    EXPECT_FALSE(explanation->isVisible());
 }
 
 }  // namespace

@@ -38,7 +38,7 @@ protected:
 };
 
 TEST_F(Screenshots, PermissionGuideLightAndDark) {
-    platform.permissions.trusted = false;
+    platform.sessionCheck.windowControlAvailable = false;
     makeController();
     controller_ = true;
     for (const bool dark : {false, true}) {
@@ -52,7 +52,7 @@ TEST_F(Screenshots, PermissionGuideLightAndDark) {
 }
 
 TEST_F(Screenshots, PanelAskingForPermissionsLightAndDark) {
-    platform.permissions.screenCaptureGranted = false;
+    platform.sessionCheck.screenCaptureAvailable = false;
     makeController();
     controller_ = true;
     for (const bool dark : {false, true}) {

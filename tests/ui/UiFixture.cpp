@@ -10,8 +10,8 @@
 void UiTest::SetUp() {
     // As in the program: closing a window never ends it.
     QApplication::setQuitOnLastWindowClosed(false);
-    platform.permissions.screenCaptureGranted = true;
-    platform.permissions.trusted = true;
+    platform.sessionCheck.screenCaptureAvailable = true;
+    platform.sessionCheck.windowControlAvailable = true;
     // The launch sequence would otherwise start an update check over the network.
     platform.userDefaults.setObject(QStringLiteral("autoCheckForUpdatesOnLaunch"), false);
     setDisplayCount(2);

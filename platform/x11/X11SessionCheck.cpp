@@ -1,0 +1,98 @@
+#include "platform/x11/X11SessionCheck.h"
+
+#include <cstdlib>
+
+#include "platform/x11/X11Connection.h"
+#include "platform/x11/X11SessionHelpPage.h"
+
+namespace {
+
+// The window a property of type WINDOW names, or XCB_NONE.
+xcb_window_t windowProperty(X11Connection& connection, xcb_window_t window, xcb_atom_t property) {
+    xcb_get_property_reply_t* reply = xcb_get_property_reply(
+        connection.xcb(), xcb_get_property(connection.xcb(), 0, window, property, XCB_ATOM_WINDOW, 0, 1), nullptr);
+    xcb_window_t value = XCB_NONE;
+    if (reply != nullptr && reply->format == 32 && xcb_get_property_value_length(reply) >= 4) {
+        value = *static_cast<xcb_window_t*>(xcb_get_property_value(reply));
+    }
+    std::free(reply);
+    return value;
+}
+
+const QString kNoConnection =
+    QStringLiteral("Lattica has lost its connection to the X server. Start Lattica again inside your desktop session.");
+
+}  // namespace
+
+X11SessionCheck::X11SessionCheck(X11Connection& connection) : m_connection(connection) {}
+
+bool X11SessionCheck::isWaylandSession(const QString& sessionType, const QString& waylandDisplay) {
+    return sessionType.compare(QLatin1String("wayland"), Qt::CaseInsensitive) == 0 || !waylandDisplay.isEmpty();
+}
+
+CapabilityCheck X11SessionCheck::windowControlFor(const Facts& facts) {
+    if (!facts.connected) {
+        return {Availability::Unavailable, kNoConnection};
+    }
+    if (facts.waylandSession) {
+        if (!facts.ewmhWindowManager) {
+            return {Availability::Unavailable,
+                    QStringLiteral("This is a Wayland session, and Lattica can only reach X11 applications through "
+                                   "Xwayland, where no window manager answers. Log in to an X11 (Xorg) session to "
+                                   "move windows.")};
+        }
+        return {Availability::Limited,
+                QStringLiteral("This is a Wayland session: Lattica sees and moves only X11 applications, through "
+                               "Xwayland. Wayland applications are not listed and stay where they are. Log in to an "
+                               "X11 (Xorg) session to move every window.")};
+    }
+    if (!facts.ewmhWindowManager) {
+        return {Availability::Unavailable,
+                QStringLiteral("No window manager is running. Lattica moves windows through a window manager that "
+                               "follows the EWMH standard (Openbox, Xfwm4, KWin, Mutter, IceWM and most others). Start "
+                               "one, then check again.")};
+    }
+    return {Availability::Available, {}};
+}
+
+CapabilityCheck X11SessionCheck::screenCaptureFor(const Facts& facts) {
+    if (!facts.connected) {
+        return {Availability::Unavailable, kNoConnection};
+    }
+    if (facts.waylandSession) {
+        return {Availability::Unavailable,
+                QStringLiteral("This is a Wayland session: through Xwayland Lattica cannot see what your monitors "
+                               "show, so there are no previews. Log in to an X11 (Xorg) session to see them.")};
+    }
+    return {Availability::Available, {}};
+}
+
+bool X11SessionCheck::hasEwmhWindowManager() {
+    const xcb_atom_t check = m_connection.atom("_NET_SUPPORTING_WM_CHECK");
+    const xcb_window_t child = windowProperty(m_connection, m_connection.root(), check);
+    // The check window names itself; a stale property left by a window manager that died does not.
+    return child != XCB_NONE && windowProperty(m_connection, child, check) == child;
+}
+
+X11SessionCheck::Facts X11SessionCheck::facts() {
+    Facts facts;
+    facts.connected = !m_connection.hasError();
+    facts.ewmhWindowManager = facts.connected && hasEwmhWindowManager();
+    facts.waylandSession =
+        isWaylandSession(qEnvironmentVariable("XDG_SESSION_TYPE"), qEnvironmentVariable("WAYLAND_DISPLAY"));
+    return facts;
+}
+
+CapabilityCheck X11SessionCheck::windowControl() {
+    return windowControlFor(facts());
+}
+
+CapabilityCheck X11SessionCheck::screenCapture() {
+    return screenCaptureFor(facts());
+}
+
+QUrl X11SessionCheck::helpPage(Capability capability) {
+    const bool wayland =
+        isWaylandSession(qEnvironmentVariable("XDG_SESSION_TYPE"), qEnvironmentVariable("WAYLAND_DISPLAY"));
+    return X11SessionHelpPage::write(X11SessionHelpPage::standardDirectory(), capability, wayland);
+}
