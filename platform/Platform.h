@@ -7,16 +7,16 @@ class HotKeys;
 class KeyboardLayout;
 class LoginItems;
 class Permissions;
+class RunningApplications;
 class UserDefaults;
 class WindowList;
-class Workspace;
 
 // The services of the platform the program runs on. A backend (X11, or the fake one in tests) fills
 // them in once at start-up; the core reaches the system only through them.
 struct PlatformServices {
     Displays* displays = nullptr;
     WindowList* windowList = nullptr;
-    Workspace* workspace = nullptr;
+    RunningApplications* runningApplications = nullptr;
     Accessibility* accessibility = nullptr;
     HotKeys* hotKeys = nullptr;
     KeyboardLayout* keyboardLayout = nullptr;

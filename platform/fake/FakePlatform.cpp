@@ -1,8 +1,8 @@
 #include "platform/fake/FakePlatform.h"
 
 FakePlatform::FakePlatform() {
-    Platform::install({&displays, &windowList, &workspace, &accessibility, &hotKeys, &keyboardLayout, &userDefaults,
-                       &loginItems, &permissions, &activation});
+    Platform::install({&displays, &windowList, &runningApplications, &accessibility, &hotKeys, &keyboardLayout,
+                       &userDefaults, &loginItems, &permissions, &activation});
 }
 
 FakePlatform::~FakePlatform() {

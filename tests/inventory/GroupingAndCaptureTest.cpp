@@ -54,8 +54,8 @@ protected:
             {.id = 1, .name = QStringLiteral("Left"), .bounds = QRectF(0, 0, 1920, 1080), .image = picture},
             {.id = 2, .name = QStringLiteral("Right"), .bounds = QRectF(1920, 0, 2560, 1440), .image = picture},
         });
-        platform.workspace.addApplication(100, QStringLiteral("Editor"));
-        platform.workspace.addApplication(200, QStringLiteral("Mail"));
+        platform.runningApplications.addApplication(100, QStringLiteral("Editor"));
+        platform.runningApplications.addApplication(200, QStringLiteral("Mail"));
     }
     QList<DisplaySnapshot> capture() {
         return ScreenSnapshotService::captureDisplaySnapshots(ScreenSnapshotService::currentDisplayDescriptors());
