@@ -3,7 +3,7 @@
 #include <QStringList>
 
 #include "platform/Platform.h"
-#include "platform/Workspace.h"
+#include "platform/RunningApplications.h"
 
 bool WindowListFilters::isExcludedOwnerName(const QString& name) {
     static const QStringList excluded = {QStringLiteral("Window Server"), QStringLiteral("SystemUIServer"),
@@ -30,9 +30,9 @@ bool WindowListFilters::hasUserWindowSize(const QRectF& bounds) {
 
 QSet<pid_t> WindowListFilters::regularApplicationPIDs() {
     QSet<pid_t> pids;
-    for (const RunningApplication& application : Platform::services().workspace->runningApplications()) {
-        if (application.activationPolicy == ActivationPolicy::Regular && !application.isTerminated) {
-            pids.insert(application.processIdentifier);
+    for (const RunningApplication& application : Platform::services().runningApplications->runningApplications()) {
+        if (application.policy == ApplicationPolicy::Regular && !application.terminated) {
+            pids.insert(application.pid);
         }
     }
     return pids;

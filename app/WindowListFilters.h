@@ -4,7 +4,6 @@
 #include <QSet>
 #include <QString>
 
-#include "platform/Types.h"
 #include "platform/WindowList.h"
 
 // The tests that tell user windows from other window-list entries, shared by the inventory and the mover.

@@ -6,7 +6,7 @@
 #include "app/WindowMoveLog.h"
 #include "app/WindowMover.h"
 #include "platform/Platform.h"
-#include "platform/Workspace.h"
+#include "platform/RunningApplications.h"
 
 using WindowMoveLog::boolean;
 using WindowMoveLog::describe;
@@ -138,8 +138,7 @@ bool moveAdjustingSize(const AXUIElement& window, const MovePlan& plan) {
 
 QString applicationLabel(const RunningApplication& application) {
     return QStringLiteral("%1 [pid:%2]")
-        .arg(application.localizedName.value_or(QStringLiteral("Unknown App")),
-             QString::number(application.processIdentifier));
+        .arg(application.name.value_or(QStringLiteral("Unknown App")), QString::number(application.pid));
 }
 
 QString targetPIDList(const std::optional<QSet<pid_t>>& targetPIDs) {
@@ -184,7 +183,7 @@ std::optional<std::pair<QRectF, QString>> windowFrame(const WindowFacts& window,
 // Moves the application's windows that are on the source display; returns its counts.
 WindowMoveResult moveApplicationWindows(const RunningApplication& application, const MoveContext& move,
                                         bool revealMovedWindows) {
-    const pid_t pid = application.processIdentifier;
+    const pid_t pid = application.pid;
     const AXUIElement appElement = AXUIElement::application(pid);
     const QString label = applicationLabel(application);
     const std::optional<AXUIElementList> windows = WindowMover::movableWindows(appElement, label);
@@ -275,9 +274,9 @@ WindowMoveResult WindowMover::moveWindows(const DisplaySnapshot& source, const D
                          describe(move.destination), targetPIDList(targetPIDs)));
 
     WindowMoveResult total;
-    for (const RunningApplication& application : Platform::services().workspace->runningApplications()) {
-        const pid_t pid = application.processIdentifier;
-        if (application.activationPolicy != ActivationPolicy::Regular || application.isTerminated || pid < 1 ||
+    for (const RunningApplication& application : Platform::services().runningApplications->runningApplications()) {
+        const pid_t pid = application.pid;
+        if (application.policy != ApplicationPolicy::Regular || application.terminated || pid < 1 ||
             (targetPIDs && !targetPIDs->contains(pid))) {
             continue;
         }

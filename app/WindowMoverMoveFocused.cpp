@@ -2,7 +2,7 @@
 #include "app/WindowMoveLog.h"
 #include "app/WindowMover.h"
 #include "platform/Platform.h"
-#include "platform/Workspace.h"
+#include "platform/RunningApplications.h"
 
 std::optional<FocusedWindowContext> WindowMover::focusedWindowContext() {
     const AXUIElement systemWide = AXUIElement::systemWide();
@@ -21,9 +21,10 @@ std::optional<FocusedWindowContext> WindowMover::focusedWindowContext() {
             return context;
         }
     }
-    const std::optional<RunningApplication> frontmost = Platform::services().workspace->frontmostApplication();
-    if (frontmost && frontmost->processIdentifier >= 1) {
-        const pid_t pid = frontmost->processIdentifier;
+    const std::optional<RunningApplication> frontmost =
+        Platform::services().runningApplications->frontmostApplication();
+    if (frontmost && frontmost->pid >= 1) {
+        const pid_t pid = frontmost->pid;
         return focusedWindowContext(AXUIElement::application(pid), QStringLiteral("frontmostApplication[%1]").arg(pid));
     }
     return std::nullopt;

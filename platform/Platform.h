@@ -6,17 +6,17 @@ class HotKeys;
 class KeyboardLayout;
 class LoginItems;
 class Monitors;
+class RunningApplications;
 class SessionCheck;
 class UserDefaults;
 class WindowList;
-class Workspace;
 
 // The services of the platform the program runs on. A backend (X11, or the fake one in tests) fills
 // them in once at start-up; the core reaches the system only through them.
 struct PlatformServices {
     Monitors* monitors = nullptr;
     WindowList* windowList = nullptr;
-    Workspace* workspace = nullptr;
+    RunningApplications* runningApplications = nullptr;
     Accessibility* accessibility = nullptr;
     HotKeys* hotKeys = nullptr;
     KeyboardLayout* keyboardLayout = nullptr;

@@ -13,14 +13,5 @@ using CGDirectDisplayID = quint32;
 // How a running application presents itself (the values match the window server's policy numbers).
 enum class ActivationPolicy { Regular = 0, Accessory = 1, Prohibited = 2 };
 
-struct RunningApplication {
-    pid_t processIdentifier = 0;
-    ActivationPolicy activationPolicy = ActivationPolicy::Prohibited;
-    std::optional<QString> localizedName;
-    bool isTerminated = false;
-
-    bool operator==(const RunningApplication&) const = default;
-};
-
 // Answer of the login-item service about the main application.
 enum class LoginItemStatus { NotRegistered, Enabled, RequiresApproval, NotFound };

@@ -16,7 +16,7 @@
 #include "app/views/SymbolLabel.h"
 #include "app/views/ViewStyle.h"
 #include "platform/Platform.h"
-#include "platform/Workspace.h"
+#include "platform/RunningApplications.h"
 
 namespace {
 
@@ -262,8 +262,8 @@ void DisplayCardView::rebuildMoveControls() {
 }
 
 QIcon DisplayCardView::applicationIcon(pid_t pid) const {
-    Workspace* workspace = Platform::services().workspace;
-    const QImage image = workspace ? workspace->iconForApplication(pid) : QImage();
+    RunningApplications* applications = Platform::services().runningApplications;
+    const QImage image = applications ? applications->iconForApplication(pid) : QImage();
     if (image.isNull()) {
         return SymbolIcons::icon(QStringLiteral("app.fill"));
     }

@@ -1,8 +1,8 @@
 #include "platform/fake/FakePlatform.h"
 
 FakePlatform::FakePlatform() {
-    Platform::install({&monitors, &windowList, &workspace, &accessibility, &hotKeys, &keyboardLayout, &userDefaults,
-                       &loginItems, &sessionCheck, &activation});
+    Platform::install({&monitors, &windowList, &runningApplications, &accessibility, &hotKeys, &keyboardLayout,
+                       &userDefaults, &loginItems, &sessionCheck, &activation});
 }
 
 FakePlatform::~FakePlatform() {

@@ -7,10 +7,10 @@
 #include "platform/fake/FakeKeyboardLayout.h"
 #include "platform/fake/FakeLoginItems.h"
 #include "platform/fake/FakeMonitors.h"
+#include "platform/fake/FakeRunningApplications.h"
 #include "platform/fake/FakeSessionCheck.h"
 #include "platform/fake/FakeUserDefaults.h"
 #include "platform/fake/FakeWindowList.h"
-#include "platform/fake/FakeWorkspace.h"
 
 // Every platform service in memory. Constructing one installs it; tests script it through its members.
 class FakePlatform {
@@ -22,7 +22,7 @@ public:
 
     FakeMonitors monitors;
     FakeWindowList windowList;
-    FakeWorkspace workspace;
+    FakeRunningApplications runningApplications;
     FakeAccessibility accessibility;
     FakeHotKeys hotKeys;
     FakeKeyboardLayout keyboardLayout;

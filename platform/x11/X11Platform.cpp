@@ -7,11 +7,11 @@
 #include "platform/x11/X11HotKeys.h"
 #include "platform/x11/X11KeyboardLayout.h"
 #include "platform/x11/X11Monitors.h"
+#include "platform/x11/X11RunningApplications.h"
 #include "platform/x11/X11SessionCheck.h"
 #include "platform/x11/X11WindowCache.h"
 #include "platform/x11/X11WindowDesktopEntries.h"
 #include "platform/x11/X11WindowList.h"
-#include "platform/x11/X11Workspace.h"
 #include "platform/x11/XdgLoginItems.h"
 
 struct X11Platform::Owned {
@@ -24,7 +24,7 @@ struct X11Platform::Owned {
     std::unique_ptr<X11WindowDesktopEntries> desktopEntries;
     std::unique_ptr<X11WindowCache> windowCache;
     std::unique_ptr<X11WindowList> windowList;
-    std::unique_ptr<X11Workspace> workspace;
+    std::unique_ptr<X11RunningApplications> runningApplications;
     std::unique_ptr<X11Accessibility> accessibility;
     std::unique_ptr<X11Activation> activation;
 };
@@ -52,7 +52,7 @@ X11Platform::X11Platform(std::unique_ptr<X11Connection> connection)
     }
     X11WindowCache* cache = m_owned->windowCache.get();
     m_owned->windowList = std::make_unique<X11WindowList>(x11, *m_owned->desktopEntries, cache);
-    m_owned->workspace = std::make_unique<X11Workspace>(x11, *m_owned->desktopEntries, cache);
+    m_owned->runningApplications = std::make_unique<X11RunningApplications>(x11, *m_owned->desktopEntries, cache);
     m_owned->accessibility = std::make_unique<X11Accessibility>(x11, cache);
     m_owned->activation = std::make_unique<X11Activation>(x11);
 
@@ -66,7 +66,7 @@ X11Platform::X11Platform(std::unique_ptr<X11Connection> connection)
     m_services.loginItems = m_owned->loginItems.get();
     m_services.sessionCheck = m_owned->sessionCheck.get();
     m_services.windowList = m_owned->windowList.get();
-    m_services.workspace = m_owned->workspace.get();
+    m_services.runningApplications = m_owned->runningApplications.get();
     m_services.accessibility = m_owned->accessibility.get();
     m_services.activation = m_owned->activation.get();
 }

@@ -144,7 +144,8 @@ void X11WindowDesktopEntries::load() {
             if (!parsed.application || parsed.name.isEmpty()) {
                 continue;
             }
-            const Entry entry{parsed.name, parsed.icon};
+            const QString id = QDir(directory).relativeFilePath(path).replace(QLatin1Char('/'), QLatin1Char('-'));
+            const Entry entry{parsed.name, parsed.icon, id.chopped(QStringLiteral(".desktop").size())};
             const QString fileName = it.fileInfo().completeBaseName().toLower();
             if (!m_byFileName.contains(fileName)) {
                 m_byFileName.insert(fileName, entry);

@@ -16,6 +16,7 @@ public:
     struct Entry {
         QString name;
         QString icon;  // a theme icon name or an absolute path
+        QString id;    // the desktop file id: its path below the directory, '/' as '-', without ".desktop"
     };
 
     // The data directories to search, most important first; empty means the XDG defaults.

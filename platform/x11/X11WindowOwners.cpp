@@ -19,30 +19,30 @@ QByteArray readProcFile(pid_t pid, const char* name) {
 }
 
 // How much a window says about its owner's presence: a taskbar window makes a regular application.
-ActivationPolicy policyOfWindow(const X11WindowFacts& facts, const X11WindowKinds& kinds) {
+ApplicationPolicy policyOfWindow(const X11WindowFacts& facts, const X11WindowKinds& kinds) {
     if (!facts.managed) {
-        return ActivationPolicy::Prohibited;
+        return ApplicationPolicy::Prohibited;
     }
     switch (kinds.kind(facts)) {
         case X11WindowKinds::Kind::Normal:
         case X11WindowKinds::Kind::Dialog:
-            return kinds.isSkipTaskbar(facts) ? ActivationPolicy::Accessory : ActivationPolicy::Regular;
+            return kinds.isSkipTaskbar(facts) ? ApplicationPolicy::Accessory : ApplicationPolicy::Regular;
         case X11WindowKinds::Kind::Dock:
         case X11WindowKinds::Kind::Desktop:
-            return ActivationPolicy::Prohibited;
+            return ApplicationPolicy::Prohibited;
         default:
-            return ActivationPolicy::Accessory;
+            return ApplicationPolicy::Accessory;
     }
 }
 
 // Regular beats accessory beats prohibited.
-int rank(ActivationPolicy policy) {
+int rank(ApplicationPolicy policy) {
     switch (policy) {
-        case ActivationPolicy::Regular:
+        case ApplicationPolicy::Regular:
             return 2;
-        case ActivationPolicy::Accessory:
+        case ApplicationPolicy::Accessory:
             return 1;
-        case ActivationPolicy::Prohibited:
+        case ApplicationPolicy::Prohibited:
             break;
     }
     return 0;
@@ -91,7 +91,7 @@ QList<X11WindowOwner> X11WindowOwners::fromTable(const X11WindowTable& table, co
             owners.append(owner);
         }
         X11WindowOwner& owner = owners[*found];
-        const ActivationPolicy policy = policyOfWindow(facts, kinds);
+        const ApplicationPolicy policy = policyOfWindow(facts, kinds);
         if (rank(policy) > rank(owner.policy)) {
             owner.policy = policy;
         }
@@ -112,6 +112,7 @@ QList<X11WindowOwner> X11WindowOwners::fromTable(const X11WindowTable& table, co
         if (!owner.className.isEmpty() || !owner.classInstance.isEmpty()) {
             if (const auto entry = entries.find(owner.classInstance, owner.className)) {
                 owner.localizedName = entry->name;
+                owner.desktopId = entry->id;
             } else if (!owner.className.isEmpty()) {
                 owner.localizedName = QString::fromUtf8(owner.className);
             }

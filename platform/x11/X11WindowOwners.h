@@ -6,7 +6,7 @@
 #include <QString>
 #include <optional>
 
-#include "platform/Types.h"
+#include "platform/RunningApplications.h"
 #include "platform/x11/X11WindowTable.h"
 
 class X11WindowDesktopEntries;
@@ -16,13 +16,14 @@ class X11WindowKinds;
 struct X11WindowOwner {
     pid_t pid = 0;
     std::optional<QString> localizedName;
-    ActivationPolicy policy = ActivationPolicy::Prohibited;
+    std::optional<QString> desktopId;
+    ApplicationPolicy policy = ApplicationPolicy::Prohibited;
     quint64 startTime = 0;  // clock ticks since boot; 0 when unknown
     bool terminated = false;
     QByteArray classInstance;  // WM_CLASS of the process's front-most window that has one
     QByteArray className;
 
-    RunningApplication runningApplication() const { return {pid, policy, localizedName, terminated}; }
+    RunningApplication runningApplication() const { return {pid, localizedName, desktopId, policy, terminated}; }
 };
 
 namespace X11WindowOwners {

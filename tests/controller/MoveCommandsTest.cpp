@@ -15,7 +15,7 @@ protected:
     // A regular application with windows on the left display, known to both the window list and
     // Accessibility.
     void addApplication(pid_t pid, const QString& name, const QList<qint64>& numbers) {
-        platform.workspace.addApplication(pid, name);
+        platform.runningApplications.addApplication(pid, name);
         std::optional<QList<WindowEntry>> list = platform.windowList.scriptedList();
         for (qint64 number : numbers) {
             const QRectF frame(100 + number * 10, 100, 800, 600);

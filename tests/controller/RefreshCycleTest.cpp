@@ -17,7 +17,7 @@ bool captured(const QList<DisplaySnapshot>& displays) {
 }
 
 TEST_F(RefreshCycle, OpenPublishesPlaceholdersAtOnceThenCapturedSnapshotsInOrder) {
-    platform.workspace.addApplication(100, QStringLiteral("Editor"));
+    platform.runningApplications.addApplication(100, QStringLiteral("Editor"));
     platform.windowList.setWindows(
         {{.id = 1, .pid = 100, .ownerName = QStringLiteral("Editor"), .frame = QRectF(100, 100, 800, 600)}});
     holdNextCapture();
@@ -49,7 +49,7 @@ TEST_F(RefreshCycle, OpenPublishesPlaceholdersAtOnceThenCapturedSnapshotsInOrder
 }
 
 TEST_F(RefreshCycle, TwoOpensInQuickSuccessionPublishOnlyTheSecondCapture) {
-    platform.workspace.addApplication(100, QStringLiteral("Editor"));
+    platform.runningApplications.addApplication(100, QStringLiteral("Editor"));
     platform.windowList.setWindows(
         {{.id = 1, .pid = 100, .ownerName = QStringLiteral("Editor"), .frame = QRectF(100, 100, 800, 600)}});
     holdNextCapture();

@@ -61,7 +61,7 @@ TEST_F(XdgLoginItemsTest, UnwritableAutostartFolderGivesTheStatusMessageAndFalse
     FakePlatform platform;
     Platform::install({.monitors = &platform.monitors,
                        .windowList = &platform.windowList,
-                       .workspace = &platform.workspace,
+                       .runningApplications = &platform.runningApplications,
                        .accessibility = &platform.accessibility,
                        .hotKeys = &platform.hotKeys,
                        .keyboardLayout = &platform.keyboardLayout,

@@ -56,8 +56,8 @@ protected:
         });
         platform.monitors.setPicture(1, picture);
         platform.monitors.setPicture(2, picture);
-        platform.workspace.addApplication(100, QStringLiteral("Editor"));
-        platform.workspace.addApplication(200, QStringLiteral("Mail"));
+        platform.runningApplications.addApplication(100, QStringLiteral("Editor"));
+        platform.runningApplications.addApplication(200, QStringLiteral("Mail"));
     }
     QList<DisplaySnapshot> capture() {
         return ScreenSnapshotService::captureDisplaySnapshots(ScreenSnapshotService::currentDisplayDescriptors());

@@ -7,7 +7,7 @@ namespace {
 
 class QualifyingWindows : public ::testing::Test {
 protected:
-    void SetUp() override { platform.workspace.addApplication(100, QStringLiteral("Editor")); }
+    void SetUp() override { platform.runningApplications.addApplication(100, QStringLiteral("Editor")); }
 
     static WindowEntry window(qint64 number, const QRectF& bounds = QRectF(0, 0, 800, 600), pid_t pid = 100) {
         return {.id = number, .pid = pid, .ownerName = QStringLiteral("Editor"), .frame = bounds};
@@ -80,10 +80,10 @@ TEST_F(QualifyingWindows, OnlyLayerZeroQualifies) {
 }
 
 TEST_F(QualifyingWindows, OnlyWindowsOfRegularRunningApplicationsQualify) {
-    platform.workspace.addApplication(200, QStringLiteral("Helper"), ActivationPolicy::Accessory);
-    platform.workspace.addApplication(300, QStringLiteral("Daemon"), ActivationPolicy::Prohibited);
-    platform.workspace.addApplication(400, QStringLiteral("Gone"));
-    platform.workspace.applications.last().isTerminated = true;
+    platform.runningApplications.addApplication(200, QStringLiteral("Helper"), ApplicationPolicy::Accessory);
+    platform.runningApplications.addApplication(300, QStringLiteral("Daemon"), ApplicationPolicy::Prohibited);
+    platform.runningApplications.addApplication(400, QStringLiteral("Gone"));
+    platform.runningApplications.applications.last().terminated = true;
     EXPECT_EQ(
         qualifyingNumbers({window(1, at(1), 200), window(2, at(2), 300), window(3, at(3), 400), window(4, at(4), 999),
                            changed(numbered(5), [](WindowEntry& entry) { entry.pid.reset(); }), numbered(6)}),

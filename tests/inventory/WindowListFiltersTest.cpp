@@ -43,11 +43,11 @@ TEST(WindowListFilters, UserWindowSizeIsAtLeast120By80) {
 
 TEST(WindowListFilters, RegularApplicationsAreTheRegularOnesStillRunning) {
     FakePlatform platform;
-    platform.workspace.addApplication(100, QStringLiteral("Editor"));
-    platform.workspace.addApplication(200, QStringLiteral("Helper"), ActivationPolicy::Accessory);
-    platform.workspace.addApplication(300, QStringLiteral("Daemon"), ActivationPolicy::Prohibited);
-    platform.workspace.addApplication(400, QStringLiteral("Gone"));
-    platform.workspace.applications.last().isTerminated = true;
+    platform.runningApplications.addApplication(100, QStringLiteral("Editor"));
+    platform.runningApplications.addApplication(200, QStringLiteral("Helper"), ApplicationPolicy::Accessory);
+    platform.runningApplications.addApplication(300, QStringLiteral("Daemon"), ApplicationPolicy::Prohibited);
+    platform.runningApplications.addApplication(400, QStringLiteral("Gone"));
+    platform.runningApplications.applications.last().terminated = true;
     EXPECT_EQ(WindowListFilters::regularApplicationPIDs(), QSet<pid_t>{100});
 }
 

@@ -101,7 +101,7 @@ TEST_F(MoveAllWindows, WindowListedByBothListsIsProcessedOnce) {
 }
 
 TEST_F(MoveAllWindows, WindowWithUnknownNumberOverlappingSourceByOnePointIsAttempted) {
-    platform.workspace.addApplication(100, QStringLiteral("Editor"));
+    platform.runningApplications.addApplication(100, QStringLiteral("Editor"));
     platform.accessibility.addWindow(100,
                                      {.number = 11, .frame = QRectF(1919, 100, 800, 600), .numberReadable = false});
     EXPECT_EQ(moveAll(), (WindowMoveResult{1, 1}));
@@ -110,7 +110,7 @@ TEST_F(MoveAllWindows, WindowWithUnknownNumberOverlappingSourceByOnePointIsAttem
 }
 
 TEST_F(MoveAllWindows, WindowWithUnknownNumberTouchingSourceEdgeIsNotCounted) {
-    platform.workspace.addApplication(100, QStringLiteral("Editor"));
+    platform.runningApplications.addApplication(100, QStringLiteral("Editor"));
     platform.accessibility.addWindow(100,
                                      {.number = 11, .frame = QRectF(1920, 100, 800, 600), .numberReadable = false});
     EXPECT_EQ(moveAll(), (WindowMoveResult{0, 0}));
@@ -130,7 +130,7 @@ TEST_F(MoveAllWindows, WindowOnAnotherDisplayIsNeitherAttemptedNorMoved) {
 }
 
 TEST_F(MoveAllWindows, WindowOnlyInFullListIsMovedThenUnminimised) {
-    platform.workspace.addApplication(100, QStringLiteral("Editor"));
+    platform.runningApplications.addApplication(100, QStringLiteral("Editor"));
     platform.windowList.setWindows(
         {{.id = 12, .pid = 100, .ownerName = QStringLiteral("Editor"), .frame = kCentred, .onScreen = false}});
     platform.accessibility.addWindow(100, {.number = 12, .frame = kCentred, .inWindows = false});
@@ -178,15 +178,15 @@ TEST_F(MoveAllWindows, TargetSetLimitsMoveToThoseApplications) {
 
 TEST_F(MoveAllWindows, OnlyRegularRunningApplicationsWithValidPidAreMoved) {
     addWindow(100, 11, kCentred);
-    platform.workspace.applications[0].activationPolicy = ActivationPolicy::Accessory;
+    platform.runningApplications.applications[0].policy = ApplicationPolicy::Accessory;
     addWindow(200, 21, kCentred);
-    platform.workspace.applications[1].isTerminated = true;
+    platform.runningApplications.applications[1].terminated = true;
     addWindow(0, 31, kCentred);
     EXPECT_EQ(moveAll(), (WindowMoveResult{0, 0}));
     EXPECT_TRUE(platform.accessibility.writes().isEmpty());
 }
 
-TEST_F(MoveAllWindows, ApplicationsAreVisitedInWorkspaceOrder) {
+TEST_F(MoveAllWindows, ApplicationsAreVisitedInRunningApplicationsOrder) {
     addWindow(200, 21, QRectF(100, 100, 400, 300), QStringLiteral("Mail"));
     addWindow(100, 11, kCentred);
     moveAll();
@@ -197,7 +197,7 @@ TEST_F(MoveAllWindows, ApplicationsAreVisitedInWorkspaceOrder) {
 }
 
 TEST_F(MoveAllWindows, ApplicationWithoutNameIsLabelledUnknownApp) {
-    platform.workspace.addApplication(100, std::nullopt);
+    platform.runningApplications.addApplication(100, std::nullopt);
     addWindow(100, 11, kCentred);
     moveAll();
     ASSERT_EQ(diagnostics().size(), 3);
@@ -205,7 +205,7 @@ TEST_F(MoveAllWindows, ApplicationWithoutNameIsLabelledUnknownApp) {
 }
 
 TEST_F(MoveAllWindows, ApplicationWithoutAccessibleWindowsIsSkipped) {
-    platform.workspace.addApplication(100, QStringLiteral("Editor"));
+    platform.runningApplications.addApplication(100, QStringLiteral("Editor"));
     platform.windowList.setWindows({{.id = 11, .pid = 100, .frame = kCentred}});
     EXPECT_EQ(moveAll(), (WindowMoveResult{0, 0}));
     EXPECT_TRUE(trace.contains(QStringLiteral("Editor [pid:100]: no accessible windows returned")));
@@ -239,7 +239,7 @@ TEST_F(MoveAllWindows, OnePointAccessibilityFrameFallsBackToWindowList) {
 }
 
 TEST_F(MoveAllWindows, WindowWithoutAnyFrameIsSkippedAndNotCounted) {
-    platform.workspace.addApplication(100, QStringLiteral("Editor"));
+    platform.runningApplications.addApplication(100, QStringLiteral("Editor"));
     platform.accessibility.addWindow(100, {.number = 11, .frame = kCentred, .numberReadable = false});
     platform.accessibility.removeValue(AXUIElement::window(11), QStringLiteral("AXSize"));
     EXPECT_EQ(moveAll(), (WindowMoveResult{0, 0}));

@@ -8,7 +8,7 @@ class MoveFocusedWindow : public MoverTest {
 protected:
     // Window 11 of application 100 has the system's keyboard focus.
     void focus(const QRectF& frame) {
-        platform.workspace.addApplication(100, QStringLiteral("Editor"));
+        platform.runningApplications.addApplication(100, QStringLiteral("Editor"));
         platform.accessibility.addWindow(100, {.number = 11, .frame = frame});
         platform.accessibility.setValue(AXUIElement::systemWide(), QStringLiteral("AXFocusedWindow"),
                                         QVariant::fromValue(AXUIElement::window(11)));
@@ -54,9 +54,9 @@ TEST_F(MoveFocusedWindow, OnePointFocusedWindowIsPassedOverForFocusedApplication
 }
 
 TEST_F(MoveFocusedWindow, FrontmostApplicationIsTheLastResort) {
-    platform.workspace.addApplication(100, QStringLiteral("Editor"));
+    platform.runningApplications.addApplication(100, QStringLiteral("Editor"));
     platform.accessibility.addWindow(100, {.number = 11, .frame = kCentred});
-    platform.workspace.frontmost = platform.workspace.applications[0];
+    platform.runningApplications.frontmost = platform.runningApplications.applications[0];
     EXPECT_EQ(moveTo(right), (WindowMoveResult{1, 1}));
     EXPECT_TRUE(trace.contains(
         QStringLiteral("moveFocusedWindow: frontmostApplication[100] attribute AXFocusedWindow error=noValue")));
@@ -65,9 +65,9 @@ TEST_F(MoveFocusedWindow, FrontmostApplicationIsTheLastResort) {
 TEST_F(MoveFocusedWindow, FrontmostApplicationWithoutValidPidIsIgnored) {
     platform.accessibility.addWindow(0, {.number = 11, .frame = kCentred});
     RunningApplication application;
-    application.processIdentifier = 0;
-    application.activationPolicy = ActivationPolicy::Regular;
-    platform.workspace.frontmost = application;
+    application.pid = 0;
+    application.policy = ApplicationPolicy::Regular;
+    platform.runningApplications.frontmost = application;
     EXPECT_EQ(moveTo(right), (WindowMoveResult{0, 0}));
     EXPECT_TRUE(platform.accessibility.writes().isEmpty());
 }

@@ -43,11 +43,11 @@ DisplaySnapshot MoverTest::display(CGDirectDisplayID id, const QString& name, in
 
 void MoverTest::addWindow(pid_t pid, qint64 number, const QRectF& frame, const QString& ownerName) {
     bool known = false;
-    for (const RunningApplication& application : platform.workspace.applications) {
-        known = known || application.processIdentifier == pid;
+    for (const RunningApplication& application : platform.runningApplications.applications) {
+        known = known || application.pid == pid;
     }
     if (!known) {
-        platform.workspace.addApplication(pid, ownerName);
+        platform.runningApplications.addApplication(pid, ownerName);
     }
     std::optional<QList<WindowEntry>> list = platform.windowList.scriptedList();
     list->append(WindowEntry{.id = number, .pid = pid, .ownerName = ownerName, .frame = frame});

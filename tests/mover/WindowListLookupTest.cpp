@@ -32,7 +32,7 @@ TEST_F(WindowListLookup, UnavailableWindowListGivesNothing) {
 }
 
 TEST_F(WindowListLookup, SourceWindowsExcludeOverlaysTransparentSmallAndDockWindows) {
-    platform.workspace.addApplication(100, QStringLiteral("Editor"));
+    platform.runningApplications.addApplication(100, QStringLiteral("Editor"));
     WindowEntry overlay = entry(1, 100, QRectF(0, 0, 500, 500));
     overlay.layer = 8;
     WindowEntry transparent = entry(2, 100, QRectF(0, 0, 500, 500));
@@ -50,10 +50,10 @@ TEST_F(WindowListLookup, SourceWindowsExcludeOverlaysTransparentSmallAndDockWind
 }
 
 TEST_F(WindowListLookup, SourceWindowsMustIntersectSourceAndBelongToRegularApplications) {
-    platform.workspace.addApplication(100, QStringLiteral("Editor"));
-    platform.workspace.addApplication(200, QStringLiteral("Helper"), ActivationPolicy::Accessory);
-    RunningApplication gone = platform.workspace.addApplication(300, QStringLiteral("Gone"));
-    platform.workspace.applications.last().isTerminated = true;
+    platform.runningApplications.addApplication(100, QStringLiteral("Editor"));
+    platform.runningApplications.addApplication(200, QStringLiteral("Helper"), ApplicationPolicy::Accessory);
+    RunningApplication gone = platform.runningApplications.addApplication(300, QStringLiteral("Gone"));
+    platform.runningApplications.applications.last().terminated = true;
     WindowEntry withoutOpacity = entry(6, 100, QRectF(100, 100, 400, 400));
     withoutOpacity.opacity.reset();
     WindowEntry withoutName = entry(7, 100, QRectF(100, 100, 400, 400));
@@ -64,7 +64,7 @@ TEST_F(WindowListLookup, SourceWindowsMustIntersectSourceAndBelongToRegularAppli
         entry(1, 100, QRectF(1920, 0, 400, 400)),  // touches the source's right edge only
         entry(2, 100, QRectF(1919, 0, 400, 400)),  // overlaps it by one point
         entry(3, 200, QRectF(100, 100, 400, 400)),
-        entry(4, gone.processIdentifier, QRectF(100, 100, 400, 400)),
+        entry(4, gone.pid, QRectF(100, 100, 400, 400)),
         entry(5, 999, QRectF(100, 100, 400, 400)),
         withoutOpacity,
         withoutName,
@@ -76,7 +76,7 @@ TEST_F(WindowListLookup, SourceWindowsMustIntersectSourceAndBelongToRegularAppli
 }
 
 TEST_F(WindowListLookup, EmptySourceBoundsIntersectNoWindow) {
-    platform.workspace.addApplication(100, QStringLiteral("Editor"));
+    platform.runningApplications.addApplication(100, QStringLiteral("Editor"));
     platform.windowList.setWindows({entry(1, 100, QRectF(0, 0, 400, 400))});
     EXPECT_TRUE(WindowMover::sourceWindowIDsByOwnerPID(QRectF(100, 100, 0, 0)).isEmpty());
 }

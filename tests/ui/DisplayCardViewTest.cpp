@@ -182,7 +182,7 @@ TEST_F(DisplayCard, NoApplicationsGiveADisabledMenuItem) {
 TEST_F(DisplayCard, ApplicationMenuShowsNameCountAndIconWithTargets) {
     QImage mailIcon(32, 32, QImage::Format_ARGB32);
     mailIcon.fill(QColor(200, 30, 30));
-    platform.workspace.icons.insert(200, mailIcon);
+    platform.runningApplications.icons.insert(200, mailIcon);
     addApplication(200, QStringLiteral("Mail"), 0, {5, 6, 7});
     addApplication(300, QStringLiteral("Notes"), 0, {8});
     makeController();

@@ -23,7 +23,7 @@ protected:
         app->start();
         output = QString::fromStdString(::testing::internal::GetCapturedStdout());
     }
-    QSize expectedSize() const {
+    QSize expectedSize() {
         const bool granted =
             platform.sessionCheck.screenCaptureAvailable && platform.sessionCheck.windowControlAvailable;
         const int count = static_cast<int>(platform.monitors.monitors().size());

@@ -48,7 +48,7 @@ void UiTest::refreshAndWait() {
 }
 
 void UiTest::addApplication(pid_t pid, const QString& name, int displayIndex, const QList<qint64>& numbers) {
-    platform.workspace.addApplication(pid, name);
+    platform.runningApplications.addApplication(pid, name);
     std::optional<QList<WindowEntry>> list = platform.windowList.scriptedList();
     for (qint64 number : numbers) {
         const QRectF frame(displayIndex * 1920 + 100 + number * 10, 100, 800, 600);

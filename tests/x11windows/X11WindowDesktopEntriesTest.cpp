@@ -73,6 +73,15 @@ TEST_F(X11WindowDesktopEntriesTest, EarlierDirectoriesWinAndSubdirectoriesAreSea
     EXPECT_EQ(entries.find("deep", "Deep").value_or(X11WindowDesktopEntries::Entry{}).name, QStringLiteral("Deep"));
 }
 
+TEST_F(X11WindowDesktopEntriesTest, IdIsThePathBelowTheDirectoryWithoutTheSuffix) {
+    write(first.path(), QStringLiteral("org.example.Viewer.desktop"), "[Desktop Entry]\nType=Application\nName=V\n");
+    write(first.path(), QStringLiteral("kde/deep.desktop"), "[Desktop Entry]\nType=Application\nName=Deep\n");
+    X11WindowDesktopEntries entries({first.path()});
+    EXPECT_EQ(entries.find("viewer", "Viewer").value_or(X11WindowDesktopEntries::Entry{}).id,
+              QStringLiteral("org.example.Viewer"));
+    EXPECT_EQ(entries.find("deep", "Deep").value_or(X11WindowDesktopEntries::Entry{}).id, QStringLiteral("kde-deep"));
+}
+
 TEST_F(X11WindowDesktopEntriesTest, MissingDirectoriesGiveNoEntries) {
     X11WindowDesktopEntries entries({first.path() + QStringLiteral("/absent")});
     EXPECT_FALSE(entries.find("tool", "Tool").has_value());

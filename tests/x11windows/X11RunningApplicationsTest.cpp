@@ -3,29 +3,29 @@
 #include <QTemporaryDir>
 
 #include "platform/Platform.h"
-#include "platform/Workspace.h"
+#include "platform/RunningApplications.h"
+#include "platform/x11/X11RunningApplications.h"
 #include "platform/x11/X11WindowDesktopEntries.h"
-#include "platform/x11/X11Workspace.h"
 #include "tests/support/VirtualDesktop.h"
 #include "tests/x11windows/X11DesktopFixture.h"
 
 namespace {
 
-class X11WorkspaceTest : public X11DesktopFixture {
+class X11RunningApplicationsTest : public X11DesktopFixture {
 protected:
-    Workspace& workspace() { return *Platform::services().workspace; }
+    RunningApplications& running() { return *Platform::services().runningApplications; }
     std::optional<RunningApplication> application(qint64 pid) {
-        for (const RunningApplication& app : workspace().runningApplications()) {
-            if (app.processIdentifier == pid) {
+        for (const RunningApplication& app : running().runningApplications()) {
+            if (app.pid == pid) {
                 return app;
             }
         }
         return std::nullopt;
     }
     qsizetype indexOf(qint64 pid) {
-        const QList<RunningApplication> apps = workspace().runningApplications();
+        const QList<RunningApplication> apps = running().runningApplications();
         for (qsizetype i = 0; i < apps.size(); ++i) {
-            if (apps[i].processIdentifier == pid) {
+            if (apps[i].pid == pid) {
                 return i;
             }
         }
@@ -33,7 +33,7 @@ protected:
     }
 };
 
-TEST_F(X11WorkspaceTest, ApplicationsAreWindowOwnersInProcessStartOrder) {
+TEST_F(X11RunningApplicationsTest, ApplicationsAreWindowOwnersInProcessStartOrder) {
     TestClient later;
     ASSERT_TRUE(later.start());
     ASSERT_NE(later.open(QStringLiteral("b"), placement(0, 100, 100, 300, 200)), 0u);
@@ -46,32 +46,32 @@ TEST_F(X11WorkspaceTest, ApplicationsAreWindowOwnersInProcessStartOrder) {
     EXPECT_LT(first, second);
     const auto app = application(client.pid());
     ASSERT_TRUE(app.has_value());
-    EXPECT_EQ(app->activationPolicy, ActivationPolicy::Regular);
-    EXPECT_FALSE(app->isTerminated);
-    EXPECT_TRUE(app->localizedName.has_value());
+    EXPECT_EQ(app->policy, ApplicationPolicy::Regular);
+    EXPECT_FALSE(app->terminated);
+    EXPECT_TRUE(app->name.has_value());
 }
 
-TEST_F(X11WorkspaceTest, PolicyFollowsTheKindsOfWindowsOwned) {
+TEST_F(X11RunningApplicationsTest, PolicyFollowsTheKindsOfWindowsOwned) {
     struct Case {
         QString options;
-        ActivationPolicy expected;
+        ApplicationPolicy expected;
     };
-    for (const Case& c : {Case{QStringLiteral("type=normal"), ActivationPolicy::Regular},
-                          Case{QStringLiteral("type=dialog"), ActivationPolicy::Regular},
-                          Case{QStringLiteral("type=normal states=skip-taskbar"), ActivationPolicy::Accessory},
-                          Case{QStringLiteral("type=utility"), ActivationPolicy::Accessory},
-                          Case{QStringLiteral("type=dock"), ActivationPolicy::Prohibited},
-                          Case{QStringLiteral("type=desktop"), ActivationPolicy::Prohibited}}) {
+    for (const Case& c : {Case{QStringLiteral("type=normal"), ApplicationPolicy::Regular},
+                          Case{QStringLiteral("type=dialog"), ApplicationPolicy::Regular},
+                          Case{QStringLiteral("type=normal states=skip-taskbar"), ApplicationPolicy::Accessory},
+                          Case{QStringLiteral("type=utility"), ApplicationPolicy::Accessory},
+                          Case{QStringLiteral("type=dock"), ApplicationPolicy::Prohibited},
+                          Case{QStringLiteral("type=desktop"), ApplicationPolicy::Prohibited}}) {
         TestClient owner;
         ASSERT_TRUE(owner.start());
         ASSERT_NE(owner.open(QStringLiteral("w"), placement(1, 100, 100, 300, 200) + QLatin1Char(' ') + c.options), 0u);
         const auto app = application(owner.pid());
         ASSERT_TRUE(app.has_value()) << c.options.toStdString();
-        EXPECT_EQ(app->activationPolicy, c.expected) << c.options.toStdString();
+        EXPECT_EQ(app->policy, c.expected) << c.options.toStdString();
     }
 }
 
-TEST_F(X11WorkspaceTest, ClientThatQuitIsNoLongerRunning) {
+TEST_F(X11RunningApplicationsTest, ClientThatQuitIsNoLongerRunning) {
     TestClient leaver;
     ASSERT_TRUE(leaver.start());
     ASSERT_NE(leaver.open(QStringLiteral("w"), placement(0, 100, 100, 300, 200)), 0u);
@@ -81,7 +81,7 @@ TEST_F(X11WorkspaceTest, ClientThatQuitIsNoLongerRunning) {
     EXPECT_TRUE(VirtualDesktop::waitUntil([&] { return !application(pid).has_value(); }));
 }
 
-TEST_F(X11WorkspaceTest, FrontmostApplicationOwnsTheActiveWindow) {
+TEST_F(X11RunningApplicationsTest, FrontmostApplicationOwnsTheActiveWindow) {
     TestClient other;
     ASSERT_TRUE(other.start());
     const quint32 mine = client.open(QStringLiteral("mine"), placement(0, 100, 100, 300, 200));
@@ -91,13 +91,13 @@ TEST_F(X11WorkspaceTest, FrontmostApplicationOwnsTheActiveWindow) {
     for (const auto& [window, pid] : {std::pair{theirs, other.pid()}, std::pair{mine, client.pid()}}) {
         ASSERT_TRUE(activate(window));
         EXPECT_TRUE(VirtualDesktop::waitUntil([&] {
-            const auto front = workspace().frontmostApplication();
-            return front && front->processIdentifier == pid;
+            const auto front = running().frontmostApplication();
+            return front && front->pid == pid;
         }));
     }
 }
 
-TEST_F(X11WorkspaceTest, NameAndIconComeFromTheDesktopEntry) {
+TEST_F(X11RunningApplicationsTest, NameAndIconComeFromTheDesktopEntry) {
     QTemporaryDir data;
     ASSERT_TRUE(data.isValid());
     QImage picture(48, 48, QImage::Format_ARGB32);
@@ -111,37 +111,38 @@ TEST_F(X11WorkspaceTest, NameAndIconComeFromTheDesktopEntry) {
                    .toUtf8());
     file.close();
     X11WindowDesktopEntries entries({data.path()});
-    X11Workspace workspace(platform->connection(), entries);
+    X11RunningApplications applications(platform->connection(), entries);
     // Matched by the entry's file name against the window's class.
     ASSERT_NE(client.open(QStringLiteral("w"), placement(0, 100, 100, 300, 200) + QStringLiteral(" class=probe.Probe")),
               0u);
     std::optional<RunningApplication> app;
-    for (const RunningApplication& candidate : workspace.runningApplications()) {
-        if (candidate.processIdentifier == client.pid()) {
+    for (const RunningApplication& candidate : applications.runningApplications()) {
+        if (candidate.pid == client.pid()) {
             app = candidate;
         }
     }
     ASSERT_TRUE(app.has_value());
-    EXPECT_EQ(app->localizedName, QStringLiteral("Probe Tool"));
-    const QImage icon = workspace.iconForApplication(static_cast<pid_t>(client.pid()));
+    EXPECT_EQ(app->name, QStringLiteral("Probe Tool"));
+    EXPECT_EQ(app->desktopId, QStringLiteral("probe"));
+    const QImage icon = applications.iconForApplication(static_cast<pid_t>(client.pid()));
     ASSERT_FALSE(icon.isNull());
     EXPECT_EQ(icon.size(), QSize(48, 48));
     EXPECT_EQ(QColor(icon.pixel(24, 24)), QColor(10, 200, 30));
 }
 
-TEST_F(X11WorkspaceTest, IconFallsBackToTheWindowsOwnPicture) {
+TEST_F(X11RunningApplicationsTest, IconFallsBackToTheWindowsOwnPicture) {
     ASSERT_NE(client.open(QStringLiteral("w"), placement(0, 100, 100, 300, 200) +
                                                    QStringLiteral(" class=nothing.NoSuchApplication icon=#3366cc")),
               0u);
-    const QImage icon = workspace().iconForApplication(static_cast<pid_t>(client.pid()));
+    const QImage icon = running().iconForApplication(static_cast<pid_t>(client.pid()));
     ASSERT_FALSE(icon.isNull());
     EXPECT_EQ(icon.size(), QSize(32, 32));  // the larger of the two pictures
     EXPECT_EQ(QColor(icon.pixel(5, 5)), QColor(0x33, 0x66, 0xcc));
 }
 
-TEST_F(X11WorkspaceTest, ProcessWithoutWindowsHasNoIcon) {
-    EXPECT_TRUE(workspace().iconForApplication(static_cast<pid_t>(client.pid())).isNull());
-    EXPECT_TRUE(workspace().iconForApplication(-1).isNull());
+TEST_F(X11RunningApplicationsTest, ProcessWithoutWindowsHasNoIcon) {
+    EXPECT_TRUE(running().iconForApplication(static_cast<pid_t>(client.pid())).isNull());
+    EXPECT_TRUE(running().iconForApplication(-1).isNull());
 }
 
 }  // namespace

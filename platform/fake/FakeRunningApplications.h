@@ -2,10 +2,10 @@
 
 #include <QHash>
 
-#include "platform/Workspace.h"
+#include "platform/RunningApplications.h"
 
 // Scripted running applications for tests.
-class FakeWorkspace : public Workspace {
+class FakeRunningApplications : public RunningApplications {
 public:
     QList<RunningApplication> applications;
     std::optional<RunningApplication> frontmost;
@@ -13,11 +13,11 @@ public:
 
     // Adds a running application (regular unless told otherwise) and returns it.
     RunningApplication addApplication(pid_t pid, const std::optional<QString>& name,
-                                      ActivationPolicy policy = ActivationPolicy::Regular) {
+                                      ApplicationPolicy policy = ApplicationPolicy::Regular) {
         RunningApplication application;
-        application.processIdentifier = pid;
-        application.localizedName = name;
-        application.activationPolicy = policy;
+        application.pid = pid;
+        application.name = name;
+        application.policy = policy;
         applications.append(application);
         return application;
     }

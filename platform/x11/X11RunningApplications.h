@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/Workspace.h"
+#include "platform/RunningApplications.h"
 #include "platform/x11/X11WindowKinds.h"
 #include "platform/x11/X11WindowReader.h"
 
@@ -9,10 +9,11 @@ class X11WindowDesktopEntries;
 struct X11WindowOwner;
 
 // Running applications seen from an X11 desktop: the processes that own top-level windows.
-class X11Workspace : public Workspace {
+class X11RunningApplications : public RunningApplications {
 public:
     // With a cache, windows are read through it.
-    X11Workspace(X11Connection& connection, X11WindowDesktopEntries& entries, X11WindowCache* cache = nullptr);
+    X11RunningApplications(X11Connection& connection, X11WindowDesktopEntries& entries,
+                           X11WindowCache* cache = nullptr);
 
     QList<RunningApplication> runningApplications() override;
     std::optional<RunningApplication> frontmostApplication() override;

@@ -1,4 +1,4 @@
-#include "platform/x11/X11Workspace.h"
+#include "platform/x11/X11RunningApplications.h"
 
 #include <QFileInfo>
 #include <QGuiApplication>
@@ -17,12 +17,13 @@ constexpr int kIconSize = 64;
 constexpr uint32_t kMaxIconLongs = 1u << 20;  // four megabytes of icon data is plenty
 }  // namespace
 
-X11Workspace::X11Workspace(X11Connection& connection, X11WindowDesktopEntries& entries, X11WindowCache* cache)
+X11RunningApplications::X11RunningApplications(X11Connection& connection, X11WindowDesktopEntries& entries,
+                                               X11WindowCache* cache)
     : m_connection(connection), m_reader(connection, cache), m_kinds(connection), m_entries(entries) {
     connection.internAtoms({"_NET_WM_ICON"});
 }
 
-QList<X11WindowOwner> X11Workspace::owners(std::optional<pid_t>* activeOwner) {
+QList<X11WindowOwner> X11RunningApplications::owners(std::optional<pid_t>* activeOwner) {
     const X11WindowTable table =
         X11WindowTable::read(m_reader, X11WindowFacts::Type | X11WindowFacts::State | X11WindowFacts::Class);
     if (activeOwner != nullptr) {
@@ -36,7 +37,7 @@ QList<X11WindowOwner> X11Workspace::owners(std::optional<pid_t>* activeOwner) {
     return X11WindowOwners::fromTable(table, m_kinds, m_entries);
 }
 
-QList<RunningApplication> X11Workspace::runningApplications() {
+QList<RunningApplication> X11RunningApplications::runningApplications() {
     QList<RunningApplication> applications;
     for (const X11WindowOwner& owner : owners()) {
         applications.append(owner.runningApplication());
@@ -44,7 +45,7 @@ QList<RunningApplication> X11Workspace::runningApplications() {
     return applications;
 }
 
-std::optional<RunningApplication> X11Workspace::frontmostApplication() {
+std::optional<RunningApplication> X11RunningApplications::frontmostApplication() {
     std::optional<pid_t> active;
     const QList<X11WindowOwner> all = owners(&active);
     if (!active) {
@@ -58,7 +59,7 @@ std::optional<RunningApplication> X11Workspace::frontmostApplication() {
     return std::nullopt;
 }
 
-QImage X11Workspace::iconForApplication(pid_t pid) {
+QImage X11RunningApplications::iconForApplication(pid_t pid) {
     const X11WindowTable table = X11WindowTable::read(m_reader, X11WindowFacts::Class);
     const X11WindowFacts* first = nullptr;
     for (const X11WindowFacts& facts : table.windows) {
@@ -93,7 +94,7 @@ QImage X11Workspace::iconForApplication(pid_t pid) {
 }
 
 // The largest picture in the window's _NET_WM_ICON: width, height, then ARGB pixels, repeated.
-QImage X11Workspace::windowIcon(xcb_window_t window) {
+QImage X11RunningApplications::windowIcon(xcb_window_t window) {
     xcb_connection_t* xcb = m_connection.xcb();
     std::unique_ptr<xcb_get_property_reply_t, decltype(&std::free)> reply(
         xcb_get_property_reply(
