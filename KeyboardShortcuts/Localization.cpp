@@ -14,8 +14,8 @@ const QHash<QByteArray, QString>& englishTable() {
          QStringLiteral(
              "This keyboard shortcut cannot be used as it\u2019s already used by the \u201C%1\u201D menu item.")},
         {"keyboard_shortcut_disallowed",
-         QStringLiteral("This keyboard shortcut cannot be used because it only uses the Option key. Add Command, "
-                        "Control or Shift to it.")},
+         QStringLiteral("This keyboard shortcut cannot be used because it only uses the Alt key. Add Super, Ctrl "
+                        "or Shift to it.")},
         {"keyboard_shortcut_used_by_system",
          QStringLiteral("This keyboard shortcut cannot be used as it\u2019s already a system-wide keyboard shortcut.")},
         {"keyboard_shortcuts_can_be_changed",

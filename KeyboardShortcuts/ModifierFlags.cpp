@@ -16,6 +16,15 @@ constexpr ModifierRow kModifierRows[] = {
     {ModifierFlag::command, CarbonModifier::cmdKey, u"\u2318"},
     {ModifierFlag::function, CarbonModifier::function, u"\U0001F310\uFE0E"},
 };
+// The order and spelling of desktop shortcut settings (GNOME, KDE): Super+Ctrl+Alt+Shift+Key.
+struct ModifierName {
+    ModifierFlag flag;
+    const char* name;
+};
+constexpr ModifierName kModifierNames[] = {
+    {ModifierFlag::command, "Super"}, {ModifierFlag::control, "Ctrl"}, {ModifierFlag::option, "Alt"},
+    {ModifierFlag::shift, "Shift"},   {ModifierFlag::function, "Fn"},
+};
 }  // namespace
 
 int carbon(ModifierFlags flags) {
@@ -46,6 +55,16 @@ QString ks_symbolicRepresentation(ModifierFlags flags) {
         }
     }
     return symbols;
+}
+
+QStringList modifierNames(ModifierFlags flags) {
+    QStringList names;
+    for (const ModifierName& row : kModifierNames) {
+        if (flags.testFlag(row.flag)) {
+            names.append(QString::fromLatin1(row.name));
+        }
+    }
+    return names;
 }
 
 Qt::KeyboardModifiers toQtModifiers(ModifierFlags flags) {

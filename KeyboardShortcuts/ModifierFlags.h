@@ -2,6 +2,7 @@
 
 #include <QFlags>
 #include <QString>
+#include <QStringList>
 #include <Qt>
 
 namespace KeyboardShortcuts {
@@ -36,8 +37,10 @@ constexpr int known = cmdKey | shiftKey | optionKey | controlKey | function;
 int carbon(ModifierFlags flags);
 // Carbon bits -> flags; unknown bits are dropped.
 ModifierFlags modifierFlagsFromCarbon(int carbonModifiers);
-// "⌃⌥⇧⌘🌐︎" order, only the flags that are set, no separators.
+// The glyph form, "⌃⌥⇧⌘🌐︎" order, only the flags that are set, no separators. Never shown on Linux.
 QString ks_symbolicRepresentation(ModifierFlags flags);
+// The names Linux desktops show for the flags that are set, in their order: Super, Ctrl, Alt, Shift, Fn.
+QStringList modifierNames(ModifierFlags flags);
 
 // Qt's view of the same keys: Control, Alt (option), Shift, Meta (command/Super), Keypad (numeric pad).
 // The function flag and caps lock have no Qt modifier and are dropped.

@@ -63,12 +63,13 @@ ModifierFlags Shortcut::modifiers() const {
 }
 
 QString Shortcut::presentableDescription() const {
-    const QString modifierSymbols = ks_symbolicRepresentation(modifiers());
+    QStringList parts = modifierNames(modifiers());
     if (const std::optional<SpecialKey> special = specialKey(key())) {
-        return modifierSymbols + KeyboardShortcuts::presentableDescription(*special);
+        parts.append(KeyboardShortcuts::presentableDescription(*special));
+    } else {
+        parts.append(capitalized(keyToCharacter(key()).value_or(QString(QChar(0xFFFD)))));
     }
-    const QString character = keyToCharacter(key()).value_or(QString(QChar(0xFFFD)));
-    return modifierSymbols + capitalized(character);
+    return parts.join(QLatin1Char('+'));
 }
 
 std::optional<QString> Shortcut::nsMenuItemKeyEquivalent() const {

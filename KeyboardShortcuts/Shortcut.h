@@ -34,7 +34,8 @@ public:
     Key key() const { return Key(m_carbonKeyCode); }
     ModifierFlags modifiers() const;
 
-    // The display string: modifier symbols then the key's glyph or layout character ("⌃⌥⇧K").
+    // The display string as Linux users read it: modifier names then the key, joined by "+"
+    // ("Ctrl+Alt+Shift+K", "Super+Left").
     QString presentableDescription() const;
     QString description() const { return presentableDescription(); }
     // The key equivalent string of a menu item, if the key has one.

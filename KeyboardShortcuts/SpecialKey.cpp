@@ -94,6 +94,67 @@ QString presentableDescription(SpecialKey key) {
     if (const int number = functionKeyNumber(key); number > 0) {
         return QStringLiteral("F%1").arg(number);
     }
+    // Keypad keys carry Qt's "Num+" prefix, so that they read apart from their main-keyboard twins.
+    if (const int digit = keypadDigit(key); digit >= 0) {
+        return QStringLiteral("Num+%1").arg(digit);
+    }
+    switch (key) {
+        case SpecialKey::return_:
+            return QStringLiteral("Return");
+        case SpecialKey::delete_:
+            return QStringLiteral("Backspace");
+        case SpecialKey::deleteForward:
+            return QStringLiteral("Delete");
+        case SpecialKey::end:
+            return QStringLiteral("End");
+        case SpecialKey::escape:
+            return QStringLiteral("Escape");
+        case SpecialKey::help:
+            // The key at this position is Insert on PC keyboards.
+            return QStringLiteral("Insert");
+        case SpecialKey::home:
+            return QStringLiteral("Home");
+        case SpecialKey::space:
+            return capitalized(localized("space_key"));
+        case SpecialKey::tab:
+            return QStringLiteral("Tab");
+        case SpecialKey::pageUp:
+            return QStringLiteral("Page Up");
+        case SpecialKey::pageDown:
+            return QStringLiteral("Page Down");
+        case SpecialKey::upArrow:
+            return QStringLiteral("Up");
+        case SpecialKey::rightArrow:
+            return QStringLiteral("Right");
+        case SpecialKey::downArrow:
+            return QStringLiteral("Down");
+        case SpecialKey::leftArrow:
+            return QStringLiteral("Left");
+        case SpecialKey::keypadClear:
+            return QStringLiteral("Num+Clear");
+        case SpecialKey::keypadDecimal:
+            return QStringLiteral("Num+.");
+        case SpecialKey::keypadDivide:
+            return QStringLiteral("Num+/");
+        case SpecialKey::keypadEnter:
+            return QStringLiteral("Num+Enter");
+        case SpecialKey::keypadEquals:
+            return QStringLiteral("Num+=");
+        case SpecialKey::keypadMinus:
+            return QStringLiteral("Num+-");
+        case SpecialKey::keypadMultiply:
+            return QStringLiteral("Num+*");
+        case SpecialKey::keypadPlus:
+            return QStringLiteral("Num++");
+        default:
+            return QString();
+    }
+}
+
+QString glyph(SpecialKey key) {
+    if (const int number = functionKeyNumber(key); number > 0) {
+        return QStringLiteral("F%1").arg(number);
+    }
     if (const int digit = keypadDigit(key); digit >= 0) {
         return keycap(QChar(u'0' + digit));
     }
@@ -164,8 +225,8 @@ std::optional<QString> appKitMenuItemKeyEquivalent(SpecialKey key) {
     if (key == SpecialKey::space) {
         return QStringLiteral(" ");
     }
-    // The remaining glyphs are shown in menus as they are in the recorder.
-    return presentableDescription(key);
+    // The remaining keys are known to menus by their glyphs.
+    return glyph(key);
 }
 
 std::optional<Qt::Key> qtKey(SpecialKey key) {

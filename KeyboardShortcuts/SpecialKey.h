@@ -70,8 +70,10 @@ enum class SpecialKey {
 const QHash<Key, SpecialKey>& keyToSpecialKeyMapping();
 std::optional<SpecialKey> specialKey(Key key);
 
-// The glyph shown in the recorder and in messages ("↩", "F5", "0⃣", ...).
+// The key's name as desktop shortcut settings spell it ("Return", "Page Up", "F5", "Num+0", ...).
 QString presentableDescription(SpecialKey key);
+// The key's glyph ("↩", "⇞", "F5", "0⃣", ...): the form of menu key equivalents, never shown on Linux.
+QString glyph(SpecialKey key);
 // The key equivalent of a menu item; nothing for the keypad keys.
 std::optional<QString> appKitMenuItemKeyEquivalent(SpecialKey key);
 // The Qt key of a widget keyboard shortcut; nothing when Qt has no named key for it.

@@ -1,8 +1,10 @@
 #include <QLabel>
 #include <QToolButton>
 
+#include "KeyboardShortcuts/Name.h"
 #include "KeyboardShortcuts/Recorder.h"
 #include "KeyboardShortcuts/RecorderCocoa.h"
+#include "KeyboardShortcuts/Shortcut.h"
 #include "app/views/SettingsShortcutRow.h"
 #include "app/views/SettingsShortcutsSection.h"
 #include "tests/settings/SettingsFixture.h"
@@ -42,6 +44,23 @@ TEST_F(SettingsShortcutsSectionTest, EachRowHasARecorderForItsDisplaysShortcutNa
     EXPECT_EQ(studio->recorder()->recorderCocoa()->shortcutName().rawValue(),
               QStringLiteral("moveFocusedWindowToDisplay.") + studioID());
     EXPECT_TRUE(studio->recorder()->isVisible());
+}
+
+TEST_F(SettingsShortcutsSectionTest, RowsShowShortcutsAsLinuxDesktopsWriteThem) {
+    platform.keyboardLayout.useUSLayout();
+    KeyboardShortcuts::Name(QStringLiteral("moveFocusedWindowToDisplay.") + studioID())
+        .setShortcut(KeyboardShortcuts::Shortcut(
+            KeyboardShortcuts::Key::two,
+            KeyboardShortcuts::ModifierFlag::control | KeyboardShortcuts::ModifierFlag::option));
+    SettingsShortcutsSection* section = shortcuts();
+    ASSERT_EQ(section->connectedRows().size(), 2);
+    EXPECT_EQ(section->connectedRows()[1]->recorder()->recorderCocoa()->text(), QStringLiteral("Ctrl+Alt+2"));
+    EXPECT_EQ(section->connectedRows()[0]->recorder()->recorderCocoa()->text(), QString());
+    KeyboardShortcuts::Name(QStringLiteral("moveFocusedWindowToDisplay.") + studioID())
+        .setShortcut(KeyboardShortcuts::Shortcut(
+            KeyboardShortcuts::Key::leftArrow,
+            KeyboardShortcuts::ModifierFlag::command | KeyboardShortcuts::ModifierFlag::shift));
+    EXPECT_EQ(section->connectedRows()[1]->recorder()->recorderCocoa()->text(), QStringLiteral("Super+Shift+Left"));
 }
 
 TEST_F(SettingsShortcutsSectionTest, ConnectedRowsHaveNoDeleteButton) {

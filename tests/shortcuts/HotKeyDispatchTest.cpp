@@ -128,7 +128,7 @@ TEST_F(HotKeyDispatchTest, FailedRegistrationConsumesIdAndPrintsErrorLine) {
     testing::internal::CaptureStdout();
     setShortcut(kControlCommandK, taken);
     const std::string output = testing::internal::GetCapturedStdout();
-    EXPECT_EQ(output, "Error registering hotkey ⌃⌘K: -9878\n");
+    EXPECT_EQ(output, "Error registering hotkey Super+Ctrl+K: -9878\n");
     EXPECT_EQ(Carbon::lastHotKeyId(), 1);
     EXPECT_TRUE(Carbon::hotKeyIds().isEmpty()) << "a failed registration keeps nothing";
     EXPECT_TRUE(isEnabled(taken)) << "it still counts as registered, without a hot key";
@@ -149,7 +149,7 @@ TEST_F(HotKeyDispatchTest, KeyOrModifierWithoutEquivalentPrintsInvalidHotKeyStat
     setShortcut(kOptionF5, name);
     setShortcut(kControlCommandK, name);
     EXPECT_EQ(testing::internal::GetCapturedStdout(),
-              "Error registering hotkey ⌥F5: -9879\nError registering hotkey ⌃⌘K: -9879\n");
+              "Error registering hotkey Alt+F5: -9879\nError registering hotkey Super+Ctrl+K: -9879\n");
     EXPECT_TRUE(Carbon::hotKeyIds().isEmpty());
 }
 
@@ -159,7 +159,7 @@ TEST_F(HotKeyDispatchTest, OtherRefusalPrintsTheSystemsOwnCode) {
                             static_cast<quint32>(kOptionF5.carbonModifiers()), {HotKeys::Error::other, 11});
     testing::internal::CaptureStdout();
     setShortcut(kOptionF5, name);
-    EXPECT_EQ(testing::internal::GetCapturedStdout(), "Error registering hotkey ⌥F5: 11\n");
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "Error registering hotkey Alt+F5: 11\n");
     EXPECT_EQ(Carbon::lastHotKeyId(), 1);
     EXPECT_TRUE(platform.hotKeys.registrations().isEmpty());
 }
@@ -182,7 +182,7 @@ TEST_F(HotKeyDispatchTest, SoftRegisterRetriesSuspendedKeysAndReportsFailures) {
                                static_cast<quint32>(kOptionF5.carbonModifiers()));
     testing::internal::CaptureStdout();
     setEnabled(true);
-    EXPECT_EQ(testing::internal::GetCapturedStdout(), "Error registering hotkey ⌥F5: -9878\n");
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "Error registering hotkey Alt+F5: -9878\n");
     EXPECT_FALSE(Carbon::isActive(1));
     platform.hotKeys.markFree(static_cast<quint32>(kOptionF5.carbonKeyCode()),
                               static_cast<quint32>(kOptionF5.carbonModifiers()));

@@ -84,46 +84,103 @@ TEST_F(ShortcutModelTest, SymbolicRepresentationUsesFixedOrder) {
               QStringLiteral("⌃⌥⇧⌘\U0001F310\uFE0E"));
 }
 
+TEST_F(ShortcutModelTest, ModifierNamesAreTheDesktopsInItsOrder) {
+    EXPECT_EQ(modifierNames({}), QStringList());
+    EXPECT_EQ(modifierNames(ModifierFlag::function | ModifierFlag::shift | ModifierFlag::option |
+                            ModifierFlag::control | ModifierFlag::command),
+              QStringList({QStringLiteral("Super"), QStringLiteral("Ctrl"), QStringLiteral("Alt"),
+                           QStringLiteral("Shift"), QStringLiteral("Fn")}));
+    EXPECT_EQ(modifierNames(ModifierFlag::capsLock | ModifierFlag::numericPad), QStringList());
+}
+
 TEST_F(ShortcutModelTest, ModifierOrderInDisplayStringDoesNotDependOnPressOrder) {
     const Shortcut pressedShiftFirst(Key::k, ModifierFlag::shift | ModifierFlag::option | ModifierFlag::control);
     const Shortcut pressedControlFirst(Key::k, ModifierFlag::control | ModifierFlag::option | ModifierFlag::shift);
-    EXPECT_EQ(pressedShiftFirst.presentableDescription(), QStringLiteral("⌃⌥⇧K"));
-    EXPECT_EQ(pressedControlFirst.presentableDescription(), QStringLiteral("⌃⌥⇧K"));
-    EXPECT_EQ(Shortcut(Key::k, kControlOptionShiftCommand).description(), QStringLiteral("⌃⌥⇧⌘K"));
+    EXPECT_EQ(pressedShiftFirst.presentableDescription(), QStringLiteral("Ctrl+Alt+Shift+K"));
+    EXPECT_EQ(pressedControlFirst.presentableDescription(), QStringLiteral("Ctrl+Alt+Shift+K"));
+    EXPECT_EQ(Shortcut(Key::k, kControlOptionShiftCommand).description(), QStringLiteral("Super+Ctrl+Alt+Shift+K"));
 }
 
-TEST_F(ShortcutModelTest, SpecialKeysShowTheirGlyphs) {
-    EXPECT_EQ(Shortcut(Key::return_, ModifierFlag::command).presentableDescription(), QStringLiteral("⌘↩"));
+TEST_F(ShortcutModelTest, DisplayStringNamesKeysAsTheDesktopDoes) {
+    EXPECT_EQ(Shortcut(Key::two, ModifierFlag::control | ModifierFlag::option).presentableDescription(),
+              QStringLiteral("Ctrl+Alt+2"));
+    EXPECT_EQ(Shortcut(Key::leftArrow, ModifierFlag::shift | ModifierFlag::command).presentableDescription(),
+              QStringLiteral("Super+Shift+Left"));
+    EXPECT_EQ(Shortcut(Key::return_, ModifierFlag::command).presentableDescription(), QStringLiteral("Super+Return"));
+    EXPECT_EQ(Shortcut(Key::space, ModifierFlag::control).presentableDescription(), QStringLiteral("Ctrl+Space"));
     EXPECT_EQ(Shortcut(Key::f5).presentableDescription(), QStringLiteral("F5"));
     EXPECT_EQ(Shortcut(Key::f20).presentableDescription(), QStringLiteral("F20"));
-    EXPECT_EQ(Shortcut(Key::keypad0).presentableDescription(), QStringLiteral("0\u20E3"));
-    EXPECT_EQ(Shortcut(Key::keypadEnter).presentableDescription(), QStringLiteral("\u21A9\u20E3"));
-    EXPECT_EQ(Shortcut(Key::keypadClear).presentableDescription(), QStringLiteral("\u2612\u20E3"));
-    EXPECT_EQ(Shortcut(Key::help).presentableDescription(), QStringLiteral("?\u20DD"));
-    EXPECT_EQ(Shortcut(Key::space, ModifierFlag::control).presentableDescription(), QStringLiteral("⌃Space"));
-    EXPECT_EQ(Shortcut(Key::leftArrow).presentableDescription(), QStringLiteral("←"));
-    EXPECT_EQ(Shortcut(Key::pageDown).presentableDescription(), QStringLiteral("⇟"));
+    const QList<std::pair<Key, QString>> names = {
+        {Key::rightArrow, QStringLiteral("Right")},
+        {Key::upArrow, QStringLiteral("Up")},
+        {Key::downArrow, QStringLiteral("Down")},
+        {Key::pageUp, QStringLiteral("Page Up")},
+        {Key::pageDown, QStringLiteral("Page Down")},
+        {Key::home, QStringLiteral("Home")},
+        {Key::end, QStringLiteral("End")},
+        {Key::tab, QStringLiteral("Tab")},
+        {Key::escape, QStringLiteral("Escape")},
+        {Key::delete_, QStringLiteral("Backspace")},
+        {Key::deleteForward, QStringLiteral("Delete")},
+        {Key::help, QStringLiteral("Insert")},
+        {Key::f1, QStringLiteral("F1")},
+        {Key::f12, QStringLiteral("F12")},
+        {Key::keypad0, QStringLiteral("Num+0")},
+        {Key::keypadEnter, QStringLiteral("Num+Enter")},
+        {Key::keypadClear, QStringLiteral("Num+Clear")},
+        {Key::keypadPlus, QStringLiteral("Num++")},
+    };
+    for (const auto& [key, name] : names) {
+        EXPECT_EQ(Shortcut(key, ModifierFlag::control).presentableDescription(), QStringLiteral("Ctrl+") + name)
+            << key.rawValue();
+    }
+}
+
+TEST_F(ShortcutModelTest, NoDisplayStringHoldsAGlyph) {
+    const ModifierFlags all = kControlOptionShiftCommand | ModifierFlag::function;
+    for (const Key& key : Key::allNamed()) {
+        const QString text = Shortcut(key, all).presentableDescription();
+        for (const QChar glyph : {QChar(0x2318), QChar(0x2325), QChar(0x2303), QChar(0x21E7), QChar(0x20E3)}) {
+            EXPECT_FALSE(text.contains(glyph)) << text.toStdString();
+        }
+        EXPECT_TRUE(text.startsWith(QStringLiteral("Super+Ctrl+Alt+Shift+Fn+"))) << text.toStdString();
+    }
+}
+
+TEST_F(ShortcutModelTest, SpecialKeysKeepTheirGlyphsForMenus) {
+    EXPECT_EQ(glyph(SpecialKey::return_), QStringLiteral("↩"));
+    EXPECT_EQ(glyph(SpecialKey::f5), QStringLiteral("F5"));
+    EXPECT_EQ(glyph(SpecialKey::f20), QStringLiteral("F20"));
+    EXPECT_EQ(glyph(SpecialKey::keypad0), QStringLiteral("0\u20E3"));
+    EXPECT_EQ(glyph(SpecialKey::keypadEnter), QStringLiteral("\u21A9\u20E3"));
+    EXPECT_EQ(glyph(SpecialKey::keypadClear), QStringLiteral("\u2612\u20E3"));
+    EXPECT_EQ(glyph(SpecialKey::help), QStringLiteral("?\u20DD"));
+    EXPECT_EQ(glyph(SpecialKey::space), QStringLiteral("Space"));
+    EXPECT_EQ(glyph(SpecialKey::leftArrow), QStringLiteral("←"));
+    EXPECT_EQ(glyph(SpecialKey::pageDown), QStringLiteral("⇟"));
+    EXPECT_EQ(appKitMenuItemKeyEquivalent(SpecialKey::leftArrow), QStringLiteral("←"));
+    EXPECT_EQ(appKitMenuItemKeyEquivalent(SpecialKey::return_), QStringLiteral("↩"));
 }
 
 TEST_F(ShortcutModelTest, KeyCodeNotNamedIsValidAndShownThroughLayout) {
     platform.keyboardLayout.characters.insert(10, QStringLiteral("§"));
     const Shortcut isoSection(10, 0x1000);
     EXPECT_EQ(isoSection.carbonKeyCode(), 10);
-    EXPECT_EQ(isoSection.presentableDescription(), QStringLiteral("⌃§"));
+    EXPECT_EQ(isoSection.presentableDescription(), QStringLiteral("Ctrl+§"));
     EXPECT_EQ(isoSection.nsMenuItemKeyEquivalent(), QStringLiteral("§"));
 }
 
 TEST_F(ShortcutModelTest, NoLayoutShowsReplacementCharacter) {
     platform.keyboardLayout.hasLayout = false;
     EXPECT_EQ(Shortcut(Key::k, ModifierFlag::control | ModifierFlag::command).presentableDescription(),
-              QStringLiteral("⌃⌘\uFFFD"));
+              QStringLiteral("Super+Ctrl+\uFFFD"));
     EXPECT_FALSE(Shortcut(Key::k, ModifierFlag::command).nsMenuItemKeyEquivalent());
     EXPECT_EQ(Shortcut(Key::f3).presentableDescription(), QStringLiteral("F3")) << "special keys need no layout";
 }
 
 TEST_F(ShortcutModelTest, LayoutTextOfMoreThanOneCharacterIsNoCharacter) {
     platform.keyboardLayout.characters.insert(Key::k.rawValue(), QStringLiteral("ab"));
-    EXPECT_EQ(Shortcut(Key::k, ModifierFlag::command).presentableDescription(), QStringLiteral("⌘\uFFFD"));
+    EXPECT_EQ(Shortcut(Key::k, ModifierFlag::command).presentableDescription(), QStringLiteral("Super+\uFFFD"));
 }
 
 TEST_F(ShortcutModelTest, KeyDownAndKeyUpEventsYieldShortcutsFlagsChangedNone) {
