@@ -6,7 +6,7 @@
 #include <optional>
 
 #include "app/Models.h"
-#include "platform/Accessibility.h"
+#include "platform/WindowControl.h"
 #include "platform/WindowServer.h"
 
 // One window of the window list that counts as a user window.
@@ -19,7 +19,7 @@ struct QualifiedWindow {
     bool operator==(const QualifiedWindow&) const = default;
 };
 
-// What the Accessibility tree tells about the windows of one process.
+// What the window control tells about the windows of one process.
 struct AXWindowMetadata {
     bool axQuerySupported = false;
     QSet<qint64> windowIDsForFiltering;
@@ -47,7 +47,7 @@ QList<DisplayAppGroup> groupedApplications(const QList<QualifiedWindow>& windows
 std::optional<pid_t> ownerPID(const WindowInfo& entry);
 std::optional<qint64> windowID(const WindowInfo& entry);
 bool isOnScreen(const WindowInfo& entry);
-// The element's role when it reads as a string.
-std::optional<QString> role(const AXUIElement& element);
+// The window's role when it reads.
+std::optional<WindowRole> role(WindowId window);
 
 }  // namespace ScreenSnapshotService

@@ -1,6 +1,5 @@
 #pragma once
 
-class Accessibility;
 class Activation;
 class Displays;
 class HotKeys;
@@ -9,6 +8,7 @@ class LoginItems;
 class Permissions;
 class UserDefaults;
 class WindowServer;
+class WindowControl;
 class Workspace;
 
 // The services of the platform the program runs on. A backend (X11, or the fake one in tests) fills
@@ -17,7 +17,7 @@ struct PlatformServices {
     Displays* displays = nullptr;
     WindowServer* windowServer = nullptr;
     Workspace* workspace = nullptr;
-    Accessibility* accessibility = nullptr;
+    WindowControl* windowControl = nullptr;
     HotKeys* hotKeys = nullptr;
     KeyboardLayout* keyboardLayout = nullptr;
     UserDefaults* userDefaults = nullptr;

@@ -1,7 +1,7 @@
 #include "platform/fake/FakePlatform.h"
 
 FakePlatform::FakePlatform() {
-    Platform::install({&displays, &windowServer, &workspace, &accessibility, &hotKeys, &keyboardLayout, &userDefaults,
+    Platform::install({&displays, &windowServer, &workspace, &windowControl, &hotKeys, &keyboardLayout, &userDefaults,
                        &loginItems, &permissions, &activation});
 }
 

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "platform/Platform.h"
-#include "platform/fake/FakeAccessibility.h"
 #include "platform/fake/FakeActivation.h"
 #include "platform/fake/FakeDisplays.h"
 #include "platform/fake/FakeHotKeys.h"
@@ -9,6 +8,7 @@
 #include "platform/fake/FakeLoginItems.h"
 #include "platform/fake/FakePermissions.h"
 #include "platform/fake/FakeUserDefaults.h"
+#include "platform/fake/FakeWindowControl.h"
 #include "platform/fake/FakeWindowServer.h"
 #include "platform/fake/FakeWorkspace.h"
 
@@ -23,7 +23,7 @@ public:
     FakeDisplays displays;
     FakeWindowServer windowServer;
     FakeWorkspace workspace;
-    FakeAccessibility accessibility;
+    FakeWindowControl windowControl;
     FakeHotKeys hotKeys;
     FakeKeyboardLayout keyboardLayout;
     FakeUserDefaults userDefaults;

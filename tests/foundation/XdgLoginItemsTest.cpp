@@ -62,7 +62,7 @@ TEST_F(XdgLoginItemsTest, UnwritableAutostartFolderGivesTheStatusMessageAndFalse
     Platform::install({.displays = &platform.displays,
                        .windowServer = &platform.windowServer,
                        .workspace = &platform.workspace,
-                       .accessibility = &platform.accessibility,
+                       .windowControl = &platform.windowControl,
                        .hotKeys = &platform.hotKeys,
                        .keyboardLayout = &platform.keyboardLayout,
                        .userDefaults = &platform.userDefaults,

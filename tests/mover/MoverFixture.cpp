@@ -52,7 +52,7 @@ void MoverTest::addWindow(pid_t pid, qint64 number, const QRectF& frame, const Q
     std::optional<QList<WindowInfo>> list = platform.windowServer.copyWindowInfo(0);
     list->append(FakeWindowServer::entry({.number = number, .pid = pid, .ownerName = ownerName, .bounds = frame}));
     platform.windowServer.setWindowList(list);
-    platform.accessibility.addWindow(pid, {.number = number, .frame = frame});
+    platform.windowControl.addWindow(pid, {.id = number, .frame = frame});
 }
 
 QStringList MoverTest::diagnosticLines(const std::function<void()>& call) {

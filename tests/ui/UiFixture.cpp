@@ -52,7 +52,7 @@ void UiTest::addApplication(pid_t pid, const QString& name, int displayIndex, co
     for (qint64 number : numbers) {
         const QRectF frame(displayIndex * 1920 + 100 + number * 10, 100, 800, 600);
         list->append(FakeWindowServer::entry({.number = number, .pid = pid, .ownerName = name, .bounds = frame}));
-        platform.accessibility.addWindow(pid, {.number = number, .frame = frame});
+        platform.windowControl.addWindow(pid, {.id = number, .frame = frame});
     }
     platform.windowServer.setWindowList(list);
 }
