@@ -6,8 +6,8 @@
 #include <optional>
 
 #include "app/Models.h"
-#include "platform/Accessibility.h"
 #include "platform/Monitors.h"
+#include "platform/WindowControl.h"
 #include "platform/WindowList.h"
 
 // One window of the window list that counts as a user window.
@@ -20,7 +20,7 @@ struct QualifiedWindow {
     bool operator==(const QualifiedWindow&) const = default;
 };
 
-// What the Accessibility tree tells about the windows of one process.
+// What the window control tells about the windows of one process.
 struct AXWindowMetadata {
     bool axQuerySupported = false;
     QSet<qint64> windowIDsForFiltering;
@@ -45,7 +45,7 @@ QList<QualifiedWindow> qualifyingWindows();
 QHash<pid_t, AXWindowMetadata> axWindowMetadataByOwnerPID(const QSet<pid_t>& pids);
 QList<DisplayAppGroup> groupedApplications(const QList<QualifiedWindow>& windows);
 
-// The element's role when it reads as a string.
-std::optional<QString> role(const AXUIElement& element);
+// The window's role when it reads.
+std::optional<WindowRole> role(WindowId window);
 
 }  // namespace ScreenSnapshotService

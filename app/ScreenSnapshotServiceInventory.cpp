@@ -1,69 +1,56 @@
 #include <QCollator>
 #include <algorithm>
 
-#include "app/AXValues.h"
 #include "app/ScreenSnapshotService.h"
 #include "app/WindowListFilters.h"
 #include "app/WindowMover.h"
 #include "platform/Platform.h"
 
-std::optional<QString> ScreenSnapshotService::role(const AXUIElement& element) {
-    AXAttributeReply reply;
-    reply.error = AXValues::accessibility()->copyAttributeValue(element, QLatin1String(kAXRoleAttribute), &reply.value);
-    return AXValues::string(reply);
+std::optional<WindowRole> ScreenSnapshotService::role(WindowId window) {
+    const Reading<WindowRole> reading = WindowMover::windowControl()->role(window);
+    return reading.result == Result::Ok ? reading.value : std::nullopt;
 }
 
 QHash<pid_t, AXWindowMetadata> ScreenSnapshotService::axWindowMetadataByOwnerPID(const QSet<pid_t>& pids) {
-    Accessibility* accessibility = AXValues::accessibility();
+    WindowControl* control = WindowMover::windowControl();
     const QList<pid_t> owners(pids.cbegin(), pids.cend());
 
     // First batch: both window lists of every application.
-    QList<AXAttributeRequest> listRequests;
-    for (pid_t pid : owners) {
-        listRequests.append({AXUIElement::application(pid), QLatin1String(kAXWindowsAttribute)});
-        listRequests.append({AXUIElement::application(pid), QLatin1String(kAXAllWindowsAttribute)});
-    }
-    const QList<AXAttributeReply> lists = accessibility->copyAttributeValues(listRequests);
+    const QList<ApplicationWindows> lists = control->windowsOfApplications(owners);
 
-    QList<AXUIElementList> windowsByOwner;
+    QList<QList<WindowId>> windowsByOwner;
     QList<bool> querySupported;
-    QList<AXAttributeRequest> windowRequests;
+    QList<WindowId> allWindows;
     for (qsizetype i = 0; i < owners.size(); ++i) {
-        AXUIElementList merged;
+        QList<WindowId> merged;
         bool anyListRead = false;
-        for (const AXAttributeReply& reply : {lists.value(2 * i), lists.value(2 * i + 1)}) {
-            anyListRead = anyListRead || reply.error == kAXErrorSuccess;
-            if (reply.error == kAXErrorSuccess && AXValues::isElementList(reply.value)) {
-                for (const AXUIElement& window : reply.value.value<AXUIElementList>()) {
+        const ApplicationWindows owned = lists.value(i);
+        for (const Reading<QList<WindowId>>& list : {owned.visible, owned.includingMinimised}) {
+            anyListRead = anyListRead || list.result == Result::Ok;
+            if (list.result == Result::Ok && list.value) {
+                for (WindowId window : *list.value) {
                     WindowMover::appendUnique(window, merged);
                 }
             }
         }
-        for (const AXUIElement& window : merged) {
-            windowRequests.append({window, QLatin1String(kAXWindowNumberAttribute)});
-            windowRequests.append({window, QLatin1String(kAXRoleAttribute)});
-        }
+        allWindows.append(merged);
         windowsByOwner.append(merged);
         querySupported.append(anyListRead);
     }
 
-    // Second batch: number and role of every window of every application.
-    const QList<AXAttributeReply> facts = accessibility->copyAttributeValues(windowRequests);
+    // Second batch: the role of every window of every application.
+    const QList<WindowFacts> facts = control->facts(allWindows);
 
     QHash<pid_t, AXWindowMetadata> metadata;
     qsizetype next = 0;
     for (qsizetype i = 0; i < owners.size(); ++i) {
         QSet<qint64> all;
         QSet<qint64> roleFiltered;
-        for (qsizetype w = 0; w < windowsByOwner[i].size(); ++w, next += 2) {
-            const std::optional<qint64> number = AXValues::windowNumber(facts.value(next));
-            if (!number) {
-                continue;
-            }
-            all.insert(*number);
-            const std::optional<QString> windowRole = AXValues::string(facts.value(next + 1));
-            if (!windowRole || AXValues::isMovableRole(*windowRole)) {
-                roleFiltered.insert(*number);
+        for (WindowId window : windowsByOwner[i]) {
+            const Reading<WindowRole> role = facts.value(next++).role;
+            all.insert(window);
+            if (role.result != Result::Ok || !role.value || WindowMover::isMovableRole(*role.value)) {
+                roleFiltered.insert(window);
             }
         }
         metadata.insert(owners[i], {querySupported[i], roleFiltered.isEmpty() ? all : roleFiltered});
@@ -93,7 +80,7 @@ QList<QualifiedWindow> ScreenSnapshotService::qualifyingWindows() {
         if (!WindowListFilters::hasUserWindowSize(entry.frame)) {
             continue;
         }
-        // Where Accessibility knows the application's real windows, only those count.
+        // Where the window control knows the application's real windows, only those count.
         const auto known = metadata.constFind(*entry.pid);
         if (known != metadata.cend() && known->axQuerySupported && !known->windowIDsForFiltering.isEmpty() &&
             !known->windowIDsForFiltering.contains(entry.id)) {

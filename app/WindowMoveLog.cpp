@@ -36,12 +36,28 @@ QString WindowMoveLog::fraction(double value) {
     return QString::asprintf("%.4f", value);
 }
 
-QString WindowMoveLog::windowNumber(const std::optional<qint64>& number) {
-    return number ? QString::number(*number) : QStringLiteral("n/a");
-}
-
 QString WindowMoveLog::boolean(bool value) {
     return value ? QStringLiteral("true") : QStringLiteral("false");
+}
+
+QString WindowMoveLog::errorName(Result result) {
+    switch (result) {
+        case Result::Ok:
+            return QStringLiteral("success");
+        case Result::Gone:
+            return QStringLiteral("invalidUIElement");
+        case Result::Unsupported:
+            return QStringLiteral("attributeUnsupported");
+        case Result::NoValue:
+            return QStringLiteral("noValue");
+        case Result::CannotComplete:
+            return QStringLiteral("cannotComplete");
+        case Result::NotPermitted:
+            return QStringLiteral("apiDisabled");
+        case Result::Failure:
+            break;
+    }
+    return QStringLiteral("failure");
 }
 
 void WindowMover::moveDiagLog(const QString& message) {

@@ -7,6 +7,8 @@
 #include <QString>
 #include <optional>
 
+#include "platform/WindowControl.h"
+
 // The debug trace of the window mover. Its debug level is on in Debug builds and off otherwise, so
 // release builds compose and print nothing unless QT_LOGGING_RULES="lattica.mover.debug=true" asks.
 Q_DECLARE_LOGGING_CATEGORY(lcMover)
@@ -24,8 +26,9 @@ QString describe(const QPointF& point);
 QString describe(const QSizeF& size);
 // A fraction with four decimals ("%.4f").
 QString fraction(double value);
-// A window number, or "n/a" when it is unknown.
-QString windowNumber(const std::optional<qint64>& number);
 QString boolean(bool value);
+// The error name a log line gives a result: "success", "invalidUIElement", "attributeUnsupported",
+// "noValue", "cannotComplete", "apiDisabled" or "failure", as readers of these logs know them.
+QString errorName(Result result);
 
 }  // namespace WindowMoveLog

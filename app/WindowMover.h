@@ -10,18 +10,18 @@
 #include <optional>
 
 #include "app/Models.h"
-#include "platform/Accessibility.h"
+#include "platform/WindowControl.h"
 #include "platform/WindowList.h"
 
-// The outcome of reading a window-list attribute of an application element.
+// The outcome of reading one of an application's window lists.
 struct WindowAttributeResult {
-    AXError error = kAXErrorSuccess;
-    AXUIElementList windows;  // empty whenever the read failed or gave no list of elements
+    Result result = Result::Ok;
+    QList<WindowId> windows;  // empty whenever the read failed
 };
 
-// A window element and its frame as read through Accessibility.
+// A window and its frame as read through the window control.
 struct FocusedWindowContext {
-    AXUIElement window;
+    WindowId window = 0;
     QRectF frame;
 };
 
@@ -35,7 +35,7 @@ struct NormalizedRect {
     bool operator==(const NormalizedRect&) const = default;
 };
 
-// Moves other applications' windows between displays through the Accessibility facade, keeping each
+// Moves other applications' windows between displays through the window control, keeping each
 // window's relative place (and on request its relative size). Stateless; every operation runs
 // synchronously on the calling thread, which is the main thread in the program.
 //
@@ -66,32 +66,30 @@ QRectF convertedWindowListFrame(const QRectF& windowListBounds, const QRectF& so
 // else the first display; nothing when there are no displays.
 std::optional<DisplaySnapshot> bestSourceDisplay(const QRectF& frame, const QList<DisplaySnapshot>& displays);
 
-// ---- Accessibility layer ----
+// ---- Window control layer ----
 
-// "success", "failure", ... "notEnoughPrecision", or "unknown(<code>)".
-QString axErrorName(AXError error);
-// Reads a list-of-windows attribute of an application element.
-WindowAttributeResult windows(const AXUIElement& app, const QString& attribute);
-// The application's movable windows: "AXWindows" then "AXAllWindows" merged without repeats, filtered
-// to the movable roles (unreadable roles pass); the merged list when the filter leaves nothing; nothing
-// when both lists are empty.
-std::optional<AXUIElementList> movableWindows(const AXUIElement& app, const QString& appLabel);
-// Appends the element unless an equal element is already in the list.
-void appendUnique(const AXUIElement& element, AXUIElementList& list);
-// "AXPosition" / "AXSize" when they read as a point / size.
-std::optional<QPointF> position(const AXUIElement& element);
-std::optional<QSizeF> size(const AXUIElement& element);
-// Both at once, in one batch of reads.
-struct PositionAndSize {
-    std::optional<QPointF> position;
-    std::optional<QSizeF> size;
-};
-PositionAndSize positionAndSize(const AXUIElement& element);
-// An attribute whose value is an element.
-std::optional<AXUIElement> axElementAttribute(const AXUIElement& element, const QString& attribute,
-                                              const QString& sourceLabel);
-// "AXWindowNumber" of a window element, when it reads as a number.
-std::optional<qint64> axWindowNumber(const AXUIElement& window);
+// The installed window control.
+WindowControl* windowControl();
+// Reads one of an application's window lists.
+WindowAttributeResult windows(pid_t application, WindowScope scope);
+// The application's movable windows: the visible list then the list with minimised windows merged
+// without repeats, filtered to the movable roles (unreadable roles pass); the merged list when the
+// filter leaves nothing; nothing when both lists are empty.
+std::optional<QList<WindowId>> movableWindows(pid_t application, const QString& appLabel);
+// Appends the window unless it is already in the list.
+void appendUnique(WindowId window, QList<WindowId>& list);
+// Whether a role is one a user moves: a window or a dialog.
+bool isMovableRole(WindowRole role);
+// The window's frame when it reads.
+std::optional<QRectF> frame(WindowId window);
+// A frame that can be moved: both sides longer than one point.
+std::optional<QRectF> usableFrame(const std::optional<QRectF>& frame);
+// A window the focus reading names; traces why there is none under the attribute's name.
+std::optional<WindowId> focusedElement(const Reading<WindowId>& reading, const QString& attribute,
+                                       const QString& sourceLabel);
+// Moves / resizes a window. A point or size that is not finite is not sent: the result is Failure.
+Result setOrigin(WindowId window, const QPointF& origin);
+Result setSize(WindowId window, const QSizeF& size);
 // Window-list key of a window: "<pid>-<windowNumber>".
 QString windowListKey(pid_t pid, qint64 windowNumber);
 // The window list with off-screen, hidden and minimised windows; nothing when it is unavailable.
@@ -104,12 +102,12 @@ QHash<pid_t, QSet<qint64>> sourceWindowIDsByOwnerPID(const QRectF& source);
 QHash<pid_t, QSet<qint64>> sourceWindowIDsByOwnerPID(const QRectF& source,
                                                      const std::optional<QList<WindowEntry>>& list);
 // Un-hides the application and un-minimises the given windows; failures are traced, never fatal.
-void revealMovedWindowsForApplication(const AXUIElementList& windows, const AXUIElement& app, const QString& appLabel);
-// The first element of the list with a readable frame larger than one point.
-std::optional<FocusedWindowContext> firstWindowContextWithFrame(const AXUIElementList& windows,
+void revealMovedWindowsForApplication(const QList<WindowId>& windows, pid_t application, const QString& appLabel);
+// The first window of the list with a readable frame larger than one point.
+std::optional<FocusedWindowContext> firstWindowContextWithFrame(const QList<WindowId>& windows,
                                                                 const QString& sourceLabel);
 // The application's focused window, else its main window, else the first window with a frame.
-std::optional<FocusedWindowContext> focusedWindowContext(const AXUIElement& app, const QString& sourceLabel);
+std::optional<FocusedWindowContext> focusedWindowContext(pid_t application, const QString& sourceLabel);
 
 // ---- Moves ----
 

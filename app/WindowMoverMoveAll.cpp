@@ -1,7 +1,6 @@
 #include <QStringList>
 #include <cmath>
 
-#include "app/AXValues.h"
 #include "app/Geometry.h"
 #include "app/WindowMoveLog.h"
 #include "app/WindowMover.h"
@@ -15,28 +14,20 @@ using WindowMoveLog::fraction;
 namespace {
 
 // What a move needs to know about one window before it is moved.
-struct WindowFacts {
-    AXUIElement element;
-    std::optional<qint64> number;
-    std::optional<QPointF> position;
-    std::optional<QSizeF> size;
+struct WindowBeforeMove {
+    WindowId window = 0;
+    std::optional<QRectF> frame;
 };
 
-// Window number, position and size of every window in one batch.
-QList<WindowFacts> readWindowFacts(const AXUIElementList& windows) {
-    QList<AXAttributeRequest> requests;
-    for (const AXUIElement& window : windows) {
-        requests.append({window, QLatin1String(kAXWindowNumberAttribute)});
-        requests.append({window, QLatin1String(kAXPositionAttribute)});
-        requests.append({window, QLatin1String(kAXSizeAttribute)});
-    }
-    const QList<AXAttributeReply> replies = AXValues::accessibility()->copyAttributeValues(requests);
-    QList<WindowFacts> facts;
+// The frame of every window in one batch.
+QList<WindowBeforeMove> readFrames(const QList<WindowId>& windows) {
+    const QList<WindowFacts> facts = WindowMover::windowControl()->facts(windows);
+    QList<WindowBeforeMove> read;
     for (qsizetype i = 0; i < windows.size(); ++i) {
-        facts.append({windows[i], AXValues::windowNumber(replies.value(3 * i)),
-                      AXValues::point(replies.value(3 * i + 1)), AXValues::size(replies.value(3 * i + 2))});
+        const Reading<QRectF> frame = facts.value(i).frame;
+        read.append({windows[i], frame.result == Result::Ok ? frame.value : std::nullopt});
     }
-    return facts;
+    return read;
 }
 
 QString centerText(const QPointF& center) {
@@ -44,9 +35,8 @@ QString centerText(const QPointF& center) {
 }
 
 // The frame after a move: what reads back when usable, else the planned frame.
-QRectF postMoveFrame(const AXUIElement& window, const QRectF& planned) {
-    const WindowMover::PositionAndSize read = WindowMover::positionAndSize(window);
-    return AXValues::usableFrame(read.position, read.size).value_or(planned);
+QRectF postMoveFrame(WindowId window, const QRectF& planned) {
+    return WindowMover::usableFrame(WindowMover::frame(window)).value_or(planned);
 }
 
 // Everything one window's move needs besides the window.
@@ -60,52 +50,53 @@ struct MovePlan {
     bool centerLike = false;
 };
 
-bool moveKeepingSize(const AXUIElement& window, const MovePlan& plan) {
+bool moveKeepingSize(WindowId window, const MovePlan& plan) {
     const QSizeF size = plan.frame.size();
     const QPointF origin = WindowMover::destinationOrigin(plan.center, size, plan.destination);
-    const AXError positionError = AXValues::setPoint(window, QLatin1String(kAXPositionAttribute), origin);
+    const Result positionError = WindowMover::setOrigin(window, origin);
 
     const QRectF post = postMoveFrame(window, QRectF(origin, size));
     const QPointF postCenter = WindowMover::normalizedCenter(post, plan.destination);
-    const bool moved = positionError == kAXErrorSuccess;
+    const bool moved = positionError == Result::Ok;
     if (!moved) {
         qCDebug(lcMover).noquote() << QStringLiteral(
                                           "%1: failed setPosition (keep size) windowID=%2, error=%3, frame=%4, "
                                           "target=%5")
-                                          .arg(plan.label, plan.windowID, WindowMover::axErrorName(positionError),
+                                          .arg(plan.label, plan.windowID, WindowMoveLog::errorName(positionError),
                                                describe(plan.frame), describe(origin));
     }
     WindowMover::moveDiagLog(QStringLiteral("RESULT app=%1, windowID=%2, centerLike=%3, keepSize=true, posErr=%4, "
                                             "targetOrigin=%5, postFrame=%6, postNormalizedCenter=%7")
                                  .arg(plan.label, plan.windowID, boolean(plan.centerLike),
-                                      WindowMover::axErrorName(positionError), describe(origin), describe(post),
+                                      WindowMoveLog::errorName(positionError), describe(origin), describe(post),
                                       centerText(postCenter)));
     return moved;
 }
 
-bool moveAdjustingSize(const AXUIElement& window, const MovePlan& plan) {
+bool moveAdjustingSize(WindowId window, const MovePlan& plan) {
     const QSizeF targetSize = WindowMover::adjustedSize(plan.frame, plan.source, plan.destination);
     const QPointF desiredOrigin = WindowMover::destinationOrigin(plan.center, targetSize, plan.destination);
 
-    const AXError initialError = AXValues::setPoint(window, QLatin1String(kAXPositionAttribute), desiredOrigin);
-    const AXError sizeError = AXValues::setSize(window, QLatin1String(kAXSizeAttribute), targetSize);
+    const Result initialError = WindowMover::setOrigin(window, desiredOrigin);
+    const Result sizeError = WindowMover::setSize(window, targetSize);
 
-    const auto [readPosition, readSize] = WindowMover::positionAndSize(window);
-    const QSizeF actualSize = AXValues::usableFrame(readPosition, readSize) ? *readSize : targetSize;
-    const QPointF positionAfterResize = readPosition.value_or(plan.frame.topLeft());
+    const std::optional<QRectF> read = WindowMover::frame(window);
+    const std::optional<QRectF> usable = WindowMover::usableFrame(read);
+    const QSizeF actualSize = usable ? usable->size() : targetSize;
+    const QPointF positionAfterResize = read ? read->topLeft() : plan.frame.topLeft();
 
     // Placed again by the size the window really took, with the centre measured on the source display.
     const QPointF finalOrigin = WindowMover::destinationOrigin(plan.center, actualSize, plan.destination);
-    const AXError finalError = AXValues::setPoint(window, QLatin1String(kAXPositionAttribute), finalOrigin);
+    const Result finalError = WindowMover::setOrigin(window, finalOrigin);
 
     const bool sizeChanged = std::fabs(actualSize.width() - plan.frame.width()) > 1.0 ||
                              std::fabs(actualSize.height() - plan.frame.height()) > 1.0;
-    if (sizeError != kAXErrorSuccess || !sizeChanged) {
+    if (sizeError != Result::Ok || !sizeChanged) {
         const NormalizedRect n = WindowMover::normalizedRect(plan.frame, plan.source);
         qCDebug(lcMover).noquote() << QStringLiteral(
                                           "%1: resize status windowID=%2, sizeErr=%3, sizeChanged=%4, before=%5, "
                                           "target=%6, actual=%7, normalizedSize=(%8,%9)")
-                                          .arg(plan.label, plan.windowID, WindowMover::axErrorName(sizeError),
+                                          .arg(plan.label, plan.windowID, WindowMoveLog::errorName(sizeError),
                                                boolean(sizeChanged), describe(plan.frame.size()), describe(targetSize),
                                                describe(actualSize), fraction(n.width), fraction(n.height));
     }
@@ -113,13 +104,13 @@ bool moveAdjustingSize(const AXUIElement& window, const MovePlan& plan) {
     // A window that ends up in place counts as moved even when the writes reported errors.
     const bool alreadyInPlace = std::fabs(positionAfterResize.x() - finalOrigin.x()) <= 1.5 &&
                                 std::fabs(positionAfterResize.y() - finalOrigin.y()) <= 1.5;
-    const bool moved = initialError == kAXErrorSuccess || finalError == kAXErrorSuccess || alreadyInPlace;
+    const bool moved = initialError == Result::Ok || finalError == Result::Ok || alreadyInPlace;
     if (!moved) {
         qCDebug(lcMover).noquote() << QStringLiteral(
                                           "%1: failed setPosition windowID=%2, initialError=%3, finalError=%4, "
                                           "frame=%5, target=%6")
-                                          .arg(plan.label, plan.windowID, WindowMover::axErrorName(initialError),
-                                               WindowMover::axErrorName(finalError), describe(plan.frame),
+                                          .arg(plan.label, plan.windowID, WindowMoveLog::errorName(initialError),
+                                               WindowMoveLog::errorName(finalError), describe(plan.frame),
                                                describe(finalOrigin));
     }
 
@@ -129,8 +120,8 @@ bool moveAdjustingSize(const AXUIElement& window, const MovePlan& plan) {
         QStringLiteral("RESULT app=%1, windowID=%2, centerLike=%3, initialPosErr=%4, sizeErr=%5, finalPosErr=%6, "
                        "targetSize=%7, actualSize=%8, desiredOrigin=%9, finalOrigin=%10, postFrame=%11, "
                        "postNormalizedCenter=%12")
-            .arg(plan.label, plan.windowID, boolean(plan.centerLike), WindowMover::axErrorName(initialError),
-                 WindowMover::axErrorName(sizeError), WindowMover::axErrorName(finalError), describe(targetSize),
+            .arg(plan.label, plan.windowID, boolean(plan.centerLike), WindowMoveLog::errorName(initialError),
+                 WindowMoveLog::errorName(sizeError), WindowMoveLog::errorName(finalError), describe(targetSize),
                  describe(actualSize), describe(desiredOrigin), describe(finalOrigin), describe(post),
                  centerText(postCenter)));
     return moved;
@@ -165,17 +156,17 @@ struct MoveContext {
     bool adjustSize = false;
 };
 
-// A window's frame and where it came from: Accessibility, else the window list mirrored inside the source.
-std::optional<std::pair<QRectF, QString>> windowFrame(const WindowFacts& window, pid_t pid, const MoveContext& move) {
-    if (const std::optional<QRectF> axFrame = AXValues::usableFrame(window.position, window.size)) {
-        return std::pair{*axFrame, QStringLiteral("AX")};
+// A window's frame and where it came from: the window control, else the window list mirrored inside
+// the source.
+std::optional<std::pair<QRectF, QString>> windowFrame(const WindowBeforeMove& window, pid_t pid,
+                                                      const MoveContext& move) {
+    if (const std::optional<QRectF> read = WindowMover::usableFrame(window.frame)) {
+        return std::pair{*read, QStringLiteral("AX")};
     }
-    if (window.number) {
-        const auto found = move.frames.constFind(WindowMover::windowListKey(pid, *window.number));
-        if (found != move.frames.cend()) {
-            return std::pair{WindowMover::convertedWindowListFrame(*found, move.source),
-                             QStringLiteral("CGFallbackConverted")};
-        }
+    const auto found = move.frames.constFind(WindowMover::windowListKey(pid, window.window));
+    if (found != move.frames.cend()) {
+        return std::pair{WindowMover::convertedWindowListFrame(*found, move.source),
+                         QStringLiteral("CGFallbackConverted")};
     }
     return std::nullopt;
 }
@@ -184,9 +175,8 @@ std::optional<std::pair<QRectF, QString>> windowFrame(const WindowFacts& window,
 WindowMoveResult moveApplicationWindows(const RunningApplication& application, const MoveContext& move,
                                         bool revealMovedWindows) {
     const pid_t pid = application.pid;
-    const AXUIElement appElement = AXUIElement::application(pid);
     const QString label = applicationLabel(application);
-    const std::optional<AXUIElementList> windows = WindowMover::movableWindows(appElement, label);
+    const std::optional<QList<WindowId>> windows = WindowMover::movableWindows(pid, label);
     if (!windows) {
         qCDebug(lcMover).noquote() << label + QStringLiteral(": no accessible windows returned");
         return {};
@@ -197,9 +187,9 @@ WindowMoveResult moveApplicationWindows(const RunningApplication& application, c
     const QRectF& S = move.source;
 
     WindowMoveResult counts;
-    AXUIElementList moved;
-    for (const WindowFacts& window : readWindowFacts(*windows)) {
-        const QString windowIDText = WindowMoveLog::windowNumber(window.number);
+    QList<WindowId> moved;
+    for (const WindowBeforeMove& window : readFrames(*windows)) {
+        const QString windowIDText = QString::number(window.window);
         const auto frameAndSource = windowFrame(window, pid, move);
         if (!frameAndSource) {
             qCDebug(lcMover).noquote()
@@ -208,7 +198,7 @@ WindowMoveResult moveApplicationWindows(const RunningApplication& application, c
         }
         const auto& [frame, frameSource] = *frameAndSource;
 
-        const bool listedOnSource = window.number && sourceSet.contains(*window.number);
+        const bool listedOnSource = sourceSet.contains(window.window);
         if (!listedOnSource && !Geometry::intersects(frame, S)) {
             continue;
         }
@@ -229,10 +219,10 @@ WindowMoveResult moveApplicationWindows(const RunningApplication& application, c
                      fraction(n.height)));
 
         const bool windowMoved =
-            move.adjustSize ? moveAdjustingSize(window.element, plan) : moveKeepingSize(window.element, plan);
+            move.adjustSize ? moveAdjustingSize(window.window, plan) : moveKeepingSize(window.window, plan);
         if (windowMoved) {
             ++counts.movedCount;
-            moved.append(window.element);
+            moved.append(window.window);
         }
     }
 
@@ -241,7 +231,7 @@ WindowMoveResult moveApplicationWindows(const RunningApplication& application, c
                                            QString::number(counts.movedCount));
     // Shown only after they have been moved, so a hidden or minimised window appears in its new place.
     if (revealMovedWindows && !moved.isEmpty()) {
-        WindowMover::revealMovedWindowsForApplication(moved, appElement, label);
+        WindowMover::revealMovedWindowsForApplication(moved, pid, label);
     }
     return counts;
 }

@@ -1,31 +1,31 @@
-#include "app/AXValues.h"
 #include "app/WindowMoveLog.h"
 #include "app/WindowMover.h"
 #include "platform/Platform.h"
 #include "platform/RunningApplications.h"
 
 std::optional<FocusedWindowContext> WindowMover::focusedWindowContext() {
-    const AXUIElement systemWide = AXUIElement::systemWide();
     const QString systemWideLabel = QStringLiteral("systemWide");
 
-    if (const std::optional<AXUIElement> window =
-            axElementAttribute(systemWide, QLatin1String(kAXFocusedWindowAttribute), systemWideLabel)) {
-        if (const std::optional<QRectF> frame = AXValues::usableFrame(position(*window), size(*window))) {
-            return FocusedWindowContext{*window, *frame};
+    if (const std::optional<WindowId> window =
+            focusedElement(windowControl()->focusedWindow(), QStringLiteral("AXFocusedWindow"), systemWideLabel)) {
+        if (const std::optional<QRectF> usable = usableFrame(frame(*window))) {
+            return FocusedWindowContext{*window, *usable};
         }
     }
-    if (const std::optional<AXUIElement> app =
-            axElementAttribute(systemWide, QLatin1String(kAXFocusedApplicationAttribute), systemWideLabel)) {
-        if (std::optional<FocusedWindowContext> context =
-                focusedWindowContext(*app, QStringLiteral("focusedApplication"))) {
-            return context;
-        }
+    const Reading<pid_t> application = windowControl()->focusedApplication();
+    if (application.result != Result::Ok || !application.value) {
+        const Result result = application.result == Result::Ok ? Result::NoValue : application.result;
+        qCDebug(lcMover).noquote() << QStringLiteral("moveFocusedWindow: %1 attribute AXFocusedApplication error=%2")
+                                          .arg(systemWideLabel, WindowMoveLog::errorName(result));
+    } else if (std::optional<FocusedWindowContext> context =
+                   focusedWindowContext(*application.value, QStringLiteral("focusedApplication"))) {
+        return context;
     }
     const std::optional<RunningApplication> frontmost =
         Platform::services().runningApplications->frontmostApplication();
     if (frontmost && frontmost->pid >= 1) {
         const pid_t pid = frontmost->pid;
-        return focusedWindowContext(AXUIElement::application(pid), QStringLiteral("frontmostApplication[%1]").arg(pid));
+        return focusedWindowContext(pid, QStringLiteral("frontmostApplication[%1]").arg(pid));
     }
     return std::nullopt;
 }
@@ -52,23 +52,20 @@ WindowMoveResult WindowMover::moveFocusedWindow(const DisplaySnapshot& target,
     const QRectF S = source->bounds;
     const QRectF T = target.bounds;
     const QRectF& frame = context->frame;
-    const AXUIElement& window = context->window;
+    const WindowId window = context->window;
     const QPointF center = normalizedCenter(frame, S);
     const QSizeF wanted = adjustSizeToDestination ? adjustedSize(frame, S, T) : frame.size();
     const QPointF origin = destinationOrigin(center, wanted, T);
-    const QString positionAttribute = QLatin1String(kAXPositionAttribute);
 
     if (!adjustSizeToDestination) {
-        const AXError error = AXValues::setPoint(window, positionAttribute, origin);
-        return {error == kAXErrorSuccess ? 1 : 0, 1};
+        return {setOrigin(window, origin) == Result::Ok ? 1 : 0, 1};
     }
 
     // The first two writes only prepare; the final position write decides.
-    AXValues::setPoint(window, positionAttribute, origin);
-    AXValues::setSize(window, QLatin1String(kAXSizeAttribute), wanted);
-    const std::optional<QSizeF> readSize = size(window);
-    const QSizeF actualSize = AXValues::usableFrame(position(window), readSize) ? *readSize : wanted;
+    setOrigin(window, origin);
+    setSize(window, wanted);
+    const std::optional<QRectF> read = usableFrame(WindowMover::frame(window));
+    const QSizeF actualSize = read ? read->size() : wanted;
     const QPointF finalOrigin = destinationOrigin(center, actualSize, T);
-    const AXError error = AXValues::setPoint(window, positionAttribute, finalOrigin);
-    return {error == kAXErrorSuccess ? 1 : 0, 1};
+    return {setOrigin(window, finalOrigin) == Result::Ok ? 1 : 0, 1};
 }

@@ -92,7 +92,7 @@ int main(int argc, char** argv) {
         BenchTable::row(QStringLiteral("%1 windows: minimal pipelined listing (floor)").arg(total), floorFigures);
         std::printf("%-58s %10.1f\n", qPrintable(QStringLiteral("%1 windows: list / floor, medians").arg(total)),
                     oursFigures.median / floorFigures.median);
-        BenchTable::row(QStringLiteral("%1 windows: qualifying windows (list + Accessibility)").arg(total),
+        BenchTable::row(QStringLiteral("%1 windows: qualifying windows (list + window control)").arg(total),
                         BenchTable::measure(10, [] { ScreenSnapshotService::qualifyingWindows(); }));
         // The same with nothing known of any window beforehand, as on the first opening of the panel
         // or after every window has changed.

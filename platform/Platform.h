@@ -1,6 +1,5 @@
 #pragma once
 
-class Accessibility;
 class Activation;
 class HotKeys;
 class KeyboardLayout;
@@ -9,6 +8,7 @@ class Monitors;
 class RunningApplications;
 class SessionCheck;
 class UserDefaults;
+class WindowControl;
 class WindowList;
 
 // The services of the platform the program runs on. A backend (X11, or the fake one in tests) fills
@@ -17,7 +17,7 @@ struct PlatformServices {
     Monitors* monitors = nullptr;
     WindowList* windowList = nullptr;
     RunningApplications* runningApplications = nullptr;
-    Accessibility* accessibility = nullptr;
+    WindowControl* windowControl = nullptr;
     HotKeys* hotKeys = nullptr;
     KeyboardLayout* keyboardLayout = nullptr;
     UserDefaults* userDefaults = nullptr;

@@ -1,7 +1,7 @@
 #include "platform/fake/FakePlatform.h"
 
 FakePlatform::FakePlatform() {
-    Platform::install({&monitors, &windowList, &runningApplications, &accessibility, &hotKeys, &keyboardLayout,
+    Platform::install({&monitors, &windowList, &runningApplications, &windowControl, &hotKeys, &keyboardLayout,
                        &userDefaults, &loginItems, &sessionCheck, &activation});
 }
 

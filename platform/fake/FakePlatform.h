@@ -1,7 +1,6 @@
 #pragma once
 
 #include "platform/Platform.h"
-#include "platform/fake/FakeAccessibility.h"
 #include "platform/fake/FakeActivation.h"
 #include "platform/fake/FakeHotKeys.h"
 #include "platform/fake/FakeKeyboardLayout.h"
@@ -10,6 +9,7 @@
 #include "platform/fake/FakeRunningApplications.h"
 #include "platform/fake/FakeSessionCheck.h"
 #include "platform/fake/FakeUserDefaults.h"
+#include "platform/fake/FakeWindowControl.h"
 #include "platform/fake/FakeWindowList.h"
 
 // Every platform service in memory. Constructing one installs it; tests script it through its members.
@@ -23,7 +23,7 @@ public:
     FakeMonitors monitors;
     FakeWindowList windowList;
     FakeRunningApplications runningApplications;
-    FakeAccessibility accessibility;
+    FakeWindowControl windowControl;
     FakeHotKeys hotKeys;
     FakeKeyboardLayout keyboardLayout;
     FakeUserDefaults userDefaults;

@@ -1,7 +1,6 @@
 #include "platform/x11/X11Platform.h"
 
 #include "platform/x11/FileUserDefaults.h"
-#include "platform/x11/X11Accessibility.h"
 #include "platform/x11/X11Activation.h"
 #include "platform/x11/X11Connection.h"
 #include "platform/x11/X11HotKeys.h"
@@ -10,6 +9,7 @@
 #include "platform/x11/X11RunningApplications.h"
 #include "platform/x11/X11SessionCheck.h"
 #include "platform/x11/X11WindowCache.h"
+#include "platform/x11/X11WindowControl.h"
 #include "platform/x11/X11WindowDesktopEntries.h"
 #include "platform/x11/X11WindowList.h"
 #include "platform/x11/XdgLoginItems.h"
@@ -25,7 +25,7 @@ struct X11Platform::Owned {
     std::unique_ptr<X11WindowCache> windowCache;
     std::unique_ptr<X11WindowList> windowList;
     std::unique_ptr<X11RunningApplications> runningApplications;
-    std::unique_ptr<X11Accessibility> accessibility;
+    std::unique_ptr<X11WindowControl> windowControl;
     std::unique_ptr<X11Activation> activation;
 };
 
@@ -45,7 +45,7 @@ X11Platform::X11Platform(std::unique_ptr<X11Connection> connection)
     m_owned->loginItems = std::make_unique<XdgLoginItems>(XdgLoginItems::standardPath());
     m_owned->sessionCheck = std::make_unique<X11SessionCheck>(x11);
     m_owned->desktopEntries = std::make_unique<X11WindowDesktopEntries>();
-    // The window list, the running applications and the Accessibility reads share what they learn of
+    // The window list, the running applications and the window control's reads share what they learn of
     // windows. Without a second connection they simply read everything each time.
     if (std::unique_ptr<X11Connection> watch = X11Connection::open(x11.displayName())) {
         m_owned->windowCache = std::make_unique<X11WindowCache>(std::move(watch));
@@ -53,7 +53,7 @@ X11Platform::X11Platform(std::unique_ptr<X11Connection> connection)
     X11WindowCache* cache = m_owned->windowCache.get();
     m_owned->windowList = std::make_unique<X11WindowList>(x11, *m_owned->desktopEntries, cache);
     m_owned->runningApplications = std::make_unique<X11RunningApplications>(x11, *m_owned->desktopEntries, cache);
-    m_owned->accessibility = std::make_unique<X11Accessibility>(x11, cache);
+    m_owned->windowControl = std::make_unique<X11WindowControl>(x11, cache);
     m_owned->activation = std::make_unique<X11Activation>(x11);
 
     m_owned->keyboardLayout = std::make_unique<X11KeyboardLayout>(x11);
@@ -67,7 +67,7 @@ X11Platform::X11Platform(std::unique_ptr<X11Connection> connection)
     m_services.sessionCheck = m_owned->sessionCheck.get();
     m_services.windowList = m_owned->windowList.get();
     m_services.runningApplications = m_owned->runningApplications.get();
-    m_services.accessibility = m_owned->accessibility.get();
+    m_services.windowControl = m_owned->windowControl.get();
     m_services.activation = m_owned->activation.get();
 }
 

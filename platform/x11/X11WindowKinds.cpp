@@ -96,29 +96,23 @@ int X11WindowKinds::layer(const X11WindowFacts& facts) const {
     return isKeepAbove(facts) ? kFloatingLayer : kNormalLayer;
 }
 
-QString X11WindowKinds::role(const X11WindowFacts& facts) const {
+WindowRole X11WindowKinds::role(const X11WindowFacts& facts) const {
     switch (kind(facts)) {
         case Kind::Normal:
         case Kind::Utility:
         case Kind::Toolbar:
-            return facts.hasState(m_modal) && facts.transientFor != XCB_NONE ? QStringLiteral("AXDialog")
-                                                                             : QStringLiteral("AXWindow");
+            return facts.hasState(m_modal) && facts.transientFor != XCB_NONE ? WindowRole::Dialog : WindowRole::Window;
         case Kind::Dialog:
-            return QStringLiteral("AXDialog");
+            return WindowRole::Dialog;
         case Kind::Dock:
-            return QStringLiteral("AXDock");
         case Kind::Desktop:
-            return QStringLiteral("AXDesktop");
         case Kind::Splash:
-            return QStringLiteral("AXSplash");
         case Kind::Menu:
-            return QStringLiteral("AXMenu");
         case Kind::Notification:
-            return QStringLiteral("AXNotification");
         case Kind::Tooltip:
-            return QStringLiteral("AXHelpTag");
+            break;
     }
-    return QStringLiteral("AXUnknown");
+    return WindowRole::Other;
 }
 
 bool X11WindowKinds::isOnDesktop(const X11WindowFacts& facts, std::optional<quint32> currentDesktop) const {

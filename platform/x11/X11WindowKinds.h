@@ -5,12 +5,13 @@
 #include <QString>
 #include <optional>
 
+#include "platform/WindowControl.h"
 #include "platform/x11/X11WindowFacts.h"
 
 class X11Connection;
 
 // Reads what a top-level window is from its EWMH type and state: its kind, its window-list layer, its
-// Accessibility role and whether it is on screen.
+// role and whether it is on screen.
 class X11WindowKinds {
 public:
     enum class Kind { Normal, Dialog, Utility, Toolbar, Dock, Desktop, Splash, Menu, Notification, Tooltip };
@@ -28,7 +29,7 @@ public:
 
     Kind kind(const X11WindowFacts& facts) const;
     int layer(const X11WindowFacts& facts) const;
-    QString role(const X11WindowFacts& facts) const;
+    WindowRole role(const X11WindowFacts& facts) const;
     bool isOnscreen(const X11WindowFacts& facts, std::optional<quint32> currentDesktop) const;
     // On the current desktop (or on all desktops), whether minimised or not.
     bool isOnDesktop(const X11WindowFacts& facts, std::optional<quint32> currentDesktop) const;

@@ -155,7 +155,7 @@ QList<xcb_atom_t> X11WindowPlacer::sizeStates(const X11WindowFacts& facts) const
     return states;
 }
 
-AXError X11WindowPlacer::leaveSizeStates(xcb_window_t window, const QList<xcb_atom_t>& states, X11WindowFacts* facts) {
+Result X11WindowPlacer::leaveSizeStates(xcb_window_t window, const QList<xcb_atom_t>& states, X11WindowFacts* facts) {
     if (states.contains(m_fullscreen)) {
         sendState(window, false, m_fullscreen, 0);
     }
@@ -174,13 +174,13 @@ AXError X11WindowPlacer::leaveSizeStates(xcb_window_t window, const QList<xcb_at
         },
         kConfirmationMilliseconds, facts);
     if (!facts->exists) {
-        return kAXErrorInvalidUIElement;
+        return Result::Gone;
     }
     qCDebug(lcPlacer) << "left states of" << window << "frame" << facts->outerFrame() << "from size" << sizeInState;
     // A window whose normal size is its maximised size never changes size: the state is what counts.
     const bool stateLeft =
         !facts->hasState(m_maximizedVert) && !facts->hasState(m_maximizedHorz) && !facts->hasState(m_fullscreen);
-    return left || stateLeft ? kAXErrorSuccess : kAXErrorCannotComplete;
+    return left || stateLeft ? Result::Ok : Result::CannotComplete;
 }
 
 void X11WindowPlacer::restoreSizeStates(xcb_window_t window, const QList<xcb_atom_t>& states) {
@@ -212,19 +212,19 @@ void X11WindowPlacer::restoreSizeStates(xcb_window_t window, const QList<xcb_ato
                       << before;
 }
 
-AXError X11WindowPlacer::moveFrame(xcb_window_t window, QPoint rootTopLeft) {
+Result X11WindowPlacer::moveFrame(xcb_window_t window, QPoint rootTopLeft) {
     X11WindowFacts facts = read(window);
     if (!facts.exists) {
-        return kAXErrorInvalidUIElement;
+        return Result::Gone;
     }
     watch(window);
     const QList<xcb_atom_t> states = sizeStates(facts);
     if (!states.isEmpty()) {
-        if (const AXError error = leaveSizeStates(window, states, &facts); error != kAXErrorSuccess) {
+        if (const Result error = leaveSizeStates(window, states, &facts); error != Result::Ok) {
             return error;
         }
     } else if (facts.outerFrame().topLeft() == rootTopLeft) {
-        return kAXErrorSuccess;
+        return Result::Ok;
     }
     const QPoint before = facts.outerFrame().topLeft();
     const QPoint decorations = decorationOffset(facts);
@@ -257,7 +257,7 @@ AXError X11WindowPlacer::moveFrame(xcb_window_t window, QPoint rootTopLeft) {
         landed = waitUntil(window, arrived, kConfirmationMilliseconds, &facts);
     }
     if (!facts.exists) {
-        return kAXErrorInvalidUIElement;
+        return Result::Gone;
     }
     if (!states.isEmpty()) {
         restoreSizeStates(window, states);
@@ -265,26 +265,26 @@ AXError X11WindowPlacer::moveFrame(xcb_window_t window, QPoint rootTopLeft) {
     qCDebug(lcPlacer) << "move" << window << "to" << rootTopLeft << "landed" << landed << "at"
                       << facts.outerFrame().topLeft();
     // A window manager that keeps windows where it likes has still answered the request.
-    return landed || facts.outerFrame().topLeft() != before ? kAXErrorSuccess : kAXErrorCannotComplete;
+    return landed || facts.outerFrame().topLeft() != before ? Result::Ok : Result::CannotComplete;
 }
 
-AXError X11WindowPlacer::resizeFrame(xcb_window_t window, QSize frameSize) {
+Result X11WindowPlacer::resizeFrame(xcb_window_t window, QSize frameSize) {
     X11WindowFacts facts = read(window);
     if (!facts.exists) {
-        return kAXErrorInvalidUIElement;
+        return Result::Gone;
     }
     watch(window);
     const QList<xcb_atom_t> states = sizeStates(facts);
     const QSize current = facts.outerFrame().size();
     if (!states.isEmpty() && qAbs(current.width() - frameSize.width()) <= 2 &&
         qAbs(current.height() - frameSize.height()) <= 2) {
-        return kAXErrorSuccess;  // maximised to this size already: keep the state
+        return Result::Ok;  // maximised to this size already: keep the state
     }
     if (states.isEmpty() && current == frameSize) {
-        return kAXErrorSuccess;
+        return Result::Ok;
     }
     if (!states.isEmpty()) {
-        if (const AXError error = leaveSizeStates(window, states, &facts); error != kAXErrorSuccess) {
+        if (const Result error = leaveSizeStates(window, states, &facts); error != Result::Ok) {
             return error;
         }
     }
@@ -298,18 +298,18 @@ AXError X11WindowPlacer::resizeFrame(xcb_window_t window, QSize frameSize) {
     const bool landed = confirmedByReport(window, deadline, &facts, sized) ||
                         waitUntil(window, sized, static_cast<int>(deadline.remainingTime()), &facts);
     if (!facts.exists) {
-        return kAXErrorInvalidUIElement;
+        return Result::Gone;
     }
-    return landed || facts.outerFrame().size() != before ? kAXErrorSuccess : kAXErrorCannotComplete;
+    return landed || facts.outerFrame().size() != before ? Result::Ok : Result::CannotComplete;
 }
 
-AXError X11WindowPlacer::setMinimized(xcb_window_t window, bool minimized) {
+Result X11WindowPlacer::setMinimized(xcb_window_t window, bool minimized) {
     X11WindowFacts facts = read(window);
     if (!facts.exists) {
-        return kAXErrorInvalidUIElement;
+        return Result::Gone;
     }
     if (m_kinds.isHidden(facts) == minimized) {
-        return kAXErrorSuccess;
+        return Result::Ok;
     }
     watch(window);
     if (minimized) {
@@ -326,7 +326,34 @@ AXError X11WindowPlacer::setMinimized(xcb_window_t window, bool minimized) {
         },
         kConfirmationMilliseconds, &facts);
     if (!facts.exists) {
-        return kAXErrorInvalidUIElement;
+        return Result::Gone;
     }
-    return done ? kAXErrorSuccess : kAXErrorCannotComplete;
+    return done ? Result::Ok : Result::CannotComplete;
+}
+
+Result X11WindowPlacer::activate(xcb_window_t window) {
+    if (!read(window).exists) {
+        return Result::Gone;
+    }
+    auto active = [this] { return m_reader.readRoot(X11WindowReader::ActiveWindow).activeWindow; };
+    if (active() == window) {
+        return Result::Ok;
+    }
+    watch(window);
+    sendToRoot(window, m_active, {kSourcePager, XCB_CURRENT_TIME, 0});
+    m_connection.flush();
+    // The window manager answers with events about the window (its stacking, its focused state); the
+    // root's property is read after each, and once more when the time is up.
+    QDeadlineTimer deadline(kConfirmationMilliseconds);
+    auto aboutWindow = [window](xcb_generic_event_t* event) { return isAbout(window, event); };
+    while (active() != window) {
+        const qint64 remaining = deadline.remainingTime();
+        if (remaining <= 0 || !m_connection.waitForEvent(aboutWindow, static_cast<int>(remaining))) {
+            if (active() == window) {
+                break;
+            }
+            return read(window).exists ? Result::CannotComplete : Result::Gone;
+        }
+    }
+    return Result::Ok;
 }

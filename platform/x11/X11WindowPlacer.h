@@ -7,14 +7,14 @@
 #include <QSize>
 #include <functional>
 
-#include "platform/Accessibility.h"
+#include "platform/WindowControl.h"
 #include "platform/x11/X11WindowFacts.h"
 
 class X11Connection;
 class X11WindowKinds;
 class X11WindowReader;
 
-// Moves, resizes, minimises and restores client windows through the window manager, and waits for it
+// Moves, resizes, minimises, restores and activates client windows through the window manager, and waits for it
 // to confirm each change, so that a read right after a write sees the result. Main thread only: it
 // waits on the shared connection's events.
 class X11WindowPlacer {
@@ -28,10 +28,12 @@ public:
 
     // Puts the outer frame's top-left corner at the point (root coordinates). A maximised or
     // full-screen window keeps that state and ends it on the monitor of the new position.
-    AXError moveFrame(xcb_window_t window, QPoint rootTopLeft);
+    Result moveFrame(xcb_window_t window, QPoint rootTopLeft);
     // Gives the outer frame the size, keeping its top-left corner.
-    AXError resizeFrame(xcb_window_t window, QSize frameSize);
-    AXError setMinimized(xcb_window_t window, bool minimized);
+    Result resizeFrame(xcb_window_t window, QSize frameSize);
+    Result setMinimized(xcb_window_t window, bool minimized);
+    // Asks the window manager to raise and focus the window; done once _NET_ACTIVE_WINDOW names it.
+    Result activate(xcb_window_t window);
 
 private:
     // How long a window must stay silent to count as settled after a change of state.
@@ -58,7 +60,7 @@ private:
     // From the frame's corner to the client's.
     static QPoint decorationOffset(const X11WindowFacts& facts);
     QList<xcb_atom_t> sizeStates(const X11WindowFacts& facts) const;
-    AXError leaveSizeStates(xcb_window_t window, const QList<xcb_atom_t>& states, X11WindowFacts* facts);
+    Result leaveSizeStates(xcb_window_t window, const QList<xcb_atom_t>& states, X11WindowFacts* facts);
     void restoreSizeStates(xcb_window_t window, const QList<xcb_atom_t>& states);
 
     X11Connection& m_connection;

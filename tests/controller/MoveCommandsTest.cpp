@@ -13,26 +13,23 @@ protected:
         right = controller().displays()[1];
     }
     // A regular application with windows on the left display, known to both the window list and
-    // Accessibility.
+    // the window control.
     void addApplication(pid_t pid, const QString& name, const QList<qint64>& numbers) {
         platform.runningApplications.addApplication(pid, name);
         std::optional<QList<WindowEntry>> list = platform.windowList.scriptedList();
         for (qint64 number : numbers) {
             const QRectF frame(100 + number * 10, 100, 800, 600);
             list->append(WindowEntry{.id = number, .pid = pid, .ownerName = name, .frame = frame});
-            platform.accessibility.addWindow(pid, {.number = number, .frame = frame});
+            platform.windowControl.addWindow(pid, {.id = number, .frame = frame});
         }
         platform.windowList.setWindowList(list);
     }
-    void focus(qint64 number) {
-        platform.accessibility.setValue(AXUIElement::systemWide(), QStringLiteral("AXFocusedWindow"),
-                                        QVariant::fromValue(AXUIElement::window(number)));
-    }
+    void focus(qint64 number) { platform.windowControl.setFocusedWindow(Reading<WindowId>{Result::Ok, number}); }
     void revokeAccessibility() {
         platform.sessionCheck.windowControlAvailable = false;
         controller().refreshPermissions();
     }
-    bool anyWrites() const { return !platform.accessibility.writes().isEmpty(); }
+    bool anyWrites() const { return !platform.windowControl.requests().isEmpty(); }
 
     DisplaySnapshot left;
     DisplaySnapshot right;
@@ -43,7 +40,7 @@ const QString kRequired = QStringLiteral("Accessibility permission is required t
 TEST_F(MoveCommands, EveryMoveWithoutAccessibilityAsksForThePermission) {
     addApplication(100, QStringLiteral("Editor"), {1});
     revokeAccessibility();
-    const int reads = platform.accessibility.readCount();
+    const int reads = platform.windowControl.readCount();
 
     controller().moveWindows(left, right);
     EXPECT_EQ(controller().statusMessage(), kRequired);
@@ -54,7 +51,7 @@ TEST_F(MoveCommands, EveryMoveWithoutAccessibilityAsksForThePermission) {
     controller().moveFocusedWindow(right.persistentID);
     EXPECT_EQ(controller().statusMessage(), kRequired);
 
-    EXPECT_EQ(platform.accessibility.readCount(), reads);
+    EXPECT_EQ(platform.windowControl.readCount(), reads);
     EXPECT_FALSE(anyWrites());
 }
 
@@ -66,7 +63,7 @@ TEST_F(MoveCommands, FocusedMoveWithoutAccessibilityReportsThatEvenForAnAbsentDi
 
 TEST_F(MoveCommands, WholeDisplayMoveReportsBothCounts) {
     addApplication(100, QStringLiteral("Editor"), {1, 2, 3, 4});
-    platform.accessibility.setWriteError(AXUIElement::window(3), QStringLiteral("AXPosition"), kAXErrorCannotComplete);
+    platform.windowControl.setChangeResult(3, FakeWindowControl::Change::Move, Result::CannotComplete);
     controller().moveWindows(left, right);
     EXPECT_EQ(controller().statusMessage(), QStringLiteral("Moved 3 of 4 windows."));
 }
@@ -84,9 +81,9 @@ TEST_F(MoveCommands, WholeDisplayMoveTakesEveryApplicationAndRevealsNothing) {
     addApplication(200, QStringLiteral("Mail"), {2});
     controller().moveWindows(left, right);
     EXPECT_EQ(controller().statusMessage(), QStringLiteral("Moved 2 of 2 windows."));
-    for (const FakeAccessibility::Write& write : platform.accessibility.writes()) {
-        EXPECT_NE(write.attribute, QStringLiteral("AXHidden"));
-        EXPECT_NE(write.attribute, QStringLiteral("AXMinimized"));
+    for (const FakeWindowControl::Request& write : platform.windowControl.requests()) {
+        EXPECT_NE(write.change, FakeWindowControl::Change::Unhide);
+        EXPECT_NE(write.change, FakeWindowControl::Change::Unminimise);
     }
 }
 
@@ -95,20 +92,20 @@ TEST_F(MoveCommands, ApplicationMovePassesOnlyItsProcessAndRevealsIt) {
     addApplication(200, QStringLiteral("Mail"), {2, 3});
     controller().moveWindows(DisplayAppGroup{200, QStringLiteral("Mail"), 2}, left, right);
     EXPECT_EQ(controller().statusMessage(), QStringLiteral("Moved 2 of 2 Mail windows."));
-    EXPECT_TRUE(platform.accessibility.writes(AXUIElement::window(1), QStringLiteral("AXPosition")).isEmpty());
-    EXPECT_EQ(platform.accessibility.writes(AXUIElement::application(200), QStringLiteral("AXHidden")).size(), 1);
-    EXPECT_EQ(platform.accessibility.writes(AXUIElement::window(2), QStringLiteral("AXMinimized")).size(), 1);
-    EXPECT_EQ(platform.accessibility.writes(AXUIElement::window(3), QStringLiteral("AXMinimized")).size(), 1);
-    EXPECT_TRUE(platform.accessibility.writes(AXUIElement::application(100), QStringLiteral("AXHidden")).isEmpty());
+    EXPECT_TRUE(platform.windowControl.requests(1, FakeWindowControl::Change::Move).isEmpty());
+    EXPECT_EQ(platform.windowControl.requests(200, FakeWindowControl::Change::Unhide).size(), 1);
+    EXPECT_EQ(platform.windowControl.requests(2, FakeWindowControl::Change::Unminimise).size(), 1);
+    EXPECT_EQ(platform.windowControl.requests(3, FakeWindowControl::Change::Unminimise).size(), 1);
+    EXPECT_TRUE(platform.windowControl.requests(100, FakeWindowControl::Change::Unhide).isEmpty());
 }
 
 TEST_F(MoveCommands, MovesFollowTheResizePreference) {
     addApplication(100, QStringLiteral("Editor"), {1});
     controller().moveWindows(left, right);
-    EXPECT_TRUE(platform.accessibility.writes(AXUIElement::window(1), QStringLiteral("AXSize")).isEmpty());
+    EXPECT_TRUE(platform.windowControl.requests(1, FakeWindowControl::Change::Resize).isEmpty());
     controller().setAdjustWindowSizeToTargetScreen(true);
     controller().moveWindows(right, left);
-    EXPECT_EQ(platform.accessibility.writes(AXUIElement::window(1), QStringLiteral("AXSize")).size(), 1);
+    EXPECT_EQ(platform.windowControl.requests(1, FakeWindowControl::Change::Resize).size(), 1);
 }
 
 TEST_F(MoveCommands, AfterWholeDisplayMoveCardsAreRebuiltFromPlaceholdersThenRefreshed) {
@@ -141,10 +138,10 @@ TEST_F(MoveCommands, ShortcutForUnpluggedDisplayReportsItAndNeverCallsTheMover) 
     focus(1);
     const QString unplugged = right.persistentID;
     platform.monitors.setMonitors({platform.monitors.monitors()[0]});
-    const int reads = platform.accessibility.readCount();
+    const int reads = platform.windowControl.readCount();
     controller().moveFocusedWindow(unplugged);
     EXPECT_EQ(controller().statusMessage(), QStringLiteral("Shortcut target display is currently not connected."));
-    EXPECT_EQ(platform.accessibility.readCount(), reads);
+    EXPECT_EQ(platform.windowControl.readCount(), reads);
     EXPECT_FALSE(anyWrites());
 }
 
@@ -161,7 +158,7 @@ TEST_F(MoveCommands, FocusedMoveToDisplayReportsSuccessWithoutRefreshingThePanel
     signalLog().clear();
     controller().moveFocusedWindow(right.persistentID);
     EXPECT_EQ(controller().statusMessage(), QStringLiteral("Moved focused window to Right."));
-    EXPECT_GE(platform.accessibility.frame(1).x(), 1920);
+    EXPECT_GE(platform.windowControl.currentFrame(1).x(), 1920);
     EXPECT_EQ(signalLog(), QStringList{QStringLiteral("statusMessage")});
     finishBackgroundWork();
     EXPECT_EQ(platform.windowList.queryCount(), queries);
@@ -185,7 +182,7 @@ TEST_F(MoveCommands, NoFocusedWindowIsReported) {
 TEST_F(MoveCommands, FocusedWindowThatCouldNotBeMovedIsReportedWithTheDisplayName) {
     addApplication(100, QStringLiteral("Editor"), {1});
     focus(1);
-    platform.accessibility.setWriteError(AXUIElement::window(1), QStringLiteral("AXPosition"), kAXErrorCannotComplete);
+    platform.windowControl.setChangeResult(1, FakeWindowControl::Change::Move, Result::CannotComplete);
     controller().moveFocusedWindow(right.persistentID);
     EXPECT_EQ(controller().statusMessage(), QStringLiteral("Focused window could not be moved to Right."));
 }

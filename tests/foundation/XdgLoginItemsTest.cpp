@@ -62,7 +62,7 @@ TEST_F(XdgLoginItemsTest, UnwritableAutostartFolderGivesTheStatusMessageAndFalse
     Platform::install({.monitors = &platform.monitors,
                        .windowList = &platform.windowList,
                        .runningApplications = &platform.runningApplications,
-                       .accessibility = &platform.accessibility,
+                       .windowControl = &platform.windowControl,
                        .hotKeys = &platform.hotKeys,
                        .keyboardLayout = &platform.keyboardLayout,
                        .userDefaults = &platform.userDefaults,

@@ -113,69 +113,58 @@ TEST_F(QualifyingWindows, WindowListOrderIsKept) {
     EXPECT_EQ(qualifyingNumbers({numbered(3), numbered(1), numbered(2)}), (QList<qint64>{3, 1, 2}));
 }
 
-TEST_F(QualifyingWindows, ApplicationWithoutReadableAccessibilityWindowsKeepsAllItsWindows) {
-    const AXUIElement app = AXUIElement::application(100);
-    platform.accessibility.setReadError(app, QStringLiteral("AXWindows"), kAXErrorAPIDisabled);
-    platform.accessibility.setReadError(app, QStringLiteral("AXAllWindows"), kAXErrorAPIDisabled);
+TEST_F(QualifyingWindows, ApplicationWithoutReadableWindowListsKeepsAllItsWindows) {
+    platform.windowControl.setWindowsError(100, WindowScope::Visible, Result::NotPermitted);
+    platform.windowControl.setWindowsError(100, WindowScope::IncludingMinimised, Result::NotPermitted);
     EXPECT_EQ(qualifyingNumbers({numbered(1), numbered(2)}), (QList<qint64>{1, 2}));
 }
 
-TEST_F(QualifyingWindows, OnlyWindowDialogAndSheetRolesCountWhenOneIsPresent) {
-    platform.accessibility.addWindow(100, {.number = 1, .role = QStringLiteral("AXWindow")});
-    platform.accessibility.addWindow(100, {.number = 2, .role = QStringLiteral("AXMenu")});
-    platform.accessibility.addWindow(100, {.number = 4, .role = QStringLiteral("AXSheet")});
-    platform.accessibility.addWindow(100, {.number = 5, .role = QStringLiteral("AXDialog")});
+TEST_F(QualifyingWindows, OnlyWindowAndDialogRolesCountWhenOneIsPresent) {
+    platform.windowControl.addWindow(100, {.id = 1, .role = WindowRole::Window});
+    platform.windowControl.addWindow(100, {.id = 2, .role = WindowRole::Other});
+    platform.windowControl.addWindow(100, {.id = 4, .role = WindowRole::Dialog});
+    platform.windowControl.addWindow(100, {.id = 5, .role = WindowRole::Dialog});
     EXPECT_EQ(qualifyingNumbers({numbered(1), numbered(2), numbered(3), numbered(4), numbered(5)}),
               (QList<qint64>{1, 4, 5}));
 }
 
 TEST_F(QualifyingWindows, AllNumbersFilterWhenNoWindowHasAMovableRole) {
-    platform.accessibility.addWindow(100, {.number = 1, .role = QStringLiteral("AXMenu")});
-    platform.accessibility.addWindow(100, {.number = 2, .role = QStringLiteral("AXPopover")});
+    platform.windowControl.addWindow(100, {.id = 1, .role = WindowRole::Other});
+    platform.windowControl.addWindow(100, {.id = 2, .role = WindowRole::Other});
     EXPECT_EQ(qualifyingNumbers({numbered(1), numbered(2), numbered(3)}), (QList<qint64>{1, 2}));
 }
 
 TEST_F(QualifyingWindows, WindowsListedOnlyByFullListCount) {
-    platform.accessibility.addWindow(100, {.number = 1});
-    platform.accessibility.addWindow(100, {.number = 2, .inWindows = false});
+    platform.windowControl.addWindow(100, {.id = 1});
+    platform.windowControl.addWindow(100, {.id = 2, .inVisible = false});
     EXPECT_EQ(qualifyingNumbers({numbered(1), numbered(2), numbered(3)}), (QList<qint64>{1, 2}));
 }
 
-TEST_F(QualifyingWindows, AccessibilityWindowsWithUnreadableNumbersAreIgnored) {
-    platform.accessibility.addWindow(100, {.number = 1});
-    platform.accessibility.addWindow(100, {.number = 2, .numberReadable = false});
-    EXPECT_EQ(qualifyingNumbers({numbered(1), numbered(2)}), QList<qint64>{1});
-}
-
-TEST_F(QualifyingWindows, EmptyAccessibilityListsLeaveWindowListAlone) {
-    const AXUIElement app = AXUIElement::application(100);
-    platform.accessibility.setValue(app, QStringLiteral("AXWindows"), QVariant::fromValue(AXUIElementList{}));
+TEST_F(QualifyingWindows, EmptyWindowControlListsLeaveWindowListAlone) {
+    platform.windowControl.setWindows(100, WindowScope::Visible, {});
     EXPECT_EQ(qualifyingNumbers({numbered(1), numbered(2)}), (QList<qint64>{1, 2}));
 }
 
 TEST_F(QualifyingWindows, UnmovableRoleOnlyWindowWithUnreadableRoleCountsAsMovable) {
-    platform.accessibility.addWindow(100, {.number = 1, .role = QStringLiteral("AXMenu")});
-    platform.accessibility.addWindow(100, {.number = 2});
-    platform.accessibility.setReadError(AXUIElement::window(2), QStringLiteral("AXRole"), kAXErrorNoValue);
+    platform.windowControl.addWindow(100, {.id = 1, .role = WindowRole::Other});
+    platform.windowControl.addWindow(100, {.id = 2});
+    platform.windowControl.setRoleError(2, Result::NoValue);
     EXPECT_EQ(qualifyingNumbers({numbered(1), numbered(2)}), QList<qint64>{2});
 }
 
-TEST(AccessibilityMetadata, ReadsAllApplicationsInTwoBatches) {
+TEST(WindowControlMetadata, ReadsAllApplicationsInTwoBatches) {
     FakePlatform platform;
-    platform.accessibility.addWindow(100, {.number = 1});
-    platform.accessibility.addWindow(100, {.number = 2, .role = QStringLiteral("AXMenu"), .inWindows = false});
-    platform.accessibility.addWindow(200, {.number = 7, .role = QStringLiteral("AXMenu")});
-    const AXUIElement failing = AXUIElement::application(300);
-    platform.accessibility.setReadError(failing, QStringLiteral("AXWindows"), kAXErrorCannotComplete);
-    platform.accessibility.setReadError(failing, QStringLiteral("AXAllWindows"), kAXErrorCannotComplete);
-    const AXUIElement halfAnswering = AXUIElement::application(400);
-    platform.accessibility.setReadError(halfAnswering, QStringLiteral("AXWindows"), kAXErrorCannotComplete);
-    platform.accessibility.setValue(halfAnswering, QStringLiteral("AXAllWindows"),
-                                    QVariant::fromValue(AXUIElementList{}));
+    platform.windowControl.addWindow(100, {.id = 1});
+    platform.windowControl.addWindow(100, {.id = 2, .role = WindowRole::Other, .inVisible = false});
+    platform.windowControl.addWindow(200, {.id = 7, .role = WindowRole::Other});
+    platform.windowControl.setWindowsError(300, WindowScope::Visible, Result::CannotComplete);
+    platform.windowControl.setWindowsError(300, WindowScope::IncludingMinimised, Result::CannotComplete);
+    platform.windowControl.setWindowsError(400, WindowScope::Visible, Result::CannotComplete);
+    platform.windowControl.setWindows(400, WindowScope::IncludingMinimised, {});
 
     const QHash<pid_t, AXWindowMetadata> metadata =
         ScreenSnapshotService::axWindowMetadataByOwnerPID({100, 200, 300, 400});
-    EXPECT_EQ(platform.accessibility.batchCount(), 2);
+    EXPECT_EQ(platform.windowControl.batchCount(), 2);
     EXPECT_EQ(metadata.size(), 4);
     EXPECT_EQ(metadata.value(100), (AXWindowMetadata{true, {1}}));
     EXPECT_EQ(metadata.value(200), (AXWindowMetadata{true, {7}}));

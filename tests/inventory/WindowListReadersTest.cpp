@@ -5,17 +5,13 @@
 
 namespace {
 
-TEST(WindowListReaders, RoleIsTheStringValueOnly) {
+TEST(WindowListReaders, RoleIsTheReadRoleOnly) {
     FakePlatform platform;
-    const AXUIElement window = AXUIElement::window(3);
-    EXPECT_FALSE(ScreenSnapshotService::role(window).has_value());
-    platform.accessibility.setValue(window, QStringLiteral("AXRole"), QStringLiteral("AXDialog"));
-    EXPECT_EQ(ScreenSnapshotService::role(window), QStringLiteral("AXDialog"));
-    platform.accessibility.setValue(window, QStringLiteral("AXRole"), 3);
-    EXPECT_FALSE(ScreenSnapshotService::role(window).has_value());
-    platform.accessibility.setValue(window, QStringLiteral("AXRole"), QStringLiteral("AXWindow"));
-    platform.accessibility.setReadError(window, QStringLiteral("AXRole"), kAXErrorCannotComplete);
-    EXPECT_FALSE(ScreenSnapshotService::role(window).has_value());
+    EXPECT_FALSE(ScreenSnapshotService::role(3).has_value());
+    platform.windowControl.setRole(3, WindowRole::Dialog);
+    EXPECT_EQ(ScreenSnapshotService::role(3), WindowRole::Dialog);
+    platform.windowControl.setRoleError(3, Result::CannotComplete);
+    EXPECT_FALSE(ScreenSnapshotService::role(3).has_value());
 }
 
 }  // namespace

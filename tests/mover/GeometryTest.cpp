@@ -188,7 +188,6 @@ TEST(MoverTrace, NumbersAreWrittenLikeTheGraphicsDebugDescription) {
     EXPECT_EQ(WindowMoveLog::describe(QPointF(2226.666666666667, 0.1)), QStringLiteral("(2226.666666666667, 0.1)"));
     EXPECT_EQ(WindowMoveLog::describe(QSizeF(1e20, 3)), QStringLiteral("(1e+20, 3.0)"));
     EXPECT_EQ(WindowMoveLog::fraction(0.123456), QStringLiteral("0.1235"));
-    EXPECT_EQ(WindowMoveLog::windowNumber(std::nullopt), QStringLiteral("n/a"));
 }
 
 }  // namespace

@@ -25,8 +25,8 @@ const QRectF kCentred(480, 270, 960, 540);  // centred on the left display, half
 TEST_F(MoveAllWindows, KeepSizeMovesWindowToSameRelativeCentre) {
     addWindow(100, 11, kCentred);
     EXPECT_EQ(moveAll(), (WindowMoveResult{1, 1}));
-    EXPECT_EQ(platform.accessibility.frame(11), QRectF(2720, 450, 960, 540));
-    EXPECT_TRUE(platform.accessibility.writes(AXUIElement::window(11), QStringLiteral("AXSize")).isEmpty());
+    EXPECT_EQ(platform.windowControl.currentFrame(11), QRectF(2720, 450, 960, 540));
+    EXPECT_TRUE(platform.windowControl.requests(11, FakeWindowControl::Change::Resize).isEmpty());
 }
 
 TEST_F(MoveAllWindows, DiagnosticLinesHaveTheirExactForm) {
@@ -56,13 +56,13 @@ TEST_F(MoveAllWindows, DiagnosticLinesHaveTheirExactForm) {
 TEST_F(MoveAllWindows, AdjustSizeKeepsShareOfDisplayWithThreeWrites) {
     addWindow(100, 11, kCentred);
     EXPECT_EQ(moveAll(true), (WindowMoveResult{1, 1}));
-    EXPECT_EQ(platform.accessibility.frame(11), QRectF(2560, 360, 1280, 720));
-    const QList<FakeAccessibility::Write> writes = platform.accessibility.writes();
+    EXPECT_EQ(platform.windowControl.currentFrame(11), QRectF(2560, 360, 1280, 720));
+    const QList<FakeWindowControl::Request> writes = platform.windowControl.requests();
     ASSERT_EQ(writes.size(), 3);
-    EXPECT_EQ(writes[0].attribute, QStringLiteral("AXPosition"));
-    EXPECT_EQ(writes[1].attribute, QStringLiteral("AXSize"));
-    EXPECT_EQ(writes[1].value, QVariant(QSizeF(1280, 720)));
-    EXPECT_EQ(writes[2].attribute, QStringLiteral("AXPosition"));
+    EXPECT_EQ(writes[0].change, FakeWindowControl::Change::Move);
+    EXPECT_EQ(writes[1].change, FakeWindowControl::Change::Resize);
+    EXPECT_EQ(writes[1].size, QSizeF(1280, 720));
+    EXPECT_EQ(writes[2].change, FakeWindowControl::Change::Move);
     ASSERT_EQ(diagnostics().size(), 3);
     EXPECT_EQ(diagnostics()[2],
               QStringLiteral("[WindowMoveDiag] RESULT app=Editor [pid:100], windowID=11, centerLike=true, "
@@ -74,9 +74,9 @@ TEST_F(MoveAllWindows, AdjustSizeKeepsShareOfDisplayWithThreeWrites) {
 
 TEST_F(MoveAllWindows, RefusedSizeKeepsSizeAndIsCentredByActualSize) {
     addWindow(100, 11, kCentred);
-    platform.accessibility.ignoreWrites(AXUIElement::window(11), QStringLiteral("AXSize"));
+    platform.windowControl.ignoreChanges(11, FakeWindowControl::Change::Resize);
     EXPECT_EQ(moveAll(true), (WindowMoveResult{1, 1}));
-    EXPECT_EQ(platform.accessibility.frame(11), QRectF(2720, 450, 960, 540));
+    EXPECT_EQ(platform.windowControl.currentFrame(11), QRectF(2720, 450, 960, 540));
     EXPECT_TRUE(trace.hasLineStartingWith(QStringLiteral("Editor [pid:100]: resize status windowID=11, ")));
 }
 
@@ -97,72 +97,69 @@ TEST_F(MoveAllWindows, UnavailableWindowListStillMovesWindowsOnTheSourceByFrame)
 TEST_F(MoveAllWindows, WindowListedByBothListsIsProcessedOnce) {
     addWindow(100, 11, kCentred);  // listed by "AXWindows" and "AXAllWindows"
     EXPECT_EQ(moveAll(), (WindowMoveResult{1, 1}));
-    EXPECT_EQ(platform.accessibility.writes(AXUIElement::window(11), QStringLiteral("AXPosition")).size(), 1);
+    EXPECT_EQ(platform.windowControl.requests(11, FakeWindowControl::Change::Move).size(), 1);
 }
 
-TEST_F(MoveAllWindows, WindowWithUnknownNumberOverlappingSourceByOnePointIsAttempted) {
+// Windows the window list does not place on the source display qualify by their frame alone.
+TEST_F(MoveAllWindows, WindowOutsideTheSourceListOverlappingSourceByOnePointIsAttempted) {
     platform.runningApplications.addApplication(100, QStringLiteral("Editor"));
-    platform.accessibility.addWindow(100,
-                                     {.number = 11, .frame = QRectF(1919, 100, 800, 600), .numberReadable = false});
+    platform.windowControl.addWindow(100, {.id = 11, .frame = QRectF(1919, 100, 800, 600)});
     EXPECT_EQ(moveAll(), (WindowMoveResult{1, 1}));
     ASSERT_EQ(diagnostics().size(), 3);
-    EXPECT_TRUE(diagnostics()[1].contains(QStringLiteral("windowID=n/a, frameSource=AX")));
+    EXPECT_TRUE(diagnostics()[1].contains(QStringLiteral("windowID=11, frameSource=AX")));
 }
 
-TEST_F(MoveAllWindows, WindowWithUnknownNumberTouchingSourceEdgeIsNotCounted) {
+TEST_F(MoveAllWindows, WindowOutsideTheSourceListTouchingSourceEdgeIsNotCounted) {
     platform.runningApplications.addApplication(100, QStringLiteral("Editor"));
-    platform.accessibility.addWindow(100,
-                                     {.number = 11, .frame = QRectF(1920, 100, 800, 600), .numberReadable = false});
+    platform.windowControl.addWindow(100, {.id = 11, .frame = QRectF(1920, 100, 800, 600)});
     EXPECT_EQ(moveAll(), (WindowMoveResult{0, 0}));
-    EXPECT_TRUE(platform.accessibility.writes().isEmpty());
+    EXPECT_TRUE(platform.windowControl.requests().isEmpty());
 }
 
 TEST_F(MoveAllWindows, WindowInSourceWindowListIsAttemptedEvenWhenAccessibilityFrameIsElsewhere) {
     addWindow(100, 11, QRectF(100, 100, 800, 600));
-    platform.accessibility.setValue(AXUIElement::window(11), QStringLiteral("AXPosition"), QPointF(2500, 100));
+    platform.windowControl.setFrame(11, QRectF(2500, 100, 800, 600));
     EXPECT_EQ(moveAll(), (WindowMoveResult{1, 1}));
 }
 
 TEST_F(MoveAllWindows, WindowOnAnotherDisplayIsNeitherAttemptedNorMoved) {
     addWindow(100, 11, QRectF(2500, 100, 800, 600));
     EXPECT_EQ(moveAll(), (WindowMoveResult{0, 0}));
-    EXPECT_TRUE(platform.accessibility.writes().isEmpty());
+    EXPECT_TRUE(platform.windowControl.requests().isEmpty());
 }
 
 TEST_F(MoveAllWindows, WindowOnlyInFullListIsMovedThenUnminimised) {
     platform.runningApplications.addApplication(100, QStringLiteral("Editor"));
     platform.windowList.setWindows(
         {{.id = 12, .pid = 100, .ownerName = QStringLiteral("Editor"), .frame = kCentred, .onScreen = false}});
-    platform.accessibility.addWindow(100, {.number = 12, .frame = kCentred, .inWindows = false});
+    platform.windowControl.addWindow(100, {.id = 12, .frame = kCentred, .inVisible = false});
     EXPECT_EQ(moveAll(false, QSet<pid_t>{100}, true), (WindowMoveResult{1, 1}));
-    const QList<FakeAccessibility::Write> writes = platform.accessibility.writes();
+    const QList<FakeWindowControl::Request> writes = platform.windowControl.requests();
     ASSERT_EQ(writes.size(), 3);
-    EXPECT_EQ(writes[0].element, AXUIElement::window(12));
-    EXPECT_EQ(writes[0].attribute, QStringLiteral("AXPosition"));
-    EXPECT_EQ(writes[1].element, AXUIElement::application(100));
-    EXPECT_EQ(writes[1].attribute, QStringLiteral("AXHidden"));
-    EXPECT_EQ(writes[1].value, QVariant(false));
-    EXPECT_EQ(writes[2].element, AXUIElement::window(12));
-    EXPECT_EQ(writes[2].attribute, QStringLiteral("AXMinimized"));
-    EXPECT_EQ(writes[2].value, QVariant(false));
+    EXPECT_EQ(writes[0].target, 12);
+    EXPECT_EQ(writes[0].change, FakeWindowControl::Change::Move);
+    EXPECT_EQ(writes[1].target, 100);
+    EXPECT_EQ(writes[1].change, FakeWindowControl::Change::Unhide);
+    EXPECT_EQ(writes[2].target, 12);
+    EXPECT_EQ(writes[2].change, FakeWindowControl::Change::Unminimise);
 }
 
 TEST_F(MoveAllWindows, NothingIsRevealedWithoutTheRevealFlagOrWithoutAMovedWindow) {
     addWindow(100, 11, kCentred);
     moveAll(false, std::nullopt, false);
-    EXPECT_TRUE(platform.accessibility.writes(AXUIElement::application(100), QStringLiteral("AXHidden")).isEmpty());
+    EXPECT_TRUE(platform.windowControl.requests(100, FakeWindowControl::Change::Unhide).isEmpty());
 
-    platform.accessibility.clearWrites();
-    platform.accessibility.setWriteError(AXUIElement::window(11), QStringLiteral("AXPosition"), kAXErrorFailure);
-    platform.accessibility.setValue(AXUIElement::window(11), QStringLiteral("AXPosition"), kCentred.topLeft());
+    platform.windowControl.clearRequests();
+    platform.windowControl.setChangeResult(11, FakeWindowControl::Change::Move, Result::Failure);
+    platform.windowControl.setFrame(11, kCentred);
     EXPECT_EQ(moveAll(false, std::nullopt, true), (WindowMoveResult{0, 1}));
-    EXPECT_TRUE(platform.accessibility.writes(AXUIElement::application(100), QStringLiteral("AXHidden")).isEmpty());
+    EXPECT_TRUE(platform.windowControl.requests(100, FakeWindowControl::Change::Unhide).isEmpty());
 }
 
 TEST_F(MoveAllWindows, EmptyTargetSetMovesNothing) {
     addWindow(100, 11, kCentred);
     EXPECT_EQ(moveAll(false, QSet<pid_t>{}), (WindowMoveResult{0, 0}));
-    EXPECT_TRUE(platform.accessibility.writes().isEmpty());
+    EXPECT_TRUE(platform.windowControl.requests().isEmpty());
     ASSERT_EQ(diagnostics().size(), 1);
     EXPECT_TRUE(diagnostics()[0].endsWith(QStringLiteral(" targetPIDs=")));
 }
@@ -171,8 +168,8 @@ TEST_F(MoveAllWindows, TargetSetLimitsMoveToThoseApplications) {
     addWindow(100, 11, kCentred);
     addWindow(200, 21, QRectF(100, 100, 400, 300), QStringLiteral("Mail"));
     EXPECT_EQ(moveAll(false, QSet<pid_t>{200}), (WindowMoveResult{1, 1}));
-    EXPECT_TRUE(platform.accessibility.writes(AXUIElement::window(11), QStringLiteral("AXPosition")).isEmpty());
-    EXPECT_EQ(platform.accessibility.writes(AXUIElement::window(21), QStringLiteral("AXPosition")).size(), 1);
+    EXPECT_TRUE(platform.windowControl.requests(11, FakeWindowControl::Change::Move).isEmpty());
+    EXPECT_EQ(platform.windowControl.requests(21, FakeWindowControl::Change::Move).size(), 1);
     EXPECT_TRUE(diagnostics()[0].endsWith(QStringLiteral(" targetPIDs=200")));
 }
 
@@ -183,17 +180,17 @@ TEST_F(MoveAllWindows, OnlyRegularRunningApplicationsWithValidPidAreMoved) {
     platform.runningApplications.applications[1].terminated = true;
     addWindow(0, 31, kCentred);
     EXPECT_EQ(moveAll(), (WindowMoveResult{0, 0}));
-    EXPECT_TRUE(platform.accessibility.writes().isEmpty());
+    EXPECT_TRUE(platform.windowControl.requests().isEmpty());
 }
 
 TEST_F(MoveAllWindows, ApplicationsAreVisitedInRunningApplicationsOrder) {
     addWindow(200, 21, QRectF(100, 100, 400, 300), QStringLiteral("Mail"));
     addWindow(100, 11, kCentred);
     moveAll();
-    const QList<FakeAccessibility::Write> writes = platform.accessibility.writes();
+    const QList<FakeWindowControl::Request> writes = platform.windowControl.requests();
     ASSERT_EQ(writes.size(), 2);
-    EXPECT_EQ(writes[0].element, AXUIElement::window(21));
-    EXPECT_EQ(writes[1].element, AXUIElement::window(11));
+    EXPECT_EQ(writes[0].target, 21);
+    EXPECT_EQ(writes[1].target, 11);
 }
 
 TEST_F(MoveAllWindows, ApplicationWithoutNameIsLabelledUnknownApp) {
@@ -213,15 +210,14 @@ TEST_F(MoveAllWindows, ApplicationWithoutAccessibleWindowsIsSkipped) {
 
 TEST_F(MoveAllWindows, WithoutAccessibilityTrustNothingIsMoved) {
     addWindow(100, 11, kCentred);
-    const AXUIElement app = AXUIElement::application(100);
-    platform.accessibility.setReadError(app, QStringLiteral("AXWindows"), kAXErrorAPIDisabled);
-    platform.accessibility.setReadError(app, QStringLiteral("AXAllWindows"), kAXErrorAPIDisabled);
+    platform.windowControl.setWindowsError(100, WindowScope::Visible, Result::NotPermitted);
+    platform.windowControl.setWindowsError(100, WindowScope::IncludingMinimised, Result::NotPermitted);
     EXPECT_EQ(moveAll(), (WindowMoveResult{0, 0}));
 }
 
 TEST_F(MoveAllWindows, FrameFromWindowListIsUsedMirroredWhenAccessibilityHasNone) {
     addWindow(100, 11, QRectF(100, 50, 400, 100));
-    platform.accessibility.setReadError(AXUIElement::window(11), QStringLiteral("AXPosition"), kAXErrorCannotComplete);
+    platform.windowControl.setFrameError(11, Result::CannotComplete);
     EXPECT_EQ(moveAll(), (WindowMoveResult{1, 1}));
     ASSERT_EQ(diagnostics().size(), 3);
     EXPECT_TRUE(
@@ -232,7 +228,7 @@ TEST_F(MoveAllWindows, FrameFromWindowListIsUsedMirroredWhenAccessibilityHasNone
 
 TEST_F(MoveAllWindows, OnePointAccessibilityFrameFallsBackToWindowList) {
     addWindow(100, 11, QRectF(100, 50, 400, 100));
-    platform.accessibility.setValue(AXUIElement::window(11), QStringLiteral("AXSize"), QSizeF(1, 100));
+    platform.windowControl.setFrame(11, QRectF(100, 50, 1, 100));
     moveAll();
     ASSERT_EQ(diagnostics().size(), 3);
     EXPECT_TRUE(diagnostics()[1].contains(QStringLiteral("frameSource=CGFallbackConverted")));
@@ -240,15 +236,15 @@ TEST_F(MoveAllWindows, OnePointAccessibilityFrameFallsBackToWindowList) {
 
 TEST_F(MoveAllWindows, WindowWithoutAnyFrameIsSkippedAndNotCounted) {
     platform.runningApplications.addApplication(100, QStringLiteral("Editor"));
-    platform.accessibility.addWindow(100, {.number = 11, .frame = kCentred, .numberReadable = false});
-    platform.accessibility.removeValue(AXUIElement::window(11), QStringLiteral("AXSize"));
+    platform.windowControl.addWindow(100, {.id = 11, .frame = kCentred});  // not in the window list
+    platform.windowControl.setFrameError(11, Result::NoValue);
     EXPECT_EQ(moveAll(), (WindowMoveResult{0, 0}));
-    EXPECT_TRUE(trace.contains(QStringLiteral("Editor [pid:100]: skip window without frame, windowID=n/a")));
+    EXPECT_TRUE(trace.contains(QStringLiteral("Editor [pid:100]: skip window without frame, windowID=11")));
 }
 
 TEST_F(MoveAllWindows, FailedPositionWriteCountsAsAttemptedNotMoved) {
     addWindow(100, 11, kCentred);
-    platform.accessibility.setWriteError(AXUIElement::window(11), QStringLiteral("AXPosition"), kAXErrorCannotComplete);
+    platform.windowControl.setChangeResult(11, FakeWindowControl::Change::Move, Result::CannotComplete);
     EXPECT_EQ(moveAll(), (WindowMoveResult{0, 1}));
     EXPECT_TRUE(trace.hasLineStartingWith(
         QStringLiteral("Editor [pid:100]: failed setPosition (keep size) windowID=11, error=cannotComplete, ")));
@@ -262,14 +258,14 @@ TEST_F(MoveAllWindows, EmptySourceBoundsMoveNothing) {
     addWindow(100, 11, kCentred);
     m_source.bounds = QRectF(0, 0, 0, 0);
     EXPECT_EQ(moveAll(), (WindowMoveResult{0, 0}));
-    EXPECT_TRUE(platform.accessibility.writes().isEmpty());
+    EXPECT_TRUE(platform.windowControl.requests().isEmpty());
 }
 
 TEST_F(MoveAllWindows, SourceWithoutPositiveSizeCountsWindowsButDoesNotMoveThem) {
     addWindow(100, 11, kCentred);
     m_source.bounds = QRectF(1920, 0, -1920, 1080);  // covers the left display, but its width is negative
     EXPECT_EQ(moveAll(), (WindowMoveResult{0, 1}));
-    EXPECT_TRUE(platform.accessibility.writes().isEmpty());
+    EXPECT_TRUE(platform.windowControl.requests().isEmpty());
     EXPECT_TRUE(trace.contains(QStringLiteral("Editor [pid:100]: invalid source bounds, skipping resize/move")));
 }
 
@@ -279,7 +275,7 @@ protected:
     void SetUp() override { m_destination = display(2, QStringLiteral("Mirror"), 2, left.bounds); }
     void addStuckWindow(const QRectF& frame) {
         addWindow(100, 11, frame);
-        platform.accessibility.setWriteError(AXUIElement::window(11), QStringLiteral("AXPosition"), kAXErrorFailure);
+        platform.windowControl.setChangeResult(11, FakeWindowControl::Change::Move, Result::Failure);
     }
 };
 
@@ -297,9 +293,9 @@ TEST_F(MoveBetweenMirroredDisplays, WindowFartherThanOneAndAHalfPointsFromTarget
 
 TEST_F(MoveAllWindows, AdjustSizeCountsMovedWhenOnlyFinalPositionWriteSucceeds) {
     addWindow(100, 11, kCentred);
-    platform.accessibility.failNextWrite(AXUIElement::window(11), QStringLiteral("AXPosition"), kAXErrorCannotComplete);
+    platform.windowControl.failNextChange(11, FakeWindowControl::Change::Move, Result::CannotComplete);
     EXPECT_EQ(moveAll(true), (WindowMoveResult{1, 1}));
-    EXPECT_EQ(platform.accessibility.frame(11), QRectF(2560, 360, 1280, 720));
+    EXPECT_EQ(platform.windowControl.currentFrame(11), QRectF(2560, 360, 1280, 720));
     ASSERT_EQ(diagnostics().size(), 3);
     EXPECT_TRUE(diagnostics()[2].contains(
         QStringLiteral("initialPosErr=cannotComplete, sizeErr=success, finalPosErr=success")));
@@ -307,7 +303,7 @@ TEST_F(MoveAllWindows, AdjustSizeCountsMovedWhenOnlyFinalPositionWriteSucceeds) 
 
 TEST_F(MoveAllWindows, AdjustSizeWithBothPositionWritesFailingFarFromTargetIsNotMoved) {
     addWindow(100, 11, kCentred);
-    platform.accessibility.setWriteError(AXUIElement::window(11), QStringLiteral("AXPosition"), kAXErrorCannotComplete);
+    platform.windowControl.setChangeResult(11, FakeWindowControl::Change::Move, Result::CannotComplete);
     EXPECT_EQ(moveAll(true), (WindowMoveResult{0, 1}));
     ASSERT_EQ(diagnostics().size(), 3);
     EXPECT_TRUE(diagnostics()[2].contains(
@@ -318,7 +314,7 @@ TEST_F(MoveAllWindows, DestinationThatGivesNoFiniteOriginFailsWithoutWriting) {
     addWindow(100, 11, kCentred);
     m_destination.bounds = QRectF(qQNaN(), 0, 2560, 1440);
     EXPECT_EQ(moveAll(), (WindowMoveResult{0, 1}));
-    EXPECT_TRUE(platform.accessibility.writes().isEmpty());
+    EXPECT_TRUE(platform.windowControl.requests().isEmpty());
     ASSERT_EQ(diagnostics().size(), 3);
     EXPECT_TRUE(diagnostics()[2].contains(QStringLiteral("posErr=failure")));
 }

@@ -9,9 +9,8 @@ protected:
     // Window 11 of application 100 has the system's keyboard focus.
     void focus(const QRectF& frame) {
         platform.runningApplications.addApplication(100, QStringLiteral("Editor"));
-        platform.accessibility.addWindow(100, {.number = 11, .frame = frame});
-        platform.accessibility.setValue(AXUIElement::systemWide(), QStringLiteral("AXFocusedWindow"),
-                                        QVariant::fromValue(AXUIElement::window(11)));
+        platform.windowControl.addWindow(100, {.id = 11, .frame = frame});
+        platform.windowControl.setFocusedWindow(Reading<WindowId>{Result::Ok, 11});
     }
     WindowMoveResult moveTo(const DisplaySnapshot& target, bool adjust = false) {
         return WindowMover::moveFocusedWindow(target, {left, right}, adjust);
@@ -30,8 +29,8 @@ TEST_F(MoveFocusedWindow, NoFocusAndNoFrontmostApplicationGiveZeroZero) {
 TEST_F(MoveFocusedWindow, KeepSizeMovesFocusedWindowToSameRelativeCentre) {
     focus(kCentred);
     EXPECT_EQ(moveTo(right), (WindowMoveResult{1, 1}));
-    EXPECT_EQ(platform.accessibility.frame(11), QRectF(2720, 450, 960, 540));
-    EXPECT_EQ(platform.accessibility.writes().size(), 1);
+    EXPECT_EQ(platform.windowControl.currentFrame(11), QRectF(2720, 450, 960, 540));
+    EXPECT_EQ(platform.windowControl.requests().size(), 1);
 }
 
 TEST_F(MoveFocusedWindow, MovesNoDiagnosticLines) {
@@ -41,21 +40,19 @@ TEST_F(MoveFocusedWindow, MovesNoDiagnosticLines) {
 
 TEST_F(MoveFocusedWindow, OnePointFocusedWindowIsPassedOverForFocusedApplication) {
     focus(kCentred);
-    platform.accessibility.addWindow(300, {.number = 5, .frame = QRectF(100, 100, 1, 1)});
-    platform.accessibility.setValue(AXUIElement::systemWide(), QStringLiteral("AXFocusedWindow"),
-                                    QVariant::fromValue(AXUIElement::window(5)));
-    platform.accessibility.setValue(AXUIElement::systemWide(), QStringLiteral("AXFocusedApplication"),
-                                    QVariant::fromValue(AXUIElement::application(100)));
+    platform.windowControl.addWindow(300, {.id = 5, .frame = QRectF(100, 100, 1, 1)});
+    platform.windowControl.setFocusedWindow(Reading<WindowId>{Result::Ok, 5});
+    platform.windowControl.setFocusedApplication(Reading<pid_t>{Result::Ok, 100});
     const std::optional<FocusedWindowContext> context = WindowMover::focusedWindowContext();
     ASSERT_TRUE(context.has_value());
-    EXPECT_EQ(context->window, AXUIElement::window(11));
+    EXPECT_EQ(context->window, 11);
     EXPECT_EQ(moveTo(right), (WindowMoveResult{1, 1}));
-    EXPECT_TRUE(platform.accessibility.writes(AXUIElement::window(5), QStringLiteral("AXPosition")).isEmpty());
+    EXPECT_TRUE(platform.windowControl.requests(5, FakeWindowControl::Change::Move).isEmpty());
 }
 
 TEST_F(MoveFocusedWindow, FrontmostApplicationIsTheLastResort) {
     platform.runningApplications.addApplication(100, QStringLiteral("Editor"));
-    platform.accessibility.addWindow(100, {.number = 11, .frame = kCentred});
+    platform.windowControl.addWindow(100, {.id = 11, .frame = kCentred});
     platform.runningApplications.frontmost = platform.runningApplications.applications[0];
     EXPECT_EQ(moveTo(right), (WindowMoveResult{1, 1}));
     EXPECT_TRUE(trace.contains(
@@ -63,26 +60,26 @@ TEST_F(MoveFocusedWindow, FrontmostApplicationIsTheLastResort) {
 }
 
 TEST_F(MoveFocusedWindow, FrontmostApplicationWithoutValidPidIsIgnored) {
-    platform.accessibility.addWindow(0, {.number = 11, .frame = kCentred});
+    platform.windowControl.addWindow(0, {.id = 11, .frame = kCentred});
     RunningApplication application;
     application.pid = 0;
     application.policy = ApplicationPolicy::Regular;
     platform.runningApplications.frontmost = application;
     EXPECT_EQ(moveTo(right), (WindowMoveResult{0, 0}));
-    EXPECT_TRUE(platform.accessibility.writes().isEmpty());
+    EXPECT_TRUE(platform.windowControl.requests().isEmpty());
 }
 
 TEST_F(MoveFocusedWindow, WindowAlreadyOnTargetDisplayIsReportedNotMoved) {
     focus(kCentred);
     EXPECT_EQ(moveTo(left), (WindowMoveResult{0, 1}));
-    EXPECT_TRUE(platform.accessibility.writes().isEmpty());
+    EXPECT_TRUE(platform.windowControl.requests().isEmpty());
 }
 
 TEST_F(MoveFocusedWindow, WindowOutsideEveryDisplayIsMovedFromFirstDisplay) {
     focus(QRectF(-3000, -3000, 400, 300));
     EXPECT_EQ(moveTo(right), (WindowMoveResult{1, 1}));
     // Measured on the first display its centre lies beyond the top-left corner: clamped into the target.
-    EXPECT_EQ(platform.accessibility.frame(11), QRectF(1920, 0, 400, 300));
+    EXPECT_EQ(platform.windowControl.currentFrame(11), QRectF(1920, 0, 400, 300));
 }
 
 TEST_F(MoveFocusedWindow, WindowOutsideEveryDisplayTargetingFirstDisplayIsNotMoved) {
@@ -100,26 +97,26 @@ TEST_F(MoveFocusedWindow, NoDisplaysGiveZeroZero) {
 TEST_F(MoveFocusedWindow, AdjustSizeResizesAndPlacesByNewSize) {
     focus(kCentred);
     EXPECT_EQ(moveTo(right, true), (WindowMoveResult{1, 1}));
-    EXPECT_EQ(platform.accessibility.frame(11), QRectF(2560, 360, 1280, 720));
-    EXPECT_EQ(platform.accessibility.writes().size(), 3);
+    EXPECT_EQ(platform.windowControl.currentFrame(11), QRectF(2560, 360, 1280, 720));
+    EXPECT_EQ(platform.windowControl.requests().size(), 3);
 }
 
 TEST_F(MoveFocusedWindow, AdjustSizeWithRefusedSizeIsPlacedByActualSizeAndCountsMoved) {
     focus(kCentred);
-    platform.accessibility.setWriteError(AXUIElement::window(11), QStringLiteral("AXSize"), kAXErrorCannotComplete);
+    platform.windowControl.setChangeResult(11, FakeWindowControl::Change::Resize, Result::CannotComplete);
     EXPECT_EQ(moveTo(right, true), (WindowMoveResult{1, 1}));
-    EXPECT_EQ(platform.accessibility.frame(11), QRectF(2720, 450, 960, 540));
+    EXPECT_EQ(platform.windowControl.currentFrame(11), QRectF(2720, 450, 960, 540));
 }
 
 TEST_F(MoveFocusedWindow, AdjustSizeIgnoresFirstPositionErrorWhenFinalWriteSucceeds) {
     focus(kCentred);
-    platform.accessibility.failNextWrite(AXUIElement::window(11), QStringLiteral("AXPosition"), kAXErrorFailure);
+    platform.windowControl.failNextChange(11, FakeWindowControl::Change::Move, Result::Failure);
     EXPECT_EQ(moveTo(right, true), (WindowMoveResult{1, 1}));
 }
 
 TEST_F(MoveFocusedWindow, FailedDecidingWriteGivesZeroOne) {
     focus(kCentred);
-    platform.accessibility.setWriteError(AXUIElement::window(11), QStringLiteral("AXPosition"), kAXErrorCannotComplete);
+    platform.windowControl.setChangeResult(11, FakeWindowControl::Change::Move, Result::CannotComplete);
     EXPECT_EQ(moveTo(right), (WindowMoveResult{0, 1}));
     EXPECT_EQ(moveTo(right, true), (WindowMoveResult{0, 1}));
 }
@@ -129,7 +126,7 @@ TEST_F(MoveFocusedWindow, PositionThatCannotBeMadeIntoAValueIsNotWritten) {
     DisplaySnapshot broken = right;
     broken.bounds = QRectF(1920, qQNaN(), 2560, 1440);
     EXPECT_EQ(WindowMover::moveFocusedWindow(broken, {left, broken}, false), (WindowMoveResult{0, 1}));
-    EXPECT_TRUE(platform.accessibility.writes().isEmpty());
+    EXPECT_TRUE(platform.windowControl.requests().isEmpty());
 }
 
 }  // namespace

@@ -52,7 +52,7 @@ void MoverTest::addWindow(pid_t pid, qint64 number, const QRectF& frame, const Q
     std::optional<QList<WindowEntry>> list = platform.windowList.scriptedList();
     list->append(WindowEntry{.id = number, .pid = pid, .ownerName = ownerName, .frame = frame});
     platform.windowList.setWindowList(list);
-    platform.accessibility.addWindow(pid, {.number = number, .frame = frame});
+    platform.windowControl.addWindow(pid, {.id = number, .frame = frame});
 }
 
 QStringList MoverTest::diagnosticLines(const std::function<void()>& call) {

@@ -40,7 +40,7 @@ class MoverTest : public ::testing::Test {
 protected:
     static DisplaySnapshot display(CGDirectDisplayID id, const QString& name, int index, const QRectF& bounds);
 
-    // A regular application with one window that both the window list and Accessibility report.
+    // A regular application with one window that both the window list and the window control report.
     void addWindow(pid_t pid, qint64 number, const QRectF& frame, const QString& ownerName = QStringLiteral("Editor"));
     // Diagnostic lines written to standard output by the call.
     static QStringList diagnosticLines(const std::function<void()>& call);

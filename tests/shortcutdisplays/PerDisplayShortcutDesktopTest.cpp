@@ -6,7 +6,7 @@
 #include "KeyboardShortcuts/KeyboardShortcuts.h"
 #include "app/AppController.h"
 #include "app/ScreenSnapshotService.h"
-#include "platform/Accessibility.h"
+#include "platform/WindowControl.h"
 #include "platform/x11/X11Platform.h"
 #include "tests/support/VirtualDesktop.h"
 #include "tests/testclient/TestClient.h"
@@ -36,16 +36,8 @@ protected:
 
     // The outer frame of a window, as the program reads it.
     QRectF frame(quint32 window) const {
-        Accessibility* accessibility = m_platform->services().accessibility;
-        QVariant position;
-        QVariant size;
-        if (accessibility->copyAttributeValue(AXUIElement::window(window), QLatin1String(kAXPositionAttribute),
-                                              &position) != kAXErrorSuccess ||
-            accessibility->copyAttributeValue(AXUIElement::window(window), QLatin1String(kAXSizeAttribute), &size) !=
-                kAXErrorSuccess) {
-            return {};
-        }
-        return QRectF(position.toPointF(), size.toSizeF());
+        const Reading<QRectF> frame = m_platform->services().windowControl->frame(window);
+        return frame.result == Result::Ok ? frame.value.value_or(QRectF()) : QRectF();
     }
 
     static void xdotool(const QStringList& arguments) {

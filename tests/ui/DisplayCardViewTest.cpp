@@ -116,8 +116,8 @@ TEST_F(DisplayCard, PressingATargetMovesEveryVisibleWindowThereAndRefreshes) {
     showCard(0);
     targetButtons()[0]->click();
     EXPECT_EQ(controller().statusMessage(), QStringLiteral("Moved 2 of 2 windows."));
-    EXPECT_GE(platform.accessibility.frame(1).x(), 1920);
-    EXPECT_LT(platform.accessibility.frame(1).x(), 3840);
+    EXPECT_GE(platform.windowControl.currentFrame(1).x(), 1920);
+    EXPECT_LT(platform.windowControl.currentFrame(1).x(), 3840);
     // The move refreshed the panel: placeholders first, then new previews.
     EXPECT_TRUE(controller().isLoadingPreviews());
     EXPECT_TRUE(waitUntil([&] { return !controller().isLoadingPreviews(); }));
@@ -214,8 +214,8 @@ TEST_F(DisplayCard, ApplicationMenuItemMovesOnlyThatApplication) {
     QMenu* mail = card->appMenu()->actions()[0]->menu();
     mail->actions()[1]->trigger();
     EXPECT_EQ(controller().statusMessage(), QStringLiteral("Moved 2 of 2 Mail windows."));
-    EXPECT_GE(platform.accessibility.frame(5).x(), 3840);
-    EXPECT_LT(platform.accessibility.frame(8).x(), 1920);
+    EXPECT_GE(platform.windowControl.currentFrame(5).x(), 3840);
+    EXPECT_LT(platform.windowControl.currentFrame(8).x(), 1920);
     EXPECT_TRUE(waitUntil([&] { return !controller().isLoadingPreviews(); }));
 }
 

@@ -53,7 +53,7 @@ void UiTest::addApplication(pid_t pid, const QString& name, int displayIndex, co
     for (qint64 number : numbers) {
         const QRectF frame(displayIndex * 1920 + 100 + number * 10, 100, 800, 600);
         list->append(WindowEntry{.id = number, .pid = pid, .ownerName = name, .frame = frame});
-        platform.accessibility.addWindow(pid, {.number = number, .frame = frame});
+        platform.windowControl.addWindow(pid, {.id = number, .frame = frame});
     }
     platform.windowList.setWindowList(list);
 }

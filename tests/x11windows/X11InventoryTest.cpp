@@ -4,8 +4,8 @@
 #include <thread>
 
 #include "app/ScreenSnapshotService.h"
-#include "platform/Accessibility.h"
 #include "platform/Platform.h"
+#include "platform/WindowControl.h"
 #include "tests/support/VirtualDesktop.h"
 #include "tests/x11windows/X11DesktopFixture.h"
 
@@ -127,12 +127,11 @@ TEST_F(X11InventoryTest, SnapshotsOnABackgroundThreadWhileTheMainThreadMovesWind
             ++rounds;
         }
     });
-    Accessibility& ax = *Platform::services().accessibility;
+    WindowControl& control = *Platform::services().windowControl;
     int moves = 0;
     for (int i = 0; i < 20; ++i) {
         const QPointF target = monitors().value(i % 2).topLeft() + QPointF(100 + 10 * i, 100);
-        if (ax.setAttributeValue(AXUIElement::window(moving), QLatin1String(kAXPositionAttribute), target) ==
-            kAXErrorSuccess) {
+        if (control.move(moving, target) == Result::Ok) {
             ++moves;
         }
     }

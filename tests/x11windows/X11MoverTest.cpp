@@ -4,8 +4,8 @@
 
 #include "app/ScreenSnapshotService.h"
 #include "app/WindowMover.h"
-#include "platform/Accessibility.h"
 #include "platform/Platform.h"
+#include "platform/WindowControl.h"
 #include "tests/support/VirtualDesktop.h"
 #include "tests/x11windows/X11DesktopFixture.h"
 
@@ -49,10 +49,8 @@ protected:
         return QRectF(QPointF(x, y), size);
     }
     bool minimized(quint32 window) {
-        QVariant value;
-        return Platform::services().accessibility->copyAttributeValue(
-                   AXUIElement::window(window), QLatin1String(kAXMinimizedAttribute), &value) == kAXErrorSuccess &&
-               value.toBool();
+        const Reading<bool> minimised = Platform::services().windowControl->minimised(window);
+        return minimised.result == Result::Ok && minimised.value.value_or(false);
     }
     static QString describe(const QRectF& r) {
         return QStringLiteral("(%1,%2 %3x%4)").arg(r.x()).arg(r.y()).arg(r.width()).arg(r.height());
@@ -143,10 +141,7 @@ TEST_F(X11MoverTest, FocusedWindowMoveLandsTheActiveWindow) {
     ASSERT_TRUE(activate(idle));
     ASSERT_TRUE(activate(focused));
     ASSERT_TRUE(VirtualDesktop::waitUntil([&] {
-        QVariant value;
-        return Platform::services().accessibility->copyAttributeValue(
-                   AXUIElement::systemWide(), QLatin1String(kAXFocusedWindowAttribute), &value) == kAXErrorSuccess &&
-               value.value<AXUIElement>() == AXUIElement::window(focused);
+        return Platform::services().windowControl->focusedWindow() == Reading<WindowId>{Result::Ok, focused};
     }));
     const QRectF before = frameFromTree(focused);
     const QRect idleBefore = frameFromTree(idle);
@@ -170,7 +165,7 @@ TEST_F(X11MoverTest, FocusedWindowAlreadyOnTheTargetGivesZeroOne) {
     ASSERT_TRUE(activate(focused));
     ASSERT_TRUE(VirtualDesktop::waitUntil([&] {
         const auto context = WindowMover::focusedWindowContext();
-        return context && context->window == AXUIElement::window(focused);
+        return context && context->window == focused;
     }));
     const QRect before = frameFromTree(focused);
     EXPECT_EQ(WindowMover::moveFocusedWindow(display(1), displays(), false), (WindowMoveResult{0, 1}));

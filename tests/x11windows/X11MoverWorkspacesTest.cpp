@@ -5,8 +5,8 @@
 #include "app/AppController.h"
 #include "app/ScreenSnapshotService.h"
 #include "app/WindowMover.h"
-#include "platform/Accessibility.h"
 #include "platform/Platform.h"
+#include "platform/WindowControl.h"
 #include "tests/support/VirtualDesktop.h"
 #include "tests/x11windows/X11DesktopFixture.h"
 
@@ -33,10 +33,8 @@ protected:
         return {};
     }
     bool minimized(quint32 window) {
-        QVariant value;
-        return Platform::services().accessibility->copyAttributeValue(
-                   AXUIElement::window(window), QLatin1String(kAXMinimizedAttribute), &value) == kAXErrorSuccess &&
-               value.toBool();
+        const Reading<bool> minimised = Platform::services().windowControl->minimised(window);
+        return minimised.result == Result::Ok && minimised.value.value_or(false);
     }
     // Opens a window over the first monitor and puts it on the desktop.
     quint32 openOn(const QString& name, quint32 desktop, int dx, const QString& extra = {}) {

@@ -6,8 +6,8 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "platform/Accessibility.h"
 #include "platform/Platform.h"
+#include "platform/WindowControl.h"
 #include "platform/x11/X11Connection.h"
 #include "platform/x11/X11WindowCache.h"
 #include "platform/x11/X11WindowDesktopEntries.h"
@@ -211,20 +211,18 @@ TEST_F(X11WindowCacheTest, FactsReadWhileNewsOfTheirWindowArrivesAreNotKept) {
     EXPECT_EQ(cache->lookup(window).facts.title, facts.title);
 }
 
-TEST_F(X11WindowCacheTest, WriteThroughAccessibilityShowsInTheReadBack) {
+TEST_F(X11WindowCacheTest, MoveThroughTheWindowControlShowsInTheReadBack) {
     const quint32 window = client.open(QStringLiteral("written"), placement(0, 100, 100, 300, 200));
     ASSERT_NE(window, 0u);
-    Accessibility& accessibility = *Platform::services().accessibility;
-    const AXUIElement element = AXUIElement::window(window);
-    QVariant position;
-    ASSERT_EQ(accessibility.copyAttributeValue(element, QLatin1String(kAXPositionAttribute), &position),
-              kAXErrorSuccess);
-    const QPointF target = position.toPointF() + QPointF(2100, 150);
-    ASSERT_EQ(accessibility.setAttributeValue(element, QLatin1String(kAXPositionAttribute), target), kAXErrorSuccess);
-    ASSERT_EQ(accessibility.copyAttributeValue(element, QLatin1String(kAXPositionAttribute), &position),
-              kAXErrorSuccess);
-    EXPECT_NEAR(position.toPointF().x(), target.x(), 2.0);
-    EXPECT_NEAR(position.toPointF().y(), target.y(), 2.0);
+    WindowControl& control = *Platform::services().windowControl;
+    Reading<QRectF> frame = control.frame(window);
+    ASSERT_EQ(frame.result, Result::Ok);
+    const QPointF target = frame.value->topLeft() + QPointF(2100, 150);
+    ASSERT_EQ(control.move(window, target), Result::Ok);
+    frame = control.frame(window);
+    ASSERT_EQ(frame.result, Result::Ok);
+    EXPECT_NEAR(frame.value->x(), target.x(), 2.0);
+    EXPECT_NEAR(frame.value->y(), target.y(), 2.0);
 }
 
 TEST_F(X11WindowCacheTest, ReadsOnAnotherThreadSeeChangesMadeBeforeThem) {

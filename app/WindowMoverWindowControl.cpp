@@ -1,0 +1,174 @@
+#include <cmath>
+
+#include "app/WindowMoveLog.h"
+#include "app/WindowMover.h"
+#include "platform/Platform.h"
+
+using WindowMoveLog::errorName;
+
+namespace {
+
+// The names the trace gives the two window lists.
+QString listName(WindowScope scope) {
+    return scope == WindowScope::Visible ? QStringLiteral("AXWindows") : QStringLiteral("AXAllWindows");
+}
+
+}  // namespace
+
+WindowControl* WindowMover::windowControl() {
+    return Platform::services().windowControl;
+}
+
+WindowAttributeResult WindowMover::windows(pid_t application, WindowScope scope) {
+    const Reading<QList<WindowId>> reading = windowControl()->windows(application, scope);
+    return {reading.result,
+            reading.result == Result::Ok ? reading.value.value_or(QList<WindowId>{}) : QList<WindowId>{}};
+}
+
+void WindowMover::appendUnique(WindowId window, QList<WindowId>& list) {
+    if (!list.contains(window)) {
+        list.append(window);
+    }
+}
+
+bool WindowMover::isMovableRole(WindowRole role) {
+    return role == WindowRole::Window || role == WindowRole::Dialog;
+}
+
+std::optional<QList<WindowId>> WindowMover::movableWindows(pid_t application, const QString& appLabel) {
+    const WindowAttributeResult primary = windows(application, WindowScope::Visible);
+    if (primary.result != Result::Ok) {
+        qCDebug(lcMover).noquote() << appLabel + QStringLiteral(": AXWindows error=") + errorName(primary.result);
+    }
+    const WindowAttributeResult all = windows(application, WindowScope::IncludingMinimised);
+    if (all.result != Result::Ok) {
+        qCDebug(lcMover).noquote() << appLabel + QStringLiteral(": AXAllWindows error=") + errorName(all.result);
+    }
+
+    QList<WindowId> merged;
+    for (WindowId window : primary.windows) {
+        appendUnique(window, merged);
+    }
+    for (WindowId window : all.windows) {
+        appendUnique(window, merged);
+    }
+
+    // One batch for the roles of all windows.
+    const QList<WindowFacts> facts = windowControl()->facts(merged);
+    QList<WindowId> filtered;
+    for (qsizetype i = 0; i < merged.size(); ++i) {
+        const Reading<WindowRole> role = facts.value(i).role;
+        if (role.result != Result::Ok || !role.value || isMovableRole(*role.value)) {
+            filtered.append(merged[i]);
+        }
+    }
+    if (!filtered.isEmpty()) {
+        return filtered;
+    }
+    if (merged.isEmpty()) {
+        qCDebug(lcMover).noquote() << QStringLiteral("%1: no movable windows after filtering (primary=%2, all=%3)")
+                                          .arg(appLabel, QString::number(primary.windows.size()),
+                                               QString::number(all.windows.size()));
+        return std::nullopt;
+    }
+    qCDebug(lcMover).noquote() << QStringLiteral(
+                                      "%1: no movable windows by role filter, (primary=%2, all=%3, merged=%4)")
+                                      .arg(appLabel, QString::number(primary.windows.size()),
+                                           QString::number(all.windows.size()), QString::number(merged.size()));
+    return merged;
+}
+
+std::optional<QRectF> WindowMover::frame(WindowId window) {
+    const Reading<QRectF> reading = windowControl()->frame(window);
+    return reading.result == Result::Ok ? reading.value : std::nullopt;
+}
+
+std::optional<QRectF> WindowMover::usableFrame(const std::optional<QRectF>& frame) {
+    if (!frame || !(frame->width() > 1.0 && frame->height() > 1.0)) {
+        return std::nullopt;
+    }
+    return frame;
+}
+
+std::optional<WindowId> WindowMover::focusedElement(const Reading<WindowId>& reading, const QString& attribute,
+                                                    const QString& sourceLabel) {
+    if (reading.result != Result::Ok || !reading.value) {
+        const Result result = reading.result == Result::Ok ? Result::NoValue : reading.result;
+        qCDebug(lcMover).noquote() << QStringLiteral("moveFocusedWindow: %1 attribute %2 error=%3")
+                                          .arg(sourceLabel, attribute, errorName(result));
+        return std::nullopt;
+    }
+    return reading.value;
+}
+
+Result WindowMover::setOrigin(WindowId window, const QPointF& origin) {
+    if (!std::isfinite(origin.x()) || !std::isfinite(origin.y())) {
+        return Result::Failure;
+    }
+    return windowControl()->move(window, origin);
+}
+
+Result WindowMover::setSize(WindowId window, const QSizeF& size) {
+    if (!std::isfinite(size.width()) || !std::isfinite(size.height())) {
+        return Result::Failure;
+    }
+    return windowControl()->resize(window, size);
+}
+
+void WindowMover::revealMovedWindowsForApplication(const QList<WindowId>& windows, pid_t application,
+                                                   const QString& appLabel) {
+    const Result unhide = windowControl()->unhide(application);
+    if (unhide != Result::Ok && unhide != Result::Unsupported) {
+        qCDebug(lcMover).noquote() << appLabel + QStringLiteral(": unhide app failed with ") + errorName(unhide);
+    }
+    for (WindowId window : windows) {
+        const Result unminimise = windowControl()->unminimise(window);
+        if (unminimise != Result::Ok && unminimise != Result::Unsupported) {
+            qCDebug(lcMover).noquote() << appLabel + QStringLiteral(": unminimize window failed with ") +
+                                              errorName(unminimise);
+        }
+    }
+}
+
+std::optional<FocusedWindowContext> WindowMover::firstWindowContextWithFrame(const QList<WindowId>& windows,
+                                                                             const QString& sourceLabel) {
+    if (windows.isEmpty()) {
+        return std::nullopt;
+    }
+    for (WindowId window : windows) {
+        if (const std::optional<QRectF> usable = usableFrame(frame(window))) {
+            return FocusedWindowContext{window, *usable};
+        }
+    }
+    qCDebug(lcMover).noquote() << QStringLiteral("moveFocusedWindow: %1 had %2 windows but no readable frame")
+                                      .arg(sourceLabel, QString::number(windows.size()));
+    return std::nullopt;
+}
+
+std::optional<FocusedWindowContext> WindowMover::focusedWindowContext(pid_t application, const QString& sourceLabel) {
+    // The focused window, else the main window; each read only when the one before gave nothing.
+    for (const bool focused : {true, false}) {
+        const Reading<WindowId> reading =
+            focused ? windowControl()->focusedWindow(application) : windowControl()->mainWindow(application);
+        const QString attribute = focused ? QStringLiteral("AXFocusedWindow") : QStringLiteral("AXMainWindow");
+        if (const std::optional<WindowId> window = focusedElement(reading, attribute, sourceLabel)) {
+            if (const std::optional<QRectF> usable = usableFrame(frame(*window))) {
+                return FocusedWindowContext{*window, *usable};
+            }
+        }
+    }
+    for (const WindowScope scope : {WindowScope::Visible, WindowScope::IncludingMinimised}) {
+        const WindowAttributeResult list = windows(application, scope);
+        if (list.result != Result::Ok) {
+            qCDebug(lcMover).noquote() << QStringLiteral("moveFocusedWindow: %1 %2 error=%3")
+                                              .arg(sourceLabel, listName(scope), errorName(list.result));
+        }
+        if (const std::optional<FocusedWindowContext> context =
+                firstWindowContextWithFrame(list.windows, sourceLabel + QLatin1Char('.') + listName(scope))) {
+            return context;
+        }
+    }
+    qCDebug(lcMover).noquote()
+        << QStringLiteral("moveFocusedWindow: %1 has no resolvable window context").arg(sourceLabel);
+    return std::nullopt;
+}

@@ -1,0 +1,314 @@
+#include "platform/x11/X11WindowControl.h"
+
+#include <QFileInfo>
+#include <cmath>
+
+#include "platform/x11/X11Connection.h"
+
+namespace {
+
+// How long the answer to "is a window manager running" is trusted.
+constexpr int kWmCheckMilliseconds = 1000;
+
+bool isWindowNumber(qint64 identifier) {
+    return identifier > 0 && identifier <= 0xFFFFFFFFll;
+}
+
+bool isProcessNumber(qint64 pid) {
+    return pid > 0 && pid <= 0x7fffffff;
+}
+
+template <typename T>
+Reading<T> failed(Result result) {
+    return {result, std::nullopt};
+}
+
+template <typename T>
+Reading<T> ok(T value) {
+    return {Result::Ok, std::move(value)};
+}
+
+}  // namespace
+
+X11WindowControl::X11WindowControl(X11Connection& connection, X11WindowCache* cache)
+    : m_connection(connection),
+      m_cache(cache),
+      m_reader(connection),
+      m_batchReader(connection, cache),
+      m_kinds(connection),
+      m_placer(connection, m_reader, m_kinds) {}
+
+bool X11WindowControl::windowManagerRunning() {
+    QMutexLocker lock(&m_wmMutex);
+    if (!m_wmCheckValidUntil.hasExpired()) {
+        return m_wmRunning;
+    }
+    // The check window names itself; a stale property left by a window manager that died does not.
+    const X11RootFacts root = m_reader.readRoot(X11WindowReader::WmCheck);
+    m_wmRunning = false;
+    if (root.connected && root.supportingWmCheck != XCB_NONE) {
+        xcb_connection_t* xcb = m_connection.xcb();
+        xcb_get_property_reply_t* reply = xcb_get_property_reply(
+            xcb,
+            xcb_get_property(xcb, 0, root.supportingWmCheck, m_connection.atom("_NET_SUPPORTING_WM_CHECK"),
+                             XCB_ATOM_WINDOW, 0, 1),
+            nullptr);
+        m_wmRunning = reply != nullptr && reply->format == 32 && xcb_get_property_value_length(reply) >= 4 &&
+                      *static_cast<uint32_t*>(xcb_get_property_value(reply)) == root.supportingWmCheck;
+        std::free(reply);
+    }
+    m_wmCheckValidUntil = QDeadlineTimer(kWmCheckMilliseconds);
+    return m_wmRunning;
+}
+
+X11WindowControl::Batch X11WindowControl::read(unsigned rootFields, const QHash<xcb_window_t, unsigned>& windowFields,
+                                               bool managed) {
+    Batch batch;
+    if (m_connection.hasError() || !windowManagerRunning()) {
+        return batch;
+    }
+    batch.permitted = true;
+
+    // Stage 1: what the root window says, as far as the batch needs it.
+    if (managed) {
+        rootFields |= X11WindowReader::ClientList | X11WindowReader::CurrentDesktop;
+    }
+    if (rootFields != 0) {
+        batch.root = m_batchReader.readRoot(rootFields);
+    }
+
+    // Stage 2: the windows asked about, the active window's owner, and every managed window's owner,
+    // desktop and state when an application's list is wanted.
+    QHash<xcb_window_t, unsigned> fields = windowFields;
+    if (batch.root.activeWindow != XCB_NONE) {
+        fields[batch.root.activeWindow] |= X11WindowFacts::Attributes | X11WindowFacts::Pid;
+    }
+    QList<X11WindowReader::Request> requests;
+    for (auto it = fields.cbegin(); it != fields.cend(); ++it) {
+        requests.append({it.key(), it.value()});
+    }
+    const qsizetype ownCount = requests.size();
+    for (auto it = batch.root.clientListStacking.crbegin(); it != batch.root.clientListStacking.crend(); ++it) {
+        requests.append({*it, X11WindowFacts::Pid | X11WindowFacts::Desktop | X11WindowFacts::State});
+    }
+    QList<X11WindowFacts> facts = m_batchReader.readWindows(requests);
+
+    // Stage 3: owners of windows without _NET_WM_PID.
+    m_batchReader.resolveMissingPids(facts);
+    for (qsizetype i = 0; i < facts.size(); ++i) {
+        if (i < ownCount) {
+            batch.windows.insert(facts[i].window, facts[i]);
+        } else if (facts[i].exists) {
+            facts[i].managed = true;
+            batch.managed.append(facts[i]);
+        }
+    }
+    return batch;
+}
+
+Reading<WindowId> X11WindowControl::activeOf(std::optional<pid_t> owner, const Batch& batch) const {
+    if (!batch.permitted) {
+        return failed<WindowId>(Result::NotPermitted);
+    }
+    const auto active = batch.windows.constFind(batch.root.activeWindow);
+    if (batch.root.activeWindow == XCB_NONE || active == batch.windows.constEnd() || !active->exists ||
+        (owner && active->pid != *owner)) {
+        return failed<WindowId>(Result::NoValue);
+    }
+    return ok<WindowId>(active->window);
+}
+
+Reading<WindowId> X11WindowControl::focusedWindow() {
+    return activeOf(std::nullopt, read(X11WindowReader::ActiveWindow, {}, false));
+}
+
+Reading<pid_t> X11WindowControl::focusedApplication() {
+    const Batch batch = read(X11WindowReader::ActiveWindow, {}, false);
+    const Reading<WindowId> active = activeOf(std::nullopt, batch);
+    if (active.result != Result::Ok) {
+        return failed<pid_t>(active.result);
+    }
+    const std::optional<pid_t> pid = batch.windows.value(static_cast<xcb_window_t>(*active.value)).pid;
+    return pid ? ok<pid_t>(*pid) : failed<pid_t>(Result::NoValue);
+}
+
+Reading<WindowId> X11WindowControl::focusedWindow(pid_t application) {
+    if (!isProcessNumber(application)) {
+        return failed<WindowId>(Result::Failure);
+    }
+    return activeOf(application, read(X11WindowReader::ActiveWindow, {}, false));
+}
+
+Reading<WindowId> X11WindowControl::mainWindow(pid_t application) {
+    // X11 knows no main window apart from the focused one.
+    return focusedWindow(application);
+}
+
+Reading<QList<WindowId>> X11WindowControl::listOf(pid_t application, WindowScope scope, const Batch& batch) const {
+    if (!batch.permitted) {
+        return failed<QList<WindowId>>(Result::NotPermitted);
+    }
+    if (!isProcessNumber(application)) {
+        return failed<QList<WindowId>>(Result::Failure);
+    }
+    if (!batch.root.connected) {
+        return failed<QList<WindowId>>(Result::CannotComplete);
+    }
+    QList<WindowId> windows;
+    for (const X11WindowFacts& window : batch.managed) {
+        if (window.pid != application) {
+            continue;
+        }
+        // Windows on other workspaces are never listed, so no command moves or restores them.
+        if (!m_kinds.isOnDesktop(window, batch.root.currentDesktop) ||
+            (scope == WindowScope::Visible && m_kinds.isHidden(window))) {
+            continue;
+        }
+        windows.append(window.window);
+    }
+    // An application that owns no window any more and whose process is gone is no application at all.
+    if (windows.isEmpty() && !QFileInfo::exists(QStringLiteral("/proc/%1").arg(application))) {
+        return failed<QList<WindowId>>(Result::Gone);
+    }
+    return ok(windows);
+}
+
+Reading<QList<WindowId>> X11WindowControl::windows(pid_t application, WindowScope scope) {
+    if (!isProcessNumber(application)) {
+        return failed<QList<WindowId>>(Result::Failure);
+    }
+    return listOf(application, scope, read(0, {}, true));
+}
+
+QList<ApplicationWindows> X11WindowControl::windowsOfApplications(const QList<pid_t>& applications) {
+    QList<ApplicationWindows> answers;
+    if (applications.isEmpty()) {
+        return answers;
+    }
+    const Batch batch = read(0, {}, true);
+    for (pid_t pid : applications) {
+        answers.append({listOf(pid, WindowScope::Visible, batch), listOf(pid, WindowScope::IncludingMinimised, batch)});
+    }
+    return answers;
+}
+
+X11WindowControl::Batch X11WindowControl::readFacts(const QList<WindowId>& windows) {
+    QHash<xcb_window_t, unsigned> fields;
+    for (WindowId window : windows) {
+        if (isWindowNumber(window)) {
+            fields.insert(static_cast<xcb_window_t>(window), X11WindowFacts::Attributes | X11WindowFacts::Type |
+                                                                 X11WindowFacts::Transient | X11WindowFacts::State |
+                                                                 X11WindowFacts::Geometry);
+        }
+    }
+    if (fields.isEmpty()) {
+        Batch batch;
+        batch.permitted = !m_connection.hasError() && windowManagerRunning();
+        return batch;
+    }
+    return read(X11WindowReader::GlobalOrigin, fields, false);
+}
+
+Reading<X11WindowFacts> X11WindowControl::windowOf(WindowId window, const Batch& batch) const {
+    if (!batch.permitted) {
+        return failed<X11WindowFacts>(Result::NotPermitted);
+    }
+    if (!isWindowNumber(window)) {
+        return failed<X11WindowFacts>(Result::Gone);
+    }
+    const auto found = batch.windows.constFind(static_cast<xcb_window_t>(window));
+    if (found == batch.windows.constEnd() || !found->exists) {
+        return failed<X11WindowFacts>(Result::Gone);
+    }
+    return ok(*found);
+}
+
+WindowFacts X11WindowControl::factsOf(WindowId window, const Batch& batch) const {
+    const Reading<X11WindowFacts> facts = windowOf(window, batch);
+    if (facts.result != Result::Ok) {
+        return {failed<QRectF>(facts.result), failed<WindowRole>(facts.result), failed<bool>(facts.result)};
+    }
+    const QRect frame = facts.value->outerFrame().translated(-batch.root.globalOriginInRoot);
+    return {ok(QRectF(frame)), ok(m_kinds.role(*facts.value)), ok(m_kinds.isHidden(*facts.value))};
+}
+
+QList<WindowFacts> X11WindowControl::facts(const QList<WindowId>& windows) {
+    QList<WindowFacts> answers;
+    if (windows.isEmpty()) {
+        return answers;
+    }
+    const Batch batch = readFacts(windows);
+    for (WindowId window : windows) {
+        answers.append(factsOf(window, batch));
+    }
+    return answers;
+}
+
+Reading<QRectF> X11WindowControl::frame(WindowId window) {
+    return factsOf(window, readFacts({window})).frame;
+}
+
+Reading<WindowRole> X11WindowControl::role(WindowId window) {
+    return factsOf(window, readFacts({window})).role;
+}
+
+Reading<bool> X11WindowControl::minimised(WindowId window) {
+    return factsOf(window, readFacts({window})).minimised;
+}
+
+Result X11WindowControl::canChange(WindowId window) {
+    if (m_connection.hasError() || !windowManagerRunning()) {
+        return Result::NotPermitted;
+    }
+    return isWindowNumber(window) ? Result::Ok : Result::Gone;
+}
+
+Result X11WindowControl::changed(xcb_window_t window, Result result) {
+    if (m_cache != nullptr) {
+        m_cache->forget(window);
+    }
+    return result;
+}
+
+Result X11WindowControl::move(WindowId window, const QPointF& topLeft) {
+    if (!std::isfinite(topLeft.x()) || !std::isfinite(topLeft.y())) {
+        return Result::Failure;
+    }
+    if (const Result result = canChange(window); result != Result::Ok) {
+        return result;
+    }
+    const auto xid = static_cast<xcb_window_t>(window);
+    const QPoint origin = m_reader.readRoot(X11WindowReader::GlobalOrigin).globalOriginInRoot;
+    return changed(xid, m_placer.moveFrame(xid, topLeft.toPoint() + origin));
+}
+
+Result X11WindowControl::resize(WindowId window, const QSizeF& size) {
+    if (!std::isfinite(size.width()) || !std::isfinite(size.height()) || size.width() < 1 || size.height() < 1) {
+        return Result::Failure;
+    }
+    if (const Result result = canChange(window); result != Result::Ok) {
+        return result;
+    }
+    const auto xid = static_cast<xcb_window_t>(window);
+    return changed(xid, m_placer.resizeFrame(xid, size.toSize()));
+}
+
+Result X11WindowControl::unminimise(WindowId window) {
+    if (const Result result = canChange(window); result != Result::Ok) {
+        return result;
+    }
+    const auto xid = static_cast<xcb_window_t>(window);
+    return changed(xid, m_placer.setMinimized(xid, false));
+}
+
+Result X11WindowControl::activate(WindowId window) {
+    if (const Result result = canChange(window); result != Result::Ok) {
+        return result;
+    }
+    const auto xid = static_cast<xcb_window_t>(window);
+    return changed(xid, m_placer.activate(xid));
+}
+
+Result X11WindowControl::unhide(pid_t) {
+    return Result::Unsupported;  // X11 has no hidden applications
+}
