@@ -1,12 +1,15 @@
 #pragma once
 
 class Accessibility;
-class Activation;
+class DesktopLauncher;
 class Displays;
+class ForegroundActivation;
 class HotKeys;
 class KeyboardLayout;
 class LoginItems;
 class SessionCheck;
+class SystemInfo;
+class TaskbarPresence;
 class UserDefaults;
 class WindowServer;
 class Workspace;
@@ -23,7 +26,10 @@ struct PlatformServices {
     UserDefaults* userDefaults = nullptr;
     LoginItems* loginItems = nullptr;
     SessionCheck* sessionCheck = nullptr;
-    Activation* activation = nullptr;
+    TaskbarPresence* taskbarPresence = nullptr;
+    ForegroundActivation* foregroundActivation = nullptr;
+    DesktopLauncher* desktopLauncher = nullptr;
+    SystemInfo* systemInfo = nullptr;
 };
 
 namespace Platform {

@@ -2,7 +2,8 @@
 
 FakePlatform::FakePlatform() {
     Platform::install({&displays, &windowServer, &workspace, &accessibility, &hotKeys, &keyboardLayout, &userDefaults,
-                       &loginItems, &sessionCheck, &activation});
+                       &loginItems, &sessionCheck, &taskbarPresence, &foregroundActivation, &desktopLauncher,
+                       &systemInfo});
 }
 
 FakePlatform::~FakePlatform() {

@@ -2,12 +2,15 @@
 
 #include "platform/Platform.h"
 #include "platform/fake/FakeAccessibility.h"
-#include "platform/fake/FakeActivation.h"
+#include "platform/fake/FakeDesktopLauncher.h"
 #include "platform/fake/FakeDisplays.h"
+#include "platform/fake/FakeForegroundActivation.h"
 #include "platform/fake/FakeHotKeys.h"
 #include "platform/fake/FakeKeyboardLayout.h"
 #include "platform/fake/FakeLoginItems.h"
 #include "platform/fake/FakeSessionCheck.h"
+#include "platform/fake/FakeSystemInfo.h"
+#include "platform/fake/FakeTaskbarPresence.h"
 #include "platform/fake/FakeUserDefaults.h"
 #include "platform/fake/FakeWindowServer.h"
 #include "platform/fake/FakeWorkspace.h"
@@ -29,5 +32,8 @@ public:
     FakeUserDefaults userDefaults;
     FakeLoginItems loginItems;
     FakeSessionCheck sessionCheck;
-    FakeActivation activation;
+    FakeTaskbarPresence taskbarPresence;
+    FakeForegroundActivation foregroundActivation;
+    FakeDesktopLauncher desktopLauncher;
+    FakeSystemInfo systemInfo;
 };

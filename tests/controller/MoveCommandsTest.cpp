@@ -199,16 +199,16 @@ TEST_F(MoveCommands, FocusedWindowAlreadyOnTargetIsReportedAsNotMoved) {
 }
 
 TEST_F(MoveCommands, AccessibilityRequestWhenAvailableSaysSo) {
-    const int activations = platform.activation.activations;
+    const int activations = platform.foregroundActivation.activations;
     controller().requestAccessibilityPermission();
     EXPECT_EQ(controller().statusMessage(), QStringLiteral("Accessibility permission is already granted."));
     // No prompt exists, so nothing is brought to the front for one.
-    EXPECT_EQ(platform.activation.activations, activations);
+    EXPECT_EQ(platform.foregroundActivation.activations, activations);
 }
 
 TEST_F(MoveCommands, AccessibilityRequestThatFindsNothingPointsToHelp) {
     revokeAccessibility();
-    const int activations = platform.activation.activations;
+    const int activations = platform.foregroundActivation.activations;
     const int checks = platform.sessionCheck.windowControlChecks;
     signalLog().clear();
     controller().requestAccessibilityPermission();
@@ -216,7 +216,7 @@ TEST_F(MoveCommands, AccessibilityRequestThatFindsNothingPointsToHelp) {
               QStringLiteral("Requested Accessibility permission. If no prompt appears, click Open System Settings."));
     // The request looks again (and the state is re-read after it).
     EXPECT_EQ(platform.sessionCheck.windowControlChecks, checks + 2);
-    EXPECT_EQ(platform.activation.activations, activations);
+    EXPECT_EQ(platform.foregroundActivation.activations, activations);
     // The permission state is republished at the end.
     EXPECT_EQ(signalLog().last(), QStringLiteral("isLoadingPreviews=0"));
     EXPECT_TRUE(signalLog().contains(QStringLiteral("permissionState")));

@@ -75,8 +75,9 @@ TEST_F(SettingsPermissionsSectionTest, HelpButtonsOpenEachHelpPage) {
     makeView();
     QTest::mouseClick(find<QPushButton>(QStringLiteral("settings.screenRecording")), Qt::LeftButton);
     QTest::mouseClick(find<QPushButton>(QStringLiteral("settings.accessibility")), Qt::LeftButton);
-    EXPECT_EQ(platform.activation.openedURLs, (QList<QUrl>{FakeSessionCheck::helpPageUrl(Capability::ScreenCapture),
-                                                           FakeSessionCheck::helpPageUrl(Capability::WindowControl)}));
+    EXPECT_EQ(platform.desktopLauncher.openedURLs,
+              (QList<QUrl>{FakeSessionCheck::helpPageUrl(Capability::ScreenCapture),
+                           FakeSessionCheck::helpPageUrl(Capability::WindowControl)}));
 }
 
 TEST_F(SettingsPermissionsSectionTest, RowsShowWhyACapabilityIsMissingOrLimited) {

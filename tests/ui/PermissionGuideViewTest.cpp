@@ -136,8 +136,9 @@ TEST_F(PermissionGuide, HelpButtonsOpenEachStepsHelpPage) {
     QWidget& window = openGuide();
     button(window, "screenRecordingStep", "openSettingsButton")->click();
     button(window, "accessibilityStep", "openSettingsButton")->click();
-    EXPECT_EQ(platform.activation.openedURLs, (QList<QUrl>{FakeSessionCheck::helpPageUrl(Capability::ScreenCapture),
-                                                           FakeSessionCheck::helpPageUrl(Capability::WindowControl)}));
+    EXPECT_EQ(platform.desktopLauncher.openedURLs,
+              (QList<QUrl>{FakeSessionCheck::helpPageUrl(Capability::ScreenCapture),
+                           FakeSessionCheck::helpPageUrl(Capability::WindowControl)}));
 }
 
 TEST_F(PermissionGuide, EachStepShowsWhyItIsMissingOrLimited) {
