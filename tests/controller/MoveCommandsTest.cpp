@@ -38,7 +38,7 @@ protected:
     DisplaySnapshot right;
 };
 
-const QString kRequired = QStringLiteral("Accessibility permission is required to move windows.");
+const QString kRequired = QStringLiteral("Window control is required to move windows.");
 
 TEST_F(MoveCommands, EveryMoveWithoutAccessibilityAsksForThePermission) {
     addApplication(100, QStringLiteral("Editor"), {1});
@@ -201,7 +201,7 @@ TEST_F(MoveCommands, FocusedWindowAlreadyOnTargetIsReportedAsNotMoved) {
 TEST_F(MoveCommands, AccessibilityRequestWhenAvailableSaysSo) {
     const int activations = platform.foregroundActivation.activations;
     controller().requestAccessibilityPermission();
-    EXPECT_EQ(controller().statusMessage(), QStringLiteral("Accessibility permission is already granted."));
+    EXPECT_EQ(controller().statusMessage(), QStringLiteral("Window control is already available."));
     // No prompt exists, so nothing is brought to the front for one.
     EXPECT_EQ(platform.foregroundActivation.activations, activations);
 }
@@ -213,7 +213,7 @@ TEST_F(MoveCommands, AccessibilityRequestThatFindsNothingPointsToHelp) {
     signalLog().clear();
     controller().requestAccessibilityPermission();
     EXPECT_EQ(controller().statusMessage(),
-              QStringLiteral("Requested Accessibility permission. If no prompt appears, click Open System Settings."));
+              QStringLiteral("Window control is still not available. Click Open Help to see why."));
     // The request looks again (and the state is re-read after it).
     EXPECT_EQ(platform.sessionCheck.windowControlChecks, checks + 2);
     EXPECT_EQ(platform.foregroundActivation.activations, activations);
@@ -227,7 +227,7 @@ TEST_F(MoveCommands, AccessibilityRequestAfterTheDesktopChangedSaysGranted) {
     // A window manager was started since the last check.
     platform.sessionCheck.windowControlAvailable = true;
     controller().requestAccessibilityPermission();
-    EXPECT_EQ(controller().statusMessage(), QStringLiteral("Accessibility permission is already granted."));
+    EXPECT_EQ(controller().statusMessage(), QStringLiteral("Window control is already available."));
     EXPECT_TRUE(controller().permissionState().accessibilityGranted);
 }
 
@@ -236,8 +236,7 @@ TEST_F(MoveCommands, ScreenRecordingRequestAsksAndRefreshesPermissions) {
     const int checks = platform.sessionCheck.screenCaptureChecks;
     controller().requestScreenRecordingPermission();
     EXPECT_EQ(platform.sessionCheck.screenCaptureChecks, checks + 2);
-    EXPECT_EQ(controller().statusMessage(),
-              QStringLiteral("Requested Screen Recording permission. macOS may require app restart."));
+    EXPECT_EQ(controller().statusMessage(), QStringLiteral("Checked screen capture again."));
     EXPECT_FALSE(controller().permissionState().screenRecordingGranted);
 }
 

@@ -29,7 +29,7 @@ TEST_F(SettingsBehaviorSectionTest, TogglesShowTheStoredPreferences) {
 TEST_F(SettingsBehaviorSectionTest, ShowsThePreviewNote) {
     behavior();
     EXPECT_EQ(find<QLabel>(QStringLiteral("previewNote"))->text(),
-              QStringLiteral("Previews are refreshed only when you click the menu bar icon."));
+              QStringLiteral("Previews are refreshed only when you click the tray icon."));
 }
 
 TEST_F(SettingsBehaviorSectionTest, TurningShowDockIconOnShowsTheDockIconAtOnce) {
