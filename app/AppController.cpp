@@ -5,10 +5,10 @@
 
 #include "app/PermissionService.h"
 #include "app/UpdaterService.h"
-#include "platform/Activation.h"
 #include "platform/LoginItems.h"
 #include "platform/Monitors.h"
 #include "platform/Platform.h"
+#include "platform/TaskbarPresence.h"
 #include "platform/UserDefaults.h"
 
 AppController& AppController::shared() {
@@ -100,8 +100,7 @@ void AppController::setIsLoadingPreviews(bool loading) {
 void AppController::setDockIconVisible(bool visible) {
     publish(m_dockIconVisible, visible, &AppController::dockIconVisibleChanged);
     m_defaults->setObject(m_dockIconKey, visible);
-    Platform::services().activation->setActivationPolicy(m_dockIconVisible ? ActivationPolicy::Regular
-                                                                           : ActivationPolicy::Accessory);
+    Platform::services().taskbarPresence->setShownInTaskbar(m_dockIconVisible);
 }
 
 void AppController::setAutoCheckForUpdatesEnabled(bool enabled) {

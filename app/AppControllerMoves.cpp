@@ -6,8 +6,8 @@
 #include "app/WindowMover.h"
 
 namespace {
-const QString kAccessibilityRequired = QStringLiteral("Accessibility permission is required to move windows.");
-const QString kAccessibilityGranted = QStringLiteral("Accessibility permission is already granted.");
+const QString kAccessibilityRequired = QStringLiteral("Window control is required to move windows.");
+const QString kAccessibilityGranted = QStringLiteral("Window control is already available.");
 }  // namespace
 
 void AppController::moveWindows(const DisplaySnapshot& source, const DisplaySnapshot& destination) {
@@ -69,13 +69,12 @@ void AppController::requestAccessibilityPermission() {
     // No prompt exists: a request looks at the session again, and the state shows what it found.
     const bool usable = PermissionService::requestWindowControl().isUsable();
     setStatusMessage(usable ? kAccessibilityGranted
-                            : QStringLiteral("Requested Accessibility permission. If no prompt appears, click Open "
-                                             "System Settings."));
+                            : QStringLiteral("Window control is still not available. Click Open Help to see why."));
     refreshPermissions();
 }
 
 void AppController::requestScreenRecordingPermission() {
     PermissionService::requestScreenCapture();
-    setStatusMessage(QStringLiteral("Requested Screen Recording permission. macOS may require app restart."));
+    setStatusMessage(QStringLiteral("Checked screen capture again."));
     refreshPermissions();
 }

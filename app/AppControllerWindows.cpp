@@ -12,8 +12,11 @@
 #include "app/UpdaterService.h"
 #include "app/views/PermissionGuideView.h"
 #include "app/views/SettingsView.h"
-#include "platform/Activation.h"
+#include "platform/DesktopLauncher.h"
+#include "platform/ForegroundActivation.h"
 #include "platform/Platform.h"
+#include "platform/SystemInfo.h"
+#include "platform/TaskbarPresence.h"
 
 namespace {
 
@@ -43,8 +46,7 @@ QWidget* makeHostWindow(QWidget* content, const QSize& size, const QString& titl
 }  // namespace
 
 void AppController::applicationDidFinishLaunching() {
-    Platform::services().activation->setActivationPolicy(m_dockIconVisible ? ActivationPolicy::Regular
-                                                                           : ActivationPolicy::Accessory);
+    Platform::services().taskbarPresence->setShownInTaskbar(m_dockIconVisible);
     refreshPermissions();
     refreshShortcutDisplays();
     if (m_autoCheckForUpdatesEnabled) {
@@ -93,7 +95,7 @@ void AppController::presentWindow(QWidget* window) {
     }
 
     window->show();
-    Platform::services().activation->activateIgnoringOtherApps();
+    Platform::services().foregroundActivation->bringToFront();
     window->raise();
     window->activateWindow();
 }
@@ -115,9 +117,12 @@ QScreen* AppController::activeScreen() const {
 void AppController::contactSupport() {
     const QString version = valueOrUnknown(BuildConfig::kVersion);
     const QString build = valueOrUnknown(BuildConfig::kBuildNumber);
-    const QString os = Platform::services().activation->operatingSystemVersionString();
+    const SystemDescription system = Platform::services().systemInfo->describe();
     const QString body = QStringLiteral("Please describe your issue here.\n\n---\nApp: Lattica\nVersion: ") + version +
-                         QStringLiteral(" (") + build + QStringLiteral(")\nmacOS: ") + os;
+                         QStringLiteral(" (") + build + QStringLiteral(")\nDistribution: ") + system.distribution +
+                         QStringLiteral("\nKernel: ") + system.kernel + QStringLiteral("\nDesktop: ") + system.desktop +
+                         QStringLiteral("\nSession: ") + system.sessionType + QStringLiteral("\nBackend: ") +
+                         system.backend;
 
     QUrl url;
     url.setScheme(QStringLiteral("mailto"));
@@ -129,5 +134,5 @@ void AppController::contactSupport() {
     if (!url.isValid() || url.path().isEmpty()) {
         return;
     }
-    Platform::services().activation->openURL(url);
+    Platform::services().desktopLauncher->openUrl(url);
 }

@@ -1,6 +1,6 @@
 #include "app/PermissionService.h"
 
-#include "platform/Activation.h"
+#include "platform/DesktopLauncher.h"
 #include "platform/Platform.h"
 #include "platform/SessionCheck.h"
 
@@ -29,5 +29,5 @@ bool PermissionService::openHelp(Capability capability) {
     if (page.isEmpty()) {
         return false;
     }
-    return Platform::services().activation->openURL(page);
+    return Platform::services().desktopLauncher->openUrl(page);
 }

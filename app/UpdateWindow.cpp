@@ -9,7 +9,7 @@
 #include <QTextBrowser>
 #include <QVBoxLayout>
 
-#include "platform/Activation.h"
+#include "platform/DesktopLauncher.h"
 #include "platform/Platform.h"
 
 namespace {
@@ -179,7 +179,7 @@ void UpdateWindow::openLink(const QUrl& url) {
     if (!isWebURL(url)) {
         return;
     }
-    if (Activation* activation = Platform::services().activation) {
-        activation->openURL(url);
+    if (DesktopLauncher* launcher = Platform::services().desktopLauncher) {
+        launcher->openUrl(url);
     }
 }

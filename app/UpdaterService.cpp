@@ -5,7 +5,7 @@
 
 #include "BuildConfig.h"
 #include "app/UpdateWindow.h"
-#include "platform/Activation.h"
+#include "platform/DesktopLauncher.h"
 #include "platform/Platform.h"
 
 // Debug lines only when asked for with QT_LOGGING_RULES="lattica.updates*.debug=true".
@@ -113,8 +113,8 @@ UpdateWindow* StandardUpdaterController::ensureWindow() {
         m_window = new UpdateWindow();
         connect(m_window, &UpdateWindow::cancelRequested, this, [this] { m_updater.cancelCheck(); });
         connect(m_window, &UpdateWindow::downloadRequested, this, [](const QUrl& url) {
-            if (Activation* activation = Platform::services().activation) {
-                activation->openURL(url);
+            if (DesktopLauncher* launcher = Platform::services().desktopLauncher) {
+                launcher->openUrl(url);
             }
         });
     }

@@ -1,12 +1,15 @@
 #pragma once
 
-class Activation;
+class DesktopLauncher;
+class ForegroundActivation;
 class HotKeys;
 class KeyboardLayout;
 class LoginItems;
 class Monitors;
 class RunningApplications;
 class SessionCheck;
+class SystemInfo;
+class TaskbarPresence;
 class UserDefaults;
 class WindowControl;
 class WindowList;
@@ -23,7 +26,10 @@ struct PlatformServices {
     UserDefaults* userDefaults = nullptr;
     LoginItems* loginItems = nullptr;
     SessionCheck* sessionCheck = nullptr;
-    Activation* activation = nullptr;
+    TaskbarPresence* taskbarPresence = nullptr;
+    ForegroundActivation* foregroundActivation = nullptr;
+    DesktopLauncher* desktopLauncher = nullptr;
+    SystemInfo* systemInfo = nullptr;
 };
 
 namespace Platform {

@@ -79,7 +79,7 @@ QWidget* MenuBarContentView::makeBlockedPage() {
     titleFont.setWeight(QFont::DemiBold);
     layout->addWidget(ViewStyle::makeLabel(QStringLiteral("Permissions Required"), titleFont, page));
     layout->addWidget(ViewStyle::makeLabel(
-        QStringLiteral("Grant Screen Recording and Accessibility to view screen previews and move windows."),
+        QStringLiteral("Lattica needs screen capture and window control to view screen previews and move windows."),
         ViewStyle::captionFont(), page, true, true));
 
     auto* badges = new QHBoxLayout();
@@ -93,12 +93,11 @@ QWidget* MenuBarContentView::makeBlockedPage() {
 
     auto* buttons = new QHBoxLayout();
     buttons->setSpacing(6);
-    QPushButton* screenRecording =
-        makeButton(QStringLiteral("display"), QStringLiteral("Request Screen Recording"), page);
+    QPushButton* screenRecording = makeButton(QStringLiteral("display"), QStringLiteral("Check Screen Capture"), page);
     screenRecording->setObjectName(QStringLiteral("requestScreenRecordingButton"));
     connect(screenRecording, &QPushButton::clicked, this, [this] { m_controller.requestScreenRecordingPermission(); });
     QPushButton* accessibility =
-        makeButton(QStringLiteral("hand.raised"), QStringLiteral("Request Accessibility"), page);
+        makeButton(QStringLiteral("hand.raised"), QStringLiteral("Check Window Control"), page);
     accessibility->setObjectName(QStringLiteral("requestAccessibilityButton"));
     connect(accessibility, &QPushButton::clicked, this, [this] { m_controller.requestAccessibilityPermission(); });
     buttons->addWidget(screenRecording);
@@ -222,8 +221,8 @@ MenuBarContentView::State MenuBarContentView::stateFor(const PermissionState& pe
 
 void MenuBarContentView::render() {
     const PermissionState permissions = m_controller.permissionState();
-    updatePermissionBadge(m_screenRecordingBadge, QStringLiteral("Screen Recording"), permissions.screenCapture);
-    updatePermissionBadge(m_accessibilityBadge, QStringLiteral("Accessibility"), permissions.windowControl);
+    updatePermissionBadge(m_screenRecordingBadge, QStringLiteral("Screen Capture"), permissions.screenCapture);
+    updatePermissionBadge(m_accessibilityBadge, QStringLiteral("Window Control"), permissions.windowControl);
 
     m_state = stateFor(permissions, m_controller.displays().isEmpty(), m_controller.isLoadingPreviews());
     switch (m_state) {

@@ -57,7 +57,7 @@ PermissionGuideView::PermissionGuideView(AppController& controller, QWidget* par
         ViewStyle::makeLabel(QStringLiteral("Enable Required Permissions"), ViewStyle::titleFont(), this));
     headerText->addWidget(ViewStyle::makeLabel(
         QStringLiteral(
-            "Lattica needs Screen Recording for previews and Accessibility to move windows between displays."),
+            "Lattica needs screen capture for previews and window control to move windows between displays."),
         ViewStyle::bodyFont(), this, true, true));
     header->addLayout(headerText, 1);
     root->addLayout(header);
@@ -70,8 +70,9 @@ PermissionGuideView::PermissionGuideView(AppController& controller, QWidget* par
     note->setSpacing(8);
     note->addWidget(iconLabel(QStringLiteral("info.circle"), 16, this), 0, Qt::AlignTop);
     note->addWidget(
-        ViewStyle::makeLabel(QStringLiteral("After granting access, macOS may require you to reopen the app."),
-                             ViewStyle::captionFont(), this, true, true),
+        ViewStyle::makeLabel(
+            QStringLiteral("When your session changes, check again: Lattica picks it up without a restart."),
+            ViewStyle::captionFont(), this, true, true),
         1);
     root->addLayout(note);
 
@@ -175,15 +176,15 @@ void PermissionGuideView::rebuildSteps() {
     }
     const PermissionState permissions = m_controller.permissionState();
     QWidget* screenRecording = guideStep(
-        QStringLiteral("Screen Recording"), 1, QStringLiteral("display"), permissions.screenCapture,
-        QStringLiteral("Request Screen Recording"), QStringLiteral("display"), QStringLiteral("Open System Settings"),
+        QStringLiteral("Screen Capture"), 1, QStringLiteral("display"), permissions.screenCapture,
+        QStringLiteral("Check Screen Capture"), QStringLiteral("display"), QStringLiteral("Open Help"),
         [this] { m_controller.requestScreenRecordingPermission(); },
         [] { PermissionService::openHelp(Capability::ScreenCapture); });
     screenRecording->setObjectName(QStringLiteral("screenRecordingStep"));
     QWidget* accessibility = guideStep(
-        QStringLiteral("Accessibility"), 2, QStringLiteral("hand.raised.fill"), permissions.windowControl,
-        QStringLiteral("Request Accessibility"), QStringLiteral("hand.raised.fill"),
-        QStringLiteral("Open System Settings"), [this] { m_controller.requestAccessibilityPermission(); },
+        QStringLiteral("Window Control"), 2, QStringLiteral("hand.raised.fill"), permissions.windowControl,
+        QStringLiteral("Check Window Control"), QStringLiteral("hand.raised.fill"), QStringLiteral("Open Help"),
+        [this] { m_controller.requestAccessibilityPermission(); },
         [] { PermissionService::openHelp(Capability::WindowControl); });
     accessibility->setObjectName(QStringLiteral("accessibilityStep"));
     m_stepsLayout->addWidget(screenRecording);

@@ -13,7 +13,7 @@
 #include "app/views/SettingsCard.h"
 #include "app/views/SettingsSymbols.h"
 #include "app/views/ViewStyle.h"
-#include "platform/Activation.h"
+#include "platform/DesktopLauncher.h"
 #include "platform/Platform.h"
 
 namespace {
@@ -76,8 +76,8 @@ SettingsAboutSection::SettingsAboutSection(AppController& controller, QWidget* p
     creditsRow->addWidget(creditsText, 1);
     creditsRow->addWidget(m_gitHub);
     connect(m_gitHub, &QPushButton::clicked, this, [] {
-        if (Activation* activation = Platform::services().activation) {
-            activation->openURL(QUrl(QString::fromLatin1(BuildConfig::kProjectUrl)));
+        if (DesktopLauncher* launcher = Platform::services().desktopLauncher) {
+            launcher->openUrl(QUrl(QString::fromLatin1(BuildConfig::kProjectUrl)));
         }
     });
 

@@ -31,11 +31,11 @@ SettingsBehaviorSection::SettingsBehaviorSection(AppController& controller, QWid
     : QWidget(parent), m_controller(controller) {
     auto* card = new SettingsCard(QString(), this);
     m_launchAtLogin = addToggleRow(card, QStringLiteral("Launch at login"), QStringLiteral("toggle.launchAtLogin"));
-    m_dockIcon = addToggleRow(card, QStringLiteral("Show Dock icon"), QStringLiteral("toggle.dockIcon"));
+    m_dockIcon = addToggleRow(card, QStringLiteral("Show in taskbar"), QStringLiteral("toggle.dockIcon"));
     m_adjustWindowSize = addToggleRow(card, QStringLiteral("Adjust window size to target screen"),
                                       QStringLiteral("toggle.adjustWindowSize"));
 
-    QLabel* note = ViewStyle::makeLabel(QStringLiteral("Previews are refreshed only when you click the menu bar icon."),
+    QLabel* note = ViewStyle::makeLabel(QStringLiteral("Previews are refreshed only when you click the tray icon."),
                                         ViewStyle::captionFont(), this, true, true);
     note->setObjectName(QStringLiteral("previewNote"));
 

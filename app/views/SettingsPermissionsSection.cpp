@@ -79,11 +79,11 @@ SettingsPermissionsSection::SettingsPermissionsSection(AppController& controller
 
     auto* requestScreenRecording = new QPushButton(QStringLiteral("Request Access"));
     requestScreenRecording->setObjectName(QStringLiteral("request.screenRecording"));
-    auto* openScreenRecording = new QPushButton(QStringLiteral("Open System Settings"));
+    auto* openScreenRecording = new QPushButton(QStringLiteral("Open Help"));
     openScreenRecording->setObjectName(QStringLiteral("settings.screenRecording"));
     auto* requestAccessibility = new QPushButton(QStringLiteral("Request Access"));
     requestAccessibility->setObjectName(QStringLiteral("request.accessibility"));
-    auto* openAccessibility = new QPushButton(QStringLiteral("Open System Settings"));
+    auto* openAccessibility = new QPushButton(QStringLiteral("Open Help"));
     openAccessibility->setObjectName(QStringLiteral("settings.accessibility"));
 
     connect(requestScreenRecording, &QPushButton::clicked, this,
@@ -96,12 +96,11 @@ SettingsPermissionsSection::SettingsPermissionsSection(AppController& controller
             [] { PermissionService::openHelp(Capability::WindowControl); });
 
     auto* card = new SettingsCard(QString(), this);
-    card->addRow(makePermissionRow(QStringLiteral("Screen Recording"),
-                                   QStringLiteral("Needed to show live previews of your displays in the panel."),
-                                   m_screenRecordingBadge, m_screenRecordingExplanation, requestScreenRecording,
-                                   openScreenRecording));
     card->addRow(makePermissionRow(
-        QStringLiteral("Accessibility"), QStringLiteral("Needed to find and move the windows of other applications."),
+        QStringLiteral("Screen Capture"), QStringLiteral("Needed to show live previews of your displays in the panel."),
+        m_screenRecordingBadge, m_screenRecordingExplanation, requestScreenRecording, openScreenRecording));
+    card->addRow(makePermissionRow(
+        QStringLiteral("Window Control"), QStringLiteral("Needed to find and move the windows of other applications."),
         m_accessibilityBadge, m_accessibilityExplanation, requestAccessibility, openAccessibility));
 
     auto* layout = new QVBoxLayout(this);

@@ -79,10 +79,10 @@ QString description(SettingsSection section) {
     switch (section) {
         case SettingsSection::Permissions:
             return QStringLiteral(
-                "Review required macOS permissions and quickly open the related System Settings pages.");
+                "Review what your session allows and open the help page that explains what is missing.");
         case SettingsSection::Behavior:
             return QStringLiteral(
-                "Control how Lattica behaves at login, in the Dock, and during cross-display window moves.");
+                "Control how Lattica behaves at login, in the taskbar, and during cross-display window moves.");
         case SettingsSection::Shortcuts:
             return QStringLiteral(
                 "Assign a global keyboard shortcut per connected display to move the currently focused window.");

@@ -2,7 +2,8 @@
 
 FakePlatform::FakePlatform() {
     Platform::install({&monitors, &windowList, &runningApplications, &windowControl, &hotKeys, &keyboardLayout,
-                       &userDefaults, &loginItems, &sessionCheck, &activation});
+                       &userDefaults, &loginItems, &sessionCheck, &taskbarPresence, &foregroundActivation,
+                       &desktopLauncher, &systemInfo});
 }
 
 FakePlatform::~FakePlatform() {

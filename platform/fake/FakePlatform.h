@@ -1,13 +1,16 @@
 #pragma once
 
 #include "platform/Platform.h"
-#include "platform/fake/FakeActivation.h"
+#include "platform/fake/FakeDesktopLauncher.h"
+#include "platform/fake/FakeForegroundActivation.h"
 #include "platform/fake/FakeHotKeys.h"
 #include "platform/fake/FakeKeyboardLayout.h"
 #include "platform/fake/FakeLoginItems.h"
 #include "platform/fake/FakeMonitors.h"
 #include "platform/fake/FakeRunningApplications.h"
 #include "platform/fake/FakeSessionCheck.h"
+#include "platform/fake/FakeSystemInfo.h"
+#include "platform/fake/FakeTaskbarPresence.h"
 #include "platform/fake/FakeUserDefaults.h"
 #include "platform/fake/FakeWindowControl.h"
 #include "platform/fake/FakeWindowList.h"
@@ -29,5 +32,8 @@ public:
     FakeUserDefaults userDefaults;
     FakeLoginItems loginItems;
     FakeSessionCheck sessionCheck;
-    FakeActivation activation;
+    FakeTaskbarPresence taskbarPresence;
+    FakeForegroundActivation foregroundActivation;
+    FakeDesktopLauncher desktopLauncher;
+    FakeSystemInfo systemInfo;
 };

@@ -1,17 +1,20 @@
 #include "platform/x11/X11Platform.h"
 
 #include "platform/x11/FileUserDefaults.h"
-#include "platform/x11/X11Activation.h"
+#include "platform/x11/LinuxSystemInfo.h"
 #include "platform/x11/X11Connection.h"
+#include "platform/x11/X11ForegroundActivation.h"
 #include "platform/x11/X11HotKeys.h"
 #include "platform/x11/X11KeyboardLayout.h"
 #include "platform/x11/X11Monitors.h"
 #include "platform/x11/X11RunningApplications.h"
 #include "platform/x11/X11SessionCheck.h"
+#include "platform/x11/X11TaskbarPresence.h"
 #include "platform/x11/X11WindowCache.h"
 #include "platform/x11/X11WindowControl.h"
 #include "platform/x11/X11WindowDesktopEntries.h"
 #include "platform/x11/X11WindowList.h"
+#include "platform/x11/XdgDesktopLauncher.h"
 #include "platform/x11/XdgLoginItems.h"
 
 struct X11Platform::Owned {
@@ -26,7 +29,10 @@ struct X11Platform::Owned {
     std::unique_ptr<X11WindowList> windowList;
     std::unique_ptr<X11RunningApplications> runningApplications;
     std::unique_ptr<X11WindowControl> windowControl;
-    std::unique_ptr<X11Activation> activation;
+    std::unique_ptr<X11TaskbarPresence> taskbarPresence;
+    std::unique_ptr<X11ForegroundActivation> foregroundActivation;
+    std::unique_ptr<XdgDesktopLauncher> desktopLauncher;
+    std::unique_ptr<LinuxSystemInfo> systemInfo;
 };
 
 std::unique_ptr<X11Platform> X11Platform::connect(const QByteArray& displayName) {
@@ -54,7 +60,13 @@ X11Platform::X11Platform(std::unique_ptr<X11Connection> connection)
     m_owned->windowList = std::make_unique<X11WindowList>(x11, *m_owned->desktopEntries, cache);
     m_owned->runningApplications = std::make_unique<X11RunningApplications>(x11, *m_owned->desktopEntries, cache);
     m_owned->windowControl = std::make_unique<X11WindowControl>(x11, cache);
-    m_owned->activation = std::make_unique<X11Activation>(x11);
+    m_owned->taskbarPresence = std::make_unique<X11TaskbarPresence>(x11);
+    m_owned->foregroundActivation = std::make_unique<X11ForegroundActivation>(x11);
+    m_owned->desktopLauncher = std::make_unique<XdgDesktopLauncher>();
+    const bool wayland = X11SessionCheck::isWaylandSession(qEnvironmentVariable("XDG_SESSION_TYPE"),
+                                                           qEnvironmentVariable("WAYLAND_DISPLAY"));
+    m_owned->systemInfo =
+        std::make_unique<LinuxSystemInfo>(wayland ? QStringLiteral("X11 (through Xwayland)") : QStringLiteral("X11"));
 
     m_owned->keyboardLayout = std::make_unique<X11KeyboardLayout>(x11);
     m_owned->hotKeys = std::make_unique<X11HotKeys>(x11, m_owned->keyboardLayout.get());
@@ -68,7 +80,10 @@ X11Platform::X11Platform(std::unique_ptr<X11Connection> connection)
     m_services.windowList = m_owned->windowList.get();
     m_services.runningApplications = m_owned->runningApplications.get();
     m_services.windowControl = m_owned->windowControl.get();
-    m_services.activation = m_owned->activation.get();
+    m_services.taskbarPresence = m_owned->taskbarPresence.get();
+    m_services.foregroundActivation = m_owned->foregroundActivation.get();
+    m_services.desktopLauncher = m_owned->desktopLauncher.get();
+    m_services.systemInfo = m_owned->systemInfo.get();
 }
 
 X11Platform::~X11Platform() {

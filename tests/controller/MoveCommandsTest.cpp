@@ -35,7 +35,7 @@ protected:
     DisplaySnapshot right;
 };
 
-const QString kRequired = QStringLiteral("Accessibility permission is required to move windows.");
+const QString kRequired = QStringLiteral("Window control is required to move windows.");
 
 TEST_F(MoveCommands, EveryMoveWithoutAccessibilityAsksForThePermission) {
     addApplication(100, QStringLiteral("Editor"), {1});
@@ -196,24 +196,24 @@ TEST_F(MoveCommands, FocusedWindowAlreadyOnTargetIsReportedAsNotMoved) {
 }
 
 TEST_F(MoveCommands, AccessibilityRequestWhenAvailableSaysSo) {
-    const int activations = platform.activation.activations;
+    const int activations = platform.foregroundActivation.activations;
     controller().requestAccessibilityPermission();
-    EXPECT_EQ(controller().statusMessage(), QStringLiteral("Accessibility permission is already granted."));
+    EXPECT_EQ(controller().statusMessage(), QStringLiteral("Window control is already available."));
     // No prompt exists, so nothing is brought to the front for one.
-    EXPECT_EQ(platform.activation.activations, activations);
+    EXPECT_EQ(platform.foregroundActivation.activations, activations);
 }
 
 TEST_F(MoveCommands, AccessibilityRequestThatFindsNothingPointsToHelp) {
     revokeAccessibility();
-    const int activations = platform.activation.activations;
+    const int activations = platform.foregroundActivation.activations;
     const int checks = platform.sessionCheck.windowControlChecks;
     signalLog().clear();
     controller().requestAccessibilityPermission();
     EXPECT_EQ(controller().statusMessage(),
-              QStringLiteral("Requested Accessibility permission. If no prompt appears, click Open System Settings."));
+              QStringLiteral("Window control is still not available. Click Open Help to see why."));
     // The request looks again (and the state is re-read after it).
     EXPECT_EQ(platform.sessionCheck.windowControlChecks, checks + 2);
-    EXPECT_EQ(platform.activation.activations, activations);
+    EXPECT_EQ(platform.foregroundActivation.activations, activations);
     // The permission state is republished at the end.
     EXPECT_EQ(signalLog().last(), QStringLiteral("isLoadingPreviews=0"));
     EXPECT_TRUE(signalLog().contains(QStringLiteral("permissionState")));
@@ -224,7 +224,7 @@ TEST_F(MoveCommands, AccessibilityRequestAfterTheDesktopChangedSaysGranted) {
     // A window manager was started since the last check.
     platform.sessionCheck.windowControlAvailable = true;
     controller().requestAccessibilityPermission();
-    EXPECT_EQ(controller().statusMessage(), QStringLiteral("Accessibility permission is already granted."));
+    EXPECT_EQ(controller().statusMessage(), QStringLiteral("Window control is already available."));
     EXPECT_TRUE(controller().permissionState().accessibilityGranted);
 }
 
@@ -233,8 +233,7 @@ TEST_F(MoveCommands, ScreenRecordingRequestAsksAndRefreshesPermissions) {
     const int checks = platform.sessionCheck.screenCaptureChecks;
     controller().requestScreenRecordingPermission();
     EXPECT_EQ(platform.sessionCheck.screenCaptureChecks, checks + 2);
-    EXPECT_EQ(controller().statusMessage(),
-              QStringLiteral("Requested Screen Recording permission. macOS may require app restart."));
+    EXPECT_EQ(controller().statusMessage(), QStringLiteral("Checked screen capture again."));
     EXPECT_FALSE(controller().permissionState().screenRecordingGranted);
 }
 

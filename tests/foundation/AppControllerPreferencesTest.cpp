@@ -62,14 +62,14 @@ TEST_F(AppControllerPreferencesTest, UpdaterFollowsThePreferenceFromConstruction
     EXPECT_FALSE(updater->automaticallyChecksForUpdates());
 }
 
-TEST_F(AppControllerPreferencesTest, DockIconSetterStoresAndSetsTheActivationPolicy) {
+TEST_F(AppControllerPreferencesTest, DockIconSetterStoresAndSetsTheTaskbarPresence) {
     AppController controller;
     controller.setDockIconVisible(true);
     EXPECT_TRUE(controller.dockIconVisible());
     EXPECT_EQ(platform.userDefaults.object(QStringLiteral("dockIconVisible")), QVariant(true));
-    EXPECT_EQ(platform.activation.policy, ActivationPolicy::Regular);
+    EXPECT_TRUE(platform.taskbarPresence.shown);
     controller.setDockIconVisible(false);
-    EXPECT_EQ(platform.activation.policy, ActivationPolicy::Accessory);
+    EXPECT_FALSE(platform.taskbarPresence.shown);
 }
 
 TEST_F(AppControllerPreferencesTest, LaunchAtLoginReadsTheLoginItemService) {

@@ -34,10 +34,10 @@ TEST_F(DesktopFailuresTest, WithoutWindowManagerMovesAskForThePermission) {
     const QList<DisplayDescriptor> descriptors = ScreenSnapshotService::currentDisplayDescriptors();
     ASSERT_GE(descriptors.size(), 2);
     controller.moveWindows(DisplaySnapshot::placeholder(descriptors[0]), DisplaySnapshot::placeholder(descriptors[1]));
-    EXPECT_EQ(controller.statusMessage(), QStringLiteral("Accessibility permission is required to move windows."));
+    EXPECT_EQ(controller.statusMessage(), QStringLiteral("Window control is required to move windows."));
     controller.setStatusMessage({});
     controller.moveFocusedWindow(descriptors[1].persistentID);
-    EXPECT_EQ(controller.statusMessage(), QStringLiteral("Accessibility permission is required to move windows."));
+    EXPECT_EQ(controller.statusMessage(), QStringLiteral("Window control is required to move windows."));
     // The panel asks for the permission instead of showing cards.
     controller.refreshForMenuOpen();
     EXPECT_TRUE(controller.displays().isEmpty());

@@ -73,8 +73,9 @@ TEST_F(PermissionServiceTest, HelpPagesAreOpenedForEachCapability) {
     EXPECT_TRUE(PermissionService::openHelp(Capability::ScreenCapture));
     EXPECT_EQ(platform.sessionCheck.helpPagesAsked,
               (QList<Capability>{Capability::WindowControl, Capability::ScreenCapture}));
-    EXPECT_EQ(platform.activation.openedURLs, (QList<QUrl>{FakeSessionCheck::helpPageUrl(Capability::WindowControl),
-                                                           FakeSessionCheck::helpPageUrl(Capability::ScreenCapture)}));
+    EXPECT_EQ(platform.desktopLauncher.openedURLs,
+              (QList<QUrl>{FakeSessionCheck::helpPageUrl(Capability::WindowControl),
+                           FakeSessionCheck::helpPageUrl(Capability::ScreenCapture)}));
 }
 
 TEST(X11SessionChecksTest, X11SessionWithWindowManagerHasBoth) {

@@ -68,7 +68,10 @@ TEST_F(XdgLoginItemsTest, UnwritableAutostartFolderGivesTheStatusMessageAndFalse
                        .userDefaults = &platform.userDefaults,
                        .loginItems = &items,
                        .sessionCheck = &platform.sessionCheck,
-                       .activation = &platform.activation});
+                       .taskbarPresence = &platform.taskbarPresence,
+                       .foregroundActivation = &platform.foregroundActivation,
+                       .desktopLauncher = &platform.desktopLauncher,
+                       .systemInfo = &platform.systemInfo});
     AppController controller;
     controller.setLaunchAtLogin(true);
     EXPECT_FALSE(controller.launchAtLoginEnabled());

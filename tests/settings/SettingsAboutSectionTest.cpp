@@ -35,8 +35,8 @@ TEST_F(SettingsAboutSectionTest, ContactSupportComposesTheSupportMail) {
     EXPECT_EQ(section->contactSupportButton()->text(), QStringLiteral("Contact Support"));
     EXPECT_FALSE(section->contactSupportButton()->icon().isNull());
     QTest::mouseClick(section->contactSupportButton(), Qt::LeftButton);
-    ASSERT_EQ(platform.activation.openedURLs.size(), 1);
-    const QUrl mail = platform.activation.openedURLs.first();
+    ASSERT_EQ(platform.desktopLauncher.openedURLs.size(), 1);
+    const QUrl mail = platform.desktopLauncher.openedURLs.first();
     EXPECT_EQ(mail.scheme(), QStringLiteral("mailto"));
     EXPECT_EQ(mail.path(), QString::fromLatin1(BuildConfig::kSupportEmail));
     EXPECT_EQ(QUrlQuery(mail).queryItemValue(QStringLiteral("subject")), QStringLiteral("Lattica Support"));
@@ -48,8 +48,8 @@ TEST_F(SettingsAboutSectionTest, GitHubLinkOpensTheProjectPage) {
     EXPECT_FALSE(section->gitHubButton()->icon().isNull());
     EXPECT_NE(find<QWidget>(QStringLiteral("creditsCard")), nullptr);
     QTest::mouseClick(section->gitHubButton(), Qt::LeftButton);
-    ASSERT_EQ(platform.activation.openedURLs.size(), 1);
-    EXPECT_EQ(platform.activation.openedURLs.first(), QUrl(QString::fromLatin1(BuildConfig::kProjectUrl)));
+    ASSERT_EQ(platform.desktopLauncher.openedURLs.size(), 1);
+    EXPECT_EQ(platform.desktopLauncher.openedURLs.first(), QUrl(QString::fromLatin1(BuildConfig::kProjectUrl)));
 }
 
 TEST_F(SettingsAboutSectionTest, LinesAreComposedFromTheBuild) {

@@ -29,20 +29,20 @@ TEST_F(SettingsBehaviorSectionTest, TogglesShowTheStoredPreferences) {
 TEST_F(SettingsBehaviorSectionTest, ShowsThePreviewNote) {
     behavior();
     EXPECT_EQ(find<QLabel>(QStringLiteral("previewNote"))->text(),
-              QStringLiteral("Previews are refreshed only when you click the menu bar icon."));
+              QStringLiteral("Previews are refreshed only when you click the tray icon."));
 }
 
 TEST_F(SettingsBehaviorSectionTest, TurningShowDockIconOnShowsTheDockIconAtOnce) {
-    platform.activation.policy = ActivationPolicy::Accessory;
+    platform.taskbarPresence.shown = false;
     SettingsBehaviorSection* section = behavior();
     QTest::mouseClick(section->dockIconToggle(), Qt::LeftButton);
     EXPECT_TRUE(section->dockIconToggle()->isChecked());
     EXPECT_TRUE(controller->dockIconVisible());
-    EXPECT_EQ(platform.activation.policy, ActivationPolicy::Regular);
+    EXPECT_TRUE(platform.taskbarPresence.shown);
     EXPECT_TRUE(platform.userDefaults.boolForKey(QStringLiteral("dockIconVisible")));
 
     QTest::mouseClick(section->dockIconToggle(), Qt::LeftButton);
-    EXPECT_EQ(platform.activation.policy, ActivationPolicy::Accessory);
+    EXPECT_FALSE(platform.taskbarPresence.shown);
     EXPECT_FALSE(controller->dockIconVisible());
 }
 
@@ -55,12 +55,12 @@ TEST_F(SettingsBehaviorSectionTest, ShowDockIconSurvivesARestart) {
     // A new run: a new controller and window on the same store.
     view.reset();
     controller.reset();
-    platform.activation.policy = ActivationPolicy::Accessory;
+    platform.taskbarPresence.shown = false;
     SettingsBehaviorSection* again = behavior();
     EXPECT_TRUE(controller->dockIconVisible());
     EXPECT_TRUE(again->dockIconToggle()->isChecked());
     controller->applicationDidFinishLaunching();
-    EXPECT_EQ(platform.activation.policy, ActivationPolicy::Regular);
+    EXPECT_TRUE(platform.taskbarPresence.shown);
 }
 
 TEST_F(SettingsBehaviorSectionTest, AdjustWindowSizeAssignsThePropertyAndStoresTheBool) {

@@ -13,7 +13,7 @@
 #include "app/views/SettingsShortcutsSection.h"
 #include "app/views/SettingsToggle.h"
 #include "app/views/SettingsView.h"
-#include "platform/Activation.h"
+#include "platform/TaskbarPresence.h"
 #include "platform/x11/X11Platform.h"
 #include "tests/support/VirtualDesktop.h"
 
@@ -83,7 +83,7 @@ TEST_F(SettingsDesktopTest, ShortcutRowsListEveryMonitorInOrder) {
 TEST_F(SettingsDesktopTest, ShowDockIconPutsTheWindowInTheTaskbarAtOnceAndIsKept) {
     SettingsView& settings = showSettings();
     // As at launch with the default preference: no Dock icon, so our windows stay out of the taskbar.
-    m_platform->services().activation->setActivationPolicy(ActivationPolicy::Accessory);
+    m_platform->services().taskbarPresence->setShownInTaskbar(false);
     ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return windowState().contains(u"_NET_WM_STATE_SKIP_TASKBAR"); }))
         << windowState().toStdString();
 
@@ -94,7 +94,7 @@ TEST_F(SettingsDesktopTest, ShowDockIconPutsTheWindowInTheTaskbarAtOnceAndIsKept
     QTest::mouseClick(behavior->dockIconToggle(), Qt::LeftButton);
     EXPECT_TRUE(VirtualDesktop::waitUntil([&] { return !windowState().contains(u"_NET_WM_STATE_SKIP_TASKBAR"); }))
         << windowState().toStdString();
-    EXPECT_EQ(m_platform->services().activation->activationPolicy(), ActivationPolicy::Regular);
+    EXPECT_TRUE(m_platform->services().taskbarPresence->isShownInTaskbar());
 
     // A later run reads the preference back from the defaults file.
     m_view.reset();

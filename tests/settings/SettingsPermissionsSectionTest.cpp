@@ -30,10 +30,8 @@ TEST_F(SettingsPermissionsSectionTest, ButtonsAreLabelled) {
     makeView();
     EXPECT_EQ(find<QPushButton>(QStringLiteral("request.screenRecording"))->text(), QStringLiteral("Request Access"));
     EXPECT_EQ(find<QPushButton>(QStringLiteral("request.accessibility"))->text(), QStringLiteral("Request Access"));
-    EXPECT_EQ(find<QPushButton>(QStringLiteral("settings.screenRecording"))->text(),
-              QStringLiteral("Open System Settings"));
-    EXPECT_EQ(find<QPushButton>(QStringLiteral("settings.accessibility"))->text(),
-              QStringLiteral("Open System Settings"));
+    EXPECT_EQ(find<QPushButton>(QStringLiteral("settings.screenRecording"))->text(), QStringLiteral("Open Help"));
+    EXPECT_EQ(find<QPushButton>(QStringLiteral("settings.accessibility"))->text(), QStringLiteral("Open Help"));
 }
 
 TEST_F(SettingsPermissionsSectionTest, ScreenRecordingRequestAsksReportsAndRereads) {
@@ -44,8 +42,7 @@ TEST_F(SettingsPermissionsSectionTest, ScreenRecordingRequestAsksReportsAndRerea
     const int checks = platform.sessionCheck.screenCaptureChecks;
     QTest::mouseClick(find<QPushButton>(QStringLiteral("request.screenRecording")), Qt::LeftButton);
     EXPECT_GT(platform.sessionCheck.screenCaptureChecks, checks);
-    EXPECT_EQ(controller->statusMessage(),
-              QStringLiteral("Requested Screen Recording permission. macOS may require app restart."));
+    EXPECT_EQ(controller->statusMessage(), QStringLiteral("Checked screen capture again."));
     EXPECT_EQ(view->statusText(), controller->statusMessage());
     EXPECT_EQ(find<QLabel>(QStringLiteral("badge.screenRecording"))->text(), QStringLiteral("Granted"));
 }
@@ -56,8 +53,7 @@ TEST_F(SettingsPermissionsSectionTest, ScreenRecordingRequestReportsEvenWhenRefu
     const int checks = platform.sessionCheck.screenCaptureChecks;
     QTest::mouseClick(find<QPushButton>(QStringLiteral("request.screenRecording")), Qt::LeftButton);
     EXPECT_GT(platform.sessionCheck.screenCaptureChecks, checks);
-    EXPECT_EQ(controller->statusMessage(),
-              QStringLiteral("Requested Screen Recording permission. macOS may require app restart."));
+    EXPECT_EQ(controller->statusMessage(), QStringLiteral("Checked screen capture again."));
     EXPECT_EQ(find<QLabel>(QStringLiteral("badge.screenRecording"))->text(), QStringLiteral("Missing"));
 }
 
@@ -75,8 +71,9 @@ TEST_F(SettingsPermissionsSectionTest, HelpButtonsOpenEachHelpPage) {
     makeView();
     QTest::mouseClick(find<QPushButton>(QStringLiteral("settings.screenRecording")), Qt::LeftButton);
     QTest::mouseClick(find<QPushButton>(QStringLiteral("settings.accessibility")), Qt::LeftButton);
-    EXPECT_EQ(platform.activation.openedURLs, (QList<QUrl>{FakeSessionCheck::helpPageUrl(Capability::ScreenCapture),
-                                                           FakeSessionCheck::helpPageUrl(Capability::WindowControl)}));
+    EXPECT_EQ(platform.desktopLauncher.openedURLs,
+              (QList<QUrl>{FakeSessionCheck::helpPageUrl(Capability::ScreenCapture),
+                           FakeSessionCheck::helpPageUrl(Capability::WindowControl)}));
 }
 
 TEST_F(SettingsPermissionsSectionTest, RowsShowWhyACapabilityIsMissingOrLimited) {

@@ -72,8 +72,7 @@ protected:
 
 TEST_P(SettingsScreenshotTest, EverySectionRendersWithThePalettesColours) {
     SettingsView& settings = makeView();
-    controller->setStatusMessage(
-        QStringLiteral("Requested Screen Recording permission. macOS may require app restart."));
+    controller->setStatusMessage(QStringLiteral("Checked screen capture again."));
     const QString directory = qEnvironmentVariable("LATTICA_SCREENSHOT_DIR");
     const QPalette palette = QApplication::palette();
     QList<SettingsSection> sections = SettingsSections::sidebarSections();

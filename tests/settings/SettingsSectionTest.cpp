@@ -42,10 +42,10 @@ TEST(SettingsSectionTest, TitlesAndSymbols) {
 
 TEST(SettingsSectionTest, Descriptions) {
     EXPECT_EQ(SettingsSections::description(SettingsSection::Permissions),
-              QStringLiteral("Review required macOS permissions and quickly open the related System Settings pages."));
+              QStringLiteral("Review what your session allows and open the help page that explains what is missing."));
     EXPECT_EQ(
         SettingsSections::description(SettingsSection::Behavior),
-        QStringLiteral("Control how Lattica behaves at login, in the Dock, and during cross-display window moves."));
+        QStringLiteral("Control how Lattica behaves at login, in the taskbar, and during cross-display window moves."));
     EXPECT_EQ(SettingsSections::description(SettingsSection::Shortcuts),
               QStringLiteral(
                   "Assign a global keyboard shortcut per connected display to move the currently focused window."));

@@ -120,7 +120,7 @@ TEST_F(LatticaAppWithoutTray, LaunchSequenceRunsOnceTheEventLoopRuns) {
     EXPECT_EQ(controller().permissionWindow(), nullptr);
     ASSERT_TRUE(waitUntil([&] { return controller().permissionWindow() != nullptr; }));
     EXPECT_TRUE(controller().permissionWindow()->isVisible());
-    EXPECT_EQ(platform.activation.policy, ActivationPolicy::Accessory);
+    EXPECT_FALSE(platform.taskbarPresence.shown);
     controller().permissionWindow()->close();
 }
 

@@ -78,18 +78,18 @@ TEST_F(Lifecycle, GuideRequestedTwiceIsTheSameWindow) {
 }
 
 TEST_F(Lifecycle, LaunchMakesTheProgramAnAccessoryByDefault) {
-    platform.activation.policy = ActivationPolicy::Regular;
+    platform.taskbarPresence.shown = true;
     makeController();
     controller().applicationDidFinishLaunching();
-    EXPECT_EQ(platform.activation.policy, ActivationPolicy::Accessory);
+    EXPECT_FALSE(platform.taskbarPresence.shown);
 }
 
 TEST_F(Lifecycle, LaunchShowsTheProgramInTheTaskbarWhenTheDockIconIsWanted) {
     platform.userDefaults.setObject(QStringLiteral("dockIconVisible"), true);
-    platform.activation.policy = ActivationPolicy::Accessory;
+    platform.taskbarPresence.shown = false;
     makeController();
     controller().applicationDidFinishLaunching();
-    EXPECT_EQ(platform.activation.policy, ActivationPolicy::Regular);
+    EXPECT_TRUE(platform.taskbarPresence.shown);
 }
 
 TEST_F(Lifecycle, LaunchRereadsThePermissions) {
@@ -102,9 +102,9 @@ TEST_F(Lifecycle, LaunchRereadsThePermissions) {
 
 TEST_F(Lifecycle, PresentingAWindowBringsTheProgramToTheFront) {
     makeController();
-    const int before = platform.activation.activations;
+    const int before = platform.foregroundActivation.activations;
     controller().showSettingsWindow();
-    EXPECT_GT(platform.activation.activations, before);
+    EXPECT_GT(platform.foregroundActivation.activations, before);
 }
 
 TEST_F(Lifecycle, ActiveScreenIsTheOneUnderThePointer) {
@@ -118,8 +118,8 @@ TEST_F(Lifecycle, ActiveScreenIsTheOneUnderThePointer) {
 TEST_F(Lifecycle, SupportMailCarriesSubjectAndBody) {
     makeController();
     controller().contactSupport();
-    ASSERT_EQ(platform.activation.openedURLs.size(), 1);
-    const QUrl url = platform.activation.openedURLs[0];
+    ASSERT_EQ(platform.desktopLauncher.openedURLs.size(), 1);
+    const QUrl url = platform.desktopLauncher.openedURLs[0];
     EXPECT_EQ(url.scheme(), QStringLiteral("mailto"));
     EXPECT_EQ(url.path(), QString::fromLatin1(BuildConfig::kSupportEmail));
     const QUrlQuery query(url);
@@ -127,7 +127,9 @@ TEST_F(Lifecycle, SupportMailCarriesSubjectAndBody) {
     const QString expectedBody = QStringLiteral("Please describe your issue here.\n\n---\nApp: Lattica\nVersion: ") +
                                  QString::fromLatin1(BuildConfig::kVersion) + QStringLiteral(" (") +
                                  QString::fromLatin1(BuildConfig::kBuildNumber) +
-                                 QStringLiteral(")\nmacOS: Test OS 1.0");
+                                 QStringLiteral(
+                                     ")\nDistribution: Test Linux 1.0\nKernel: Linux 6.1\nDesktop: "
+                                     "TestDesktop\nSession: x11\nBackend: Fake");
     EXPECT_EQ(query.queryItemValue(QStringLiteral("body"), QUrl::FullyDecoded), expectedBody);
     // Line feeds and blanks travel percent-encoded.
     const QString encoded = url.toString(QUrl::FullyEncoded);

@@ -40,13 +40,13 @@ TEST_F(MenuBarContent, AccessibilityWithoutScreenRecordingShowsTheRequestNotTheC
     EXPECT_FALSE(page("displaysPage")->isVisible());
     EXPECT_TRUE(view->cards().isEmpty());
     EXPECT_NE(labelWithText(*view, QStringLiteral("Permissions Required")), nullptr);
-    EXPECT_NE(labelWithText(*view, QStringLiteral("Grant Screen Recording and Accessibility to view screen previews "
-                                                  "and move windows.")),
+    EXPECT_NE(labelWithText(*view, QStringLiteral("Lattica needs screen capture and window control to view screen "
+                                                  "previews and move windows.")),
               nullptr);
     EXPECT_EQ(view->findChild<QLabel*>(QStringLiteral("screenRecordingBadge"))->text(),
-              QStringLiteral("Screen Recording: Missing"));
+              QStringLiteral("Screen Capture: Missing"));
     EXPECT_EQ(view->findChild<QLabel*>(QStringLiteral("accessibilityBadge"))->text(),
-              QStringLiteral("Accessibility: Granted"));
+              QStringLiteral("Window Control: Granted"));
 }
 
 TEST_F(MenuBarContent, EvenCardsPublishedEarlierAreHiddenOnceAPermissionIsMissing) {
@@ -60,7 +60,7 @@ TEST_F(MenuBarContent, EvenCardsPublishedEarlierAreHiddenOnceAPermissionIsMissin
     EXPECT_EQ(view->state(), MenuBarContentView::State::PermissionsRequired);
     EXPECT_TRUE(view->cards().isEmpty());
     EXPECT_EQ(view->findChild<QLabel*>(QStringLiteral("accessibilityBadge"))->text(),
-              QStringLiteral("Accessibility: Missing"));
+              QStringLiteral("Window Control: Missing"));
 }
 
 TEST_F(MenuBarContent, RequestScreenRecordingAsksAndReports) {
@@ -70,8 +70,7 @@ TEST_F(MenuBarContent, RequestScreenRecordingAsksAndReports) {
     const int checks = platform.sessionCheck.screenCaptureChecks;
     view->findChild<QPushButton*>(QStringLiteral("requestScreenRecordingButton"))->click();
     EXPECT_GT(platform.sessionCheck.screenCaptureChecks, checks);
-    EXPECT_EQ(controller().statusMessage(),
-              QStringLiteral("Requested Screen Recording permission. macOS may require app restart."));
+    EXPECT_EQ(controller().statusMessage(), QStringLiteral("Checked screen capture again."));
 }
 
 TEST_F(MenuBarContent, RequestAccessibilityChecksAgainAndRereadsTheState) {
@@ -79,13 +78,13 @@ TEST_F(MenuBarContent, RequestAccessibilityChecksAgainAndRereadsTheState) {
     makeController();
     showPanel();
     QPushButton* button = view->findChild<QPushButton*>(QStringLiteral("requestAccessibilityButton"));
-    EXPECT_EQ(button->text(), QStringLiteral("Request Accessibility"));
+    EXPECT_EQ(button->text(), QStringLiteral("Check Window Control"));
     // A window manager was started since the panel opened: the request's check sees it.
     platform.sessionCheck.windowControlAvailable = true;
     button->click();
     EXPECT_TRUE(controller().permissionState().accessibilityGranted);
     EXPECT_EQ(view->findChild<QLabel*>(QStringLiteral("accessibilityBadge"))->text(),
-              QStringLiteral("Accessibility: Granted"));
+              QStringLiteral("Window Control: Granted"));
 }
 
 TEST_F(MenuBarContent, NoDisplaysWhileNotLoadingSaysNoDisplaysDetected) {

@@ -18,7 +18,7 @@
 #include "app/LatticaApp.h"
 #include "app/views/DisplayCardView.h"
 #include "app/views/MenuBarContentView.h"
-#include "platform/Activation.h"
+#include "platform/TaskbarPresence.h"
 #include "platform/UserDefaults.h"
 #include "platform/WindowList.h"
 #include "platform/x11/X11Connection.h"
@@ -409,8 +409,7 @@ TEST_F(PanelOnDesktop, SettingsWindowOpenedTwiceIsTheSameWindowPlacedUnderThePoi
 }
 
 TEST_F(PanelOnDesktop, AccessoryWindowsStayOutOfTheTaskbarAndRegularOnesShowInIt) {
-    ASSERT_TRUE(VirtualDesktop::waitUntil(
-        [&] { return platform->services().activation->activationPolicy() == ActivationPolicy::Accessory; }));
+    ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return !platform->services().taskbarPresence->isShownInTaskbar(); }));
     controller->showSettingsWindow();
     QWidget* window = controller->settingsWindow();
     const auto xid = static_cast<xcb_window_t>(window->winId());

@@ -34,11 +34,11 @@ TEST_F(PermissionGuide, ShowsItsTextsAndBothStepsInOrder) {
     platform.sessionCheck.windowControlAvailable = false;
     makeController();
     QWidget& window = openGuide();
-    for (const char* text :
-         {"Enable Required Permissions",
-          "Lattica needs Screen Recording for previews and Accessibility to move windows between "
-          "displays.",
-          "Screen Recording", "Accessibility", "After granting access, macOS may require you to reopen the app."}) {
+    for (const char* text : {"Enable Required Permissions",
+                             "Lattica needs screen capture for previews and window control to move windows between "
+                             "displays.",
+                             "Screen Capture", "Window Control",
+                             "When your session changes, check again: Lattica picks it up without a restart."}) {
         EXPECT_NE(labelWithText(window, QString::fromLatin1(text)), nullptr) << text;
     }
     QList<QLabel*> numbers = window.findChildren<QLabel*>(QStringLiteral("stepNumber"));
@@ -47,13 +47,10 @@ TEST_F(PermissionGuide, ShowsItsTextsAndBothStepsInOrder) {
     EXPECT_EQ(numbers[1]->text(), QStringLiteral("2"));
     EXPECT_NE(buttonWithText(window, QStringLiteral("Re-check Permissions")), nullptr);
     EXPECT_NE(buttonWithText(window, QStringLiteral("Continue")), nullptr);
-    EXPECT_EQ(button(window, "screenRecordingStep", "requestButton")->text(),
-              QStringLiteral("Request Screen Recording"));
-    EXPECT_EQ(button(window, "accessibilityStep", "requestButton")->text(), QStringLiteral("Request Accessibility"));
-    EXPECT_EQ(button(window, "screenRecordingStep", "openSettingsButton")->text(),
-              QStringLiteral("Open System Settings"));
-    EXPECT_EQ(button(window, "accessibilityStep", "openSettingsButton")->text(),
-              QStringLiteral("Open System Settings"));
+    EXPECT_EQ(button(window, "screenRecordingStep", "requestButton")->text(), QStringLiteral("Check Screen Capture"));
+    EXPECT_EQ(button(window, "accessibilityStep", "requestButton")->text(), QStringLiteral("Check Window Control"));
+    EXPECT_EQ(button(window, "screenRecordingStep", "openSettingsButton")->text(), QStringLiteral("Open Help"));
+    EXPECT_EQ(button(window, "accessibilityStep", "openSettingsButton")->text(), QStringLiteral("Open Help"));
 }
 
 TEST_F(PermissionGuide, EachStepReadsGrantedOrMissing) {
@@ -111,8 +108,7 @@ TEST_F(PermissionGuide, RequestScreenRecordingAsksReportsAndRereads) {
     button(window, "screenRecordingStep", "requestButton")->click();
     settle();
     EXPECT_GT(platform.sessionCheck.screenCaptureChecks, checks);
-    EXPECT_EQ(controller().statusMessage(),
-              QStringLiteral("Requested Screen Recording permission. macOS may require app restart."));
+    EXPECT_EQ(controller().statusMessage(), QStringLiteral("Checked screen capture again."));
     QLabel* status = window.findChild<QLabel*>(QStringLiteral("statusMessage"));
     EXPECT_TRUE(status->isVisible());
     EXPECT_EQ(status->text(), controller().statusMessage());
@@ -127,7 +123,7 @@ TEST_F(PermissionGuide, RequestAccessibilityGoesThroughTheController) {
     settle();
     EXPECT_GT(platform.sessionCheck.windowControlChecks, checks);
     EXPECT_EQ(controller().statusMessage(),
-              QStringLiteral("Requested Accessibility permission. If no prompt appears, click Open System Settings."));
+              QStringLiteral("Window control is still not available. Click Open Help to see why."));
 }
 
 TEST_F(PermissionGuide, HelpButtonsOpenEachStepsHelpPage) {
@@ -136,8 +132,9 @@ TEST_F(PermissionGuide, HelpButtonsOpenEachStepsHelpPage) {
     QWidget& window = openGuide();
     button(window, "screenRecordingStep", "openSettingsButton")->click();
     button(window, "accessibilityStep", "openSettingsButton")->click();
-    EXPECT_EQ(platform.activation.openedURLs, (QList<QUrl>{FakeSessionCheck::helpPageUrl(Capability::ScreenCapture),
-                                                           FakeSessionCheck::helpPageUrl(Capability::WindowControl)}));
+    EXPECT_EQ(platform.desktopLauncher.openedURLs,
+              (QList<QUrl>{FakeSessionCheck::helpPageUrl(Capability::ScreenCapture),
+                           FakeSessionCheck::helpPageUrl(Capability::WindowControl)}));
 }
 
 TEST_F(PermissionGuide, EachStepShowsWhyItIsMissingOrLimited) {

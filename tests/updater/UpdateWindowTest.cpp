@@ -39,7 +39,7 @@ TEST_F(UpdateWindowTest, DownloadIsDisabledWithoutAnyWebAddress) {
     EXPECT_TRUE(window.downloadURL().isEmpty());
     EXPECT_FALSE(window.primaryButton()->isEnabled());
     window.primaryButton()->click();
-    EXPECT_TRUE(platform.activation.openedURLs.isEmpty());
+    EXPECT_TRUE(platform.desktopLauncher.openedURLs.isEmpty());
     // The next state enables the button again.
     window.showUpToDate(QStringLiteral("1.0"));
     EXPECT_TRUE(window.primaryButton()->isEnabled());
@@ -50,9 +50,10 @@ TEST_F(UpdateWindowTest, LinksInTheNotesOpenOnlyWebPages) {
     auto* notes = window.findChild<QTextBrowser*>();
     ASSERT_NE(notes, nullptr);
     Q_EMIT notes->anchorClicked(QUrl(QStringLiteral("file:///etc/passwd")));
-    EXPECT_TRUE(platform.activation.openedURLs.isEmpty());
+    EXPECT_TRUE(platform.desktopLauncher.openedURLs.isEmpty());
     Q_EMIT notes->anchorClicked(QUrl(QStringLiteral("https://lattica.example.test/blog")));
-    EXPECT_EQ(platform.activation.openedURLs, QList<QUrl>{QUrl(QStringLiteral("https://lattica.example.test/blog"))});
+    EXPECT_EQ(platform.desktopLauncher.openedURLs,
+              QList<QUrl>{QUrl(QStringLiteral("https://lattica.example.test/blog"))});
 }
 
 TEST_F(UpdateWindowTest, ReleaseNotesLinkOpensTheNotesPage) {
@@ -68,7 +69,7 @@ TEST_F(UpdateWindowTest, ReleaseNotesLinkOpensTheNotesPage) {
     ASSERT_NE(link, nullptr);
     EXPECT_FALSE(link->isHidden());
     Q_EMIT link->linkActivated(QStringLiteral("notes"));
-    EXPECT_EQ(platform.activation.openedURLs, QList<QUrl>{QUrl(QStringLiteral("https://x.test/notes/2.0"))});
+    EXPECT_EQ(platform.desktopLauncher.openedURLs, QList<QUrl>{QUrl(QStringLiteral("https://x.test/notes/2.0"))});
 }
 
 TEST_F(UpdateWindowTest, ClosingWhileCheckingAsksToCancel) {

@@ -173,8 +173,8 @@ TEST_F(UpdaterServiceTest, DownloadButtonOpensTheReleasesDownload) {
     ASSERT_EQ(window->state(), UpdateWindow::State::UpdateFound);
     EXPECT_EQ(window->primaryButton()->text(), QStringLiteral("Download"));
     window->primaryButton()->click();
-    ASSERT_EQ(platform.activation.openedURLs.size(), 1);
-    EXPECT_EQ(platform.activation.openedURLs.first(),
+    ASSERT_EQ(platform.desktopLauncher.openedURLs.size(), 1);
+    EXPECT_EQ(platform.desktopLauncher.openedURLs.first(),
               QUrl(QStringLiteral("https://downloads.example.test/lattica-120.tar.gz")));
     EXPECT_FALSE(window->isVisible());
 }
@@ -187,7 +187,7 @@ TEST_F(UpdaterServiceTest, RemindMeLaterClosesWithoutOpeningAnything) {
     UpdateWindow* window = controller()->updateWindow();
     ASSERT_EQ(window->state(), UpdateWindow::State::UpdateFound);
     window->secondaryButton()->click();
-    EXPECT_TRUE(platform.activation.openedURLs.isEmpty());
+    EXPECT_TRUE(platform.desktopLauncher.openedURLs.isEmpty());
     EXPECT_FALSE(window->isVisible());
 }
 

@@ -1,0 +1,15 @@
+#pragma once
+
+// Whether this program's windows show in the desktop's taskbar (and pager). A tray utility usually
+// keeps out of it; the user may ask for it.
+class TaskbarPresence {
+public:
+    TaskbarPresence() = default;
+    virtual ~TaskbarPresence() = default;
+    TaskbarPresence(const TaskbarPresence&) = delete;
+    TaskbarPresence& operator=(const TaskbarPresence&) = delete;
+
+    // Shows or hides our windows in the taskbar, those open now and those shown later.
+    virtual void setShownInTaskbar(bool shown) = 0;
+    virtual bool isShownInTaskbar() const = 0;
+};

@@ -1,0 +1,10 @@
+#include "platform/x11/XdgDesktopLauncher.h"
+
+#include <QDesktopServices>
+
+bool XdgDesktopLauncher::openUrl(const QUrl& url) {
+    if (!url.isValid()) {
+        return false;
+    }
+    return QDesktopServices::openUrl(url);
+}
