@@ -24,7 +24,7 @@ TEST_F(X11WindowControlWithoutWmTest, EveryReadAndChangeIsNotPermitted) {
     EXPECT_EQ(control.unminimise(window), Result::NotPermitted);
     EXPECT_EQ(control.activate(window), Result::NotPermitted);
     // The window list itself does not need a window manager: unmanaged windows are still listed.
-    EXPECT_FALSE(entryFor(window).isEmpty());
+    EXPECT_TRUE(entryFor(window).has_value());
 }
 
 }  // namespace
