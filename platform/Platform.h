@@ -7,7 +7,7 @@ class KeyboardLayout;
 class LoginItems;
 class Monitors;
 class Permissions;
-class UserDefaults;
+class SettingsStore;
 class WindowServer;
 class Workspace;
 
@@ -20,7 +20,7 @@ struct PlatformServices {
     Accessibility* accessibility = nullptr;
     HotKeys* hotKeys = nullptr;
     KeyboardLayout* keyboardLayout = nullptr;
-    UserDefaults* userDefaults = nullptr;
+    SettingsStore* settings = nullptr;
     LoginItems* loginItems = nullptr;
     Permissions* permissions = nullptr;
     Activation* activation = nullptr;

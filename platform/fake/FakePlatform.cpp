@@ -1,7 +1,7 @@
 #include "platform/fake/FakePlatform.h"
 
 FakePlatform::FakePlatform() {
-    Platform::install({&monitors, &windowServer, &workspace, &accessibility, &hotKeys, &keyboardLayout, &userDefaults,
+    Platform::install({&monitors, &windowServer, &workspace, &accessibility, &hotKeys, &keyboardLayout, &settings,
                        &loginItems, &permissions, &activation});
 }
 

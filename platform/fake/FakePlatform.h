@@ -8,7 +8,7 @@
 #include "platform/fake/FakeLoginItems.h"
 #include "platform/fake/FakeMonitors.h"
 #include "platform/fake/FakePermissions.h"
-#include "platform/fake/FakeUserDefaults.h"
+#include "platform/fake/FakeSettingsStore.h"
 #include "platform/fake/FakeWindowServer.h"
 #include "platform/fake/FakeWorkspace.h"
 
@@ -26,7 +26,7 @@ public:
     FakeAccessibility accessibility;
     FakeHotKeys hotKeys;
     FakeKeyboardLayout keyboardLayout;
-    FakeUserDefaults userDefaults;
+    FakeSettingsStore settings;
     FakeLoginItems loginItems;
     FakePermissions permissions;
     FakeActivation activation;

@@ -1,6 +1,5 @@
 #include "platform/x11/X11Platform.h"
 
-#include "platform/x11/FileUserDefaults.h"
 #include "platform/x11/X11Accessibility.h"
 #include "platform/x11/X11Activation.h"
 #include "platform/x11/X11Connection.h"
@@ -13,12 +12,13 @@
 #include "platform/x11/X11WindowServer.h"
 #include "platform/x11/X11Workspace.h"
 #include "platform/x11/XdgLoginItems.h"
+#include "platform/xdg/FileSettingsStore.h"
 
 struct X11Platform::Owned {
     std::unique_ptr<X11KeyboardLayout> keyboardLayout;
     std::unique_ptr<X11HotKeys> hotKeys;
     std::unique_ptr<X11Monitors> monitors;
-    std::unique_ptr<FileUserDefaults> userDefaults;
+    std::unique_ptr<FileSettingsStore> settings;
     std::unique_ptr<XdgLoginItems> loginItems;
     std::unique_ptr<X11Permissions> permissions;
     std::unique_ptr<X11WindowDesktopEntries> desktopEntries;
@@ -41,7 +41,7 @@ X11Platform::X11Platform(std::unique_ptr<X11Connection> connection)
     : m_connection(std::move(connection)), m_owned(std::make_unique<Owned>()) {
     X11Connection& x11 = *m_connection;
     m_owned->monitors = std::make_unique<X11Monitors>(x11);
-    m_owned->userDefaults = std::make_unique<FileUserDefaults>(FileUserDefaults::standardPath());
+    m_owned->settings = std::make_unique<FileSettingsStore>(FileSettingsStore::standardPath());
     m_owned->loginItems = std::make_unique<XdgLoginItems>(XdgLoginItems::standardPath());
     m_owned->permissions = std::make_unique<X11Permissions>(x11);
     m_owned->desktopEntries = std::make_unique<X11WindowDesktopEntries>();
@@ -62,7 +62,7 @@ X11Platform::X11Platform(std::unique_ptr<X11Connection> connection)
     m_services.monitors = m_owned->monitors.get();
     m_services.hotKeys = m_owned->hotKeys.get();
     m_services.keyboardLayout = m_owned->keyboardLayout.get();
-    m_services.userDefaults = m_owned->userDefaults.get();
+    m_services.settings = m_owned->settings.get();
     m_services.loginItems = m_owned->loginItems.get();
     m_services.permissions = m_owned->permissions.get();
     m_services.windowServer = m_owned->windowServer.get();

@@ -65,7 +65,7 @@ TEST_F(XdgLoginItemsTest, UnwritableAutostartFolderGivesTheStatusMessageAndFalse
                        .accessibility = &platform.accessibility,
                        .hotKeys = &platform.hotKeys,
                        .keyboardLayout = &platform.keyboardLayout,
-                       .userDefaults = &platform.userDefaults,
+                       .settings = &platform.settings,
                        .loginItems = &items,
                        .permissions = &platform.permissions,
                        .activation = &platform.activation});

@@ -16,8 +16,8 @@ protected:
 };
 
 TEST_F(SettingsBehaviorSectionTest, TogglesShowTheStoredPreferences) {
-    platform.userDefaults.setObject(QStringLiteral("dockIconVisible"), true);
-    platform.userDefaults.setObject(QStringLiteral("adjustWindowSizeToTargetScreen"), false);
+    platform.settings.setBool(QStringLiteral("dockIconVisible"), true);
+    platform.settings.setBool(QStringLiteral("adjustWindowSizeToTargetScreen"), false);
     platform.loginItems.currentStatus = LoginItemStatus::Enabled;
     SettingsBehaviorSection* section = behavior();
     ASSERT_NE(section, nullptr);
@@ -39,7 +39,7 @@ TEST_F(SettingsBehaviorSectionTest, TurningShowDockIconOnShowsTheDockIconAtOnce)
     EXPECT_TRUE(section->dockIconToggle()->isChecked());
     EXPECT_TRUE(controller->dockIconVisible());
     EXPECT_EQ(platform.activation.policy, ActivationPolicy::Regular);
-    EXPECT_TRUE(platform.userDefaults.boolForKey(QStringLiteral("dockIconVisible")));
+    EXPECT_TRUE(platform.settings.boolValue(QStringLiteral("dockIconVisible")));
 
     QTest::mouseClick(section->dockIconToggle(), Qt::LeftButton);
     EXPECT_EQ(platform.activation.policy, ActivationPolicy::Accessory);
@@ -47,7 +47,7 @@ TEST_F(SettingsBehaviorSectionTest, TurningShowDockIconOnShowsTheDockIconAtOnce)
 }
 
 TEST_F(SettingsBehaviorSectionTest, ShowDockIconSurvivesARestart) {
-    platform.userDefaults.setObject(QStringLiteral("autoCheckForUpdatesOnLaunch"), false);
+    platform.settings.setBool(QStringLiteral("autoCheckForUpdatesOnLaunch"), false);
     SettingsBehaviorSection* section = behavior();
     QTest::mouseClick(section->dockIconToggle(), Qt::LeftButton);
     ASSERT_TRUE(controller->dockIconVisible());
@@ -67,12 +67,10 @@ TEST_F(SettingsBehaviorSectionTest, AdjustWindowSizeAssignsThePropertyAndStoresT
     SettingsBehaviorSection* section = behavior();
     QTest::mouseClick(section->adjustWindowSizeToggle(), Qt::LeftButton);
     EXPECT_TRUE(controller->adjustWindowSizeToTargetScreen());
-    const QVariant stored = platform.userDefaults.object(QStringLiteral("adjustWindowSizeToTargetScreen"));
-    EXPECT_EQ(stored.typeId(), QMetaType::Bool);
-    EXPECT_TRUE(stored.toBool());
+    EXPECT_EQ(platform.settings.value(QStringLiteral("adjustWindowSizeToTargetScreen")), SettingValue(true));
     QTest::mouseClick(section->adjustWindowSizeToggle(), Qt::LeftButton);
     EXPECT_FALSE(controller->adjustWindowSizeToTargetScreen());
-    EXPECT_FALSE(platform.userDefaults.object(QStringLiteral("adjustWindowSizeToTargetScreen")).toBool());
+    EXPECT_EQ(platform.settings.value(QStringLiteral("adjustWindowSizeToTargetScreen")), SettingValue(false));
 }
 
 TEST_F(SettingsBehaviorSectionTest, LaunchAtLoginRegistersTheLoginItem) {

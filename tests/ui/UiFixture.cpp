@@ -13,7 +13,7 @@ void UiTest::SetUp() {
     platform.permissions.screenCaptureGranted = true;
     platform.permissions.trusted = true;
     // The launch sequence would otherwise start an update check over the network.
-    platform.userDefaults.setObject(QStringLiteral("autoCheckForUpdatesOnLaunch"), false);
+    platform.settings.setBool(QStringLiteral("autoCheckForUpdatesOnLaunch"), false);
     setDisplayCount(2);
 }
 
