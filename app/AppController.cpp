@@ -6,7 +6,7 @@
 #include "app/PermissionService.h"
 #include "app/UpdaterService.h"
 #include "platform/Activation.h"
-#include "platform/LoginItems.h"
+#include "platform/Autostart.h"
 #include "platform/Monitors.h"
 #include "platform/Platform.h"
 #include "platform/SettingsStore.h"
@@ -51,7 +51,7 @@ AppController::AppController(QObject* parent) : QObject(parent) {
     m_adjustWindowSizeToTargetScreen = m_settings->boolValue(m_adjustWindowSizeKey);
 
     // 6. Launch at login is whatever the login-item service says.
-    m_launchAtLoginEnabled = platform.loginItems->status() == LoginItemStatus::Enabled;
+    m_launchAtLoginEnabled = platform.autostart->status() == AutostartStatus::Enabled;
 
     // 7. The updater follows the preference.
     m_updaterService->updaterController()->updater()->setAutomaticallyChecksForUpdates(m_autoCheckForUpdatesEnabled);
@@ -111,12 +111,12 @@ void AppController::setAutoCheckForUpdatesEnabled(bool enabled) {
 }
 
 void AppController::setLaunchAtLogin(bool enabled) {
-    LoginItems* loginItems = Platform::services().loginItems;
+    Autostart* autostart = Platform::services().autostart;
     QString error;
-    const bool succeeded = enabled ? loginItems->registerMainApp(&error) : loginItems->unregisterMainApp(&error);
+    const bool succeeded = enabled ? autostart->enable(&error) : autostart->disable(&error);
     if (!succeeded) {
         setStatusMessage(QStringLiteral("Unable to update login item: ") + error);
     }
-    publish(m_launchAtLoginEnabled, loginItems->status() == LoginItemStatus::Enabled,
+    publish(m_launchAtLoginEnabled, autostart->status() == AutostartStatus::Enabled,
             &AppController::launchAtLoginEnabledChanged);
 }

@@ -2,9 +2,9 @@
 
 class Accessibility;
 class Activation;
+class Autostart;
 class HotKeys;
 class KeyboardLayout;
-class LoginItems;
 class Monitors;
 class Permissions;
 class SettingsStore;
@@ -21,7 +21,7 @@ struct PlatformServices {
     HotKeys* hotKeys = nullptr;
     KeyboardLayout* keyboardLayout = nullptr;
     SettingsStore* settings = nullptr;
-    LoginItems* loginItems = nullptr;
+    Autostart* autostart = nullptr;
     Permissions* permissions = nullptr;
     Activation* activation = nullptr;
 };

@@ -21,6 +21,3 @@ struct RunningApplication {
 
     bool operator==(const RunningApplication&) const = default;
 };
-
-// Answer of the login-item service about the main application.
-enum class LoginItemStatus { NotRegistered, Enabled, RequiresApproval, NotFound };

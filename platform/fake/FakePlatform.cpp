@@ -2,7 +2,7 @@
 
 FakePlatform::FakePlatform() {
     Platform::install({&monitors, &windowServer, &workspace, &accessibility, &hotKeys, &keyboardLayout, &settings,
-                       &loginItems, &permissions, &activation});
+                       &autostart, &permissions, &activation});
 }
 
 FakePlatform::~FakePlatform() {

@@ -3,9 +3,9 @@
 #include "platform/Platform.h"
 #include "platform/fake/FakeAccessibility.h"
 #include "platform/fake/FakeActivation.h"
+#include "platform/fake/FakeAutostart.h"
 #include "platform/fake/FakeHotKeys.h"
 #include "platform/fake/FakeKeyboardLayout.h"
-#include "platform/fake/FakeLoginItems.h"
 #include "platform/fake/FakeMonitors.h"
 #include "platform/fake/FakePermissions.h"
 #include "platform/fake/FakeSettingsStore.h"
@@ -27,7 +27,7 @@ public:
     FakeHotKeys hotKeys;
     FakeKeyboardLayout keyboardLayout;
     FakeSettingsStore settings;
-    FakeLoginItems loginItems;
+    FakeAutostart autostart;
     FakePermissions permissions;
     FakeActivation activation;
 };

@@ -11,15 +11,15 @@
 #include "platform/x11/X11WindowDesktopEntries.h"
 #include "platform/x11/X11WindowServer.h"
 #include "platform/x11/X11Workspace.h"
-#include "platform/x11/XdgLoginItems.h"
 #include "platform/xdg/FileSettingsStore.h"
+#include "platform/xdg/XdgAutostart.h"
 
 struct X11Platform::Owned {
     std::unique_ptr<X11KeyboardLayout> keyboardLayout;
     std::unique_ptr<X11HotKeys> hotKeys;
     std::unique_ptr<X11Monitors> monitors;
     std::unique_ptr<FileSettingsStore> settings;
-    std::unique_ptr<XdgLoginItems> loginItems;
+    std::unique_ptr<XdgAutostart> autostart;
     std::unique_ptr<X11Permissions> permissions;
     std::unique_ptr<X11WindowDesktopEntries> desktopEntries;
     std::unique_ptr<X11WindowCache> windowCache;
@@ -42,7 +42,7 @@ X11Platform::X11Platform(std::unique_ptr<X11Connection> connection)
     X11Connection& x11 = *m_connection;
     m_owned->monitors = std::make_unique<X11Monitors>(x11);
     m_owned->settings = std::make_unique<FileSettingsStore>(FileSettingsStore::standardPath());
-    m_owned->loginItems = std::make_unique<XdgLoginItems>(XdgLoginItems::standardPath());
+    m_owned->autostart = std::make_unique<XdgAutostart>(XdgAutostart::standardPath());
     m_owned->permissions = std::make_unique<X11Permissions>(x11);
     m_owned->desktopEntries = std::make_unique<X11WindowDesktopEntries>();
     // The window list, the running applications and the Accessibility reads share what they learn of
@@ -63,7 +63,7 @@ X11Platform::X11Platform(std::unique_ptr<X11Connection> connection)
     m_services.hotKeys = m_owned->hotKeys.get();
     m_services.keyboardLayout = m_owned->keyboardLayout.get();
     m_services.settings = m_owned->settings.get();
-    m_services.loginItems = m_owned->loginItems.get();
+    m_services.autostart = m_owned->autostart.get();
     m_services.permissions = m_owned->permissions.get();
     m_services.windowServer = m_owned->windowServer.get();
     m_services.workspace = m_owned->workspace.get();

@@ -73,13 +73,13 @@ TEST_F(AppControllerPreferencesTest, DockIconSetterStoresAndSetsTheActivationPol
 }
 
 TEST_F(AppControllerPreferencesTest, LaunchAtLoginReadsTheLoginItemService) {
-    platform.loginItems.currentStatus = LoginItemStatus::Enabled;
+    platform.autostart.currentStatus = AutostartStatus::Enabled;
     AppController controller;
     EXPECT_TRUE(controller.launchAtLoginEnabled());
 }
 
 TEST_F(AppControllerPreferencesTest, RefusedLoginItemGivesStatusMessageAndFalse) {
-    platform.loginItems.refusal = QStringLiteral("Permission denied");
+    platform.autostart.refusal = QStringLiteral("Permission denied");
     AppController controller;
     controller.setLaunchAtLogin(true);
     EXPECT_FALSE(controller.launchAtLoginEnabled());
@@ -88,7 +88,7 @@ TEST_F(AppControllerPreferencesTest, RefusedLoginItemGivesStatusMessageAndFalse)
 }
 
 TEST_F(AppControllerPreferencesTest, RequiresApprovalGivesFalse) {
-    platform.loginItems.statusAfterRegister = LoginItemStatus::RequiresApproval;
+    platform.autostart.statusAfterEnable = AutostartStatus::RequiresApproval;
     AppController controller;
     controller.setLaunchAtLogin(true);
     EXPECT_FALSE(controller.launchAtLoginEnabled());

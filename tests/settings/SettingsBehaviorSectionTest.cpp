@@ -18,7 +18,7 @@ protected:
 TEST_F(SettingsBehaviorSectionTest, TogglesShowTheStoredPreferences) {
     platform.settings.setBool(QStringLiteral("dockIconVisible"), true);
     platform.settings.setBool(QStringLiteral("adjustWindowSizeToTargetScreen"), false);
-    platform.loginItems.currentStatus = LoginItemStatus::Enabled;
+    platform.autostart.currentStatus = AutostartStatus::Enabled;
     SettingsBehaviorSection* section = behavior();
     ASSERT_NE(section, nullptr);
     EXPECT_TRUE(section->launchAtLoginToggle()->isChecked());
@@ -76,16 +76,16 @@ TEST_F(SettingsBehaviorSectionTest, AdjustWindowSizeAssignsThePropertyAndStoresT
 TEST_F(SettingsBehaviorSectionTest, LaunchAtLoginRegistersTheLoginItem) {
     SettingsBehaviorSection* section = behavior();
     QTest::mouseClick(section->launchAtLoginToggle(), Qt::LeftButton);
-    EXPECT_EQ(platform.loginItems.currentStatus, LoginItemStatus::Enabled);
+    EXPECT_EQ(platform.autostart.currentStatus, AutostartStatus::Enabled);
     EXPECT_TRUE(controller->launchAtLoginEnabled());
     EXPECT_TRUE(section->launchAtLoginToggle()->isChecked());
     QTest::mouseClick(section->launchAtLoginToggle(), Qt::LeftButton);
-    EXPECT_EQ(platform.loginItems.currentStatus, LoginItemStatus::NotRegistered);
+    EXPECT_EQ(platform.autostart.currentStatus, AutostartStatus::Disabled);
     EXPECT_FALSE(section->launchAtLoginToggle()->isChecked());
 }
 
 TEST_F(SettingsBehaviorSectionTest, RefusedLaunchAtLoginFallsBackAndReportsWhy) {
-    platform.loginItems.refusal = QStringLiteral("The autostart folder is read-only.");
+    platform.autostart.refusal = QStringLiteral("The autostart folder is read-only.");
     SettingsBehaviorSection* section = behavior();
     QTest::mouseClick(section->launchAtLoginToggle(), Qt::LeftButton);
     EXPECT_FALSE(section->launchAtLoginToggle()->isChecked());
@@ -94,7 +94,7 @@ TEST_F(SettingsBehaviorSectionTest, RefusedLaunchAtLoginFallsBackAndReportsWhy) 
 }
 
 TEST_F(SettingsBehaviorSectionTest, LoginItemNeedingApprovalLeavesTheToggleOff) {
-    platform.loginItems.statusAfterRegister = LoginItemStatus::RequiresApproval;
+    platform.autostart.statusAfterEnable = AutostartStatus::RequiresApproval;
     SettingsBehaviorSection* section = behavior();
     QTest::mouseClick(section->launchAtLoginToggle(), Qt::LeftButton);
     EXPECT_FALSE(section->launchAtLoginToggle()->isChecked());
