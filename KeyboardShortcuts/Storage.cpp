@@ -4,7 +4,7 @@
 #include "KeyboardShortcuts/KeyboardShortcuts.h"
 #include "KeyboardShortcuts/Notifications.h"
 #include "platform/Platform.h"
-#include "platform/UserDefaults.h"
+#include "platform/SettingsStore.h"
 
 namespace KeyboardShortcuts {
 
@@ -14,8 +14,8 @@ const QString& keyPrefix() {
     return prefix;
 }
 
-UserDefaults* defaults() {
-    return Platform::services().userDefaults;
+SettingsStore* defaults() {
+    return Platform::services().settings;
 }
 
 void userDefaultsDidChange(const Name& name) {
@@ -24,7 +24,7 @@ void userDefaultsDidChange(const Name& name) {
 
 QSet<Name> allNames() {
     QSet<Name> names;
-    if (UserDefaults* store = defaults()) {
+    if (SettingsStore* store = defaults()) {
         for (const QString& key : store->keys()) {
             if (key.startsWith(keyPrefix())) {
                 names.insert(Name(key.mid(keyPrefix().size())));
@@ -40,11 +40,11 @@ QString userDefaultsKey(const Name& name) {
 }
 
 std::optional<Shortcut> getShortcut(const Name& name) {
-    UserDefaults* store = defaults();
+    SettingsStore* store = defaults();
     if (store == nullptr) {
         return std::nullopt;
     }
-    const std::optional<QString> json = store->stringForKey(userDefaultsKey(name));
+    const std::optional<QString> json = store->stringValue(userDefaultsKey(name));
     if (!json) {
         return std::nullopt;
     }
@@ -52,12 +52,12 @@ std::optional<Shortcut> getShortcut(const Name& name) {
 }
 
 bool userDefaultsContains(const Name& name) {
-    UserDefaults* store = defaults();
+    SettingsStore* store = defaults();
     return store != nullptr && store->contains(userDefaultsKey(name));
 }
 
 void userDefaultsSet(const Name& name, const Shortcut& shortcut) {
-    UserDefaults* store = defaults();
+    SettingsStore* store = defaults();
     if (store == nullptr) {
         return;
     }
@@ -68,7 +68,7 @@ void userDefaultsSet(const Name& name, const Shortcut& shortcut) {
     if (!isRegistered(shortcut)) {
         registerShortcut(shortcut);
     }
-    store->setObject(userDefaultsKey(name), json);
+    store->setString(userDefaultsKey(name), json);
     userDefaultsDidChange(name);
 }
 
@@ -82,9 +82,9 @@ void setShortcut(const std::optional<Shortcut>& shortcut, const Name& name) {
         return;
     }
     if (name.defaultShortcut()) {
-        defaults()->setObject(userDefaultsKey(name), false);
+        defaults()->setBool(userDefaultsKey(name), false);
     } else {
-        defaults()->removeObject(userDefaultsKey(name));
+        defaults()->remove(userDefaultsKey(name));
     }
     unregisterShortcut(*old);
     userDefaultsDidChange(name);
@@ -95,8 +95,8 @@ void reset(const QList<Name>& names) {
         if (!name.defaultShortcut()) {
             setShortcut(std::nullopt, name);
             // A stored false or an unreadable value is not a shortcut, but it is still an entry.
-            if (UserDefaults* store = defaults(); store != nullptr && store->contains(userDefaultsKey(name))) {
-                store->removeObject(userDefaultsKey(name));
+            if (SettingsStore* store = defaults(); store != nullptr && store->contains(userDefaultsKey(name))) {
+                store->remove(userDefaultsKey(name));
             }
         } else {
             userDefaultsSet(name, *name.defaultShortcut());

@@ -5,11 +5,11 @@
 
 #include "app/PermissionService.h"
 #include "app/UpdaterService.h"
-#include "platform/LoginItems.h"
+#include "platform/Autostart.h"
 #include "platform/Monitors.h"
 #include "platform/Platform.h"
+#include "platform/SettingsStore.h"
 #include "platform/TaskbarPresence.h"
-#include "platform/UserDefaults.h"
 
 AppController& AppController::shared() {
     // Lives until the process ends, like the application itself.
@@ -26,7 +26,7 @@ AppController::AppController(QObject* parent) : QObject(parent) {
     // 2. The other published properties start empty (see the member initialisers).
 
     // 3. Plain fields.
-    m_defaults = platform.userDefaults;
+    m_settings = platform.settings;
     m_dockIconKey = QStringLiteral("dockIconVisible");
     m_autoCheckForUpdatesKey = QStringLiteral("autoCheckForUpdatesOnLaunch");
     m_adjustWindowSizeKey = QStringLiteral("adjustWindowSizeToTargetScreen");
@@ -35,23 +35,23 @@ AppController::AppController(QObject* parent) : QObject(parent) {
     m_previewLoadID = QUuid::createUuid();
 
     // 4. Defaults, key by key; a value of any type counts as present.
-    if (!m_defaults->contains(m_dockIconKey)) {
-        m_defaults->setObject(m_dockIconKey, false);
+    if (!m_settings->contains(m_dockIconKey)) {
+        m_settings->setBool(m_dockIconKey, false);
     }
-    if (!m_defaults->contains(m_autoCheckForUpdatesKey)) {
-        m_defaults->setObject(m_autoCheckForUpdatesKey, true);
+    if (!m_settings->contains(m_autoCheckForUpdatesKey)) {
+        m_settings->setBool(m_autoCheckForUpdatesKey, true);
     }
-    if (!m_defaults->contains(m_adjustWindowSizeKey)) {
-        m_defaults->setObject(m_adjustWindowSizeKey, false);
+    if (!m_settings->contains(m_adjustWindowSizeKey)) {
+        m_settings->setBool(m_adjustWindowSizeKey, false);
     }
 
     // 5. The preferences.
-    m_dockIconVisible = m_defaults->boolForKey(m_dockIconKey);
-    m_autoCheckForUpdatesEnabled = m_defaults->boolForKey(m_autoCheckForUpdatesKey);
-    m_adjustWindowSizeToTargetScreen = m_defaults->boolForKey(m_adjustWindowSizeKey);
+    m_dockIconVisible = m_settings->boolValue(m_dockIconKey);
+    m_autoCheckForUpdatesEnabled = m_settings->boolValue(m_autoCheckForUpdatesKey);
+    m_adjustWindowSizeToTargetScreen = m_settings->boolValue(m_adjustWindowSizeKey);
 
     // 6. Launch at login is whatever the login-item service says.
-    m_launchAtLoginEnabled = platform.loginItems->status() == LoginItemStatus::Enabled;
+    m_launchAtLoginEnabled = platform.autostart->status() == AutostartStatus::Enabled;
 
     // 7. The updater follows the preference.
     m_updaterService->updaterController()->updater()->setAutomaticallyChecksForUpdates(m_autoCheckForUpdatesEnabled);
@@ -99,23 +99,23 @@ void AppController::setIsLoadingPreviews(bool loading) {
 
 void AppController::setDockIconVisible(bool visible) {
     publish(m_dockIconVisible, visible, &AppController::dockIconVisibleChanged);
-    m_defaults->setObject(m_dockIconKey, visible);
+    m_settings->setBool(m_dockIconKey, visible);
     Platform::services().taskbarPresence->setShownInTaskbar(m_dockIconVisible);
 }
 
 void AppController::setAutoCheckForUpdatesEnabled(bool enabled) {
     publish(m_autoCheckForUpdatesEnabled, enabled, &AppController::autoCheckForUpdatesEnabledChanged);
-    m_defaults->setObject(m_autoCheckForUpdatesKey, enabled);
+    m_settings->setBool(m_autoCheckForUpdatesKey, enabled);
     m_updaterService->updaterController()->updater()->setAutomaticallyChecksForUpdates(enabled);
 }
 
 void AppController::setLaunchAtLogin(bool enabled) {
-    LoginItems* loginItems = Platform::services().loginItems;
+    Autostart* autostart = Platform::services().autostart;
     QString error;
-    const bool succeeded = enabled ? loginItems->registerMainApp(&error) : loginItems->unregisterMainApp(&error);
+    const bool succeeded = enabled ? autostart->enable(&error) : autostart->disable(&error);
     if (!succeeded) {
         setStatusMessage(QStringLiteral("Unable to update login item: ") + error);
     }
-    publish(m_launchAtLoginEnabled, loginItems->status() == LoginItemStatus::Enabled,
+    publish(m_launchAtLoginEnabled, autostart->status() == AutostartStatus::Enabled,
             &AppController::launchAtLoginEnabledChanged);
 }

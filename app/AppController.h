@@ -12,7 +12,7 @@
 
 class QScreen;
 class UpdaterService;
-class UserDefaults;
+class SettingsStore;
 
 // The one controller at the centre of the program: it owns the published state that every view shows,
 // the preferences, the display refresh, every move command, the per-display shortcut records and the
@@ -93,7 +93,7 @@ public:
     const QString& autoCheckForUpdatesKey() const { return m_autoCheckForUpdatesKey; }
     const QString& adjustWindowSizeKey() const { return m_adjustWindowSizeKey; }
     const QString& shortcutDisplayRecordsKey() const { return m_shortcutDisplayRecordsKey; }
-    UserDefaults* defaults() const { return m_defaults; }
+    SettingsStore* settingsStore() const { return m_settings; }
 
     // Visible for tests.
     QUuid previewLoadID() const { return m_previewLoadID; }
@@ -147,7 +147,7 @@ private:
     QList<ShortcutDisplayItem> m_disconnectedShortcutDisplays;
 
     // Plain fields.
-    UserDefaults* m_defaults = nullptr;
+    SettingsStore* m_settings = nullptr;
     QString m_dockIconKey;
     QString m_autoCheckForUpdatesKey;
     QString m_adjustWindowSizeKey;

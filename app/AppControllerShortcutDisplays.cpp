@@ -8,14 +8,14 @@
 #include "app/AppController.h"
 #include "app/ScreenSnapshotService.h"
 #include "app/ShortcutDisplayRecordCoding.h"
-#include "platform/UserDefaults.h"
+#include "platform/SettingsStore.h"
 
 QString AppController::shortcutNameRawValue(const QString& persistentID) {
     return QStringLiteral("moveFocusedWindowToDisplay.") + persistentID;
 }
 
 QList<ShortcutDisplayRecord> AppController::loadShortcutDisplayRecords() const {
-    const std::optional<QByteArray> data = m_defaults->dataForKey(m_shortcutDisplayRecordsKey);
+    const std::optional<QByteArray> data = m_settings->dataValue(m_shortcutDisplayRecordsKey);
     if (!data) {
         return {};
     }
@@ -23,7 +23,7 @@ QList<ShortcutDisplayRecord> AppController::loadShortcutDisplayRecords() const {
 }
 
 void AppController::saveShortcutDisplayRecords() {
-    m_defaults->setObject(m_shortcutDisplayRecordsKey, ShortcutDisplayRecordCoding::encode(m_shortcutDisplayRecords));
+    m_settings->setData(m_shortcutDisplayRecordsKey, ShortcutDisplayRecordCoding::encode(m_shortcutDisplayRecords));
 }
 
 void AppController::refreshShortcutDisplays() {

@@ -1,16 +1,16 @@
 #pragma once
 
+class Autostart;
 class DesktopLauncher;
 class ForegroundActivation;
 class HotKeys;
 class KeyboardLayout;
-class LoginItems;
 class Monitors;
 class RunningApplications;
 class SessionCheck;
+class SettingsStore;
 class SystemInfo;
 class TaskbarPresence;
-class UserDefaults;
 class WindowControl;
 class WindowList;
 
@@ -23,8 +23,8 @@ struct PlatformServices {
     WindowControl* windowControl = nullptr;
     HotKeys* hotKeys = nullptr;
     KeyboardLayout* keyboardLayout = nullptr;
-    UserDefaults* userDefaults = nullptr;
-    LoginItems* loginItems = nullptr;
+    SettingsStore* settings = nullptr;
+    Autostart* autostart = nullptr;
     SessionCheck* sessionCheck = nullptr;
     TaskbarPresence* taskbarPresence = nullptr;
     ForegroundActivation* foregroundActivation = nullptr;

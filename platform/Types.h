@@ -10,8 +10,3 @@
 // The platform's number for a connected display; stable only while it stays connected.
 using CGDirectDisplayID = quint32;
 
-// How a running application presents itself (the values match the window server's policy numbers).
-enum class ActivationPolicy { Regular = 0, Accessory = 1, Prohibited = 2 };
-
-// Answer of the login-item service about the main application.
-enum class LoginItemStatus { NotRegistered, Enabled, RequiresApproval, NotFound };

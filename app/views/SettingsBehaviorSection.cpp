@@ -9,7 +9,7 @@
 #include "app/views/SettingsCard.h"
 #include "app/views/SettingsToggle.h"
 #include "app/views/ViewStyle.h"
-#include "platform/UserDefaults.h"
+#include "platform/SettingsStore.h"
 
 namespace {
 
@@ -55,7 +55,7 @@ SettingsBehaviorSection::SettingsBehaviorSection(AppController& controller, QWid
     });
     connect(m_adjustWindowSize, &SettingsToggle::toggled, this, [this](bool adjust) {
         m_controller.setAdjustWindowSizeToTargetScreen(adjust);
-        m_controller.defaults()->setObject(m_controller.adjustWindowSizeKey(), adjust);
+        m_controller.settingsStore()->setBool(m_controller.adjustWindowSizeKey(), adjust);
     });
 
     connect(&m_controller, &AppController::launchAtLoginEnabledChanged, this, [this] { showValues(); });

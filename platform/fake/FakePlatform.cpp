@@ -2,7 +2,7 @@
 
 FakePlatform::FakePlatform() {
     Platform::install({&monitors, &windowList, &runningApplications, &windowControl, &hotKeys, &keyboardLayout,
-                       &userDefaults, &loginItems, &sessionCheck, &taskbarPresence, &foregroundActivation,
+                       &settings, &autostart, &sessionCheck, &taskbarPresence, &foregroundActivation,
                        &desktopLauncher, &systemInfo});
 }
 

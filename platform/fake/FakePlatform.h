@@ -1,17 +1,17 @@
 #pragma once
 
 #include "platform/Platform.h"
+#include "platform/fake/FakeAutostart.h"
 #include "platform/fake/FakeDesktopLauncher.h"
 #include "platform/fake/FakeForegroundActivation.h"
 #include "platform/fake/FakeHotKeys.h"
 #include "platform/fake/FakeKeyboardLayout.h"
-#include "platform/fake/FakeLoginItems.h"
 #include "platform/fake/FakeMonitors.h"
 #include "platform/fake/FakeRunningApplications.h"
 #include "platform/fake/FakeSessionCheck.h"
+#include "platform/fake/FakeSettingsStore.h"
 #include "platform/fake/FakeSystemInfo.h"
 #include "platform/fake/FakeTaskbarPresence.h"
-#include "platform/fake/FakeUserDefaults.h"
 #include "platform/fake/FakeWindowControl.h"
 #include "platform/fake/FakeWindowList.h"
 
@@ -29,8 +29,8 @@ public:
     FakeWindowControl windowControl;
     FakeHotKeys hotKeys;
     FakeKeyboardLayout keyboardLayout;
-    FakeUserDefaults userDefaults;
-    FakeLoginItems loginItems;
+    FakeSettingsStore settings;
+    FakeAutostart autostart;
     FakeSessionCheck sessionCheck;
     FakeTaskbarPresence taskbarPresence;
     FakeForegroundActivation foregroundActivation;

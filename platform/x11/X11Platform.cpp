@@ -1,6 +1,5 @@
 #include "platform/x11/X11Platform.h"
 
-#include "platform/x11/FileUserDefaults.h"
 #include "platform/x11/LinuxSystemInfo.h"
 #include "platform/x11/X11Connection.h"
 #include "platform/x11/X11ForegroundActivation.h"
@@ -15,14 +14,15 @@
 #include "platform/x11/X11WindowDesktopEntries.h"
 #include "platform/x11/X11WindowList.h"
 #include "platform/x11/XdgDesktopLauncher.h"
-#include "platform/x11/XdgLoginItems.h"
+#include "platform/xdg/FileSettingsStore.h"
+#include "platform/xdg/XdgAutostart.h"
 
 struct X11Platform::Owned {
     std::unique_ptr<X11KeyboardLayout> keyboardLayout;
     std::unique_ptr<X11HotKeys> hotKeys;
     std::unique_ptr<X11Monitors> monitors;
-    std::unique_ptr<FileUserDefaults> userDefaults;
-    std::unique_ptr<XdgLoginItems> loginItems;
+    std::unique_ptr<FileSettingsStore> settings;
+    std::unique_ptr<XdgAutostart> autostart;
     std::unique_ptr<X11SessionCheck> sessionCheck;
     std::unique_ptr<X11WindowDesktopEntries> desktopEntries;
     std::unique_ptr<X11WindowCache> windowCache;
@@ -47,8 +47,8 @@ X11Platform::X11Platform(std::unique_ptr<X11Connection> connection)
     : m_connection(std::move(connection)), m_owned(std::make_unique<Owned>()) {
     X11Connection& x11 = *m_connection;
     m_owned->monitors = std::make_unique<X11Monitors>(x11);
-    m_owned->userDefaults = std::make_unique<FileUserDefaults>(FileUserDefaults::standardPath());
-    m_owned->loginItems = std::make_unique<XdgLoginItems>(XdgLoginItems::standardPath());
+    m_owned->settings = std::make_unique<FileSettingsStore>(FileSettingsStore::standardPath());
+    m_owned->autostart = std::make_unique<XdgAutostart>(XdgAutostart::standardPath());
     m_owned->sessionCheck = std::make_unique<X11SessionCheck>(x11);
     m_owned->desktopEntries = std::make_unique<X11WindowDesktopEntries>();
     // The window list, the running applications and the window control's reads share what they learn of
@@ -74,8 +74,8 @@ X11Platform::X11Platform(std::unique_ptr<X11Connection> connection)
     m_services.monitors = m_owned->monitors.get();
     m_services.hotKeys = m_owned->hotKeys.get();
     m_services.keyboardLayout = m_owned->keyboardLayout.get();
-    m_services.userDefaults = m_owned->userDefaults.get();
-    m_services.loginItems = m_owned->loginItems.get();
+    m_services.settings = m_owned->settings.get();
+    m_services.autostart = m_owned->autostart.get();
     m_services.sessionCheck = m_owned->sessionCheck.get();
     m_services.windowList = m_owned->windowList.get();
     m_services.runningApplications = m_owned->runningApplications.get();

@@ -13,9 +13,9 @@ protected:
 
 TEST_F(AppControllerPreferencesTest, FirstRunWritesAndPublishesTheDefaults) {
     AppController controller;
-    EXPECT_EQ(platform.userDefaults.object(QStringLiteral("dockIconVisible")), QVariant(false));
-    EXPECT_EQ(platform.userDefaults.object(QStringLiteral("autoCheckForUpdatesOnLaunch")), QVariant(true));
-    EXPECT_EQ(platform.userDefaults.object(QStringLiteral("adjustWindowSizeToTargetScreen")), QVariant(false));
+    EXPECT_EQ(platform.settings.value(QStringLiteral("dockIconVisible")), SettingValue(false));
+    EXPECT_EQ(platform.settings.value(QStringLiteral("autoCheckForUpdatesOnLaunch")), SettingValue(true));
+    EXPECT_EQ(platform.settings.value(QStringLiteral("adjustWindowSizeToTargetScreen")), SettingValue(false));
     EXPECT_FALSE(controller.dockIconVisible());
     EXPECT_TRUE(controller.autoCheckForUpdatesEnabled());
     EXPECT_FALSE(controller.adjustWindowSizeToTargetScreen());
@@ -39,20 +39,20 @@ TEST_F(AppControllerPreferencesTest, StoredFalseForUpdateChecksSurvivesARestart)
     }
     AppController second;
     EXPECT_FALSE(second.autoCheckForUpdatesEnabled());
-    EXPECT_EQ(platform.userDefaults.object(QStringLiteral("autoCheckForUpdatesOnLaunch")), QVariant(false));
+    EXPECT_EQ(platform.settings.value(QStringLiteral("autoCheckForUpdatesOnLaunch")), SettingValue(false));
 }
 
 TEST_F(AppControllerPreferencesTest, ExistingValueOfAnotherTypeCountsAsPresent) {
-    platform.userDefaults.setObject(QStringLiteral("dockIconVisible"), QStringLiteral("YES"));
-    platform.userDefaults.setObject(QStringLiteral("adjustWindowSizeToTargetScreen"), qint64(1));
+    platform.settings.setString(QStringLiteral("dockIconVisible"), QStringLiteral("YES"));
+    platform.settings.setInteger(QStringLiteral("adjustWindowSizeToTargetScreen"), 1);
     AppController controller;
-    EXPECT_EQ(platform.userDefaults.object(QStringLiteral("dockIconVisible")), QVariant(QStringLiteral("YES")));
+    EXPECT_EQ(platform.settings.value(QStringLiteral("dockIconVisible")), SettingValue(QStringLiteral("YES")));
     EXPECT_TRUE(controller.dockIconVisible());
     EXPECT_TRUE(controller.adjustWindowSizeToTargetScreen());
 }
 
 TEST_F(AppControllerPreferencesTest, UpdaterFollowsThePreferenceFromConstructionOn) {
-    platform.userDefaults.setObject(QStringLiteral("autoCheckForUpdatesOnLaunch"), false);
+    platform.settings.setBool(QStringLiteral("autoCheckForUpdatesOnLaunch"), false);
     AppController controller;
     Updater* updater = UpdaterService::shared().updaterController()->updater();
     EXPECT_FALSE(updater->automaticallyChecksForUpdates());
@@ -66,20 +66,20 @@ TEST_F(AppControllerPreferencesTest, DockIconSetterStoresAndSetsTheTaskbarPresen
     AppController controller;
     controller.setDockIconVisible(true);
     EXPECT_TRUE(controller.dockIconVisible());
-    EXPECT_EQ(platform.userDefaults.object(QStringLiteral("dockIconVisible")), QVariant(true));
+    EXPECT_EQ(platform.settings.value(QStringLiteral("dockIconVisible")), SettingValue(true));
     EXPECT_TRUE(platform.taskbarPresence.shown);
     controller.setDockIconVisible(false);
     EXPECT_FALSE(platform.taskbarPresence.shown);
 }
 
 TEST_F(AppControllerPreferencesTest, LaunchAtLoginReadsTheLoginItemService) {
-    platform.loginItems.currentStatus = LoginItemStatus::Enabled;
+    platform.autostart.currentStatus = AutostartStatus::Enabled;
     AppController controller;
     EXPECT_TRUE(controller.launchAtLoginEnabled());
 }
 
 TEST_F(AppControllerPreferencesTest, RefusedLoginItemGivesStatusMessageAndFalse) {
-    platform.loginItems.refusal = QStringLiteral("Permission denied");
+    platform.autostart.refusal = QStringLiteral("Permission denied");
     AppController controller;
     controller.setLaunchAtLogin(true);
     EXPECT_FALSE(controller.launchAtLoginEnabled());
@@ -88,7 +88,7 @@ TEST_F(AppControllerPreferencesTest, RefusedLoginItemGivesStatusMessageAndFalse)
 }
 
 TEST_F(AppControllerPreferencesTest, RequiresApprovalGivesFalse) {
-    platform.loginItems.statusAfterRegister = LoginItemStatus::RequiresApproval;
+    platform.autostart.statusAfterEnable = AutostartStatus::RequiresApproval;
     AppController controller;
     controller.setLaunchAtLogin(true);
     EXPECT_FALSE(controller.launchAtLoginEnabled());

@@ -16,9 +16,9 @@ protected:
 };
 
 TEST_F(SettingsBehaviorSectionTest, TogglesShowTheStoredPreferences) {
-    platform.userDefaults.setObject(QStringLiteral("dockIconVisible"), true);
-    platform.userDefaults.setObject(QStringLiteral("adjustWindowSizeToTargetScreen"), false);
-    platform.loginItems.currentStatus = LoginItemStatus::Enabled;
+    platform.settings.setBool(QStringLiteral("dockIconVisible"), true);
+    platform.settings.setBool(QStringLiteral("adjustWindowSizeToTargetScreen"), false);
+    platform.autostart.currentStatus = AutostartStatus::Enabled;
     SettingsBehaviorSection* section = behavior();
     ASSERT_NE(section, nullptr);
     EXPECT_TRUE(section->launchAtLoginToggle()->isChecked());
@@ -39,7 +39,7 @@ TEST_F(SettingsBehaviorSectionTest, TurningShowDockIconOnShowsTheDockIconAtOnce)
     EXPECT_TRUE(section->dockIconToggle()->isChecked());
     EXPECT_TRUE(controller->dockIconVisible());
     EXPECT_TRUE(platform.taskbarPresence.shown);
-    EXPECT_TRUE(platform.userDefaults.boolForKey(QStringLiteral("dockIconVisible")));
+    EXPECT_TRUE(platform.settings.boolValue(QStringLiteral("dockIconVisible")));
 
     QTest::mouseClick(section->dockIconToggle(), Qt::LeftButton);
     EXPECT_FALSE(platform.taskbarPresence.shown);
@@ -47,7 +47,7 @@ TEST_F(SettingsBehaviorSectionTest, TurningShowDockIconOnShowsTheDockIconAtOnce)
 }
 
 TEST_F(SettingsBehaviorSectionTest, ShowDockIconSurvivesARestart) {
-    platform.userDefaults.setObject(QStringLiteral("autoCheckForUpdatesOnLaunch"), false);
+    platform.settings.setBool(QStringLiteral("autoCheckForUpdatesOnLaunch"), false);
     SettingsBehaviorSection* section = behavior();
     QTest::mouseClick(section->dockIconToggle(), Qt::LeftButton);
     ASSERT_TRUE(controller->dockIconVisible());
@@ -67,27 +67,25 @@ TEST_F(SettingsBehaviorSectionTest, AdjustWindowSizeAssignsThePropertyAndStoresT
     SettingsBehaviorSection* section = behavior();
     QTest::mouseClick(section->adjustWindowSizeToggle(), Qt::LeftButton);
     EXPECT_TRUE(controller->adjustWindowSizeToTargetScreen());
-    const QVariant stored = platform.userDefaults.object(QStringLiteral("adjustWindowSizeToTargetScreen"));
-    EXPECT_EQ(stored.typeId(), QMetaType::Bool);
-    EXPECT_TRUE(stored.toBool());
+    EXPECT_EQ(platform.settings.value(QStringLiteral("adjustWindowSizeToTargetScreen")), SettingValue(true));
     QTest::mouseClick(section->adjustWindowSizeToggle(), Qt::LeftButton);
     EXPECT_FALSE(controller->adjustWindowSizeToTargetScreen());
-    EXPECT_FALSE(platform.userDefaults.object(QStringLiteral("adjustWindowSizeToTargetScreen")).toBool());
+    EXPECT_EQ(platform.settings.value(QStringLiteral("adjustWindowSizeToTargetScreen")), SettingValue(false));
 }
 
 TEST_F(SettingsBehaviorSectionTest, LaunchAtLoginRegistersTheLoginItem) {
     SettingsBehaviorSection* section = behavior();
     QTest::mouseClick(section->launchAtLoginToggle(), Qt::LeftButton);
-    EXPECT_EQ(platform.loginItems.currentStatus, LoginItemStatus::Enabled);
+    EXPECT_EQ(platform.autostart.currentStatus, AutostartStatus::Enabled);
     EXPECT_TRUE(controller->launchAtLoginEnabled());
     EXPECT_TRUE(section->launchAtLoginToggle()->isChecked());
     QTest::mouseClick(section->launchAtLoginToggle(), Qt::LeftButton);
-    EXPECT_EQ(platform.loginItems.currentStatus, LoginItemStatus::NotRegistered);
+    EXPECT_EQ(platform.autostart.currentStatus, AutostartStatus::Disabled);
     EXPECT_FALSE(section->launchAtLoginToggle()->isChecked());
 }
 
 TEST_F(SettingsBehaviorSectionTest, RefusedLaunchAtLoginFallsBackAndReportsWhy) {
-    platform.loginItems.refusal = QStringLiteral("The autostart folder is read-only.");
+    platform.autostart.refusal = QStringLiteral("The autostart folder is read-only.");
     SettingsBehaviorSection* section = behavior();
     QTest::mouseClick(section->launchAtLoginToggle(), Qt::LeftButton);
     EXPECT_FALSE(section->launchAtLoginToggle()->isChecked());
@@ -96,7 +94,7 @@ TEST_F(SettingsBehaviorSectionTest, RefusedLaunchAtLoginFallsBackAndReportsWhy) 
 }
 
 TEST_F(SettingsBehaviorSectionTest, LoginItemNeedingApprovalLeavesTheToggleOff) {
-    platform.loginItems.statusAfterRegister = LoginItemStatus::RequiresApproval;
+    platform.autostart.statusAfterEnable = AutostartStatus::RequiresApproval;
     SettingsBehaviorSection* section = behavior();
     QTest::mouseClick(section->launchAtLoginToggle(), Qt::LeftButton);
     EXPECT_FALSE(section->launchAtLoginToggle()->isChecked());

@@ -51,7 +51,7 @@ protected:
         QApplication::setPalette(dark() ? darkPalette() : QApplication::style()->standardPalette());
         platform.sessionCheck.screenCaptureAvailable = false;
         platform.keyboardLayout.useUSLayout();
-        platform.userDefaults.setObject(
+        platform.settings.setData(
             QStringLiteral("shortcutDisplayRecords.v1"),
             QByteArrayLiteral(R"([{"id":"v30-m60-s90","lastKnownName":"LG UltraFine","lastKnownIndex":3}])"));
         KeyboardShortcuts::Name(QStringLiteral("moveFocusedWindowToDisplay.") + studioID())

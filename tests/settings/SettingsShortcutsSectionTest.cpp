@@ -105,8 +105,8 @@ TEST_F(SettingsShortcutsSectionTest, UnpluggedDisplayMovesToTheDisconnectedGroup
 }
 
 TEST_F(SettingsShortcutsSectionTest, RememberedDisplayWithoutIndexIsLabelledByName) {
-    platform.userDefaults.setObject(QStringLiteral("shortcutDisplayRecords.v1"),
-                                    QByteArrayLiteral(R"([{"id":"v9-m9-s9","lastKnownName":"Projector"}])"));
+    platform.settings.setData(QStringLiteral("shortcutDisplayRecords.v1"),
+                              QByteArrayLiteral(R"([{"id":"v9-m9-s9","lastKnownName":"Projector"}])"));
     SettingsShortcutsSection* section = shortcuts();
     ASSERT_EQ(section->disconnectedRows().size(), 1);
     EXPECT_EQ(section->disconnectedRows().first()->labelShown(), QStringLiteral("Projector"));

@@ -30,7 +30,7 @@ protected:
 };
 
 TEST_F(SettingsUpdatesSectionTest, ToggleShowsThePreference) {
-    platform.userDefaults.setObject(QStringLiteral("autoCheckForUpdatesOnLaunch"), false);
+    platform.settings.setBool(QStringLiteral("autoCheckForUpdatesOnLaunch"), false);
     SettingsUpdatesSection* section = updates();
     ASSERT_NE(section, nullptr);
     EXPECT_FALSE(section->automaticCheckToggle()->isChecked());
@@ -44,10 +44,10 @@ TEST_F(SettingsUpdatesSectionTest, TogglingTakesEffectInTheUpdaterWithoutRestart
     QTest::mouseClick(section->automaticCheckToggle(), Qt::LeftButton);
     EXPECT_FALSE(controller->autoCheckForUpdatesEnabled());
     EXPECT_FALSE(updater()->automaticallyChecksForUpdates());
-    EXPECT_FALSE(platform.userDefaults.boolForKey(QStringLiteral("autoCheckForUpdatesOnLaunch")));
+    EXPECT_FALSE(platform.settings.boolValue(QStringLiteral("autoCheckForUpdatesOnLaunch")));
     QTest::mouseClick(section->automaticCheckToggle(), Qt::LeftButton);
     EXPECT_TRUE(updater()->automaticallyChecksForUpdates());
-    EXPECT_TRUE(platform.userDefaults.boolForKey(QStringLiteral("autoCheckForUpdatesOnLaunch")));
+    EXPECT_TRUE(platform.settings.boolValue(QStringLiteral("autoCheckForUpdatesOnLaunch")));
 }
 
 TEST_F(SettingsUpdatesSectionTest, WithThePreferenceOffLaunchChecksNothing) {
@@ -55,7 +55,7 @@ TEST_F(SettingsUpdatesSectionTest, WithThePreferenceOffLaunchChecksNothing) {
     server.setRoute(QStringLiteral("/appcast.xml"),
                     {200, AppcastFixtures::feed({{QStringLiteral("999"), QStringLiteral("9.9.9"), {}}})});
     qputenv("LATTICA_APPCAST_URL", server.url(QStringLiteral("/appcast.xml")).toEncoded());
-    platform.userDefaults.setObject(QStringLiteral("autoCheckForUpdatesOnLaunch"), false);
+    platform.settings.setBool(QStringLiteral("autoCheckForUpdatesOnLaunch"), false);
     makeView(false);
     controller->applicationDidFinishLaunching();
     EXPECT_FALSE(updater()->automaticallyChecksForUpdates());

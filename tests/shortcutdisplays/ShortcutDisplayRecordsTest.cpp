@@ -21,15 +21,15 @@ class ShortcutDisplayRecordsTest : public ::testing::Test {
 protected:
     FakePlatform platform;
 
-    QByteArray storedRecords() const { return platform.userDefaults.object(kRecordsKey).toByteArray(); }
-    void storeRecords(const QByteArray& json) { platform.userDefaults.setObject(kRecordsKey, json); }
+    QByteArray storedRecords() const { return platform.settings.dataValue(kRecordsKey).value_or(QByteArray()); }
+    void storeRecords(const QByteArray& json) { platform.settings.setData(kRecordsKey, json); }
 };
 
 TEST_F(ShortcutDisplayRecordsTest, FirstRunWithTwoDisplaysStoresTwoRecordsSortedByIndex) {
     platform.monitors.setMonitors(
         {display(5, QStringLiteral("Studio Display"), 7), display(9, QStringLiteral("Side"), 8, 1920)});
     AppController controller;
-    EXPECT_EQ(platform.userDefaults.object(kRecordsKey).typeId(), QMetaType::QByteArray);
+    EXPECT_TRUE(platform.settings.dataValue(kRecordsKey).has_value());
     EXPECT_EQ(storedRecords(), QByteArray(R"([{"id":"v16-m32-s7","lastKnownName":"Studio Display","lastKnownIndex":1},)"
                                           R"({"id":"v16-m32-s8","lastKnownName":"Side","lastKnownIndex":2}])"));
     ASSERT_EQ(controller.connectedShortcutDisplays().size(), 2);
@@ -153,11 +153,11 @@ TEST_F(ShortcutDisplayRecordsTest, DocumentThatRepeatsAnIdentifierReadsAsEmpty) 
 }
 
 TEST_F(ShortcutDisplayRecordsTest, StoredValueOfAnotherTypeReadsAsEmpty) {
-    platform.userDefaults.setObject(kRecordsKey, QStringLiteral("[]"));
+    platform.settings.setString(kRecordsKey, QStringLiteral("[]"));
     platform.monitors.setMonitors({display(5, QStringLiteral("Main"), 1)});
     AppController controller;
     EXPECT_EQ(controller.shortcutDisplayRecords().size(), 1);
-    EXPECT_EQ(platform.userDefaults.object(kRecordsKey).typeId(), QMetaType::QByteArray);
+    EXPECT_TRUE(platform.settings.dataValue(kRecordsKey).has_value());
 }
 
 TEST_F(ShortcutDisplayRecordsTest, MalformedRecordsMakeTheWholeDocumentUnreadable) {
@@ -182,9 +182,9 @@ TEST_F(ShortcutDisplayRecordsTest, EncodingEscapesNamesAndRoundTrips) {
 TEST_F(ShortcutDisplayRecordsTest, EveryRebuildRewritesTheStoredValue) {
     platform.monitors.setMonitors({display(5, QStringLiteral("Main"), 1)});
     AppController controller;
-    platform.userDefaults.removeObject(kRecordsKey);
+    platform.settings.remove(kRecordsKey);
     controller.refreshShortcutDisplays();
-    EXPECT_TRUE(platform.userDefaults.contains(kRecordsKey));
+    EXPECT_TRUE(platform.settings.contains(kRecordsKey));
 }
 
 }  // namespace

@@ -75,7 +75,7 @@ TEST_F(HotKeyDispatchTest, ChangedShortcutNoLongerTriggersNameEvenBeforeUnregist
     onKeyDown(changed, [&] { ++changedRuns; });
     onKeyDown(unchanged, [&] { ++unchangedRuns; });
     // The store changes behind the hot-key table's back: the old hot key stays registered.
-    platform.userDefaults.setObject(userDefaultsKey(changed), QString::fromUtf8(kOptionF5.toJson()));
+    platform.settings.setString(userDefaultsKey(changed), QString::fromUtf8(kOptionF5.toJson()));
     ASSERT_EQ(platform.hotKeys.registrations().size(), 1);
     press(platform.hotKeys, kControlCommandK);
     EXPECT_EQ(changedRuns, 0);
@@ -227,7 +227,7 @@ TEST_F(HotKeyDispatchTest, RemoveHandlerUnregistersUnlessAStreamUsesIt) {
 
 TEST_F(HotKeyDispatchTest, OnKeyDownRegistersStoredShortcutThatIsNotRegistered) {
     const Name name(QStringLiteral("n"));
-    platform.userDefaults.setObject(userDefaultsKey(name), QString::fromUtf8(kOptionF5.toJson()));
+    platform.settings.setString(userDefaultsKey(name), QString::fromUtf8(kOptionF5.toJson()));
     EXPECT_FALSE(isEnabled(name));
     onKeyDown(name, [] {});
     EXPECT_TRUE(isEnabled(name));
@@ -278,7 +278,7 @@ TEST_F(HotKeyDispatchTest, EventStreamDeliversBothTypesAndFilteredStreamOne) {
 
 TEST_F(HotKeyDispatchTest, DestroyedStreamUnregistersOnTheMainLoop) {
     const Name name(QStringLiteral("n"));
-    platform.userDefaults.setObject(userDefaultsKey(name), QString::fromUtf8(kOptionF5.toJson()));
+    platform.settings.setString(userDefaultsKey(name), QString::fromUtf8(kOptionF5.toJson()));
     auto stream = std::make_unique<EventStream>(name);
     EXPECT_TRUE(isEnabled(name));
     int delivered = 0;

@@ -95,7 +95,7 @@ protected:
     void typeKey(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
         QTest::keyClick(window.windowHandle(), key, modifiers);
     }
-    QVariant stored() const { return platform.userDefaults.object(userDefaultsKey(name)); }
+    std::optional<SettingValue> stored() const { return platform.settings.value(userDefaultsKey(name)); }
 
     Name name;
     QWidget window;
@@ -157,7 +157,7 @@ TEST_F(RecorderTest, LetterAloneBeepsAndKeepsRecording) {
     typeKey(Qt::Key_A);
     EXPECT_EQ(beepCount(), beeps + 1);
     EXPECT_TRUE(recorder->isRecording());
-    EXPECT_FALSE(stored().isValid());
+    EXPECT_FALSE(stored().has_value());
     EXPECT_EQ(recorder->text(), QString()) << "the letter was not typed into the field";
 }
 
@@ -176,7 +176,7 @@ TEST_F(RecorderTest, FunctionKeyAloneIsAccepted) {
 TEST_F(RecorderTest, RecordedShortcutIsStoredAsJsonAndRegistered) {
     startRecording();
     typeKey(Qt::Key_K, Qt::ControlModifier | Qt::MetaModifier);
-    EXPECT_EQ(stored().toString(), QStringLiteral("{\"carbonKeyCode\":40,\"carbonModifiers\":4352}"));
+    EXPECT_EQ(stored(), SettingValue(QStringLiteral("{\"carbonKeyCode\":40,\"carbonModifiers\":4352}")));
     EXPECT_EQ(recorder->text(), QStringLiteral("Super+Ctrl+K"));
     ASSERT_EQ(platform.hotKeys.registrations().size(), 1);
     EXPECT_EQ(platform.hotKeys.registrations().first().keyCode, 40u);
@@ -188,7 +188,7 @@ TEST_F(RecorderTest, ShiftLetterIsRefused) {
     typeKey(Qt::Key_A, Qt::ShiftModifier);
     EXPECT_EQ(beepCount(), beeps + 1);
     EXPECT_TRUE(recorder->isRecording());
-    EXPECT_FALSE(stored().isValid());
+    EXPECT_FALSE(stored().has_value());
 }
 
 TEST_F(RecorderTest, OptionLetterIsAccepted) {
@@ -204,7 +204,7 @@ TEST_F(RecorderTest, OptionLetterIsDisallowedWhereSystemRestrictsIt) {
     typeKey(Qt::Key_A, Qt::AltModifier | Qt::ShiftModifier);
     EXPECT_EQ(answer.shown, 1);
     EXPECT_TRUE(answer.text.contains(QStringLiteral("only uses the Alt key")));
-    EXPECT_FALSE(stored().isValid());
+    EXPECT_FALSE(stored().has_value());
     EXPECT_TRUE(VirtualDesktop::waitUntil([this] { return recorder->isRecording(); })) << "recording resumes";
     typeKey(Qt::Key_A, Qt::AltModifier | Qt::ControlModifier);
     EXPECT_EQ(getShortcut(name), Shortcut(Key::a, ModifierFlag::option | ModifierFlag::control));
@@ -226,7 +226,7 @@ TEST_F(RecorderTest, TabWithoutModifiersLeavesAndRecordsNothing) {
     startRecording();
     typeKey(Qt::Key_Tab);
     EXPECT_FALSE(recorder->isRecording());
-    EXPECT_FALSE(stored().isValid());
+    EXPECT_FALSE(stored().has_value());
     EXPECT_TRUE(changes.isEmpty());
     EXPECT_TRUE(VirtualDesktop::waitUntil([this] { return other->hasFocus(); })) << "focus moved on";
 }
@@ -237,7 +237,7 @@ TEST_F(RecorderTest, ShiftTabIsRefusedByModifierRule) {
     typeKey(Qt::Key_Backtab, Qt::ShiftModifier);
     EXPECT_EQ(beepCount(), beeps + 1);
     EXPECT_TRUE(recorder->isRecording());
-    EXPECT_FALSE(stored().isValid());
+    EXPECT_FALSE(stored().has_value());
 }
 
 TEST_F(RecorderTest, EscapeEndsRecordingWithoutStoring) {
@@ -253,7 +253,7 @@ TEST_F(RecorderTest, DeleteClearsShortcutAndKeepsRecording) {
     setShortcut(Shortcut(Key::f5), name);
     startRecording();
     typeKey(Qt::Key_Backspace);
-    EXPECT_FALSE(stored().isValid());
+    EXPECT_FALSE(stored().has_value());
     EXPECT_EQ(recorder->text(), QString());
     EXPECT_FALSE(recorder->cancelButton()->isVisible());
     ASSERT_EQ(changes.size(), 1);
@@ -266,7 +266,7 @@ TEST_F(RecorderTest, ClearButtonClearsAndStartsRecording) {
     recorder->setShortcutName(withDefault);
     showWindow();
     recorder->cancelButton()->trigger();
-    EXPECT_EQ(platform.userDefaults.object(userDefaultsKey(withDefault)), QVariant(false));
+    EXPECT_EQ(platform.settings.value(userDefaultsKey(withDefault)), SettingValue(false));
     EXPECT_TRUE(VirtualDesktop::waitUntil([this] { return recorder->isRecording(); }));
 }
 
@@ -310,7 +310,7 @@ TEST_F(RecorderTest, SystemConflictAlertRefusesUnlessForced) {
         EXPECT_FALSE(answer.informativeText.isEmpty());
         EXPECT_EQ(answer.buttons, QStringList({QStringLiteral("OK"), QStringLiteral("Use Anyway")}));
     }
-    EXPECT_FALSE(stored().isValid());
+    EXPECT_FALSE(stored().has_value());
     ASSERT_TRUE(VirtualDesktop::waitUntil([this] { return recorder->isRecording(); })) << "recording resumes";
 }
 
@@ -342,7 +342,7 @@ TEST_F(RecorderTest, MenuItemConflictNamesTheItem) {
     EXPECT_EQ(answer.shown, 1);
     EXPECT_TRUE(answer.text.contains(QStringLiteral("\u201CSave All\u201D"))) << answer.text.toStdString();
     EXPECT_FALSE(triggered) << "the action did not run either";
-    EXPECT_FALSE(stored().isValid());
+    EXPECT_FALSE(stored().has_value());
     EXPECT_TRUE(VirtualDesktop::waitUntil([this] { return recorder->isRecording(); })) << "recording resumes";
 }
 

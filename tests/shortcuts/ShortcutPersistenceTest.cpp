@@ -2,7 +2,7 @@
 #include <QTemporaryDir>
 
 #include "KeyboardShortcuts/KeyboardShortcuts.h"
-#include "platform/x11/FileUserDefaults.h"
+#include "platform/xdg/FileSettingsStore.h"
 #include "tests/shortcuts/ShortcutTestFixture.h"
 
 using namespace KeyboardShortcuts;
@@ -15,24 +15,23 @@ protected:
 
     // Installs a store freshly loaded from the file, as a new process would.
     void useStore() {
-        store = std::make_unique<FileUserDefaults>(path);
+        store = std::make_unique<FileSettingsStore>(path);
         PlatformServices services = Platform::services();
-        services.userDefaults = store.get();
+        services.settings = store.get();
         Platform::install(services);
     }
 
     QTemporaryDir directory;
     QString path;
-    std::unique_ptr<FileUserDefaults> store;
+    std::unique_ptr<FileSettingsStore> store;
 };
 
 TEST_F(ShortcutPersistenceTest, StoredShortcutSurvivesRestartAsJsonString) {
     const Name name(QStringLiteral("moveFocusedWindowToDisplay.v16-m32-s7"));
     setShortcut(Shortcut(Key::k, ModifierFlag::control | ModifierFlag::command), name);
     useStore();
-    const QVariant reloaded = store->object(QStringLiteral("KeyboardShortcuts_moveFocusedWindowToDisplay.v16-m32-s7"));
-    ASSERT_EQ(reloaded.typeId(), QMetaType::QString);
-    EXPECT_EQ(reloaded.toString(), QStringLiteral("{\"carbonKeyCode\":40,\"carbonModifiers\":4352}"));
+    EXPECT_EQ(store->value(QStringLiteral("KeyboardShortcuts_moveFocusedWindowToDisplay.v16-m32-s7")),
+              SettingValue(QStringLiteral("{\"carbonKeyCode\":40,\"carbonModifiers\":4352}")));
     EXPECT_EQ(getShortcut(name), Shortcut(40, 4352));
 }
 
@@ -42,7 +41,7 @@ TEST_F(ShortcutPersistenceTest, RemovedDefaultStaysRemovedAfterRestart) {
         setShortcut(std::nullopt, name);
     }
     useStore();
-    EXPECT_EQ(store->object(QStringLiteral("KeyboardShortcuts_withDefault")), QVariant(false));
+    EXPECT_EQ(store->value(QStringLiteral("KeyboardShortcuts_withDefault")), SettingValue(false));
     const Name again(QStringLiteral("withDefault"), Shortcut(Key::f5));
     EXPECT_FALSE(getShortcut(again));
     EXPECT_TRUE(platform.hotKeys.registrations().isEmpty());

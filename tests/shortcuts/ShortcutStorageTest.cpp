@@ -29,10 +29,8 @@ private:
 TEST_F(ShortcutStorageTest, SetShortcutStoresJsonStringUnderPrefixedKey) {
     const Name name(QStringLiteral("moveFocusedWindowToDisplay.v16-m32-s7"));
     setShortcut(kControlCommandK, name);
-    const QVariant stored =
-        platform.userDefaults.object(QStringLiteral("KeyboardShortcuts_moveFocusedWindowToDisplay.v16-m32-s7"));
-    ASSERT_EQ(stored.typeId(), QMetaType::QString);
-    EXPECT_EQ(stored.toString(), QStringLiteral("{\"carbonKeyCode\":40,\"carbonModifiers\":4352}"));
+    EXPECT_EQ(platform.settings.value(QStringLiteral("KeyboardShortcuts_moveFocusedWindowToDisplay.v16-m32-s7")),
+              SettingValue(QStringLiteral("{\"carbonKeyCode\":40,\"carbonModifiers\":4352}")));
     EXPECT_EQ(getShortcut(name), kControlCommandK);
     EXPECT_EQ(name.shortcut(), kControlCommandK);
 }
@@ -47,8 +45,8 @@ TEST_F(ShortcutStorageTest, NamesCompareByRawValueOnly) {
 
 TEST_F(ShortcutStorageTest, NameWithDefaultOnFreshSystemStoresAndRegistersDefault) {
     const Name name(QStringLiteral("withDefault"), kControlCommandK);
-    EXPECT_EQ(platform.userDefaults.object(QStringLiteral("KeyboardShortcuts_withDefault")).toString(),
-              QString::fromUtf8(kControlCommandK.toJson()));
+    EXPECT_EQ(platform.settings.value(QStringLiteral("KeyboardShortcuts_withDefault")),
+              SettingValue(QString::fromUtf8(kControlCommandK.toJson())));
     ASSERT_EQ(platform.hotKeys.registrations().size(), 1);
     EXPECT_EQ(platform.hotKeys.registrations().first().keyCode, 40u);
     EXPECT_EQ(platform.hotKeys.registrations().first().modifiers, 4352u);
@@ -59,13 +57,11 @@ TEST_F(ShortcutStorageTest, NameWithDefaultAfterUserRemovedItKeepsFalseAndRegist
         const Name name(QStringLiteral("withDefault"), kControlCommandK);
         setShortcut(std::nullopt, name);
     }
-    const QVariant removed = platform.userDefaults.object(QStringLiteral("KeyboardShortcuts_withDefault"));
-    ASSERT_EQ(removed.typeId(), QMetaType::Bool);
-    EXPECT_FALSE(removed.toBool());
+    EXPECT_EQ(platform.settings.value(QStringLiteral("KeyboardShortcuts_withDefault")), SettingValue(false));
     EXPECT_TRUE(platform.hotKeys.registrations().isEmpty());
 
     const Name again(QStringLiteral("withDefault"), kControlCommandK);
-    EXPECT_EQ(platform.userDefaults.object(QStringLiteral("KeyboardShortcuts_withDefault")), QVariant(false));
+    EXPECT_EQ(platform.settings.value(QStringLiteral("KeyboardShortcuts_withDefault")), SettingValue(false));
     EXPECT_FALSE(getShortcut(again));
     EXPECT_TRUE(platform.hotKeys.registrations().isEmpty());
     EXPECT_TRUE(userDefaultsContains(again)) << "a stored false counts as contained";
@@ -75,7 +71,7 @@ TEST_F(ShortcutStorageTest, RemovingShortcutWithoutDefaultRemovesKey) {
     const Name name(QStringLiteral("plain"));
     setShortcut(kControlCommandK, name);
     setShortcut(std::nullopt, name);
-    EXPECT_FALSE(platform.userDefaults.object(QStringLiteral("KeyboardShortcuts_plain")).isValid());
+    EXPECT_FALSE(platform.settings.value(QStringLiteral("KeyboardShortcuts_plain")).has_value());
     EXPECT_FALSE(userDefaultsContains(name));
     EXPECT_TRUE(platform.hotKeys.registrations().isEmpty());
 }
@@ -115,43 +111,43 @@ TEST_F(ShortcutStorageTest, SettingShortcutAnotherNameUsesKeepsOneRegistration) 
 
 TEST_F(ShortcutStorageTest, StoredValuesThatAreNotStringsReadAsNoShortcut) {
     const Name name(QStringLiteral("odd"));
-    for (const QVariant& value : {QVariant(false), QVariant(true), QVariant(qint64(40)), QVariant(3.5),
-                                  QVariant(QByteArrayLiteral("{\"carbonKeyCode\":40,\"carbonModifiers\":4352}"))}) {
-        platform.userDefaults.setObject(QStringLiteral("KeyboardShortcuts_odd"), value);
-        EXPECT_FALSE(getShortcut(name)) << value.typeName();
+    for (const SettingValue& value :
+         {SettingValue(false), SettingValue(true), SettingValue(qint64(40)),
+          SettingValue(QByteArrayLiteral("{\"carbonKeyCode\":40,\"carbonModifiers\":4352}"))}) {
+        platform.settings.setValue(QStringLiteral("KeyboardShortcuts_odd"), value);
+        EXPECT_FALSE(getShortcut(name)) << value.index();
     }
 }
 
 TEST_F(ShortcutStorageTest, InvalidJsonReadsAsNoShortcut) {
     const Name name(QStringLiteral("broken"));
-    platform.userDefaults.setObject(QStringLiteral("KeyboardShortcuts_broken"),
-                                    QStringLiteral("{\"carbonKeyCode\":40,"));
+    platform.settings.setString(QStringLiteral("KeyboardShortcuts_broken"), QStringLiteral("{\"carbonKeyCode\":40,"));
     EXPECT_FALSE(getShortcut(name));
 }
 
 TEST_F(ShortcutStorageTest, JsonMissingAKeyReadsAsNoShortcut) {
     const Name name(QStringLiteral("half"));
-    platform.userDefaults.setObject(QStringLiteral("KeyboardShortcuts_half"), QStringLiteral("{\"carbonKeyCode\":40}"));
+    platform.settings.setString(QStringLiteral("KeyboardShortcuts_half"), QStringLiteral("{\"carbonKeyCode\":40}"));
     EXPECT_FALSE(getShortcut(name));
 }
 
 TEST_F(ShortcutStorageTest, NumbersOutside32BitsReadAsNoShortcut) {
     const Name name(QStringLiteral("huge"));
-    platform.userDefaults.setObject(QStringLiteral("KeyboardShortcuts_huge"),
-                                    QStringLiteral("{\"carbonKeyCode\":40,\"carbonModifiers\":99999999999}"));
+    platform.settings.setString(QStringLiteral("KeyboardShortcuts_huge"),
+                                QStringLiteral("{\"carbonKeyCode\":40,\"carbonModifiers\":99999999999}"));
     EXPECT_FALSE(getShortcut(name));
 }
 
 TEST_F(ShortcutStorageTest, NextSetOverwritesCorruptValue) {
     const Name name(QStringLiteral("corrupt"));
-    for (const QVariant& corrupt :
-         {QVariant(qint64(7)), QVariant(QStringLiteral("nonsense")),
-          QVariant(QStringLiteral("{\"carbonModifiers\":1}")),
-          QVariant(QStringLiteral("{\"carbonKeyCode\":-4294967296,\"carbonModifiers\":0}"))}) {
-        platform.userDefaults.setObject(QStringLiteral("KeyboardShortcuts_corrupt"), corrupt);
+    for (const SettingValue& corrupt :
+         {SettingValue(qint64(7)), SettingValue(QStringLiteral("nonsense")),
+          SettingValue(QStringLiteral("{\"carbonModifiers\":1}")),
+          SettingValue(QStringLiteral("{\"carbonKeyCode\":-4294967296,\"carbonModifiers\":0}"))}) {
+        platform.settings.setValue(QStringLiteral("KeyboardShortcuts_corrupt"), corrupt);
         setShortcut(kOptionF5, name);
-        EXPECT_EQ(platform.userDefaults.object(QStringLiteral("KeyboardShortcuts_corrupt")).toString(),
-                  QString::fromUtf8(kOptionF5.toJson()));
+        EXPECT_EQ(platform.settings.value(QStringLiteral("KeyboardShortcuts_corrupt")),
+                  SettingValue(QString::fromUtf8(kOptionF5.toJson())));
         EXPECT_EQ(getShortcut(name), kOptionF5);
         setShortcut(std::nullopt, name);
     }
@@ -173,13 +169,13 @@ TEST_F(ShortcutStorageTest, ResetAllLeavesNoPrefixedKey) {
     const Name removed(QStringLiteral("removed"), kOptionF5);
     setShortcut(Shortcut(Key::a, ModifierFlag::command), plain);
     setShortcut(std::nullopt, removed);
-    platform.userDefaults.setObject(QStringLiteral("KeyboardShortcuts_garbage"), qint64(3));
-    platform.userDefaults.setObject(QStringLiteral("unrelated"), true);
+    platform.settings.setInteger(QStringLiteral("KeyboardShortcuts_garbage"), 3);
+    platform.settings.setBool(QStringLiteral("unrelated"), true);
     resetAll();
-    for (const QString& key : platform.userDefaults.keys()) {
+    for (const QString& key : platform.settings.keys()) {
         EXPECT_FALSE(key.startsWith(QStringLiteral("KeyboardShortcuts_"))) << key.toStdString();
     }
-    EXPECT_TRUE(platform.userDefaults.contains(QStringLiteral("unrelated")));
+    EXPECT_TRUE(platform.settings.contains(QStringLiteral("unrelated")));
     EXPECT_TRUE(platform.hotKeys.registrations().isEmpty());
     // The default comes back only when the name is created again with it.
     const Name recreated(QStringLiteral("withDefault"), kControlCommandK);

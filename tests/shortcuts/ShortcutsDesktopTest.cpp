@@ -18,7 +18,7 @@
 #include "KeyboardShortcuts/KeyboardShortcuts.h"
 #include "KeyboardShortcuts/RecorderCocoa.h"
 #include "platform/Platform.h"
-#include "platform/UserDefaults.h"
+#include "platform/SettingsStore.h"
 #include "platform/x11/X11HotKeys.h"
 #include "platform/x11/X11KeyboardLayout.h"
 #include "platform/x11/X11Platform.h"
@@ -68,8 +68,8 @@ protected:
         ASSERT_TRUE(keyboard.isConnected());
         s_platform->install();
         KeyboardShortcuts::resetForTesting();
-        for (const QString& key : Platform::services().userDefaults->keys()) {
-            Platform::services().userDefaults->removeObject(key);
+        for (const QString& key : Platform::services().settings->keys()) {
+            Platform::services().settings->remove(key);
         }
         // The sentinel: once it has fired, every key typed before it has been handled.
         setShortcut(kControlOptionF8, sentinel);

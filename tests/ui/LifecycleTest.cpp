@@ -85,7 +85,7 @@ TEST_F(Lifecycle, LaunchMakesTheProgramAnAccessoryByDefault) {
 }
 
 TEST_F(Lifecycle, LaunchShowsTheProgramInTheTaskbarWhenTheDockIconIsWanted) {
-    platform.userDefaults.setObject(QStringLiteral("dockIconVisible"), true);
+    platform.settings.setBool(QStringLiteral("dockIconVisible"), true);
     platform.taskbarPresence.shown = false;
     makeController();
     controller().applicationDidFinishLaunching();
@@ -157,7 +157,7 @@ protected:
 };
 
 TEST_F(LifecycleUpdates, LaunchChecksForUpdatesInTheBackgroundWhenEnabled) {
-    platform.userDefaults.setObject(QStringLiteral("autoCheckForUpdatesOnLaunch"), true);
+    platform.settings.setBool(QStringLiteral("autoCheckForUpdatesOnLaunch"), true);
     makeController();
     Updater* updater = UpdaterService::shared().updaterController()->updater();
     QSignalSpy finished(updater, &Updater::checkFinished);

@@ -18,8 +18,8 @@
 #include "app/LatticaApp.h"
 #include "app/views/DisplayCardView.h"
 #include "app/views/MenuBarContentView.h"
+#include "platform/SettingsStore.h"
 #include "platform/TaskbarPresence.h"
-#include "platform/UserDefaults.h"
 #include "platform/WindowList.h"
 #include "platform/x11/X11Connection.h"
 #include "platform/x11/X11Platform.h"
@@ -68,7 +68,7 @@ protected:
         ASSERT_NE(platform, nullptr);
         platform->install();
         // No update check over the network from tests.
-        platform->services().userDefaults->setObject(QStringLiteral("autoCheckForUpdatesOnLaunch"), false);
+        platform->services().settings->setBool(QStringLiteral("autoCheckForUpdatesOnLaunch"), false);
         monitors = VirtualDesktop::layout();
         controller = std::make_unique<AppController>();
         app = std::make_unique<LatticaApp>(*controller);

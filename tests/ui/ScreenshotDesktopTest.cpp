@@ -12,7 +12,7 @@
 #include "app/LatticaApp.h"
 #include "app/views/DisplayCardView.h"
 #include "app/views/MenuBarContentView.h"
-#include "platform/UserDefaults.h"
+#include "platform/SettingsStore.h"
 #include "platform/x11/X11Connection.h"
 #include "platform/x11/X11Platform.h"
 #include "tests/support/VirtualDesktop.h"
@@ -29,7 +29,7 @@ TEST(PanelScreenshot, PanelWithEveryMonitorLightAndDark) {
     std::unique_ptr<X11Platform> platform = X11Platform::connect();
     ASSERT_NE(platform, nullptr);
     platform->install();
-    platform->services().userDefaults->setObject(QStringLiteral("autoCheckForUpdatesOnLaunch"), false);
+    platform->services().settings->setBool(QStringLiteral("autoCheckForUpdatesOnLaunch"), false);
 
     const QList<QRect> monitors = VirtualDesktop::layout();
     const QStringList colours{QStringLiteral("#4a7bd0"), QStringLiteral("#d0804a"), QStringLiteral("#4ab07a"),

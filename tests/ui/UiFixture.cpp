@@ -13,7 +13,7 @@ void UiTest::SetUp() {
     platform.sessionCheck.screenCaptureAvailable = true;
     platform.sessionCheck.windowControlAvailable = true;
     // The launch sequence would otherwise start an update check over the network.
-    platform.userDefaults.setObject(QStringLiteral("autoCheckForUpdatesOnLaunch"), false);
+    platform.settings.setBool(QStringLiteral("autoCheckForUpdatesOnLaunch"), false);
     setDisplayCount(2);
 }
 

@@ -292,7 +292,7 @@ TEST_F(UserVisibleText, StatusMessagesAndTheSupportMailNameNoMacFacility) {
     record("focused move to an absent display");
     controller().moveWindows(displays[0], displays[1]);
     record("move");
-    platform.loginItems.refusal = QStringLiteral("The autostart folder is read-only.");
+    platform.autostart.refusal = QStringLiteral("The autostart folder is read-only.");
     controller().setLaunchAtLogin(true);
     record("launch at login refused");
 

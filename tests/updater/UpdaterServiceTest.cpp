@@ -68,7 +68,7 @@ TEST_F(UpdaterServiceTest, SharedInstanceIsOneAndTheSame) {
 }
 
 TEST_F(UpdaterServiceTest, PreferenceOffAtStartLeavesAutomaticChecksOff) {
-    platform.userDefaults.setObject(QStringLiteral("autoCheckForUpdatesOnLaunch"), false);
+    platform.settings.setBool(QStringLiteral("autoCheckForUpdatesOnLaunch"), false);
     updater()->setAutomaticallyChecksForUpdates(true);
     AppController appController;
     EXPECT_FALSE(appController.autoCheckForUpdatesEnabled());
@@ -87,10 +87,10 @@ TEST_F(UpdaterServiceTest, TogglingThePreferenceTakesEffectWithoutRestart) {
     QSignalSpy changed(updater(), &Updater::automaticallyChecksForUpdatesChanged);
     appController.setAutoCheckForUpdatesEnabled(false);
     EXPECT_FALSE(updater()->automaticallyChecksForUpdates());
-    EXPECT_FALSE(platform.userDefaults.boolForKey(QStringLiteral("autoCheckForUpdatesOnLaunch")));
+    EXPECT_FALSE(platform.settings.boolValue(QStringLiteral("autoCheckForUpdatesOnLaunch")));
     appController.setAutoCheckForUpdatesEnabled(true);
     EXPECT_TRUE(updater()->automaticallyChecksForUpdates());
-    EXPECT_TRUE(platform.userDefaults.boolForKey(QStringLiteral("autoCheckForUpdatesOnLaunch")));
+    EXPECT_TRUE(platform.settings.boolValue(QStringLiteral("autoCheckForUpdatesOnLaunch")));
     EXPECT_EQ(changed.count(), 2);
 }
 

@@ -1,4 +1,4 @@
-#include "platform/x11/XdgLoginItems.h"
+#include "platform/xdg/XdgAutostart.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -7,9 +7,9 @@
 #include <QSaveFile>
 #include <QSettings>
 
-XdgLoginItems::XdgLoginItems(QString entryPath) : m_entryPath(std::move(entryPath)) {}
+XdgAutostart::XdgAutostart(QString entryPath) : m_entryPath(std::move(entryPath)) {}
 
-QString XdgLoginItems::standardPath() {
+QString XdgAutostart::standardPath() {
     QString base = qEnvironmentVariable("XDG_CONFIG_HOME");
     if (base.isEmpty()) {
         base = QDir::homePath() + QStringLiteral("/.config");
@@ -17,10 +17,10 @@ QString XdgLoginItems::standardPath() {
     return base + QStringLiteral("/autostart/lattica.desktop");
 }
 
-LoginItemStatus XdgLoginItems::status() {
+AutostartStatus XdgAutostart::status() {
     QFile file(m_entryPath);
     if (!file.open(QIODevice::ReadOnly)) {
-        return LoginItemStatus::NotRegistered;
+        return AutostartStatus::Disabled;
     }
     // Desktop entries are simple "Key=value" lines; a hidden or disabled entry does not start.
     while (!file.atEnd()) {
@@ -33,13 +33,13 @@ LoginItemStatus XdgLoginItems::status() {
         const QString value = line.mid(equals + 1).trimmed().toLower();
         if ((key == QLatin1String("Hidden") && value == QLatin1String("true")) ||
             (key == QLatin1String("X-GNOME-Autostart-enabled") && value == QLatin1String("false"))) {
-            return LoginItemStatus::NotRegistered;
+            return AutostartStatus::Disabled;
         }
     }
-    return LoginItemStatus::Enabled;
+    return AutostartStatus::Enabled;
 }
 
-bool XdgLoginItems::registerMainApp(QString* error) {
+bool XdgAutostart::enable(QString* error) {
     const QString directory = QFileInfo(m_entryPath).absolutePath();
     if (!QDir().mkpath(directory)) {
         *error = QStringLiteral("Cannot create the folder %1.").arg(directory);
@@ -66,7 +66,7 @@ bool XdgLoginItems::registerMainApp(QString* error) {
     return true;
 }
 
-bool XdgLoginItems::unregisterMainApp(QString* error) {
+bool XdgAutostart::disable(QString* error) {
     QFile file(m_entryPath);
     if (!file.exists()) {
         return true;

@@ -7,47 +7,47 @@
 
 #include "app/AppController.h"
 #include "platform/fake/FakePlatform.h"
-#include "platform/x11/XdgLoginItems.h"
+#include "platform/xdg/XdgAutostart.h"
 
 namespace {
 
-class XdgLoginItemsTest : public ::testing::Test {
+class XdgAutostartTest : public ::testing::Test {
 protected:
     QTemporaryDir directory;
     QString entryPath() const { return directory.filePath(QStringLiteral("autostart/lattica.desktop")); }
 };
 
-TEST_F(XdgLoginItemsTest, NoEntryIsNotRegistered) {
-    XdgLoginItems items(entryPath());
-    EXPECT_EQ(items.status(), LoginItemStatus::NotRegistered);
+TEST_F(XdgAutostartTest, NoEntryIsNotRegistered) {
+    XdgAutostart items(entryPath());
+    EXPECT_EQ(items.status(), AutostartStatus::Disabled);
 }
 
-TEST_F(XdgLoginItemsTest, RegisterWritesAnAutostartEntryAndUnregisterRemovesIt) {
-    XdgLoginItems items(entryPath());
+TEST_F(XdgAutostartTest, RegisterWritesAnAutostartEntryAndUnregisterRemovesIt) {
+    XdgAutostart items(entryPath());
     QString error;
-    ASSERT_TRUE(items.registerMainApp(&error)) << qPrintable(error);
-    EXPECT_EQ(items.status(), LoginItemStatus::Enabled);
+    ASSERT_TRUE(items.enable(&error)) << qPrintable(error);
+    EXPECT_EQ(items.status(), AutostartStatus::Enabled);
     QFile file(entryPath());
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     const QByteArray contents = file.readAll();
     EXPECT_TRUE(contents.startsWith("[Desktop Entry]\n"));
     EXPECT_TRUE(contents.contains("\nExec=\""));
-    ASSERT_TRUE(items.unregisterMainApp(&error));
-    EXPECT_EQ(items.status(), LoginItemStatus::NotRegistered);
+    ASSERT_TRUE(items.disable(&error));
+    EXPECT_EQ(items.status(), AutostartStatus::Disabled);
     EXPECT_FALSE(QFile::exists(entryPath()));
 }
 
-TEST_F(XdgLoginItemsTest, HiddenEntryIsNotEnabled) {
+TEST_F(XdgAutostartTest, HiddenEntryIsNotEnabled) {
     QDir().mkpath(directory.filePath(QStringLiteral("autostart")));
     QFile file(entryPath());
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
     file.write("[Desktop Entry]\nType=Application\nExec=lattica\nHidden=true\n");
     file.close();
-    XdgLoginItems items(entryPath());
-    EXPECT_EQ(items.status(), LoginItemStatus::NotRegistered);
+    XdgAutostart items(entryPath());
+    EXPECT_EQ(items.status(), AutostartStatus::Disabled);
 }
 
-TEST_F(XdgLoginItemsTest, UnwritableAutostartFolderGivesTheStatusMessageAndFalse) {
+TEST_F(XdgAutostartTest, UnwritableAutostartFolderGivesTheStatusMessageAndFalse) {
     if (::geteuid() == 0) {
         // Root writes anywhere; make the folder's place a file instead so that it cannot be created.
         QFile blocker(directory.filePath(QStringLiteral("autostart")));
@@ -57,7 +57,7 @@ TEST_F(XdgLoginItemsTest, UnwritableAutostartFolderGivesTheStatusMessageAndFalse
         QFile::setPermissions(directory.filePath(QStringLiteral("autostart")),
                               QFileDevice::ReadOwner | QFileDevice::ExeOwner);
     }
-    XdgLoginItems items(entryPath());
+    XdgAutostart items(entryPath());
     FakePlatform platform;
     Platform::install({.monitors = &platform.monitors,
                        .windowList = &platform.windowList,
@@ -65,8 +65,8 @@ TEST_F(XdgLoginItemsTest, UnwritableAutostartFolderGivesTheStatusMessageAndFalse
                        .windowControl = &platform.windowControl,
                        .hotKeys = &platform.hotKeys,
                        .keyboardLayout = &platform.keyboardLayout,
-                       .userDefaults = &platform.userDefaults,
-                       .loginItems = &items,
+                       .settings = &platform.settings,
+                       .autostart = &items,
                        .sessionCheck = &platform.sessionCheck,
                        .taskbarPresence = &platform.taskbarPresence,
                        .foregroundActivation = &platform.foregroundActivation,

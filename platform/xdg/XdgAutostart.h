@@ -1,18 +1,18 @@
 #pragma once
 
-#include "platform/LoginItems.h"
+#include "platform/Autostart.h"
 
 // Launch at login through an XDG autostart entry. Enabled means the entry exists and is not hidden.
-class XdgLoginItems : public LoginItems {
+class XdgAutostart : public Autostart {
 public:
-    explicit XdgLoginItems(QString entryPath);
+    explicit XdgAutostart(QString entryPath);
 
     // $XDG_CONFIG_HOME/autostart/lattica.desktop (~/.config when the variable is unset).
     static QString standardPath();
 
-    LoginItemStatus status() override;
-    bool registerMainApp(QString* error) override;
-    bool unregisterMainApp(QString* error) override;
+    AutostartStatus status() override;
+    bool enable(QString* error) override;
+    bool disable(QString* error) override;
 
 private:
     QString m_entryPath;

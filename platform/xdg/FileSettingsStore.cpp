@@ -1,4 +1,4 @@
-#include "platform/x11/FileUserDefaults.h"
+#include "platform/xdg/FileSettingsStore.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -12,7 +12,7 @@
 
 namespace {
 
-std::optional<QVariant> decodeValue(const QJsonValue& stored) {
+std::optional<SettingValue> decodeValue(const QJsonValue& stored) {
     if (!stored.isObject() || stored.toObject().size() != 1) {
         return std::nullopt;
     }
@@ -20,47 +20,44 @@ std::optional<QVariant> decodeValue(const QJsonValue& stored) {
     const QString type = object.begin().key();
     const QJsonValue value = object.begin().value();
     if (type == QLatin1String("bool") && value.isBool()) {
-        return QVariant(value.toBool());
+        return SettingValue(value.toBool());
     }
     if (type == QLatin1String("integer") && value.isDouble()) {
-        return QVariant(static_cast<qint64>(value.toDouble()));
+        return SettingValue(static_cast<qint64>(value.toDouble()));
     }
     if (type == QLatin1String("string") && value.isString()) {
-        return QVariant(value.toString());
+        return SettingValue(value.toString());
     }
     if (type == QLatin1String("data") && value.isString()) {
         const auto decoded =
             QByteArray::fromBase64Encoding(value.toString().toLatin1(), QByteArray::AbortOnBase64DecodingErrors);
         if (decoded) {
-            return QVariant(*decoded);
+            return SettingValue(*decoded);
         }
     }
     return std::nullopt;
 }
 
-QJsonValue encodeValue(const QVariant& value) {
-    switch (value.typeId()) {
-        case QMetaType::Bool:
-            return QJsonObject{{QStringLiteral("bool"), value.toBool()}};
-        case QMetaType::Int:
-        case QMetaType::UInt:
-        case QMetaType::LongLong:
-        case QMetaType::ULongLong:
-            return QJsonObject{{QStringLiteral("integer"), value.toLongLong()}};
-        case QMetaType::QByteArray:
-            return QJsonObject{{QStringLiteral("data"), QString::fromLatin1(value.toByteArray().toBase64())}};
-        default:
-            return QJsonObject{{QStringLiteral("string"), value.toString()}};
+QJsonValue encodeValue(const SettingValue& value) {
+    if (const bool* flag = std::get_if<bool>(&value)) {
+        return QJsonObject{{QStringLiteral("bool"), *flag}};
     }
+    if (const qint64* number = std::get_if<qint64>(&value)) {
+        return QJsonObject{{QStringLiteral("integer"), *number}};
+    }
+    if (const QByteArray* data = std::get_if<QByteArray>(&value)) {
+        return QJsonObject{{QStringLiteral("data"), QString::fromLatin1(data->toBase64())}};
+    }
+    return QJsonObject{{QStringLiteral("string"), std::get<QString>(value)}};
 }
 
 }  // namespace
 
-FileUserDefaults::FileUserDefaults(QString path) : m_path(std::move(path)) {
+FileSettingsStore::FileSettingsStore(QString path) : m_path(std::move(path)) {
     load();
 }
 
-QString FileUserDefaults::standardPath() {
+QString FileSettingsStore::standardPath() {
     QString base = qEnvironmentVariable("XDG_CONFIG_HOME");
     if (base.isEmpty()) {
         base = QDir::homePath() + QStringLiteral("/.config");
@@ -68,7 +65,7 @@ QString FileUserDefaults::standardPath() {
     return base + QStringLiteral("/lattica/defaults.json");
 }
 
-void FileUserDefaults::load() {
+void FileSettingsStore::load() {
     QFile file(m_path);
     if (!file.exists()) {
         return;
@@ -88,7 +85,7 @@ void FileUserDefaults::load() {
     const QJsonObject object = document.object();
     bool damaged = false;
     for (auto it = object.begin(); it != object.end(); ++it) {
-        const std::optional<QVariant> value = decodeValue(it.value());
+        const std::optional<SettingValue> value = decodeValue(it.value());
         if (value) {
             m_values.insert(it.key(), *value);
         } else {
@@ -105,7 +102,7 @@ void FileUserDefaults::load() {
     }
 }
 
-void FileUserDefaults::keepDamagedFile(const QString& reason) {
+void FileSettingsStore::keepDamagedFile(const QString& reason) {
     const QString kept =
         m_path + QStringLiteral(".corrupt-") + QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-hhmmss"));
     QFile::remove(kept);
@@ -115,7 +112,7 @@ void FileUserDefaults::keepDamagedFile(const QString& reason) {
         moved ? qPrintable(QStringLiteral("it is kept at ") + kept) : "it is left in place and will be replaced");
 }
 
-void FileUserDefaults::save() {
+void FileSettingsStore::save() {
     QJsonObject object;
     for (auto it = m_values.cbegin(); it != m_values.cend(); ++it) {
         object.insert(it.key(), encodeValue(it.value()));
@@ -129,29 +126,26 @@ void FileUserDefaults::save() {
     }
 }
 
-QVariant FileUserDefaults::object(const QString& key) const {
-    return m_values.value(key);
+std::optional<SettingValue> FileSettingsStore::value(const QString& key) const {
+    const auto found = m_values.constFind(key);
+    return found != m_values.constEnd() ? std::optional<SettingValue>(*found) : std::nullopt;
 }
 
-void FileUserDefaults::setObject(const QString& key, const QVariant& value) {
-    if (!value.isValid()) {
-        removeObject(key);
-        return;
-    }
+void FileSettingsStore::setValue(const QString& key, const SettingValue& value) {
     const auto existing = m_values.constFind(key);
-    if (existing != m_values.constEnd() && existing->typeId() == value.typeId() && *existing == value) {
+    if (existing != m_values.constEnd() && *existing == value) {
         return;  // nothing changes, so the file stays as it is
     }
     m_values.insert(key, value);
     save();
 }
 
-void FileUserDefaults::removeObject(const QString& key) {
+void FileSettingsStore::remove(const QString& key) {
     if (m_values.remove(key) > 0) {
         save();
     }
 }
 
-QStringList FileUserDefaults::keys() const {
+QStringList FileSettingsStore::keys() const {
     return m_values.keys();
 }

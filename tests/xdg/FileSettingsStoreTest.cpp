@@ -1,0 +1,216 @@
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "platform/xdg/FileSettingsStore.h"
+
+namespace {
+
+class FileSettingsStoreTest : public ::testing::Test {
+protected:
+    QTemporaryDir directory;
+    QString path() const { return directory.filePath(QStringLiteral("lattica/defaults.json")); }
+
+    void writeFile(const QByteArray& contents) {
+        QDir().mkpath(directory.filePath(QStringLiteral("lattica")));
+        QFile file(path());
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(contents);
+    }
+
+    QStringList keptCopies() const {
+        return QDir(directory.filePath(QStringLiteral("lattica")))
+            .entryList({QStringLiteral("defaults.json.corrupt-*")}, QDir::Files);
+    }
+};
+
+TEST_F(FileSettingsStoreTest, ValuesKeepTheirTypesAcrossARestart) {
+    {
+        FileSettingsStore store(path());
+        store.setBool(QStringLiteral("flag"), true);
+        store.setInteger(QStringLiteral("count"), 42);
+        store.setString(QStringLiteral("name"), QStringLiteral("Zoë"));
+        store.setData(QStringLiteral("blob"), QByteArray("\x00\x01[]", 4));
+    }
+    FileSettingsStore store(path());
+    EXPECT_EQ(store.value(QStringLiteral("flag")), SettingValue(true));
+    EXPECT_EQ(store.value(QStringLiteral("count")), SettingValue(qint64(42)));
+    EXPECT_EQ(store.value(QStringLiteral("name")), SettingValue(QStringLiteral("Zoë")));
+    EXPECT_EQ(store.value(QStringLiteral("blob")), SettingValue(QByteArray("\x00\x01[]", 4)));
+    EXPECT_EQ(store.keys(), (QStringList{QStringLiteral("blob"), QStringLiteral("count"), QStringLiteral("flag"),
+                                         QStringLiteral("name")}));
+}
+
+TEST_F(FileSettingsStoreTest, RemovedKeyIsGoneAfterARestart) {
+    {
+        FileSettingsStore store(path());
+        store.setBool(QStringLiteral("a"), true);
+        store.remove(QStringLiteral("a"));
+    }
+    FileSettingsStore store(path());
+    EXPECT_FALSE(store.contains(QStringLiteral("a")));
+}
+
+TEST_F(FileSettingsStoreTest, MissingFileIsAnEmptyStore) {
+    FileSettingsStore store(path());
+    EXPECT_TRUE(store.keys().isEmpty());
+    EXPECT_FALSE(QFile::exists(path()));
+}
+
+TEST_F(FileSettingsStoreTest, CorruptFileIsKeptBesideAndTheStoreStartsEmpty) {
+    writeFile("{ this is not json");
+    FileSettingsStore store(path());
+    EXPECT_TRUE(store.keys().isEmpty());
+    const QStringList copies = keptCopies();
+    ASSERT_EQ(copies.size(), 1);
+    QFile kept(directory.filePath(QStringLiteral("lattica/") + copies.first()));
+    ASSERT_TRUE(kept.open(QIODevice::ReadOnly));
+    EXPECT_EQ(kept.readAll(), QByteArray("{ this is not json"));
+    store.setBool(QStringLiteral("dockIconVisible"), false);
+    FileSettingsStore reread(path());
+    EXPECT_EQ(reread.value(QStringLiteral("dockIconVisible")), SettingValue(false));
+}
+
+TEST_F(FileSettingsStoreTest, DamagedEntryIsDroppedAndTheFileCopied) {
+    writeFile(R"({"good": {"bool": true}, "bad": {"integer": "x"}, "worse": 3})");
+    FileSettingsStore store(path());
+    EXPECT_EQ(store.value(QStringLiteral("good")), SettingValue(true));
+    EXPECT_FALSE(store.contains(QStringLiteral("bad")));
+    EXPECT_FALSE(store.contains(QStringLiteral("worse")));
+    EXPECT_EQ(keptCopies().size(), 1);
+}
+
+TEST_F(FileSettingsStoreTest, UnreadableFileIsMovedAside) {
+    writeFile(R"({"a": {"bool": true}})");
+    QFile::setPermissions(path(), QFileDevice::Permissions());
+    if (QFile(path()).open(QIODevice::ReadOnly)) {
+        GTEST_SKIP() << "running as a user that reads any file";
+    }
+    FileSettingsStore store(path());
+    EXPECT_TRUE(store.keys().isEmpty());
+    EXPECT_EQ(keptCopies().size(), 1);
+}
+
+TEST_F(FileSettingsStoreTest, EveryWriteReplacesTheFileAtomically) {
+    FileSettingsStore store(path());
+    store.setBool(QStringLiteral("a"), true);
+    // No temporary files are left behind after a write.
+    const QStringList files = QDir(directory.filePath(QStringLiteral("lattica"))).entryList(QDir::Files);
+    EXPECT_EQ(files, QStringList{QStringLiteral("defaults.json")});
+}
+
+}  // namespace
+
+namespace {
+
+TEST_F(FileSettingsStoreTest, WriteSurvivesAKillRightAfterIt) {
+    const pid_t child = ::fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+        FileSettingsStore store(path());
+        store.setInteger(QStringLiteral("before"), 1);
+        store.setString(QStringLiteral("lastWrite"), QStringLiteral("kept"));
+        ::raise(SIGKILL);
+        ::_exit(0);
+    }
+    int status = 0;
+    ASSERT_EQ(::waitpid(child, &status, 0), child);
+    ASSERT_TRUE(WIFSIGNALED(status));
+    FileSettingsStore store(path());
+    EXPECT_EQ(store.value(QStringLiteral("before")), SettingValue(qint64(1)));
+    EXPECT_EQ(store.value(QStringLiteral("lastWrite")), SettingValue(QStringLiteral("kept")));
+    EXPECT_TRUE(keptCopies().isEmpty());
+}
+
+}  // namespace
+
+namespace {
+
+TEST_F(FileSettingsStoreTest, StoringTheSameValueAgainLeavesTheFileAlone) {
+    FileSettingsStore store(path());
+    store.setData(QStringLiteral("a"), QByteArray("[1]"));
+    QFile::remove(path());
+    store.setData(QStringLiteral("a"), QByteArray("[1]"));
+    EXPECT_FALSE(QFile::exists(path())) << "an unchanged value was written again";
+    store.setString(QStringLiteral("a"), QStringLiteral("[1]"));
+    EXPECT_TRUE(QFile::exists(path())) << "a value of another type is a change";
+}
+
+}  // namespace
+
+namespace {
+
+// A file as the store has always written it: every type, keys in order, four-space indentation.
+constexpr char kStoredFile[] = R"({
+    "KeyboardShortcuts_moveFocusedWindowToDisplay.v16-m32-s7": {
+        "string": "{\"carbonKeyCode\":40,\"carbonModifiers\":4352}"
+    },
+    "adjustWindowSizeToTargetScreen": {
+        "bool": false
+    },
+    "count": {
+        "integer": -9007199254740991
+    },
+    "dockIconVisible": {
+        "bool": true
+    },
+    "shortcutDisplayRecords.v1": {
+        "data": "W3siaWQiOiJ2MTYtbTMyLXM3In1d"
+    }
+}
+)";
+
+TEST_F(FileSettingsStoreTest, AFileOfEarlierVersionsReadsBackIdentically) {
+    writeFile(kStoredFile);
+    FileSettingsStore store(path());
+    EXPECT_EQ(store.keys(),
+              (QStringList{QStringLiteral("KeyboardShortcuts_moveFocusedWindowToDisplay.v16-m32-s7"),
+                           QStringLiteral("adjustWindowSizeToTargetScreen"), QStringLiteral("count"),
+                           QStringLiteral("dockIconVisible"), QStringLiteral("shortcutDisplayRecords.v1")}));
+    EXPECT_EQ(store.value(QStringLiteral("KeyboardShortcuts_moveFocusedWindowToDisplay.v16-m32-s7")),
+              SettingValue(QStringLiteral("{\"carbonKeyCode\":40,\"carbonModifiers\":4352}")));
+    EXPECT_EQ(store.value(QStringLiteral("adjustWindowSizeToTargetScreen")), SettingValue(false));
+    EXPECT_EQ(store.value(QStringLiteral("count")), SettingValue(qint64(-9007199254740991)));
+    EXPECT_EQ(store.value(QStringLiteral("dockIconVisible")), SettingValue(true));
+    EXPECT_EQ(store.value(QStringLiteral("shortcutDisplayRecords.v1")),
+              SettingValue(QByteArray(R"([{"id":"v16-m32-s7"}])")));
+    EXPECT_TRUE(keptCopies().isEmpty());
+
+    // Writing it back gives the same bytes.
+    store.setBool(QStringLiteral("dockIconVisible"), false);
+    store.setBool(QStringLiteral("dockIconVisible"), true);
+    QFile file(path());
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_EQ(file.readAll(), QByteArray(kStoredFile));
+}
+
+TEST_F(FileSettingsStoreTest, TypedReadsCoerceAsThePreferencesExpect) {
+    FileSettingsStore store(path());
+    store.setString(QStringLiteral("yes"), QStringLiteral(" YES "));
+    store.setString(QStringLiteral("seven"), QStringLiteral("7"));
+    store.setString(QStringLiteral("word"), QStringLiteral("no"));
+    store.setInteger(QStringLiteral("two"), 2);
+    store.setBool(QStringLiteral("on"), true);
+    store.setData(QStringLiteral("blob"), QByteArray("1"));
+    EXPECT_TRUE(store.boolValue(QStringLiteral("yes")));
+    EXPECT_TRUE(store.boolValue(QStringLiteral("seven")));
+    EXPECT_FALSE(store.boolValue(QStringLiteral("word")));
+    EXPECT_TRUE(store.boolValue(QStringLiteral("two")));
+    EXPECT_FALSE(store.boolValue(QStringLiteral("blob")));
+    EXPECT_FALSE(store.boolValue(QStringLiteral("absent")));
+    EXPECT_EQ(store.integerValue(QStringLiteral("seven")), 7);
+    EXPECT_EQ(store.integerValue(QStringLiteral("on")), 1);
+    EXPECT_EQ(store.integerValue(QStringLiteral("blob")), 0);
+    EXPECT_EQ(store.stringValue(QStringLiteral("seven")), QStringLiteral("7"));
+    EXPECT_EQ(store.stringValue(QStringLiteral("two")), std::nullopt);
+    EXPECT_EQ(store.dataValue(QStringLiteral("blob")), QByteArray("1"));
+    EXPECT_EQ(store.dataValue(QStringLiteral("seven")), std::nullopt);
+}
+
+}  // namespace
