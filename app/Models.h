@@ -11,7 +11,7 @@
 
 // One connected display at one moment.
 struct DisplayDescriptor {
-    CGDirectDisplayID id = 0;
+    MonitorId id = 0;
     QString persistentID;
     int index = 0;  // 1-based position in the platform's screen order
     QString name;
@@ -31,7 +31,7 @@ struct DisplayAppGroup {
 
 // One display as the panel shows it.
 struct DisplaySnapshot {
-    CGDirectDisplayID id = 0;
+    MonitorId id = 0;
     QString persistentID;
     int index = 0;
     QString name;

@@ -13,7 +13,7 @@
 struct Monitor {
     // The display number while the monitor stays connected; 0 when the monitor has none, which leaves it
     // unaddressable (the core skips such a monitor).
-    CGDirectDisplayID id = 0;
+    MonitorId id = 0;
     QString name;
     QRectF bounds;
     bool primary = false;
@@ -40,7 +40,7 @@ public:
     virtual QList<Monitor> monitors() = 0;
     // A full-resolution picture of the monitor's current contents; a null image when it cannot be taken.
     // Safe to call from any thread.
-    virtual QImage capture(CGDirectDisplayID id) = 0;
+    virtual QImage capture(MonitorId id) = 0;
 
 Q_SIGNALS:
     // Emitted once per monitor configuration change, on the main thread.

@@ -8,5 +8,4 @@
 // Plain values shared by the platform services and the core.
 
 // The platform's number for a connected display; stable only while it stays connected.
-using CGDirectDisplayID = quint32;
-
+using MonitorId = quint32;

@@ -7,7 +7,7 @@ void FakeMonitors::changeMonitors(const QList<Monitor>& monitors) {
     Q_EMIT changed();
 }
 
-QImage FakeMonitors::capture(CGDirectDisplayID id) {
+QImage FakeMonitors::capture(MonitorId id) {
     ++m_captureCount;
     // Tests script monitors and pictures before captures start, so reading them here from another thread is
     // safe. A monitor that is not connected gives no picture, as on a real desktop.

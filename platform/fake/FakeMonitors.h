@@ -14,15 +14,15 @@ public:
     // Replaces them and emits the change signal, as a real configuration change would.
     void changeMonitors(const QList<Monitor>& monitors);
     // What capture returns for the monitor; a null image (the default) means the capture fails.
-    void setPicture(CGDirectDisplayID id, const QImage& picture) { m_pictures.insert(id, picture); }
-    QImage picture(CGDirectDisplayID id) const { return m_pictures.value(id); }
+    void setPicture(MonitorId id, const QImage& picture) { m_pictures.insert(id, picture); }
+    QImage picture(MonitorId id) const { return m_pictures.value(id); }
     int captureCount() const { return m_captureCount; }
 
     QList<Monitor> monitors() override { return m_monitors; }
-    QImage capture(CGDirectDisplayID id) override;
+    QImage capture(MonitorId id) override;
 
 private:
     QList<Monitor> m_monitors;
-    QHash<CGDirectDisplayID, QImage> m_pictures;
+    QHash<MonitorId, QImage> m_pictures;
     std::atomic<int> m_captureCount = 0;
 };

@@ -2,8 +2,8 @@
 
 FakePlatform::FakePlatform() {
     Platform::install({&monitors, &windowList, &runningApplications, &windowControl, &hotKeys, &keyboardLayout,
-                       &settings, &autostart, &sessionCheck, &taskbarPresence, &foregroundActivation,
-                       &desktopLauncher, &systemInfo});
+                       &settings, &autostart, &sessionCheck, &taskbarPresence, &foregroundActivation, &desktopLauncher,
+                       &systemInfo});
 }
 
 FakePlatform::~FakePlatform() {

@@ -209,7 +209,7 @@ QList<Monitor> X11Monitors::monitors() {
     return monitors;
 }
 
-QImage X11Monitors::capture(CGDirectDisplayID id) {
+QImage X11Monitors::capture(MonitorId id) {
     QRect rect;
     {
         QMutexLocker lock(&m_rectMutex);

@@ -19,7 +19,7 @@ public:
     ~X11Monitors() override;
 
     QList<Monitor> monitors() override;
-    QImage capture(CGDirectDisplayID id) override;
+    QImage capture(MonitorId id) override;
 
 private:
     // A monitor as RandR reports it, in root coordinates.
@@ -47,6 +47,6 @@ private:
     QByteArray m_lastSignature;
     QList<RandrMonitor> m_signalledMonitors;  // the configuration last announced
     QMutex m_rectMutex;
-    QHash<CGDirectDisplayID, QRect> m_rootRects;  // read by capture threads
+    QHash<MonitorId, QRect> m_rootRects;  // read by capture threads
     X11Capture m_capture;
 };

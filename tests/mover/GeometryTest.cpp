@@ -8,7 +8,7 @@
 
 namespace {
 
-DisplaySnapshot display(CGDirectDisplayID id, const QRectF& bounds) {
+DisplaySnapshot display(MonitorId id, const QRectF& bounds) {
     DisplaySnapshot snapshot;
     snapshot.id = id;
     snapshot.bounds = bounds;

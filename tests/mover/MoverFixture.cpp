@@ -31,7 +31,7 @@ void TraceCapture::handler(QtMsgType type, const QMessageLogContext& context, co
     }
 }
 
-DisplaySnapshot MoverTest::display(CGDirectDisplayID id, const QString& name, int index, const QRectF& bounds) {
+DisplaySnapshot MoverTest::display(MonitorId id, const QString& name, int index, const QRectF& bounds) {
     DisplaySnapshot snapshot;
     snapshot.id = id;
     snapshot.persistentID = QStringLiteral("display-%1").arg(id);

@@ -38,7 +38,7 @@ private:
 // A fake desktop with two displays side by side and helpers to script applications and windows.
 class MoverTest : public ::testing::Test {
 protected:
-    static DisplaySnapshot display(CGDirectDisplayID id, const QString& name, int index, const QRectF& bounds);
+    static DisplaySnapshot display(MonitorId id, const QString& name, int index, const QRectF& bounds);
 
     // A regular application with one window that both the window list and the window control report.
     void addWindow(pid_t pid, qint64 number, const QRectF& frame, const QString& ownerName = QStringLiteral("Editor"));

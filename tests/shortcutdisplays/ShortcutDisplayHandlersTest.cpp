@@ -14,7 +14,7 @@ using KeyboardShortcuts::Shortcut;
 
 constexpr int kControlOption = 0x1000 | 0x800;
 
-Monitor display(CGDirectDisplayID id, const QString& name, quint32 serial, qreal x = 0) {
+Monitor display(MonitorId id, const QString& name, quint32 serial, qreal x = 0) {
     return {.id = id, .name = name, .bounds = QRectF(x, 0, 1920, 1080), .vendor = 16, .model = 32, .serial = serial};
 }
 

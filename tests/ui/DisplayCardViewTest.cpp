@@ -39,7 +39,7 @@ protected:
 
     static DisplaySnapshot snapshot(int index, std::optional<int> visible = std::nullopt) {
         DisplaySnapshot display;
-        display.id = static_cast<CGDirectDisplayID>(index);
+        display.id = static_cast<MonitorId>(index);
         display.index = index;
         display.name = QStringLiteral("Screen %1").arg(index);
         display.visibleWindowCount = visible;

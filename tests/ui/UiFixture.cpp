@@ -27,7 +27,7 @@ void UiTest::setDisplayCount(int count) {
     for (int i = 0; i < count; ++i) {
         QImage picture(192, 108, QImage::Format_RGB32);
         picture.fill(QColor::fromHsv((i * 70) % 360, 160, 200));
-        const auto id = static_cast<CGDirectDisplayID>(i + 1);
+        const auto id = static_cast<MonitorId>(i + 1);
         displays.append({.id = id,
                          .name = QStringLiteral("Display %1").arg(i + 1),
                          .bounds = QRectF(i * 1920, 0, 1920, 1080),

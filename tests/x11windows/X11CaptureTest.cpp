@@ -16,7 +16,7 @@ namespace {
 class X11CaptureTest : public X11DesktopFixture {
 protected:
     // The display whose bounds are the monitor's, in the global space.
-    std::optional<CGDirectDisplayID> displayFor(const QRect& monitor) {
+    std::optional<MonitorId> displayFor(const QRect& monitor) {
         for (const Monitor& candidate : Platform::services().monitors->monitors()) {
             if (candidate.bounds == QRectF(monitor)) {
                 return candidate.id;
