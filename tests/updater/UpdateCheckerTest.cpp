@@ -36,6 +36,19 @@ protected:
 
     QUrl feedURL() const { return server.url(QStringLiteral("/appcast.xml")); }
 
+    // Runs a second checker against a feed that never answers, with a deadline three times the given one,
+    // and waits for it to report its time-out. Anything left armed or queued by a check started earlier
+    // with the given deadline has been delivered by then.
+    void waitPastADeadlineOf(std::chrono::milliseconds deadline) {
+        server.setRoute(QStringLiteral("/never.xml"), {200, {}, {}, true});
+        UpdateChecker barrier;
+        barrier.setTimeout(deadline * 3);
+        QSignalSpy barrierFinished(&barrier, &UpdateChecker::finished);
+        barrier.start({server.url(QStringLiteral("/never.xml")), QStringLiteral("1.0"), QStringLiteral("12")});
+        ASSERT_TRUE(barrierFinished.wait(10000));
+        EXPECT_EQ(barrierFinished.first().first().value<UpdateCheckResult>().outcome, Outcome::Failed);
+    }
+
     LoopbackHttpServer server;
     UpdateChecker checker;
 };
@@ -205,18 +218,20 @@ TEST_F(UpdateCheckerTest, CancelledCheckReportsNothing) {
     EXPECT_TRUE(QTest::qWaitFor([this] { return !server.requestedPaths().isEmpty(); }, 5000));
     checker.cancel();
     EXPECT_FALSE(checker.isRunning());
-    QTest::qWait(400);
+    waitPastADeadlineOf(std::chrono::milliseconds(100));
     EXPECT_EQ(finished.count(), 0);
 }
 
 TEST_F(UpdateCheckerTest, ANewCheckReplacesARunningOne) {
     server.setRoute(QStringLiteral("/slow.xml"), {200, {}, {}, true});
     serveFeed({{QStringLiteral("1.1"), {}, {}}});
+    // A short deadline: if the replaced check were still armed, it would report a time-out below.
+    checker.setTimeout(std::chrono::milliseconds(500));
     QSignalSpy finished(&checker, &UpdateChecker::finished);
     checker.start({server.url(QStringLiteral("/slow.xml")), QStringLiteral("1.0"), QStringLiteral("12")});
     checker.start({feedURL(), QStringLiteral("1.0"), QStringLiteral("12")});
     ASSERT_TRUE(finished.wait(10000));
-    QTest::qWait(50);
+    waitPastADeadlineOf(std::chrono::milliseconds(500));
     ASSERT_EQ(finished.count(), 1);
     EXPECT_EQ(finished.first().first().value<UpdateCheckResult>().outcome, Outcome::UpdateAvailable);
 }
