@@ -1,4 +1,5 @@
 #include <QLabel>
+#include <QPointer>
 #include <QToolButton>
 
 #include "KeyboardShortcuts/Name.h"
@@ -121,7 +122,7 @@ TEST_F(SettingsShortcutsSectionTest, DeleteButtonForgetsTheDisconnectedDisplay) 
     platform.monitors.setMonitors({mainDisplay()});
     controller->refreshShortcutDisplays();
     ASSERT_EQ(section->disconnectedRows().size(), 1);
-    QToolButton* remove = section->disconnectedRows().first()->deleteButton();
+    const QPointer<QToolButton> remove = section->disconnectedRows().first()->deleteButton();
     QTest::mouseClick(remove, Qt::LeftButton);
     EXPECT_TRUE(controller->disconnectedShortcutDisplays().isEmpty());
     EXPECT_TRUE(section->disconnectedRows().isEmpty());
@@ -129,9 +130,8 @@ TEST_F(SettingsShortcutsSectionTest, DeleteButtonForgetsTheDisconnectedDisplay) 
     for (const ShortcutDisplayRecord& record : controller->shortcutDisplayRecords()) {
         EXPECT_NE(record.id, studioID());
     }
-    // The old row goes away on the next turn of the event loop, without harm.
-    QTest::qWait(0);
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    // The old row goes away once the event loop runs again, without harm.
+    EXPECT_TRUE(QTest::qWaitFor([&] { return remove.isNull(); }, 5000));
     EXPECT_TRUE(view->findChildren<QToolButton*>(QStringLiteral("deleteShortcutMapping")).isEmpty());
 }
 
