@@ -124,8 +124,4 @@ TEST_F(AppControllerPreferencesTest, PermissionStateIsReadAtConstruction) {
     EXPECT_FALSE(controller.permissionState().accessibilityGranted);
 }
 
-TEST_F(AppControllerPreferencesTest, SharedReturnsOneInstance) {
-    EXPECT_EQ(&AppController::shared(), &AppController::shared());
-}
-
 }  // namespace

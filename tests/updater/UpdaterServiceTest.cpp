@@ -59,12 +59,13 @@ TEST_F(UpdaterServiceTest, FeedUrlIsTheBuildsAppcastUnlessTheEnvironmentOverride
     EXPECT_EQ(delegate.feedURLString(), server.url(QStringLiteral("/appcast.xml")).toString());
     qunsetenv("LATTICA_APPCAST_URL");
     EXPECT_EQ(delegate.feedURLString(), QString::fromLatin1(BuildConfig::kAppcastUrl));
-    EXPECT_EQ(delegate.feedURLString(), delegate.feedURLString());
 }
 
-TEST_F(UpdaterServiceTest, SharedInstanceIsOneAndTheSame) {
-    EXPECT_EQ(&UpdaterService::shared(), &UpdaterService::shared());
-    EXPECT_EQ(UpdaterService::shared().updaterController()->updater(), updater());
+TEST_F(UpdaterServiceTest, SharedUpdaterReadsTheFeedItsDelegateNames) {
+    EXPECT_EQ(updater()->feedURL(), server.url(QStringLiteral("/appcast.xml")));
+    const QUrl elsewhere = server.url(QStringLiteral("/elsewhere.xml"));
+    qputenv("LATTICA_APPCAST_URL", elsewhere.toString().toUtf8());
+    EXPECT_EQ(updater()->feedURL(), elsewhere);
 }
 
 TEST_F(UpdaterServiceTest, PreferenceOffAtStartLeavesAutomaticChecksOff) {
