@@ -2,6 +2,7 @@
 
 #include <QCoreApplication>
 #include <algorithm>
+#include <memory>
 
 #include "KeyboardShortcuts/KeyboardShortcuts.h"
 #include "app/AppController.h"
@@ -19,6 +20,8 @@ using KeyboardShortcuts::Shortcut;
 // Control-Option-2: Carbon key code 19 with the control and option bits.
 constexpr int kTwoKeyCode = 19;
 constexpr int kControlOption = 0x1000 | 0x800;
+// Control-Option-F8, the sentinel.
+constexpr int kF8KeyCode = 100;
 
 class PerDisplayShortcutDesktopTest : public ::testing::Test {
 protected:
@@ -52,6 +55,23 @@ protected:
                  QStringLiteral("keyup"), QStringLiteral("Control_L")});
     }
 
+    // Types F8 while Control and Option are down, and waits until its handler has run and what that
+    // handler queued has run: everything typed before it, and any move queued for it, has been handled.
+    bool settleWithKeysDown() {
+        const Name sentinel(QStringLiteral("sentinel"));
+        KeyboardShortcuts::setShortcut(Shortcut(kF8KeyCode, kControlOption), sentinel);
+        const auto handled = std::make_shared<int>(0);
+        KeyboardShortcuts::onKeyDown(sentinel, [handled] {
+            QMetaObject::invokeMethod(
+                QCoreApplication::instance(), [handled] { ++*handled; }, Qt::QueuedConnection);
+        });
+        xdotool({QStringLiteral("key"), QStringLiteral("F8")});
+        const bool settled = VirtualDesktop::waitUntil([&] { return *handled > 0; });
+        KeyboardShortcuts::removeHandler(sentinel);
+        KeyboardShortcuts::setShortcut(std::nullopt, sentinel);
+        return settled;
+    }
+
     std::unique_ptr<X11Platform> m_platform;
     TestClient m_client;
 };
@@ -72,7 +92,7 @@ TEST_F(PerDisplayShortcutDesktopTest, ReleasingADisplaysShortcutMovesTheFocusedW
 
     // Nothing moves while the keys are down.
     pressShortcut();
-    VirtualDesktop::waitUntil([] { return false; }, 300);
+    ASSERT_TRUE(settleWithKeysDown());
     EXPECT_TRUE(displays.at(0).bounds.contains(frame(window).center()));
     EXPECT_TRUE(controller.statusMessage().isEmpty());
 
