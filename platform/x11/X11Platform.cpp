@@ -1,6 +1,6 @@
 #include "platform/x11/X11Platform.h"
 
-#include "platform/x11/LinuxSystemInfo.h"
+#include "platform/xdg/LinuxSystemInfo.h"
 #include "platform/x11/X11Connection.h"
 #include "platform/x11/X11ForegroundActivation.h"
 #include "platform/x11/X11HotKeys.h"
@@ -13,7 +13,7 @@
 #include "platform/x11/X11WindowControl.h"
 #include "platform/x11/X11WindowDesktopEntries.h"
 #include "platform/x11/X11WindowList.h"
-#include "platform/x11/XdgDesktopLauncher.h"
+#include "platform/xdg/XdgDesktopLauncher.h"
 #include "platform/xdg/FileSettingsStore.h"
 #include "platform/xdg/XdgAutostart.h"
 

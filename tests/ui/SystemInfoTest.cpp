@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "platform/x11/LinuxSystemInfo.h"
+#include "platform/xdg/LinuxSystemInfo.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "platform/x11/XdgDesktopLauncher.h"
+#include "platform/xdg/XdgDesktopLauncher.h"
 
 #include <QDesktopServices>
 

@@ -1,4 +1,4 @@
-#include "platform/x11/LinuxSystemInfo.h"
+#include "platform/xdg/LinuxSystemInfo.h"
 
 #include <sys/utsname.h>
 
