@@ -111,14 +111,15 @@ void UpdateChecker::start(const Request& request) {
         if (reply != m_reply) {
             return;
         }
-        QString refusal;
-        if (isAllowedFeedURL(target, &refusal)) {
+        QString redirectRefusal;
+        if (isAllowedFeedURL(target, &redirectRefusal)) {
             Q_EMIT reply->redirectAllowed();
             return;
         }
-        qCDebug(lcUpdateChecker) << "refused redirect to" << target << refusal;
+        qCDebug(lcUpdateChecker) << "refused redirect to" << target << redirectRefusal;
         cancel();
-        finishWith(failure(QStringLiteral("The update feed moved to an address that is not allowed: %1").arg(refusal)));
+        finishWith(failure(
+            QStringLiteral("The update feed moved to an address that is not allowed: %1").arg(redirectRefusal)));
     });
     connect(reply, &QNetworkReply::downloadProgress, this, [this, reply](qint64 received, qint64) {
         if (reply == m_reply && received > kMaximumFeedSize) {

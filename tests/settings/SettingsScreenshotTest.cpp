@@ -108,6 +108,8 @@ TEST_P(SettingsScreenshotTest, EverySectionRendersWithThePalettesColours) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Palettes, SettingsScreenshotTest, ::testing::Values(false, true),
-                         [](const ::testing::TestParamInfo<bool>& info) { return info.param ? "Dark" : "Light"; });
+                         [](const ::testing::TestParamInfo<bool>& palette) {
+                             return palette.param ? "Dark" : "Light";
+                         });
 
 }  // namespace

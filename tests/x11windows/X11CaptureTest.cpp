@@ -47,26 +47,27 @@ TEST_F(X11CaptureTest, KnownColourIsFoundAtTheWindowsPixelsOnTheRightMonitor) {
     const QRect monitor = monitors().value(1);
     const auto display = displayFor(monitor);
     ASSERT_TRUE(display.has_value());
-    const QRect client = clientRect(window).translated(-globalOrigin - monitor.topLeft());
-    ASSERT_FALSE(client.isEmpty());
+    const QRect clientArea = clientRect(window).translated(-globalOrigin - monitor.topLeft());
+    ASSERT_FALSE(clientArea.isEmpty());
     QImage image;
     // The server paints the background when the window is exposed; look until it has.
     EXPECT_TRUE(VirtualDesktop::waitUntil([&] {
         image = Platform::services().monitors->capture(*display);
-        return !image.isNull() && QColor(image.pixel(client.center())) == colour;
+        return !image.isNull() && QColor(image.pixel(clientArea.center())) == colour;
     }));
     ASSERT_FALSE(image.isNull());
     EXPECT_EQ(image.size(), monitor.size());
-    for (const QPoint corner : {client.topLeft(), client.bottomRight(), client.topRight(), client.bottomLeft()}) {
+    for (const QPoint corner :
+         {clientArea.topLeft(), clientArea.bottomRight(), clientArea.topRight(), clientArea.bottomLeft()}) {
         EXPECT_EQ(QColor(image.pixel(corner)), colour);
     }
-    EXPECT_NE(QColor(image.pixel(client.topLeft() - QPoint(1, 1))), colour);
+    EXPECT_NE(QColor(image.pixel(clientArea.topLeft() - QPoint(1, 1))), colour);
     // The same spot on the first monitor shows something else.
     const auto first = displayFor(monitors().value(0));
     ASSERT_TRUE(first.has_value());
     const QImage other = Platform::services().monitors->capture(*first);
     ASSERT_FALSE(other.isNull());
-    EXPECT_NE(QColor(other.pixel(client.center())), colour);
+    EXPECT_NE(QColor(other.pixel(clientArea.center())), colour);
 }
 
 TEST_F(X11CaptureTest, SharedMemoryAndGetImageGiveTheSamePicture) {
