@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <QTest>
+#include <QThreadPool>
 #include <memory>
 
 #include "app/AppController.h"
@@ -40,6 +41,8 @@ protected:
     void TearDown() override {
         view.reset();
         controller.reset();
+        // A panel refresh may still be capturing on the pool, reading the fake platform that goes next.
+        QThreadPool::globalInstance()->waitForDone();
         qunsetenv("LATTICA_APPCAST_URL");
     }
 
