@@ -5,7 +5,7 @@
 class AppController;
 class SettingsToggle;
 
-// Launch at login, the Dock icon and resizing on moves.
+// Launch at login, showing in the taskbar and resizing on moves.
 class SettingsBehaviorSection : public QWidget {
     Q_OBJECT
 public:
