@@ -8,7 +8,7 @@
 #include <QUuid>
 #include <QWidget>
 
-#include "app/Models.h"
+#include "app/model/Models.h"
 
 class QScreen;
 class UpdaterService;

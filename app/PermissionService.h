@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/Models.h"
+#include "app/model/Models.h"
 
 // Reads what the session allows and opens the pages that explain it. Stateless.
 namespace PermissionService {

@@ -5,7 +5,7 @@
 #include <QSet>
 #include <optional>
 
-#include "app/Models.h"
+#include "app/model/Models.h"
 #include "platform/Monitors.h"
 #include "platform/WindowControl.h"
 #include "platform/WindowList.h"

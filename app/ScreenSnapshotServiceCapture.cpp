@@ -1,4 +1,4 @@
-#include "app/Geometry.h"
+#include "app/model/Geometry.h"
 #include "app/ScreenSnapshotService.h"
 #include "platform/Monitors.h"
 #include "platform/Platform.h"

@@ -4,7 +4,7 @@
 #include <QList>
 #include <optional>
 
-#include "app/Models.h"
+#include "app/model/Models.h"
 
 // The stored form of the remembered displays: a compact JSON array of objects with the keys
 // "id", "lastKnownName" and "lastKnownIndex", in that order; the index is left out when unknown.

@@ -9,7 +9,7 @@
 #include <QString>
 #include <optional>
 
-#include "app/Models.h"
+#include "app/model/Models.h"
 #include "platform/WindowControl.h"
 #include "platform/WindowList.h"
 

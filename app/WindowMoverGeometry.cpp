@@ -1,7 +1,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "app/Geometry.h"
+#include "app/model/Geometry.h"
 #include "app/WindowMover.h"
 
 NormalizedRect WindowMover::normalizedRect(const QRectF& frame, const QRectF& container) {

@@ -1,7 +1,7 @@
 #include <QStringList>
 #include <cmath>
 
-#include "app/Geometry.h"
+#include "app/model/Geometry.h"
 #include "app/WindowMoveLog.h"
 #include "app/WindowMover.h"
 #include "platform/Platform.h"

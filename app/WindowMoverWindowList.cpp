@@ -1,4 +1,4 @@
-#include "app/Geometry.h"
+#include "app/model/Geometry.h"
 #include "app/WindowListFilters.h"
 #include "app/WindowMover.h"
 #include "platform/Platform.h"

@@ -6,7 +6,7 @@
 #include <QPointer>
 #include <QWidget>
 
-#include "app/Models.h"
+#include "app/model/Models.h"
 
 class AppController;
 class QLabel;

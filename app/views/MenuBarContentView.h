@@ -3,7 +3,7 @@
 #include <QList>
 #include <QWidget>
 
-#include "app/Models.h"
+#include "app/model/Models.h"
 
 class AppController;
 class DisplayCardView;

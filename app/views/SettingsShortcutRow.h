@@ -2,7 +2,7 @@
 
 #include <QWidget>
 
-#include "app/Models.h"
+#include "app/model/Models.h"
 
 class QLabel;
 class QToolButton;

@@ -4,7 +4,7 @@
 #include <QWidget>
 #include <optional>
 
-#include "app/Models.h"
+#include "app/model/Models.h"
 
 class AppController;
 class QLabel;

@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "app/Geometry.h"
+#include "app/model/Geometry.h"
 #include "app/WindowMoveLog.h"
 #include "app/WindowMover.h"
 

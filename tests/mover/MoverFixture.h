@@ -6,7 +6,7 @@
 #include <QStringList>
 #include <ostream>
 
-#include "app/Models.h"
+#include "app/model/Models.h"
 #include "app/WindowMover.h"
 #include "platform/fake/FakePlatform.h"
 
