@@ -2,17 +2,16 @@
 #include <algorithm>
 
 #include "app/ScreenSnapshotService.h"
-#include "app/WindowListFilters.h"
-#include "app/WindowMover.h"
+#include "app/windows/WindowListFilters.h"
 #include "platform/Platform.h"
 
 std::optional<WindowRole> ScreenSnapshotService::role(WindowId window) {
-    const Reading<WindowRole> reading = WindowMover::windowControl()->role(window);
+    const Reading<WindowRole> reading = Platform::services().windowControl->role(window);
     return reading.result == Result::Ok ? reading.value : std::nullopt;
 }
 
 QHash<pid_t, AXWindowMetadata> ScreenSnapshotService::axWindowMetadataByOwnerPID(const QSet<pid_t>& pids) {
-    WindowControl* control = WindowMover::windowControl();
+    WindowControl* control = Platform::services().windowControl;
     const QList<pid_t> owners(pids.cbegin(), pids.cend());
 
     // First batch: both window lists of every application.
@@ -29,7 +28,9 @@ QHash<pid_t, AXWindowMetadata> ScreenSnapshotService::axWindowMetadataByOwnerPID
             anyListRead = anyListRead || list.result == Result::Ok;
             if (list.result == Result::Ok && list.value) {
                 for (WindowId window : *list.value) {
-                    WindowMover::appendUnique(window, merged);
+                    if (!merged.contains(window)) {
+                        merged.append(window);
+                    }
                 }
             }
         }
@@ -49,7 +50,7 @@ QHash<pid_t, AXWindowMetadata> ScreenSnapshotService::axWindowMetadataByOwnerPID
         for (WindowId window : windowsByOwner[i]) {
             const Reading<WindowRole> role = facts.value(next++).role;
             all.insert(window);
-            if (role.result != Result::Ok || !role.value || WindowMover::isMovableRole(*role.value)) {
+            if (role.result != Result::Ok || !role.value || WindowListFilters::isMovableRole(*role.value)) {
                 roleFiltered.insert(window);
             }
         }
@@ -68,16 +69,7 @@ QList<QualifiedWindow> ScreenSnapshotService::qualifyingWindows() {
 
     QList<QualifiedWindow> windows;
     for (const WindowEntry& entry : *list) {
-        if (!WindowListFilters::isOnNormalLayer(entry)) {
-            continue;
-        }
-        if (!entry.pid || !regular.contains(*entry.pid)) {
-            continue;
-        }
-        if (WindowListFilters::hasExcludedOwnerName(entry) || WindowListFilters::isTransparent(entry)) {
-            continue;
-        }
-        if (!WindowListFilters::hasUserWindowSize(entry.frame)) {
+        if (!WindowListFilters::isUserWindow(entry, regular)) {
             continue;
         }
         // Where the window control knows the application's real windows, only those count.

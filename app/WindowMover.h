@@ -78,8 +78,6 @@ WindowAttributeResult windows(pid_t application, WindowScope scope);
 std::optional<QList<WindowId>> movableWindows(pid_t application, const QString& appLabel);
 // Appends the window unless it is already in the list.
 void appendUnique(WindowId window, QList<WindowId>& list);
-// Whether a role is one a user moves: a window or a dialog.
-bool isMovableRole(WindowRole role);
 // The window's frame when it reads.
 std::optional<QRectF> frame(WindowId window);
 // A frame that can be moved: both sides longer than one point.

@@ -2,6 +2,7 @@
 
 #include "app/WindowMoveLog.h"
 #include "app/WindowMover.h"
+#include "app/windows/WindowListFilters.h"
 #include "platform/Platform.h"
 
 using WindowMoveLog::errorName;
@@ -31,10 +32,6 @@ void WindowMover::appendUnique(WindowId window, QList<WindowId>& list) {
     }
 }
 
-bool WindowMover::isMovableRole(WindowRole role) {
-    return role == WindowRole::Window || role == WindowRole::Dialog;
-}
-
 std::optional<QList<WindowId>> WindowMover::movableWindows(pid_t application, const QString& appLabel) {
     const WindowAttributeResult primary = windows(application, WindowScope::Visible);
     if (primary.result != Result::Ok) {
@@ -58,7 +55,7 @@ std::optional<QList<WindowId>> WindowMover::movableWindows(pid_t application, co
     QList<WindowId> filtered;
     for (qsizetype i = 0; i < merged.size(); ++i) {
         const Reading<WindowRole> role = facts.value(i).role;
-        if (role.result != Result::Ok || !role.value || isMovableRole(*role.value)) {
+        if (role.result != Result::Ok || !role.value || WindowListFilters::isMovableRole(*role.value)) {
             filtered.append(merged[i]);
         }
     }

@@ -1,6 +1,6 @@
-#include "app/model/Geometry.h"
-#include "app/WindowListFilters.h"
 #include "app/WindowMover.h"
+#include "app/model/Geometry.h"
+#include "app/windows/WindowListFilters.h"
 #include "platform/Platform.h"
 
 std::optional<QList<WindowEntry>> WindowMover::windowListIncludingOffscreen() {
@@ -44,16 +44,7 @@ QHash<pid_t, QSet<qint64>> WindowMover::sourceWindowIDsByOwnerPID(const QRectF& 
     }
     const QSet<pid_t> regular = WindowListFilters::regularApplicationPIDs();
     for (const WindowEntry& entry : *list) {
-        if (!WindowListFilters::isOnNormalLayer(entry)) {
-            continue;
-        }
-        if (!entry.pid || !regular.contains(*entry.pid)) {
-            continue;
-        }
-        if (WindowListFilters::hasExcludedOwnerName(entry) || WindowListFilters::isTransparent(entry)) {
-            continue;
-        }
-        if (!WindowListFilters::hasUserWindowSize(entry.frame) || !Geometry::intersects(entry.frame, source)) {
+        if (!WindowListFilters::isUserWindow(entry, regular) || !Geometry::intersects(entry.frame, source)) {
             continue;
         }
         idsByOwner[*entry.pid].insert(entry.id);

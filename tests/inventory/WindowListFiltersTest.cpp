@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "app/WindowListFilters.h"
+#include "app/windows/WindowListFilters.h"
 #include "platform/fake/FakePlatform.h"
 
 namespace {
@@ -49,6 +49,42 @@ TEST(WindowListFilters, RegularApplicationsAreTheRegularOnesStillRunning) {
     platform.runningApplications.addApplication(400, QStringLiteral("Gone"));
     platform.runningApplications.applications.last().terminated = true;
     EXPECT_EQ(WindowListFilters::regularApplicationPIDs(), QSet<pid_t>{100});
+}
+
+TEST(WindowListFilters, UserWindowNeedsEveryTestToPass) {
+    const QSet<pid_t> regular{100};
+    const WindowEntry user{.id = 1,
+                           .pid = 100,
+                           .ownerName = QStringLiteral("Editor"),
+                           .frame = QRectF(0, 0, 400, 300),
+                           .layer = 0,
+                           .opacity = 1.0};
+    EXPECT_TRUE(WindowListFilters::isUserWindow(user, regular));
+
+    WindowEntry other = user;
+    other.layer = 3;
+    EXPECT_FALSE(WindowListFilters::isUserWindow(other, regular)) << "layer";
+    other = user;
+    other.pid.reset();
+    EXPECT_FALSE(WindowListFilters::isUserWindow(other, regular)) << "no owner";
+    other = user;
+    other.pid = 200;
+    EXPECT_FALSE(WindowListFilters::isUserWindow(other, regular)) << "not a regular application";
+    other = user;
+    other.ownerName = QStringLiteral("Dock");
+    EXPECT_FALSE(WindowListFilters::isUserWindow(other, regular)) << "excluded owner";
+    other = user;
+    other.opacity = 0.0;
+    EXPECT_FALSE(WindowListFilters::isUserWindow(other, regular)) << "transparent";
+    other = user;
+    other.frame = QRectF(0, 0, 100, 300);
+    EXPECT_FALSE(WindowListFilters::isUserWindow(other, regular)) << "too small";
+}
+
+TEST(WindowListFilters, MovableRolesAreWindowsAndDialogs) {
+    EXPECT_TRUE(WindowListFilters::isMovableRole(WindowRole::Window));
+    EXPECT_TRUE(WindowListFilters::isMovableRole(WindowRole::Dialog));
+    EXPECT_FALSE(WindowListFilters::isMovableRole(WindowRole::Other));
 }
 
 }  // namespace

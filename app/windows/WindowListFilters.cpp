@@ -1,4 +1,4 @@
-#include "app/WindowListFilters.h"
+#include "app/windows/WindowListFilters.h"
 
 #include <QStringList>
 
@@ -26,6 +26,15 @@ bool WindowListFilters::hasExcludedOwnerName(const WindowEntry& entry) {
 
 bool WindowListFilters::hasUserWindowSize(const QRectF& bounds) {
     return bounds.width() >= 120.0 && bounds.height() >= 80.0;
+}
+
+bool WindowListFilters::isUserWindow(const WindowEntry& entry, const QSet<pid_t>& regularPIDs) {
+    return isOnNormalLayer(entry) && entry.pid && regularPIDs.contains(*entry.pid) && !hasExcludedOwnerName(entry) &&
+           !isTransparent(entry) && hasUserWindowSize(entry.frame);
+}
+
+bool WindowListFilters::isMovableRole(WindowRole role) {
+    return role == WindowRole::Window || role == WindowRole::Dialog;
 }
 
 QSet<pid_t> WindowListFilters::regularApplicationPIDs() {
