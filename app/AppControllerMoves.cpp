@@ -3,7 +3,7 @@
 #include "app/AppController.h"
 #include "app/PermissionService.h"
 #include "app/ScreenSnapshotService.h"
-#include "app/WindowMover.h"
+#include "app/mover/WindowMover.h"
 
 namespace {
 const QString kAccessibilityRequired = QStringLiteral("Window control is required to move windows.");

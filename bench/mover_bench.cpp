@@ -8,7 +8,7 @@
 #include <QProcess>
 
 #include "app/ScreenSnapshotService.h"
-#include "app/WindowMover.h"
+#include "app/mover/WindowMover.h"
 #include "bench/BenchTable.h"
 #include "platform/Platform.h"
 #include "platform/x11/X11Connection.h"

@@ -7,7 +7,7 @@
 #include <ostream>
 
 #include "app/model/Models.h"
-#include "app/WindowMover.h"
+#include "app/mover/WindowMover.h"
 #include "platform/fake/FakePlatform.h"
 
 // Readable QStrings in test failure messages.

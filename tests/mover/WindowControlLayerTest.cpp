@@ -1,4 +1,4 @@
-#include "app/WindowMoveLog.h"
+#include "app/mover/WindowMoveLog.h"
 #include "tests/mover/MoverFixture.h"
 
 namespace {

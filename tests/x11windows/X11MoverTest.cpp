@@ -3,7 +3,7 @@
 #include <QSet>
 
 #include "app/ScreenSnapshotService.h"
-#include "app/WindowMover.h"
+#include "app/mover/WindowMover.h"
 #include "platform/Platform.h"
 #include "platform/WindowControl.h"
 #include "tests/support/VirtualDesktop.h"

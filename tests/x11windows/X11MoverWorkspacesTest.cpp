@@ -4,7 +4,7 @@
 
 #include "app/AppController.h"
 #include "app/ScreenSnapshotService.h"
-#include "app/WindowMover.h"
+#include "app/mover/WindowMover.h"
 #include "platform/Platform.h"
 #include "platform/WindowControl.h"
 #include "tests/support/VirtualDesktop.h"

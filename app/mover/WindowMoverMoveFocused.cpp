@@ -1,5 +1,5 @@
-#include "app/WindowMoveLog.h"
-#include "app/WindowMover.h"
+#include "app/mover/WindowMoveLog.h"
+#include "app/mover/WindowMover.h"
 #include "platform/Platform.h"
 #include "platform/RunningApplications.h"
 

@@ -1,7 +1,7 @@
 #include <cmath>
 
-#include "app/WindowMoveLog.h"
-#include "app/WindowMover.h"
+#include "app/mover/WindowMoveLog.h"
+#include "app/mover/WindowMover.h"
 #include "app/windows/WindowListFilters.h"
 #include "platform/Platform.h"
 

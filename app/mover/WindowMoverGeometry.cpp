@@ -2,7 +2,7 @@
 #include <cmath>
 
 #include "app/model/Geometry.h"
-#include "app/WindowMover.h"
+#include "app/mover/WindowMover.h"
 
 NormalizedRect WindowMover::normalizedRect(const QRectF& frame, const QRectF& container) {
     if (!(container.width() > 0 && container.height() > 0)) {

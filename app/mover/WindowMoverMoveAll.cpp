@@ -2,8 +2,8 @@
 #include <cmath>
 
 #include "app/model/Geometry.h"
-#include "app/WindowMoveLog.h"
-#include "app/WindowMover.h"
+#include "app/mover/WindowMoveLog.h"
+#include "app/mover/WindowMover.h"
 #include "platform/Platform.h"
 #include "platform/RunningApplications.h"
 

@@ -1,9 +1,9 @@
-#include "app/WindowMoveLog.h"
+#include "app/mover/WindowMoveLog.h"
 
 #include <QLocale>
 #include <cmath>
 
-#include "app/WindowMover.h"
+#include "app/mover/WindowMover.h"
 
 namespace {
 // Set by the build: 1 in Debug builds, where the trace is on unless logging rules switch it off.

@@ -1,5 +1,5 @@
-#include "app/WindowMover.h"
 #include "app/model/Geometry.h"
+#include "app/mover/WindowMover.h"
 #include "app/windows/WindowListFilters.h"
 #include "platform/Platform.h"
 
