@@ -2,7 +2,7 @@
 
 #include "app/AppController.h"
 #include "app/PermissionService.h"
-#include "app/ScreenSnapshotService.h"
+#include "app/displays/ScreenSnapshotService.h"
 #include "app/mover/WindowMover.h"
 
 namespace {

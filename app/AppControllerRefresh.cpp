@@ -3,7 +3,7 @@
 
 #include "app/AppController.h"
 #include "app/PermissionService.h"
-#include "app/ScreenSnapshotService.h"
+#include "app/displays/ScreenSnapshotService.h"
 
 void AppController::refreshPermissions() {
     setPermissionState(PermissionService::currentState());

@@ -9,7 +9,7 @@
 
 #include "BuildConfig.h"
 #include "app/LatticaApp.h"
-#include "app/ScreenSnapshotService.h"
+#include "app/displays/ScreenSnapshotService.h"
 #include "platform/x11/X11Platform.h"
 
 namespace {

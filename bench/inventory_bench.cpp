@@ -7,7 +7,7 @@
 #include <QProcess>
 #include <cstdlib>
 
-#include "app/ScreenSnapshotService.h"
+#include "app/displays/ScreenSnapshotService.h"
 #include "bench/BenchTable.h"
 #include "platform/Platform.h"
 #include "platform/WindowList.h"

@@ -7,7 +7,7 @@
 #include <QApplication>
 #include <QProcess>
 
-#include "app/ScreenSnapshotService.h"
+#include "app/displays/ScreenSnapshotService.h"
 #include "app/mover/WindowMover.h"
 #include "bench/BenchTable.h"
 #include "platform/Platform.h"

@@ -14,7 +14,7 @@
 
 #include "KeyboardShortcuts/KeyboardShortcuts.h"
 #include "app/AppController.h"
-#include "app/ScreenSnapshotService.h"
+#include "app/displays/ScreenSnapshotService.h"
 #include "platform/x11/X11Platform.h"
 #include "tests/testclient/TestClient.h"
 

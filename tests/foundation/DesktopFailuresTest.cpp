@@ -2,7 +2,7 @@
 
 #include "app/AppController.h"
 #include "app/PermissionService.h"
-#include "app/ScreenSnapshotService.h"
+#include "app/displays/ScreenSnapshotService.h"
 #include "platform/x11/X11Platform.h"
 #include "tests/support/VirtualDesktop.h"
 #include "tests/testclient/TestClient.h"

@@ -2,7 +2,7 @@
 
 #include <QSignalSpy>
 
-#include "app/ScreenSnapshotService.h"
+#include "app/displays/ScreenSnapshotService.h"
 #include "platform/x11/X11Connection.h"
 #include "platform/x11/X11Monitors.h"
 #include "platform/x11/X11Platform.h"

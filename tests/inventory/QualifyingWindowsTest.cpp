@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "app/ScreenSnapshotService.h"
+#include "app/displays/ScreenSnapshotService.h"
 #include "platform/fake/FakePlatform.h"
 
 namespace {

@@ -6,7 +6,7 @@
 
 #include "KeyboardShortcuts/KeyboardShortcuts.h"
 #include "app/AppController.h"
-#include "app/ScreenSnapshotService.h"
+#include "app/displays/ScreenSnapshotService.h"
 #include "platform/WindowControl.h"
 #include "platform/x11/X11Platform.h"
 #include "tests/support/VirtualDesktop.h"

@@ -3,7 +3,7 @@
 #include <atomic>
 #include <thread>
 
-#include "app/ScreenSnapshotService.h"
+#include "app/displays/ScreenSnapshotService.h"
 #include "platform/Platform.h"
 #include "platform/WindowControl.h"
 #include "tests/support/VirtualDesktop.h"

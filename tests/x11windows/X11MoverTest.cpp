@@ -2,7 +2,7 @@
 #include <QPointF>
 #include <QSet>
 
-#include "app/ScreenSnapshotService.h"
+#include "app/displays/ScreenSnapshotService.h"
 #include "app/mover/WindowMover.h"
 #include "platform/Platform.h"
 #include "platform/WindowControl.h"

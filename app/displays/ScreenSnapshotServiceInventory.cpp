@@ -1,7 +1,7 @@
 #include <QCollator>
 #include <algorithm>
 
-#include "app/ScreenSnapshotService.h"
+#include "app/displays/ScreenSnapshotService.h"
 #include "app/windows/WindowListFilters.h"
 #include "platform/Platform.h"
 

@@ -1,4 +1,4 @@
-#include "app/ScreenSnapshotService.h"
+#include "app/displays/ScreenSnapshotService.h"
 
 #include "platform/Monitors.h"
 #include "platform/Platform.h"

@@ -1,5 +1,5 @@
+#include "app/displays/ScreenSnapshotService.h"
 #include "app/model/Geometry.h"
-#include "app/ScreenSnapshotService.h"
 #include "platform/Monitors.h"
 #include "platform/Platform.h"
 
