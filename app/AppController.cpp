@@ -3,8 +3,8 @@
 #include <QCoreApplication>
 #include <QThread>
 
-#include "app/PermissionService.h"
 #include "app/UpdaterService.h"
+#include "app/permissions/PermissionService.h"
 #include "platform/Autostart.h"
 #include "platform/Monitors.h"
 #include "platform/Platform.h"

@@ -1,9 +1,9 @@
 #include <algorithm>
 
 #include "app/AppController.h"
-#include "app/PermissionService.h"
 #include "app/displays/ScreenSnapshotService.h"
 #include "app/mover/WindowMover.h"
+#include "app/permissions/PermissionService.h"
 
 namespace {
 const QString kAccessibilityRequired = QStringLiteral("Window control is required to move windows.");

@@ -2,8 +2,8 @@
 #include <QThreadPool>
 
 #include "app/AppController.h"
-#include "app/PermissionService.h"
 #include "app/displays/ScreenSnapshotService.h"
+#include "app/permissions/PermissionService.h"
 
 void AppController::refreshPermissions() {
     setPermissionState(PermissionService::currentState());

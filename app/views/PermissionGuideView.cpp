@@ -7,7 +7,7 @@
 #include <QVBoxLayout>
 
 #include "app/AppController.h"
-#include "app/PermissionService.h"
+#include "app/permissions/PermissionService.h"
 #include "app/views/CapabilityText.h"
 #include "app/views/SymbolIcons.h"
 #include "app/views/SymbolLabel.h"

@@ -6,7 +6,7 @@
 #include <QVBoxLayout>
 
 #include "app/AppController.h"
-#include "app/PermissionService.h"
+#include "app/permissions/PermissionService.h"
 #include "app/views/CapabilityText.h"
 #include "app/views/SettingsCard.h"
 #include "app/views/ViewStyle.h"

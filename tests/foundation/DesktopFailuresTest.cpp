@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
 #include "app/AppController.h"
-#include "app/PermissionService.h"
 #include "app/displays/ScreenSnapshotService.h"
+#include "app/permissions/PermissionService.h"
 #include "platform/x11/X11Platform.h"
 #include "tests/support/VirtualDesktop.h"
 #include "tests/testclient/TestClient.h"

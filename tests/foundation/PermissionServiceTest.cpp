@@ -4,7 +4,7 @@
 #include <QFile>
 #include <QTemporaryDir>
 
-#include "app/PermissionService.h"
+#include "app/permissions/PermissionService.h"
 #include "platform/fake/FakePlatform.h"
 #include "platform/x11/X11SessionCheck.h"
 #include "platform/x11/X11SessionHelpPage.h"

@@ -6,7 +6,7 @@
 #include <memory>
 
 #include "app/AppController.h"
-#include "app/PermissionService.h"
+#include "app/permissions/PermissionService.h"
 #include "app/views/PermissionGuideView.h"
 #include "app/views/SettingsPermissionsSection.h"
 #include "platform/x11/X11Platform.h"

@@ -1,7 +1,7 @@
 #include <QLabel>
 #include <QPushButton>
 
-#include "app/PermissionService.h"
+#include "app/permissions/PermissionService.h"
 #include "tests/settings/SettingsFixture.h"
 
 namespace {

@@ -2,7 +2,7 @@
 #include <QEvent>
 #include <QPushButton>
 
-#include "app/PermissionService.h"
+#include "app/permissions/PermissionService.h"
 #include "app/views/PermissionGuideView.h"
 #include "tests/ui/UiFixture.h"
 

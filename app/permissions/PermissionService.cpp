@@ -1,4 +1,4 @@
-#include "app/PermissionService.h"
+#include "app/permissions/PermissionService.h"
 
 #include "platform/DesktopLauncher.h"
 #include "platform/Platform.h"
