@@ -6,8 +6,8 @@
 
 #include "KeyboardShortcuts/KeyboardShortcuts.h"
 #include "app/AppController.h"
-#include "app/ShortcutDisplayRecordCoding.h"
 #include "app/displays/ScreenSnapshotService.h"
+#include "app/displayshortcuts/ShortcutDisplayRecordCoding.h"
 #include "platform/SettingsStore.h"
 
 QString AppController::shortcutNameRawValue(const QString& persistentID) {

@@ -6,7 +6,7 @@
 #include <QJsonObject>
 
 #include "app/AppController.h"
-#include "app/ShortcutDisplayRecordCoding.h"
+#include "app/displayshortcuts/ShortcutDisplayRecordCoding.h"
 #include "platform/fake/FakePlatform.h"
 
 namespace {

@@ -1,4 +1,4 @@
-#include "app/ShortcutDisplayRecordCoding.h"
+#include "app/displayshortcuts/ShortcutDisplayRecordCoding.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
