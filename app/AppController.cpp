@@ -3,8 +3,8 @@
 #include <QCoreApplication>
 #include <QThread>
 
-#include "app/UpdaterService.h"
 #include "app/permissions/PermissionService.h"
+#include "app/update/UpdaterService.h"
 #include "platform/Autostart.h"
 #include "platform/Monitors.h"
 #include "platform/Platform.h"

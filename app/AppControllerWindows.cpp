@@ -9,7 +9,7 @@
 
 #include "BuildConfig.h"
 #include "app/AppController.h"
-#include "app/UpdaterService.h"
+#include "app/update/UpdaterService.h"
 #include "app/views/PermissionGuideView.h"
 #include "app/views/SettingsView.h"
 #include "platform/DesktopLauncher.h"

@@ -3,7 +3,7 @@
 #include <QUrl>
 #include <QWidget>
 
-#include "app/Appcast.h"
+#include "app/update/Appcast.h"
 
 class QLabel;
 class QProgressBar;

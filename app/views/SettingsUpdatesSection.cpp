@@ -8,7 +8,7 @@
 
 #include "BuildConfig.h"
 #include "app/AppController.h"
-#include "app/UpdaterService.h"
+#include "app/update/UpdaterService.h"
 #include "app/views/SettingsCard.h"
 #include "app/views/SettingsSymbols.h"
 #include "app/views/SettingsToggle.h"

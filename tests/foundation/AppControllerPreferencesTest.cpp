@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "app/AppController.h"
-#include "app/UpdaterService.h"
+#include "app/update/UpdaterService.h"
 #include "platform/fake/FakePlatform.h"
 
 namespace {

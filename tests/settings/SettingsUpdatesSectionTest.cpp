@@ -2,7 +2,7 @@
 #include <QSignalSpy>
 
 #include "app/UpdateWindow.h"
-#include "app/UpdaterService.h"
+#include "app/update/UpdaterService.h"
 #include "app/views/SettingsToggle.h"
 #include "app/views/SettingsUpdatesSection.h"
 #include "tests/settings/SettingsFixture.h"

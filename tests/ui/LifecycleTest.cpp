@@ -5,7 +5,7 @@
 #include <QUrlQuery>
 
 #include "BuildConfig.h"
-#include "app/UpdaterService.h"
+#include "app/update/UpdaterService.h"
 #include "app/views/PermissionGuideView.h"
 #include "tests/ui/UiFixture.h"
 

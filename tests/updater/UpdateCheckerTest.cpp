@@ -3,7 +3,7 @@
 #include <QSignalSpy>
 #include <QTest>
 
-#include "app/UpdateChecker.h"
+#include "app/update/UpdateChecker.h"
 #include "tests/updater/AppcastFixtures.h"
 #include "tests/updater/LoopbackHttpServer.h"
 

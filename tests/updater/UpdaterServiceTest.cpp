@@ -6,7 +6,7 @@
 #include "BuildConfig.h"
 #include "app/AppController.h"
 #include "app/UpdateWindow.h"
-#include "app/UpdaterService.h"
+#include "app/update/UpdaterService.h"
 #include "platform/fake/FakePlatform.h"
 #include "tests/updater/AppcastFixtures.h"
 #include "tests/updater/LoopbackHttpServer.h"

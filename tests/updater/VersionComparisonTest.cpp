@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "app/Appcast.h"
+#include "app/update/Appcast.h"
 
 namespace {
 

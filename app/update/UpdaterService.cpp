@@ -1,4 +1,4 @@
-#include "app/UpdaterService.h"
+#include "app/update/UpdaterService.h"
 
 #include <QLoggingCategory>
 #include <QSysInfo>

@@ -7,7 +7,7 @@
 #include <chrono>
 #include <optional>
 
-#include "app/Appcast.h"
+#include "app/update/Appcast.h"
 
 class QNetworkAccessManager;
 class QNetworkReply;

@@ -1,4 +1,4 @@
-#include "app/UpdateChecker.h"
+#include "app/update/UpdateChecker.h"
 
 #include <QHostAddress>
 #include <QLoggingCategory>

@@ -5,7 +5,7 @@
 #include <QString>
 #include <QUrl>
 
-#include "app/UpdateChecker.h"
+#include "app/update/UpdateChecker.h"
 
 class SparkleUpdaterDelegate;
 class UpdateWindow;
