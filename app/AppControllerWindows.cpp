@@ -8,7 +8,7 @@
 #include <QVBoxLayout>
 
 #include "BuildConfig.h"
-#include "app/AppController.h"
+#include "app/controller/AppController.h"
 #include "app/update/UpdaterService.h"
 #include "app/views/PermissionGuideView.h"
 #include "app/views/SettingsView.h"

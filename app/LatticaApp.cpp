@@ -10,8 +10,8 @@
 #include <QtMath>
 #include <cstdio>
 
-#include "app/AppController.h"
 #include "app/PanelGeometry.h"
+#include "app/controller/AppController.h"
 #include "app/views/MenuBarContentView.h"
 #include "app/views/SymbolIcons.h"
 

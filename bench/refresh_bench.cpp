@@ -6,7 +6,7 @@
 #include <cstdio>
 #include <vector>
 
-#include "app/AppController.h"
+#include "app/controller/AppController.h"
 #include "platform/x11/X11Platform.h"
 #include "tests/testclient/TestClient.h"
 

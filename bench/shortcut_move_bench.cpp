@@ -13,7 +13,7 @@
 #include <cstdlib>
 
 #include "KeyboardShortcuts/KeyboardShortcuts.h"
-#include "app/AppController.h"
+#include "app/controller/AppController.h"
 #include "app/displays/ScreenSnapshotService.h"
 #include "platform/x11/X11Platform.h"
 #include "tests/testclient/TestClient.h"

@@ -11,7 +11,7 @@
 #include <QToolButton>
 #include <QVBoxLayout>
 
-#include "app/AppController.h"
+#include "app/controller/AppController.h"
 #include "app/views/SymbolIcons.h"
 #include "app/views/SymbolLabel.h"
 #include "app/views/ViewStyle.h"

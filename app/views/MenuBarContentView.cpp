@@ -8,8 +8,8 @@
 #include <QStackedLayout>
 #include <QVBoxLayout>
 
-#include "app/AppController.h"
 #include "app/PanelGeometry.h"
+#include "app/controller/AppController.h"
 #include "app/views/CapabilityText.h"
 #include "app/views/DisplayCardView.h"
 #include "app/views/SymbolIcons.h"

@@ -6,7 +6,7 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-#include "app/AppController.h"
+#include "app/controller/AppController.h"
 #include "app/permissions/PermissionService.h"
 #include "app/views/CapabilityText.h"
 #include "app/views/SymbolIcons.h"

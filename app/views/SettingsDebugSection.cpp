@@ -5,7 +5,7 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-#include "app/AppController.h"
+#include "app/controller/AppController.h"
 #include "app/views/SettingsCard.h"
 #include "app/views/ViewStyle.h"
 

@@ -6,7 +6,7 @@
 
 #include "KeyboardShortcuts/Name.h"
 #include "KeyboardShortcuts/Recorder.h"
-#include "app/AppController.h"
+#include "app/controller/AppController.h"
 #include "app/views/SettingsSymbols.h"
 #include "app/views/ViewStyle.h"
 

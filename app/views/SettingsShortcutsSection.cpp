@@ -3,7 +3,7 @@
 #include <QLabel>
 #include <QVBoxLayout>
 
-#include "app/AppController.h"
+#include "app/controller/AppController.h"
 #include "app/views/SettingsCard.h"
 #include "app/views/SettingsShortcutRow.h"
 #include "app/views/ViewStyle.h"

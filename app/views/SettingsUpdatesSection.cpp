@@ -7,7 +7,7 @@
 #include <QVBoxLayout>
 
 #include "BuildConfig.h"
-#include "app/AppController.h"
+#include "app/controller/AppController.h"
 #include "app/update/UpdaterService.h"
 #include "app/views/SettingsCard.h"
 #include "app/views/SettingsSymbols.h"

@@ -6,7 +6,7 @@
 #include <QStackedWidget>
 #include <QVBoxLayout>
 
-#include "app/AppController.h"
+#include "app/controller/AppController.h"
 #include "app/views/SettingsAboutSection.h"
 #include "app/views/SettingsBehaviorSection.h"
 #include "app/views/SettingsDebugSection.h"

@@ -7,7 +7,7 @@
 #include <memory>
 #include <ostream>
 
-#include "app/AppController.h"
+#include "app/controller/AppController.h"
 #include "platform/fake/FakePlatform.h"
 
 // Readable QStrings in test failure messages.

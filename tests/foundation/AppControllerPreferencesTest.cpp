@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "app/AppController.h"
+#include "app/controller/AppController.h"
 #include "app/update/UpdaterService.h"
 #include "platform/fake/FakePlatform.h"
 

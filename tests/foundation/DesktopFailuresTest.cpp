@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "app/AppController.h"
+#include "app/controller/AppController.h"
 #include "app/displays/ScreenSnapshotService.h"
 #include "app/permissions/PermissionService.h"
 #include "platform/x11/X11Platform.h"

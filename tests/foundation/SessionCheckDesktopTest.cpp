@@ -5,7 +5,7 @@
 #include <QTemporaryDir>
 #include <memory>
 
-#include "app/AppController.h"
+#include "app/controller/AppController.h"
 #include "app/permissions/PermissionService.h"
 #include "app/views/PermissionGuideView.h"
 #include "app/views/SettingsPermissionsSection.h"

@@ -7,7 +7,7 @@
 #include <memory>
 
 #include "KeyboardShortcuts/Recorder.h"
-#include "app/AppController.h"
+#include "app/controller/AppController.h"
 #include "app/views/SettingsBehaviorSection.h"
 #include "app/views/SettingsShortcutRow.h"
 #include "app/views/SettingsShortcutsSection.h"

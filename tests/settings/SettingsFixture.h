@@ -6,7 +6,7 @@
 #include <QThreadPool>
 #include <memory>
 
-#include "app/AppController.h"
+#include "app/controller/AppController.h"
 #include "app/views/SettingsView.h"
 #include "platform/fake/FakePlatform.h"
 

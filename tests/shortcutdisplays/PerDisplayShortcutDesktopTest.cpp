@@ -5,7 +5,7 @@
 #include <memory>
 
 #include "KeyboardShortcuts/KeyboardShortcuts.h"
-#include "app/AppController.h"
+#include "app/controller/AppController.h"
 #include "app/displays/ScreenSnapshotService.h"
 #include "platform/WindowControl.h"
 #include "platform/x11/X11Platform.h"

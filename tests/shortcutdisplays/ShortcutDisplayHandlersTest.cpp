@@ -3,7 +3,7 @@
 #include <QCoreApplication>
 
 #include "KeyboardShortcuts/KeyboardShortcuts.h"
-#include "app/AppController.h"
+#include "app/controller/AppController.h"
 #include "platform/fake/FakePlatform.h"
 #include "tests/support/VirtualDesktop.h"
 

@@ -5,7 +5,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 
-#include "app/AppController.h"
+#include "app/controller/AppController.h"
 #include "app/displayshortcuts/ShortcutDisplayRecordCoding.h"
 #include "platform/fake/FakePlatform.h"
 

@@ -15,8 +15,8 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "app/AppController.h"
 #include "app/LatticaApp.h"
+#include "app/controller/AppController.h"
 #include "app/views/DisplayCardView.h"
 #include "app/views/MenuBarContentView.h"
 #include "platform/SettingsStore.h"

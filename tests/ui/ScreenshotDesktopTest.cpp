@@ -8,8 +8,8 @@
 #include <QTemporaryDir>
 #include <QThreadPool>
 
-#include "app/AppController.h"
 #include "app/LatticaApp.h"
+#include "app/controller/AppController.h"
 #include "app/views/DisplayCardView.h"
 #include "app/views/MenuBarContentView.h"
 #include "platform/SettingsStore.h"

@@ -7,7 +7,7 @@
 #include <QWidget>
 #include <memory>
 
-#include "app/AppController.h"
+#include "app/controller/AppController.h"
 #include "platform/fake/FakePlatform.h"
 
 // A fake desktop (displays with pictures, both permissions granted) and a controller built on it.

@@ -4,8 +4,8 @@
 #include <QSignalSpy>
 
 #include "BuildConfig.h"
-#include "app/AppController.h"
 #include "app/UpdateWindow.h"
+#include "app/controller/AppController.h"
 #include "app/update/UpdaterService.h"
 #include "platform/fake/FakePlatform.h"
 #include "tests/updater/AppcastFixtures.h"

@@ -2,7 +2,7 @@
 // workspaces keep their place, their workspace and their state, and are not counted.
 #include <QSet>
 
-#include "app/AppController.h"
+#include "app/controller/AppController.h"
 #include "app/displays/ScreenSnapshotService.h"
 #include "app/mover/WindowMover.h"
 #include "platform/Platform.h"

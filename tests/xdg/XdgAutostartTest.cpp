@@ -5,7 +5,7 @@
 #include <QFile>
 #include <QTemporaryDir>
 
-#include "app/AppController.h"
+#include "app/controller/AppController.h"
 #include "platform/fake/FakePlatform.h"
 #include "platform/xdg/XdgAutostart.h"
 

@@ -5,7 +5,7 @@
 #include <limits>
 
 #include "KeyboardShortcuts/KeyboardShortcuts.h"
-#include "app/AppController.h"
+#include "app/controller/AppController.h"
 #include "app/displays/ScreenSnapshotService.h"
 #include "app/displayshortcuts/ShortcutDisplayRecordCoding.h"
 #include "platform/SettingsStore.h"

@@ -1,4 +1,4 @@
-#include "app/AppController.h"
+#include "app/controller/AppController.h"
 
 #include <QCoreApplication>
 #include <QThread>

@@ -1,6 +1,6 @@
 #include <algorithm>
 
-#include "app/AppController.h"
+#include "app/controller/AppController.h"
 #include "app/displays/ScreenSnapshotService.h"
 #include "app/mover/WindowMover.h"
 #include "app/permissions/PermissionService.h"

@@ -1,7 +1,7 @@
 #include <QCoreApplication>
 #include <QThreadPool>
 
-#include "app/AppController.h"
+#include "app/controller/AppController.h"
 #include "app/displays/ScreenSnapshotService.h"
 #include "app/permissions/PermissionService.h"
 
