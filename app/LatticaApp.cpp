@@ -12,8 +12,8 @@
 
 #include "app/PanelGeometry.h"
 #include "app/controller/AppController.h"
+#include "app/ui/common/SymbolIcons.h"
 #include "app/views/MenuBarContentView.h"
-#include "app/views/SymbolIcons.h"
 
 void LatticaApp::AppDelegate::applicationDidFinishLaunching(AppController& controller) {
     controller.applicationDidFinishLaunching();

@@ -12,9 +12,9 @@
 #include <QVBoxLayout>
 
 #include "app/controller/AppController.h"
-#include "app/views/SymbolIcons.h"
-#include "app/views/SymbolLabel.h"
-#include "app/views/ViewStyle.h"
+#include "app/ui/common/SymbolIcons.h"
+#include "app/ui/common/SymbolLabel.h"
+#include "app/ui/common/ViewStyle.h"
 #include "platform/Platform.h"
 #include "platform/RunningApplications.h"
 

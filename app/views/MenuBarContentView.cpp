@@ -10,11 +10,11 @@
 
 #include "app/PanelGeometry.h"
 #include "app/controller/AppController.h"
-#include "app/views/CapabilityText.h"
+#include "app/ui/common/CapabilityText.h"
+#include "app/ui/common/SymbolIcons.h"
+#include "app/ui/common/SymbolLabel.h"
+#include "app/ui/common/ViewStyle.h"
 #include "app/views/DisplayCardView.h"
-#include "app/views/SymbolIcons.h"
-#include "app/views/SymbolLabel.h"
-#include "app/views/ViewStyle.h"
 
 namespace {
 

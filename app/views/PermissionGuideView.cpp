@@ -8,10 +8,10 @@
 
 #include "app/controller/AppController.h"
 #include "app/permissions/PermissionService.h"
-#include "app/views/CapabilityText.h"
-#include "app/views/SymbolIcons.h"
-#include "app/views/SymbolLabel.h"
-#include "app/views/ViewStyle.h"
+#include "app/ui/common/CapabilityText.h"
+#include "app/ui/common/SymbolIcons.h"
+#include "app/ui/common/SymbolLabel.h"
+#include "app/ui/common/ViewStyle.h"
 
 namespace {
 

@@ -10,9 +10,9 @@
 
 #include "BuildConfig.h"
 #include "app/controller/AppController.h"
+#include "app/ui/common/ViewStyle.h"
 #include "app/views/SettingsCard.h"
 #include "app/views/SettingsSymbols.h"
-#include "app/views/ViewStyle.h"
 #include "platform/DesktopLauncher.h"
 #include "platform/Platform.h"
 

@@ -6,9 +6,9 @@
 #include <QVBoxLayout>
 
 #include "app/controller/AppController.h"
+#include "app/ui/common/ViewStyle.h"
 #include "app/views/SettingsCard.h"
 #include "app/views/SettingsToggle.h"
-#include "app/views/ViewStyle.h"
 #include "platform/SettingsStore.h"
 
 namespace {

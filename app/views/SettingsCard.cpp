@@ -5,7 +5,7 @@
 #include <QPainter>
 #include <QVBoxLayout>
 
-#include "app/views/ViewStyle.h"
+#include "app/ui/common/ViewStyle.h"
 
 namespace {
 constexpr qreal kRadius = 10.0;

@@ -6,8 +6,8 @@
 #include <QVBoxLayout>
 
 #include "app/controller/AppController.h"
+#include "app/ui/common/ViewStyle.h"
 #include "app/views/SettingsCard.h"
-#include "app/views/ViewStyle.h"
 
 SettingsDebugSection::SettingsDebugSection(AppController& controller, QWidget* parent)
     : QWidget(parent), m_controller(controller) {

@@ -7,9 +7,9 @@
 
 #include "app/controller/AppController.h"
 #include "app/permissions/PermissionService.h"
-#include "app/views/CapabilityText.h"
+#include "app/ui/common/CapabilityText.h"
+#include "app/ui/common/ViewStyle.h"
 #include "app/views/SettingsCard.h"
-#include "app/views/ViewStyle.h"
 
 namespace {
 

@@ -6,8 +6,8 @@
 #include <QScrollArea>
 #include <QVBoxLayout>
 
+#include "app/ui/common/ViewStyle.h"
 #include "app/views/SettingsSymbols.h"
-#include "app/views/ViewStyle.h"
 
 namespace {
 constexpr int kSymbolSize = 26;

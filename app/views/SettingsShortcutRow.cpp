@@ -7,8 +7,8 @@
 #include "KeyboardShortcuts/Name.h"
 #include "KeyboardShortcuts/Recorder.h"
 #include "app/controller/AppController.h"
+#include "app/ui/common/ViewStyle.h"
 #include "app/views/SettingsSymbols.h"
-#include "app/views/ViewStyle.h"
 
 namespace {
 constexpr int kDeleteButtonSize = 26;

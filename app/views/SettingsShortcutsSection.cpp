@@ -4,9 +4,9 @@
 #include <QVBoxLayout>
 
 #include "app/controller/AppController.h"
+#include "app/ui/common/ViewStyle.h"
 #include "app/views/SettingsCard.h"
 #include "app/views/SettingsShortcutRow.h"
-#include "app/views/ViewStyle.h"
 
 SettingsShortcutsSection::SettingsShortcutsSection(AppController& controller, QWidget* parent)
     : QWidget(parent), m_controller(controller) {

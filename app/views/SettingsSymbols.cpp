@@ -8,8 +8,8 @@
 #include <QStringList>
 #include <algorithm>
 
-#include "app/views/GridIconEngine.h"
-#include "app/views/SymbolIcons.h"
+#include "app/ui/common/GridIconEngine.h"
+#include "app/ui/common/SymbolIcons.h"
 
 namespace {
 

@@ -8,11 +8,11 @@
 
 #include "BuildConfig.h"
 #include "app/controller/AppController.h"
+#include "app/ui/common/ViewStyle.h"
 #include "app/update/UpdaterService.h"
 #include "app/views/SettingsCard.h"
 #include "app/views/SettingsSymbols.h"
 #include "app/views/SettingsToggle.h"
-#include "app/views/ViewStyle.h"
 
 SettingsUpdatesSection::SettingsUpdatesSection(AppController& controller, QWidget* parent)
     : QWidget(parent), m_controller(controller) {

@@ -7,6 +7,7 @@
 #include <QVBoxLayout>
 
 #include "app/controller/AppController.h"
+#include "app/ui/common/ViewStyle.h"
 #include "app/views/SettingsAboutSection.h"
 #include "app/views/SettingsBehaviorSection.h"
 #include "app/views/SettingsDebugSection.h"
@@ -15,7 +16,6 @@
 #include "app/views/SettingsShortcutsSection.h"
 #include "app/views/SettingsSidebar.h"
 #include "app/views/SettingsUpdatesSection.h"
-#include "app/views/ViewStyle.h"
 
 namespace {
 

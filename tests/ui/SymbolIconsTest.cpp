@@ -4,7 +4,7 @@
 #include <QImage>
 #include <QPalette>
 
-#include "app/views/SymbolIcons.h"
+#include "app/ui/common/SymbolIcons.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
-#include "app/views/CapabilityText.h"
+#include "app/ui/common/CapabilityText.h"
 
-#include "app/views/ViewStyle.h"
+#include "app/ui/common/ViewStyle.h"
 
 QString CapabilityText::grantText(const CapabilityCheck& check) {
     switch (check.availability) {

@@ -1,4 +1,4 @@
-#include "app/views/ViewStyle.h"
+#include "app/ui/common/ViewStyle.h"
 
 #include <QApplication>
 #include <QLabel>

@@ -1,4 +1,4 @@
-#include "app/views/GridIconEngine.h"
+#include "app/ui/common/GridIconEngine.h"
 
 #include <QGuiApplication>
 #include <QPainter>

@@ -1,8 +1,8 @@
-#include "app/views/SymbolLabel.h"
+#include "app/ui/common/SymbolLabel.h"
 
 #include <QPainter>
 
-#include "app/views/SymbolIcons.h"
+#include "app/ui/common/SymbolIcons.h"
 
 SymbolLabel::SymbolLabel(const QString& symbolName, int size, QWidget* parent) : QWidget(parent) {
     setFixedSize(size, size);

@@ -1,6 +1,6 @@
-#include "app/views/SymbolIcons.h"
+#include "app/ui/common/SymbolIcons.h"
 
-#include "app/views/GridIconEngine.h"
+#include "app/ui/common/GridIconEngine.h"
 
 #include <QGuiApplication>
 #include <QHash>
