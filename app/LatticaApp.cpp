@@ -10,10 +10,10 @@
 #include <QtMath>
 #include <cstdio>
 
-#include "app/PanelGeometry.h"
 #include "app/controller/AppController.h"
 #include "app/ui/common/SymbolIcons.h"
-#include "app/views/MenuBarContentView.h"
+#include "app/ui/panel/MenuBarContentView.h"
+#include "app/ui/panel/PanelGeometry.h"
 
 void LatticaApp::AppDelegate::applicationDidFinishLaunching(AppController& controller) {
     controller.applicationDidFinishLaunching();

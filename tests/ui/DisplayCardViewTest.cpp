@@ -2,7 +2,7 @@
 #include <QPushButton>
 #include <QToolButton>
 
-#include "app/views/DisplayCardView.h"
+#include "app/ui/panel/DisplayCardView.h"
 #include "tests/ui/UiFixture.h"
 
 namespace {

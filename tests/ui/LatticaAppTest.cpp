@@ -4,8 +4,8 @@
 #include <QtMath>
 
 #include "app/LatticaApp.h"
-#include "app/PanelGeometry.h"
-#include "app/views/MenuBarContentView.h"
+#include "app/ui/panel/MenuBarContentView.h"
+#include "app/ui/panel/PanelGeometry.h"
 #include "tests/ui/UiFixture.h"
 
 namespace {

@@ -2,8 +2,8 @@
 #include <QSignalSpy>
 #include <QTimer>
 
-#include "app/views/DisplayCardView.h"
-#include "app/views/MenuBarContentView.h"
+#include "app/ui/panel/DisplayCardView.h"
+#include "app/ui/panel/MenuBarContentView.h"
 #include "tests/ui/UiFixture.h"
 
 namespace {

@@ -17,8 +17,8 @@
 
 #include "app/LatticaApp.h"
 #include "app/controller/AppController.h"
-#include "app/views/DisplayCardView.h"
-#include "app/views/MenuBarContentView.h"
+#include "app/ui/panel/DisplayCardView.h"
+#include "app/ui/panel/MenuBarContentView.h"
 #include "platform/SettingsStore.h"
 #include "platform/TaskbarPresence.h"
 #include "platform/WindowList.h"

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "app/PanelGeometry.h"
+#include "app/ui/panel/PanelGeometry.h"
 
 namespace {
 

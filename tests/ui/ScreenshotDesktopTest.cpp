@@ -10,8 +10,8 @@
 
 #include "app/LatticaApp.h"
 #include "app/controller/AppController.h"
-#include "app/views/DisplayCardView.h"
-#include "app/views/MenuBarContentView.h"
+#include "app/ui/panel/DisplayCardView.h"
+#include "app/ui/panel/MenuBarContentView.h"
 #include "platform/SettingsStore.h"
 #include "platform/x11/X11Connection.h"
 #include "platform/x11/X11Platform.h"

@@ -3,7 +3,7 @@
 #include <QImage>
 
 #include "app/LatticaApp.h"
-#include "app/views/MenuBarContentView.h"
+#include "app/ui/panel/MenuBarContentView.h"
 #include "tests/ui/ScreenshotSupport.h"
 #include "tests/ui/UiFixture.h"
 

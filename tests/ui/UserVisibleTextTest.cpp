@@ -17,7 +17,7 @@
 #include "KeyboardShortcuts/Shortcut.h"
 #include "app/LatticaApp.h"
 #include "app/UpdateWindow.h"
-#include "app/views/MenuBarContentView.h"
+#include "app/ui/panel/MenuBarContentView.h"
 #include "app/views/SettingsSection.h"
 #include "app/views/SettingsView.h"
 #include "tests/ui/UiFixture.h"

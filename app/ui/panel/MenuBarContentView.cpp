@@ -1,4 +1,4 @@
-#include "app/views/MenuBarContentView.h"
+#include "app/ui/panel/MenuBarContentView.h"
 
 #include <QCoreApplication>
 #include <QHBoxLayout>
@@ -8,13 +8,13 @@
 #include <QStackedLayout>
 #include <QVBoxLayout>
 
-#include "app/PanelGeometry.h"
 #include "app/controller/AppController.h"
 #include "app/ui/common/CapabilityText.h"
 #include "app/ui/common/SymbolIcons.h"
 #include "app/ui/common/SymbolLabel.h"
 #include "app/ui/common/ViewStyle.h"
-#include "app/views/DisplayCardView.h"
+#include "app/ui/panel/DisplayCardView.h"
+#include "app/ui/panel/PanelGeometry.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "app/views/DisplayCardView.h"
+#include "app/ui/panel/DisplayCardView.h"
 
 #include <QEvent>
 #include <QHBoxLayout>

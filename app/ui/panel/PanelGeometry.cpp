@@ -1,4 +1,4 @@
-#include "app/PanelGeometry.h"
+#include "app/ui/panel/PanelGeometry.h"
 
 #include <algorithm>
 #include <cmath>
