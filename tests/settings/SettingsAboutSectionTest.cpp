@@ -4,7 +4,7 @@
 #include <QUrlQuery>
 
 #include "BuildConfig.h"
-#include "app/views/SettingsAboutSection.h"
+#include "app/ui/settings/SettingsAboutSection.h"
 #include "tests/settings/SettingsFixture.h"
 
 namespace {

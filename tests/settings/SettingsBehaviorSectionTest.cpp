@@ -1,7 +1,7 @@
 #include <QLabel>
 
-#include "app/views/SettingsBehaviorSection.h"
-#include "app/views/SettingsToggle.h"
+#include "app/ui/settings/SettingsBehaviorSection.h"
+#include "app/ui/settings/SettingsToggle.h"
 #include "tests/settings/SettingsFixture.h"
 
 namespace {

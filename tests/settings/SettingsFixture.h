@@ -7,7 +7,7 @@
 #include <memory>
 
 #include "app/controller/AppController.h"
-#include "app/views/SettingsView.h"
+#include "app/ui/settings/SettingsView.h"
 #include "platform/fake/FakePlatform.h"
 
 // A settings view on the fake platform: two connected displays, both permissions granted, and update

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "app/views/SettingsSection.h"
+#include "app/ui/settings/SettingsSection.h"
 
 namespace {
 

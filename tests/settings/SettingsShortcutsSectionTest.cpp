@@ -6,8 +6,8 @@
 #include "KeyboardShortcuts/Recorder.h"
 #include "KeyboardShortcuts/RecorderCocoa.h"
 #include "KeyboardShortcuts/Shortcut.h"
-#include "app/views/SettingsShortcutRow.h"
-#include "app/views/SettingsShortcutsSection.h"
+#include "app/ui/settings/SettingsShortcutRow.h"
+#include "app/ui/settings/SettingsShortcutsSection.h"
 #include "tests/settings/SettingsFixture.h"
 
 namespace {

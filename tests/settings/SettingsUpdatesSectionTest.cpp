@@ -2,9 +2,9 @@
 #include <QSignalSpy>
 
 #include "app/UpdateWindow.h"
+#include "app/ui/settings/SettingsToggle.h"
+#include "app/ui/settings/SettingsUpdatesSection.h"
 #include "app/update/UpdaterService.h"
-#include "app/views/SettingsToggle.h"
-#include "app/views/SettingsUpdatesSection.h"
 #include "tests/settings/SettingsFixture.h"
 #include "tests/updater/AppcastFixtures.h"
 #include "tests/updater/LoopbackHttpServer.h"

@@ -1,11 +1,11 @@
 #include <QLabel>
 #include <QPushButton>
 
-#include "app/views/SettingsSectionPage.h"
-#include "app/views/SettingsShortcutRow.h"
-#include "app/views/SettingsShortcutsSection.h"
-#include "app/views/SettingsSidebar.h"
-#include "app/views/SettingsSidebarButton.h"
+#include "app/ui/settings/SettingsSectionPage.h"
+#include "app/ui/settings/SettingsShortcutRow.h"
+#include "app/ui/settings/SettingsShortcutsSection.h"
+#include "app/ui/settings/SettingsSidebar.h"
+#include "app/ui/settings/SettingsSidebarButton.h"
 #include "tests/settings/SettingsFixture.h"
 
 namespace {

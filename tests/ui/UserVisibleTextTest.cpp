@@ -18,8 +18,8 @@
 #include "app/LatticaApp.h"
 #include "app/UpdateWindow.h"
 #include "app/ui/panel/MenuBarContentView.h"
-#include "app/views/SettingsSection.h"
-#include "app/views/SettingsView.h"
+#include "app/ui/settings/SettingsSection.h"
+#include "app/ui/settings/SettingsView.h"
 #include "tests/ui/UiFixture.h"
 
 namespace {

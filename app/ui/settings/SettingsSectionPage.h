@@ -2,7 +2,7 @@
 
 #include <QWidget>
 
-#include "app/views/SettingsSection.h"
+#include "app/ui/settings/SettingsSection.h"
 
 class QLabel;
 

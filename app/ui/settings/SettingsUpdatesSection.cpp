@@ -1,4 +1,4 @@
-#include "app/views/SettingsUpdatesSection.h"
+#include "app/ui/settings/SettingsUpdatesSection.h"
 
 #include <QHBoxLayout>
 #include <QLabel>
@@ -9,10 +9,10 @@
 #include "BuildConfig.h"
 #include "app/controller/AppController.h"
 #include "app/ui/common/ViewStyle.h"
+#include "app/ui/settings/SettingsCard.h"
+#include "app/ui/settings/SettingsSymbols.h"
+#include "app/ui/settings/SettingsToggle.h"
 #include "app/update/UpdaterService.h"
-#include "app/views/SettingsCard.h"
-#include "app/views/SettingsSymbols.h"
-#include "app/views/SettingsToggle.h"
 
 SettingsUpdatesSection::SettingsUpdatesSection(AppController& controller, QWidget* parent)
     : QWidget(parent), m_controller(controller) {

@@ -1,4 +1,4 @@
-#include "app/views/SettingsShortcutRow.h"
+#include "app/ui/settings/SettingsShortcutRow.h"
 
 #include <QHBoxLayout>
 #include <QLabel>
@@ -8,7 +8,7 @@
 #include "KeyboardShortcuts/Recorder.h"
 #include "app/controller/AppController.h"
 #include "app/ui/common/ViewStyle.h"
-#include "app/views/SettingsSymbols.h"
+#include "app/ui/settings/SettingsSymbols.h"
 
 namespace {
 constexpr int kDeleteButtonSize = 26;

@@ -1,4 +1,4 @@
-#include "app/views/SettingsSymbols.h"
+#include "app/ui/settings/SettingsSymbols.h"
 
 #include <QGuiApplication>
 #include <QIconEngine>

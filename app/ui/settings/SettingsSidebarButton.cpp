@@ -1,8 +1,8 @@
-#include "app/views/SettingsSidebarButton.h"
+#include "app/ui/settings/SettingsSidebarButton.h"
 
 #include <QPainter>
 
-#include "app/views/SettingsSymbols.h"
+#include "app/ui/settings/SettingsSymbols.h"
 
 namespace {
 constexpr int kHeight = 32;

@@ -1,4 +1,4 @@
-#include "app/views/SettingsPermissionsSection.h"
+#include "app/ui/settings/SettingsPermissionsSection.h"
 
 #include <QHBoxLayout>
 #include <QLabel>
@@ -9,7 +9,7 @@
 #include "app/permissions/PermissionService.h"
 #include "app/ui/common/CapabilityText.h"
 #include "app/ui/common/ViewStyle.h"
-#include "app/views/SettingsCard.h"
+#include "app/ui/settings/SettingsCard.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "app/views/SettingsView.h"
+#include "app/ui/settings/SettingsView.h"
 
 #include <QFrame>
 #include <QHBoxLayout>
@@ -8,14 +8,14 @@
 
 #include "app/controller/AppController.h"
 #include "app/ui/common/ViewStyle.h"
-#include "app/views/SettingsAboutSection.h"
-#include "app/views/SettingsBehaviorSection.h"
-#include "app/views/SettingsDebugSection.h"
-#include "app/views/SettingsPermissionsSection.h"
-#include "app/views/SettingsSectionPage.h"
-#include "app/views/SettingsShortcutsSection.h"
-#include "app/views/SettingsSidebar.h"
-#include "app/views/SettingsUpdatesSection.h"
+#include "app/ui/settings/SettingsAboutSection.h"
+#include "app/ui/settings/SettingsBehaviorSection.h"
+#include "app/ui/settings/SettingsDebugSection.h"
+#include "app/ui/settings/SettingsPermissionsSection.h"
+#include "app/ui/settings/SettingsSectionPage.h"
+#include "app/ui/settings/SettingsShortcutsSection.h"
+#include "app/ui/settings/SettingsSidebar.h"
+#include "app/ui/settings/SettingsUpdatesSection.h"
 
 namespace {
 

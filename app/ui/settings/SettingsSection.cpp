@@ -1,4 +1,4 @@
-#include "app/views/SettingsSection.h"
+#include "app/ui/settings/SettingsSection.h"
 
 namespace SettingsSections {
 

@@ -1,4 +1,4 @@
-#include "app/views/SettingsToggle.h"
+#include "app/ui/settings/SettingsToggle.h"
 
 #include <QPainter>
 

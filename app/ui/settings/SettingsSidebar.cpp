@@ -1,9 +1,9 @@
-#include "app/views/SettingsSidebar.h"
+#include "app/ui/settings/SettingsSidebar.h"
 
 #include <QScrollArea>
 #include <QVBoxLayout>
 
-#include "app/views/SettingsSidebarButton.h"
+#include "app/ui/settings/SettingsSidebarButton.h"
 
 SettingsSidebar::SettingsSidebar(QWidget* parent) : QWidget(parent) {
     setFixedWidth(kWidth);

@@ -3,7 +3,7 @@
 #include <QMap>
 #include <QWidget>
 
-#include "app/views/SettingsSection.h"
+#include "app/ui/settings/SettingsSection.h"
 
 class SettingsSidebarButton;
 

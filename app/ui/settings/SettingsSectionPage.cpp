@@ -1,4 +1,4 @@
-#include "app/views/SettingsSectionPage.h"
+#include "app/ui/settings/SettingsSectionPage.h"
 
 #include <QEvent>
 #include <QHBoxLayout>
@@ -7,7 +7,7 @@
 #include <QVBoxLayout>
 
 #include "app/ui/common/ViewStyle.h"
-#include "app/views/SettingsSymbols.h"
+#include "app/ui/settings/SettingsSymbols.h"
 
 namespace {
 constexpr int kSymbolSize = 26;

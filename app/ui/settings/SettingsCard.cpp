@@ -1,4 +1,4 @@
-#include "app/views/SettingsCard.h"
+#include "app/ui/settings/SettingsCard.h"
 
 #include <QHBoxLayout>
 #include <QLabel>

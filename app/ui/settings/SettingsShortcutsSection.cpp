@@ -1,12 +1,12 @@
-#include "app/views/SettingsShortcutsSection.h"
+#include "app/ui/settings/SettingsShortcutsSection.h"
 
 #include <QLabel>
 #include <QVBoxLayout>
 
 #include "app/controller/AppController.h"
 #include "app/ui/common/ViewStyle.h"
-#include "app/views/SettingsCard.h"
-#include "app/views/SettingsShortcutRow.h"
+#include "app/ui/settings/SettingsCard.h"
+#include "app/ui/settings/SettingsShortcutRow.h"
 
 SettingsShortcutsSection::SettingsShortcutsSection(AppController& controller, QWidget* parent)
     : QWidget(parent), m_controller(controller) {

@@ -1,4 +1,4 @@
-#include "app/views/SettingsDebugSection.h"
+#include "app/ui/settings/SettingsDebugSection.h"
 
 #include <QHBoxLayout>
 #include <QLabel>
@@ -7,7 +7,7 @@
 
 #include "app/controller/AppController.h"
 #include "app/ui/common/ViewStyle.h"
-#include "app/views/SettingsCard.h"
+#include "app/ui/settings/SettingsCard.h"
 
 SettingsDebugSection::SettingsDebugSection(AppController& controller, QWidget* parent)
     : QWidget(parent), m_controller(controller) {

@@ -1,4 +1,4 @@
-#include "app/views/SettingsAboutSection.h"
+#include "app/ui/settings/SettingsAboutSection.h"
 
 #include <QApplication>
 #include <QDate>
@@ -11,8 +11,8 @@
 #include "BuildConfig.h"
 #include "app/controller/AppController.h"
 #include "app/ui/common/ViewStyle.h"
-#include "app/views/SettingsCard.h"
-#include "app/views/SettingsSymbols.h"
+#include "app/ui/settings/SettingsCard.h"
+#include "app/ui/settings/SettingsSymbols.h"
 #include "platform/DesktopLauncher.h"
 #include "platform/Platform.h"
 

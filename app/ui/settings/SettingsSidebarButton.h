@@ -2,7 +2,7 @@
 
 #include <QAbstractButton>
 
-#include "app/views/SettingsSection.h"
+#include "app/ui/settings/SettingsSection.h"
 
 // One entry of the settings sidebar: the section's symbol and title; the selected entry sits on a
 // rounded highlight.

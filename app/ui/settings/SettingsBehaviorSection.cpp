@@ -1,4 +1,4 @@
-#include "app/views/SettingsBehaviorSection.h"
+#include "app/ui/settings/SettingsBehaviorSection.h"
 
 #include <QHBoxLayout>
 #include <QLabel>
@@ -7,8 +7,8 @@
 
 #include "app/controller/AppController.h"
 #include "app/ui/common/ViewStyle.h"
-#include "app/views/SettingsCard.h"
-#include "app/views/SettingsToggle.h"
+#include "app/ui/settings/SettingsCard.h"
+#include "app/ui/settings/SettingsToggle.h"
 #include "platform/SettingsStore.h"
 
 namespace {
