@@ -9,9 +9,9 @@
 
 #include "BuildConfig.h"
 #include "app/controller/AppController.h"
+#include "app/ui/guide/PermissionGuideView.h"
 #include "app/ui/settings/SettingsView.h"
 #include "app/update/UpdaterService.h"
-#include "app/views/PermissionGuideView.h"
 #include "platform/DesktopLauncher.h"
 #include "platform/ForegroundActivation.h"
 #include "platform/Platform.h"

@@ -7,8 +7,8 @@
 
 #include "app/controller/AppController.h"
 #include "app/permissions/PermissionService.h"
+#include "app/ui/guide/PermissionGuideView.h"
 #include "app/ui/settings/SettingsPermissionsSection.h"
-#include "app/views/PermissionGuideView.h"
 #include "platform/x11/X11Platform.h"
 
 namespace {

@@ -5,8 +5,8 @@
 #include <QUrlQuery>
 
 #include "BuildConfig.h"
+#include "app/ui/guide/PermissionGuideView.h"
 #include "app/update/UpdaterService.h"
-#include "app/views/PermissionGuideView.h"
 #include "tests/ui/UiFixture.h"
 
 namespace {

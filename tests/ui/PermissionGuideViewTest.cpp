@@ -3,7 +3,7 @@
 #include <QPushButton>
 
 #include "app/permissions/PermissionService.h"
-#include "app/views/PermissionGuideView.h"
+#include "app/ui/guide/PermissionGuideView.h"
 #include "tests/ui/UiFixture.h"
 
 namespace {

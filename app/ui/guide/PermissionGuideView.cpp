@@ -1,4 +1,4 @@
-#include "app/views/PermissionGuideView.h"
+#include "app/ui/guide/PermissionGuideView.h"
 
 #include <QFrame>
 #include <QHBoxLayout>
