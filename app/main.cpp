@@ -8,8 +8,8 @@
 #include <cstdio>
 
 #include "BuildConfig.h"
-#include "app/LatticaApp.h"
 #include "app/displays/ScreenSnapshotService.h"
+#include "app/ui/LatticaApp.h"
 #include "platform/x11/X11Platform.h"
 
 namespace {

@@ -3,7 +3,7 @@
 #include <QMenu>
 #include <QtMath>
 
-#include "app/LatticaApp.h"
+#include "app/ui/LatticaApp.h"
 #include "app/ui/panel/MenuBarContentView.h"
 #include "app/ui/panel/PanelGeometry.h"
 #include "tests/ui/UiFixture.h"

@@ -8,8 +8,8 @@
 #include <QTemporaryDir>
 #include <QThreadPool>
 
-#include "app/LatticaApp.h"
 #include "app/controller/AppController.h"
+#include "app/ui/LatticaApp.h"
 #include "app/ui/panel/DisplayCardView.h"
 #include "app/ui/panel/MenuBarContentView.h"
 #include "platform/SettingsStore.h"

@@ -2,7 +2,7 @@
 #include <QApplication>
 #include <QImage>
 
-#include "app/LatticaApp.h"
+#include "app/ui/LatticaApp.h"
 #include "app/ui/panel/MenuBarContentView.h"
 #include "tests/ui/ScreenshotSupport.h"
 #include "tests/ui/UiFixture.h"

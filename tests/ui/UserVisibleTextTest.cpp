@@ -15,8 +15,8 @@
 
 #include "KeyboardShortcuts/Name.h"
 #include "KeyboardShortcuts/Shortcut.h"
-#include "app/LatticaApp.h"
 #include "app/UpdateWindow.h"
+#include "app/ui/LatticaApp.h"
 #include "app/ui/panel/MenuBarContentView.h"
 #include "app/ui/settings/SettingsSection.h"
 #include "app/ui/settings/SettingsView.h"

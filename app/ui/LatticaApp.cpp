@@ -1,4 +1,4 @@
-#include "app/LatticaApp.h"
+#include "app/ui/LatticaApp.h"
 
 #include <QApplication>
 #include <QCursor>
