@@ -8,8 +8,10 @@
 #include <cstdio>
 
 #include "BuildConfig.h"
+#include "app/controller/AppController.h"
 #include "app/displays/ScreenSnapshotService.h"
 #include "app/ui/LatticaApp.h"
+#include "app/ui/WindowPresenter.h"
 #include "platform/x11/X11Platform.h"
 
 namespace {
@@ -62,7 +64,9 @@ int main(int argc, char** argv) {
     platform->install();
     quitOnTerminationSignals(application);
 
-    LatticaApp app;
+    AppController controller;
+    WindowPresenter windows(controller);
+    LatticaApp app(controller, windows);
     app.start();
     // The windows of the desktop are read once in the background now, so that the first opening of the
     // panel only has to ask about what changed since.

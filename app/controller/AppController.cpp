@@ -8,16 +8,9 @@
 #include "platform/Autostart.h"
 #include "platform/Monitors.h"
 #include "platform/Platform.h"
-#include "platform/SettingsStore.h"
 #include "platform/TaskbarPresence.h"
 
-AppController& AppController::shared() {
-    // Lives until the process ends, like the application itself.
-    static AppController* instance = new AppController();
-    return *instance;
-}
-
-AppController::AppController(QObject* parent) : QObject(parent) {
+AppController::AppController(QObject* parent) : QObject(parent), m_preferences(*Platform::services().settings) {
     const PlatformServices& platform = Platform::services();
 
     // 1. Both permission answers, screen recording first.
@@ -26,29 +19,16 @@ AppController::AppController(QObject* parent) : QObject(parent) {
     // 2. The other published properties start empty (see the member initialisers).
 
     // 3. Plain fields.
-    m_settings = platform.settings;
-    m_dockIconKey = QStringLiteral("dockIconVisible");
-    m_autoCheckForUpdatesKey = QStringLiteral("autoCheckForUpdatesOnLaunch");
-    m_adjustWindowSizeKey = QStringLiteral("adjustWindowSizeToTargetScreen");
-    m_shortcutDisplayRecordsKey = QStringLiteral("shortcutDisplayRecords.v1");
     m_updaterService = &UpdaterService::shared();
     m_previewLoadID = QUuid::createUuid();
 
-    // 4. Defaults, key by key; a value of any type counts as present.
-    if (!m_settings->contains(m_dockIconKey)) {
-        m_settings->setBool(m_dockIconKey, false);
-    }
-    if (!m_settings->contains(m_autoCheckForUpdatesKey)) {
-        m_settings->setBool(m_autoCheckForUpdatesKey, true);
-    }
-    if (!m_settings->contains(m_adjustWindowSizeKey)) {
-        m_settings->setBool(m_adjustWindowSizeKey, false);
-    }
+    // 4. Defaults of the keys that hold nothing.
+    m_preferences.storeMissingDefaults();
 
     // 5. The preferences.
-    m_dockIconVisible = m_settings->boolValue(m_dockIconKey);
-    m_autoCheckForUpdatesEnabled = m_settings->boolValue(m_autoCheckForUpdatesKey);
-    m_adjustWindowSizeToTargetScreen = m_settings->boolValue(m_adjustWindowSizeKey);
+    m_dockIconVisible = m_preferences.taskbarIconVisible();
+    m_autoCheckForUpdatesEnabled = m_preferences.autoCheckForUpdates();
+    m_adjustWindowSizeToTargetScreen = m_preferences.adjustWindowSize();
 
     // 6. Launch at login is whatever the login-item service says.
     m_launchAtLoginEnabled = platform.autostart->status() == AutostartStatus::Enabled;
@@ -83,6 +63,7 @@ void AppController::setStatusMessage(const QString& message) {
 
 void AppController::setAdjustWindowSizeToTargetScreen(bool adjust) {
     publish(m_adjustWindowSizeToTargetScreen, adjust, &AppController::adjustWindowSizeToTargetScreenChanged);
+    m_preferences.setAdjustWindowSize(adjust);
 }
 
 void AppController::setPermissionState(const PermissionState& state) {
@@ -99,13 +80,13 @@ void AppController::setIsLoadingPreviews(bool loading) {
 
 void AppController::setDockIconVisible(bool visible) {
     publish(m_dockIconVisible, visible, &AppController::dockIconVisibleChanged);
-    m_settings->setBool(m_dockIconKey, visible);
+    m_preferences.setTaskbarIconVisible(visible);
     Platform::services().taskbarPresence->setShownInTaskbar(m_dockIconVisible);
 }
 
 void AppController::setAutoCheckForUpdatesEnabled(bool enabled) {
     publish(m_autoCheckForUpdatesEnabled, enabled, &AppController::autoCheckForUpdatesEnabledChanged);
-    m_settings->setBool(m_autoCheckForUpdatesKey, enabled);
+    m_preferences.setAutoCheckForUpdates(enabled);
     m_updaterService->updaterController()->updater()->setAutomaticallyChecksForUpdates(enabled);
 }
 

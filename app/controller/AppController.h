@@ -6,13 +6,11 @@
 #include <QSet>
 #include <QString>
 #include <QUuid>
-#include <QWidget>
 
+#include "app/controller/Preferences.h"
 #include "app/model/Models.h"
 
-class QScreen;
 class UpdaterService;
-class SettingsStore;
 
 // The one controller at the centre of the program: it owns the published state that every view shows,
 // the preferences, the display refresh, every move command, the per-display shortcut records and the
@@ -33,11 +31,8 @@ class AppController : public QObject {
                    setAdjustWindowSizeToTargetScreen NOTIFY adjustWindowSizeToTargetScreenChanged)
 
 public:
-    // The single instance, created on first use.
-    static AppController& shared();
-
-    // Builds a controller from the installed platform services. The program uses shared(); tests
-    // build their own instances.
+    // Builds a controller from the installed platform services. main() owns the program's one
+    // controller; tests build their own.
     explicit AppController(QObject* parent = nullptr);
     ~AppController() override;
 
@@ -54,7 +49,7 @@ public:
     const QList<ShortcutDisplayItem>& disconnectedShortcutDisplays() const { return m_disconnectedShortcutDisplays; }
 
     void setStatusMessage(const QString& message);
-    // Publishes the value only; the settings toggle stores it under adjustWindowSizeKey() itself.
+    // Publishes and stores the preference.
     void setAdjustWindowSizeToTargetScreen(bool adjust);
 
     // Preference setters of the settings window.
@@ -80,20 +75,13 @@ public:
     // The shortcut name of a display: "moveFocusedWindowToDisplay." + its persistent identifier.
     static QString shortcutNameRawValue(const QString& persistentID);
 
-    // Application lifecycle and windows.
-    void applicationDidFinishLaunching();
-    void showSettingsWindow();
-    void showPermissionGuideWindow();
+    // The launch sequence, once the event loop runs: taskbar presence, permissions, shortcut displays,
+    // the update check the preference asks for, and permissionGuideRequested() when a permission is missing.
+    void start();
+    // Opens a mail to support with the program's and the system's versions.
     void contactSupport();
-    QWidget* settingsWindow() const { return m_settingsWindow; }
-    QWidget* permissionWindow() const { return m_permissionWindow; }
 
-    // Keys of the application's preferences.
-    const QString& dockIconKey() const { return m_dockIconKey; }
-    const QString& autoCheckForUpdatesKey() const { return m_autoCheckForUpdatesKey; }
-    const QString& adjustWindowSizeKey() const { return m_adjustWindowSizeKey; }
-    const QString& shortcutDisplayRecordsKey() const { return m_shortcutDisplayRecordsKey; }
-    SettingsStore* settingsStore() const { return m_settings; }
+    Preferences& preferences() { return m_preferences; }
 
     // Visible for tests.
     QUuid previewLoadID() const { return m_previewLoadID; }
@@ -112,6 +100,8 @@ Q_SIGNALS:
     void adjustWindowSizeToTargetScreenChanged();
     void connectedShortcutDisplaysChanged();
     void disconnectedShortcutDisplaysChanged();
+    // The launch found a permission missing: the guide should be shown.
+    void permissionGuideRequested();
 
 private:
     // Announces, stores and signals one published property.
@@ -131,9 +121,6 @@ private:
     void saveShortcutDisplayRecords();
     void registerShortcutHandlersIfNeeded();
 
-    QScreen* activeScreen() const;
-    void presentWindow(QWidget* window);
-
     // Published properties.
     PermissionState m_permissionState;
     QList<DisplaySnapshot> m_displays;
@@ -147,14 +134,8 @@ private:
     QList<ShortcutDisplayItem> m_disconnectedShortcutDisplays;
 
     // Plain fields.
-    SettingsStore* m_settings = nullptr;
-    QString m_dockIconKey;
-    QString m_autoCheckForUpdatesKey;
-    QString m_adjustWindowSizeKey;
-    QString m_shortcutDisplayRecordsKey;
+    Preferences m_preferences;
     UpdaterService* m_updaterService = nullptr;
-    QPointer<QWidget> m_settingsWindow;
-    QPointer<QWidget> m_permissionWindow;
     QUuid m_previewLoadID;
     QList<ShortcutDisplayRecord> m_shortcutDisplayRecords;
     QSet<QString> m_registeredShortcutDisplayIDs;

@@ -8,14 +8,13 @@
 #include "app/controller/AppController.h"
 #include "app/displays/ScreenSnapshotService.h"
 #include "app/displayshortcuts/ShortcutDisplayRecordCoding.h"
-#include "platform/SettingsStore.h"
 
 QString AppController::shortcutNameRawValue(const QString& persistentID) {
     return QStringLiteral("moveFocusedWindowToDisplay.") + persistentID;
 }
 
 QList<ShortcutDisplayRecord> AppController::loadShortcutDisplayRecords() const {
-    const std::optional<QByteArray> data = m_settings->dataValue(m_shortcutDisplayRecordsKey);
+    const std::optional<QByteArray> data = m_preferences.shortcutDisplayRecords();
     if (!data) {
         return {};
     }
@@ -23,7 +22,7 @@ QList<ShortcutDisplayRecord> AppController::loadShortcutDisplayRecords() const {
 }
 
 void AppController::saveShortcutDisplayRecords() {
-    m_settings->setData(m_shortcutDisplayRecordsKey, ShortcutDisplayRecordCoding::encode(m_shortcutDisplayRecords));
+    m_preferences.setShortcutDisplayRecords(ShortcutDisplayRecordCoding::encode(m_shortcutDisplayRecords));
 }
 
 void AppController::refreshShortcutDisplays() {

@@ -11,17 +11,13 @@
 #include <cstdio>
 
 #include "app/controller/AppController.h"
+#include "app/ui/WindowPresenter.h"
 #include "app/ui/common/SymbolIcons.h"
 #include "app/ui/panel/MenuBarContentView.h"
 #include "app/ui/panel/PanelGeometry.h"
 
-void LatticaApp::AppDelegate::applicationDidFinishLaunching(AppController& controller) {
-    controller.applicationDidFinishLaunching();
-}
-
-LatticaApp::LatticaApp(AppController& controller) : m_controller(controller) {}
-
-LatticaApp::LatticaApp() : LatticaApp(AppController::shared()) {}
+LatticaApp::LatticaApp(AppController& controller, WindowPresenter& windows)
+    : m_controller(controller), m_windows(windows) {}
 
 LatticaApp::~LatticaApp() = default;
 
@@ -33,7 +29,7 @@ void LatticaApp::start() {
     // For trays that keep clicks to themselves: the same two actions as the panel's footer.
     m_trayMenu = std::make_unique<QMenu>();
     m_trayMenu->addAction(SymbolIcons::icon(QStringLiteral("gearshape")), QStringLiteral("Settings"), this,
-                          [this] { m_controller.showSettingsWindow(); });
+                          [this] { m_windows.showSettingsWindow(); });
     QAction* quit = m_trayMenu->addAction(SymbolIcons::icon(QStringLiteral("power")), QStringLiteral("Quit"), qApp,
                                           &QCoreApplication::quit);
     quit->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
@@ -57,7 +53,7 @@ void LatticaApp::start() {
         ensurePanel(false);
         QTimer::singleShot(0, this, &LatticaApp::openPanel);
     }
-    QTimer::singleShot(0, this, [this] { m_appDelegate.applicationDidFinishLaunching(m_controller); });
+    QTimer::singleShot(0, this, [this] { m_controller.start(); });
 }
 
 void LatticaApp::ensurePanel(bool asPopup) {
@@ -74,7 +70,7 @@ void LatticaApp::ensurePanel(bool asPopup) {
     m_panel->setAttribute(Qt::WA_NoMouseReplay);
     auto* layout = new QVBoxLayout(m_panel.get());
     layout->setContentsMargins(0, 0, 0, 0);
-    m_content = new MenuBarContentView(m_controller, m_panel.get());
+    m_content = new MenuBarContentView(m_controller, m_windows, m_panel.get());
     layout->addWidget(m_content);
     connect(m_content, &MenuBarContentView::dismissRequested, this, &LatticaApp::closePanel);
     m_panel->installEventFilter(this);

@@ -10,6 +10,7 @@ class AppController;
 class MenuBarContentView;
 class QMenu;
 class QWidget;
+class WindowPresenter;
 
 // The program's presence on the desktop: the tray icon titled "Lattica" and the panel it opens.
 // A click on the icon opens the panel as a frameless popup next to the icon, sized from the
@@ -18,14 +19,7 @@ class QWidget;
 class LatticaApp : public QObject {
     Q_OBJECT
 public:
-    // Runs the controller's launch sequence once the event loop has started.
-    class AppDelegate {
-    public:
-        void applicationDidFinishLaunching(AppController& controller);
-    };
-
-    explicit LatticaApp(AppController& controller);
-    LatticaApp();
+    LatticaApp(AppController& controller, WindowPresenter& windows);
     ~LatticaApp() override;
 
     // Shows the tray icon (or says why there is none) and schedules the launch sequence.
@@ -58,7 +52,7 @@ private:
     void placePanel();
 
     AppController& m_controller;
-    AppDelegate m_appDelegate;
+    WindowPresenter& m_windows;
     std::unique_ptr<QSystemTrayIcon> m_trayIcon;
     std::unique_ptr<QMenu> m_trayMenu;
     std::unique_ptr<QWidget> m_panel;

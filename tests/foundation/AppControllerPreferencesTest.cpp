@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <QSignalSpy>
+
 #include "app/controller/AppController.h"
 #include "app/update/UpdaterService.h"
 #include "platform/fake/FakePlatform.h"
@@ -28,8 +30,20 @@ TEST_F(AppControllerPreferencesTest, InitialPublishedStateIsEmpty) {
     EXPECT_TRUE(controller.statusMessage().isEmpty());
     EXPECT_FALSE(controller.launchAtLoginEnabled());
     EXPECT_FALSE(controller.previewLoadID().isNull());
-    EXPECT_EQ(controller.settingsWindow(), nullptr);
-    EXPECT_EQ(controller.permissionWindow(), nullptr);
+}
+
+TEST_F(AppControllerPreferencesTest, StartAsksForTheGuideOnlyWhenAPermissionIsMissing) {
+    platform.sessionCheck.screenCaptureAvailable = true;
+    platform.sessionCheck.windowControlAvailable = false;
+    platform.settings.setBool(QStringLiteral("autoCheckForUpdatesOnLaunch"), false);
+    AppController controller;
+    QSignalSpy guide(&controller, &AppController::permissionGuideRequested);
+    controller.start();
+    EXPECT_EQ(guide.count(), 1);
+
+    platform.sessionCheck.windowControlAvailable = true;
+    controller.start();
+    EXPECT_EQ(guide.count(), 1) << "both granted: no guide";
 }
 
 TEST_F(AppControllerPreferencesTest, StoredFalseForUpdateChecksSurvivesARestart) {

@@ -59,7 +59,7 @@ TEST_F(SettingsBehaviorSectionTest, ShowDockIconSurvivesARestart) {
     SettingsBehaviorSection* again = behavior();
     EXPECT_TRUE(controller->dockIconVisible());
     EXPECT_TRUE(again->dockIconToggle()->isChecked());
-    controller->applicationDidFinishLaunching();
+    controller->start();
     EXPECT_TRUE(platform.taskbarPresence.shown);
 }
 

@@ -8,6 +8,7 @@
 
 #include "KeyboardShortcuts/Recorder.h"
 #include "app/controller/AppController.h"
+#include "app/ui/WindowPresenter.h"
 #include "app/ui/settings/SettingsBehaviorSection.h"
 #include "app/ui/settings/SettingsShortcutRow.h"
 #include "app/ui/settings/SettingsShortcutsSection.h"
@@ -125,8 +126,9 @@ TEST_F(SettingsDesktopTest, LaunchAtLoginWritesAndRemovesTheAutostartEntry) {
 
 TEST_F(SettingsDesktopTest, SettingsWindowHostsTheViewAtItsSizeAndIsReused) {
     AppController controller;
-    controller.showSettingsWindow();
-    QWidget* window = controller.settingsWindow();
+    WindowPresenter windows(controller);
+    windows.showSettingsWindow();
+    QWidget* window = windows.settingsWindow();
     ASSERT_NE(window, nullptr);
     ASSERT_TRUE(QTest::qWaitForWindowExposed(window));
     auto* settings = window->findChild<SettingsView*>();
@@ -136,8 +138,8 @@ TEST_F(SettingsDesktopTest, SettingsWindowHostsTheViewAtItsSizeAndIsReused) {
 
     settings->setSelectedSection(SettingsSection::Shortcuts);
     window->hide();
-    controller.showSettingsWindow();
-    EXPECT_EQ(controller.settingsWindow(), window);
+    windows.showSettingsWindow();
+    EXPECT_EQ(windows.settingsWindow(), window);
     EXPECT_EQ(window->findChild<SettingsView*>(), settings);
     EXPECT_EQ(settings->selectedSection(), SettingsSection::Shortcuts);
     ASSERT_TRUE(QTest::qWaitForWindowExposed(window));

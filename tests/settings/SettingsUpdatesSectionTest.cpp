@@ -57,13 +57,13 @@ TEST_F(SettingsUpdatesSectionTest, WithThePreferenceOffLaunchChecksNothing) {
     qputenv("LATTICA_APPCAST_URL", server.url(QStringLiteral("/appcast.xml")).toEncoded());
     platform.settings.setBool(QStringLiteral("autoCheckForUpdatesOnLaunch"), false);
     makeView(false);
-    controller->applicationDidFinishLaunching();
+    controller->start();
     EXPECT_FALSE(updater()->automaticallyChecksForUpdates());
     EXPECT_FALSE(updater()->sessionInProgress());
 
     // The same launch with the preference on does reach the feed, so the check above could have seen one.
     controller->setAutoCheckForUpdatesEnabled(true);
-    controller->applicationDidFinishLaunching();
+    controller->start();
     EXPECT_TRUE(QTest::qWaitFor([&server] { return server.requestedPaths().size() == 1; }, 5000));
 }
 

@@ -18,7 +18,7 @@ protected:
         UiTest::TearDown();
     }
     void start() {
-        app = std::make_unique<LatticaApp>(controller());
+        app = std::make_unique<LatticaApp>(controller(), windows());
         ::testing::internal::CaptureStdout();
         app->start();
         output = QString::fromStdString(::testing::internal::GetCapturedStdout());
@@ -108,20 +108,20 @@ TEST_F(LatticaAppWithoutTray, TrayMenuOffersSettingsAndQuit) {
     }
     EXPECT_EQ(texts, (QStringList{QStringLiteral("Settings"), QStringLiteral("Quit")}));
     app->trayMenu()->actions()[0]->trigger();
-    ASSERT_NE(controller().settingsWindow(), nullptr);
-    EXPECT_TRUE(controller().settingsWindow()->isVisible());
-    controller().settingsWindow()->close();
+    ASSERT_NE(windows().settingsWindow(), nullptr);
+    EXPECT_TRUE(windows().settingsWindow()->isVisible());
+    windows().settingsWindow()->close();
 }
 
 TEST_F(LatticaAppWithoutTray, LaunchSequenceRunsOnceTheEventLoopRuns) {
     platform.sessionCheck.windowControlAvailable = false;
     makeController();
     start();
-    EXPECT_EQ(controller().permissionWindow(), nullptr);
-    ASSERT_TRUE(waitUntil([&] { return controller().permissionWindow() != nullptr; }));
-    EXPECT_TRUE(controller().permissionWindow()->isVisible());
+    EXPECT_EQ(windows().permissionWindow(), nullptr);
+    ASSERT_TRUE(waitUntil([&] { return windows().permissionWindow() != nullptr; }));
+    EXPECT_TRUE(windows().permissionWindow()->isVisible());
     EXPECT_FALSE(platform.taskbarPresence.shown);
-    controller().permissionWindow()->close();
+    windows().permissionWindow()->close();
 }
 
 TEST(ProgramIcon, IsDrawnAtTheSizeTheTrayAsksFor) {

@@ -14,7 +14,7 @@ namespace {
 class Lifecycle : public UiTest {
 protected:
     void TearDown() override {
-        for (QWidget* window : {controller().settingsWindow(), controller().permissionWindow()}) {
+        for (QWidget* window : {windows().settingsWindow(), windows().permissionWindow()}) {
             if (window) {
                 window->close();
             }
@@ -29,8 +29,8 @@ protected:
 
 TEST_F(Lifecycle, SettingsWindowRequestedTwiceIsTheSameWindowPlacedAgain) {
     makeController();
-    controller().showSettingsWindow();
-    QWidget* first = controller().settingsWindow();
+    windows().showSettingsWindow();
+    QWidget* first = windows().settingsWindow();
     ASSERT_NE(first, nullptr);
     EXPECT_TRUE(first->isVisible());
     EXPECT_EQ(first->size(), QSize(760, 540));
@@ -39,8 +39,8 @@ TEST_F(Lifecycle, SettingsWindowRequestedTwiceIsTheSameWindowPlacedAgain) {
     first->close();
     EXPECT_FALSE(first->isVisible());
     first->move(3, 3);
-    controller().showSettingsWindow();
-    EXPECT_EQ(controller().settingsWindow(), first);
+    windows().showSettingsWindow();
+    EXPECT_EQ(windows().settingsWindow(), first);
     EXPECT_TRUE(first->isVisible());
     EXPECT_EQ(first->pos(), topCentreOrigin(*first));
     EXPECT_EQ(first->windowTitle(), QString());
@@ -49,8 +49,8 @@ TEST_F(Lifecycle, SettingsWindowRequestedTwiceIsTheSameWindowPlacedAgain) {
 TEST_F(Lifecycle, GuideOpensAtLaunchWithoutPermissions) {
     platform.sessionCheck.screenCaptureAvailable = false;
     makeController();
-    controller().applicationDidFinishLaunching();
-    QWidget* guide = controller().permissionWindow();
+    controller().start();
+    QWidget* guide = windows().permissionWindow();
     ASSERT_NE(guide, nullptr);
     EXPECT_TRUE(guide->isVisible());
     EXPECT_EQ(guide->windowTitle(), QStringLiteral("Grant Required Permissions"));
@@ -62,25 +62,25 @@ TEST_F(Lifecycle, GuideOpensAtLaunchWithoutPermissions) {
 
 TEST_F(Lifecycle, GuideStaysClosedAtLaunchWithBothPermissions) {
     makeController();
-    controller().applicationDidFinishLaunching();
-    EXPECT_EQ(controller().permissionWindow(), nullptr);
+    controller().start();
+    EXPECT_EQ(windows().permissionWindow(), nullptr);
 }
 
 TEST_F(Lifecycle, GuideRequestedTwiceIsTheSameWindow) {
     platform.sessionCheck.windowControlAvailable = false;
     makeController();
-    controller().showPermissionGuideWindow();
-    QWidget* first = controller().permissionWindow();
+    windows().showPermissionGuideWindow();
+    QWidget* first = windows().permissionWindow();
     first->close();
-    controller().showPermissionGuideWindow();
-    EXPECT_EQ(controller().permissionWindow(), first);
+    windows().showPermissionGuideWindow();
+    EXPECT_EQ(windows().permissionWindow(), first);
     EXPECT_TRUE(first->isVisible());
 }
 
 TEST_F(Lifecycle, LaunchMakesTheProgramAnAccessoryByDefault) {
     platform.taskbarPresence.shown = true;
     makeController();
-    controller().applicationDidFinishLaunching();
+    controller().start();
     EXPECT_FALSE(platform.taskbarPresence.shown);
 }
 
@@ -88,22 +88,22 @@ TEST_F(Lifecycle, LaunchShowsTheProgramInTheTaskbarWhenTheDockIconIsWanted) {
     platform.settings.setBool(QStringLiteral("dockIconVisible"), true);
     platform.taskbarPresence.shown = false;
     makeController();
-    controller().applicationDidFinishLaunching();
+    controller().start();
     EXPECT_TRUE(platform.taskbarPresence.shown);
 }
 
 TEST_F(Lifecycle, LaunchRereadsThePermissions) {
     makeController();
     platform.sessionCheck.screenCaptureAvailable = false;
-    controller().applicationDidFinishLaunching();
+    controller().start();
     EXPECT_FALSE(controller().permissionState().screenRecordingGranted);
-    ASSERT_NE(controller().permissionWindow(), nullptr);
+    ASSERT_NE(windows().permissionWindow(), nullptr);
 }
 
 TEST_F(Lifecycle, PresentingAWindowBringsTheProgramToTheFront) {
     makeController();
     const int before = platform.foregroundActivation.activations;
-    controller().showSettingsWindow();
+    windows().showSettingsWindow();
     EXPECT_GT(platform.foregroundActivation.activations, before);
 }
 
@@ -111,8 +111,8 @@ TEST_F(Lifecycle, ActiveScreenIsTheOneUnderThePointer) {
     makeController();
     QScreen* screen = QGuiApplication::primaryScreen();
     QCursor::setPos(screen->geometry().center());
-    controller().showSettingsWindow();
-    EXPECT_TRUE(screen->geometry().contains(controller().settingsWindow()->geometry().center()));
+    windows().showSettingsWindow();
+    EXPECT_TRUE(screen->geometry().contains(windows().settingsWindow()->geometry().center()));
 }
 
 TEST_F(Lifecycle, SupportMailCarriesSubjectAndBody) {
@@ -161,7 +161,7 @@ TEST_F(LifecycleUpdates, LaunchChecksForUpdatesInTheBackgroundWhenEnabled) {
     makeController();
     Updater* updater = UpdaterService::shared().updaterController()->updater();
     QSignalSpy finished(updater, &Updater::checkFinished);
-    controller().applicationDidFinishLaunching();
+    controller().start();
     ASSERT_TRUE(waitUntil([&] { return finished.count() == 1; }, 10000));
     EXPECT_FALSE(finished[0][1].toBool()) << "a background check, not one the user asked for";
 }
@@ -170,7 +170,7 @@ TEST_F(LifecycleUpdates, LaunchLeavesUpdatesAloneWhenDisabled) {
     makeController();
     Updater* updater = UpdaterService::shared().updaterController()->updater();
     QSignalSpy finished(updater, &Updater::checkFinished);
-    controller().applicationDidFinishLaunching();
+    controller().start();
     EXPECT_FALSE(updater->sessionInProgress());
     QCoreApplication::processEvents();
     EXPECT_EQ(finished.count(), 0);

@@ -12,7 +12,7 @@ class MenuBarContent : public UiTest {
 protected:
     // The panel content at a width that leaves gridWidth for the cards.
     void showPanel(int gridWidth = 616, int height = 420) {
-        view = std::make_unique<MenuBarContentView>(controller());
+        view = std::make_unique<MenuBarContentView>(controller(), windows());
         view->resize(gridWidth + 24, height);
         view->show();
         ASSERT_TRUE(waitUntil([&] { return view->isVisible(); }));
@@ -181,9 +181,9 @@ TEST_F(MenuBarContent, SettingsClosesThePanelThenOpensTheSettingsWindow) {
     QSignalSpy dismissed(view.get(), &MenuBarContentView::dismissRequested);
     view->findChild<QPushButton*>(QStringLiteral("settingsButton"))->click();
     EXPECT_EQ(dismissed.count(), 1);
-    ASSERT_NE(controller().settingsWindow(), nullptr);
-    EXPECT_TRUE(controller().settingsWindow()->isVisible());
-    controller().settingsWindow()->close();
+    ASSERT_NE(windows().settingsWindow(), nullptr);
+    EXPECT_TRUE(windows().settingsWindow()->isVisible());
+    windows().settingsWindow()->close();
 }
 
 TEST_F(MenuBarContent, QuitEndsTheProgramAndAnswersControlQ) {

@@ -17,6 +17,7 @@
 
 #include "app/controller/AppController.h"
 #include "app/ui/LatticaApp.h"
+#include "app/ui/WindowPresenter.h"
 #include "app/ui/panel/DisplayCardView.h"
 #include "app/ui/panel/MenuBarContentView.h"
 #include "platform/SettingsStore.h"
@@ -75,14 +76,15 @@ protected:
         platform->services().settings->setBool(QStringLiteral("autoCheckForUpdatesOnLaunch"), false);
         monitors = VirtualDesktop::layout();
         controller = std::make_unique<AppController>();
-        app = std::make_unique<LatticaApp>(*controller);
+        windows = std::make_unique<WindowPresenter>(*controller);
+        app = std::make_unique<LatticaApp>(*controller, *windows);
         app->start();
         ASSERT_TRUE(app->hasTrayHost()) << "the virtual desktop runs a tray host";
         ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return trayIconIsClickable(); }, 10000));
     }
 
     void TearDown() override {
-        for (QWidget* window : {controller->settingsWindow(), controller->permissionWindow()}) {
+        for (QWidget* window : {windows->settingsWindow(), windows->permissionWindow()}) {
             if (window) {
                 window->close();
             }
@@ -92,6 +94,7 @@ protected:
         app.reset();
         QThreadPool::globalInstance()->waitForDone();
         QCoreApplication::processEvents();
+        windows.reset();
         controller.reset();
         platform.reset();
     }
@@ -269,6 +272,7 @@ protected:
 
     std::unique_ptr<X11Platform> platform;
     std::unique_ptr<AppController> controller;
+    std::unique_ptr<WindowPresenter> windows;
     std::unique_ptr<LatticaApp> app;
     QList<QRect> monitors;
 
@@ -345,8 +349,8 @@ TEST_F(PanelOnDesktop, ClickOutsideThePanelClosesIt) {
 }
 
 TEST_F(PanelOnDesktop, PresentedSettingsWindowBecomesTheActiveWindow) {
-    controller->showSettingsWindow();
-    const auto window = static_cast<xcb_window_t>(controller->settingsWindow()->winId());
+    windows->showSettingsWindow();
+    const auto window = static_cast<xcb_window_t>(windows->settingsWindow()->winId());
     X11Connection& x11 = platform->connection();
     EXPECT_TRUE(VirtualDesktop::waitUntil([&] {
         xcb_get_property_reply_t* reply = xcb_get_property_reply(
@@ -424,8 +428,8 @@ TEST_F(PanelOnDesktop, ApplicationMenuMovesOnlyThatApplicationsWindows) {
 
 TEST_F(PanelOnDesktop, SettingsWindowOpenedTwiceIsTheSameWindowPlacedUnderThePointer) {
     movePointer(monitors[1].center());
-    controller->showSettingsWindow();
-    QWidget* window = controller->settingsWindow();
+    windows->showSettingsWindow();
+    QWidget* window = windows->settingsWindow();
     ASSERT_NE(window, nullptr);
     ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return monitorOf(window->frameGeometry()) == 1; }, 5000))
         << window->frameGeometry().x();
@@ -434,16 +438,16 @@ TEST_F(PanelOnDesktop, SettingsWindowOpenedTwiceIsTheSameWindowPlacedUnderThePoi
     EXPECT_LE(std::abs(window->frameGeometry().top() - (monitors[1].top() + 24)), 2);
 
     movePointer(monitors[2].center());
-    controller->showSettingsWindow();
-    EXPECT_EQ(controller->settingsWindow(), window);
+    windows->showSettingsWindow();
+    EXPECT_EQ(windows->settingsWindow(), window);
     ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return monitorOf(window->frameGeometry()) == 2; }, 5000));
     EXPECT_NEAR(window->geometry().center().x(), monitors[2].center().x(), 2);
 }
 
 TEST_F(PanelOnDesktop, AccessoryWindowsStayOutOfTheTaskbarAndRegularOnesShowInIt) {
     ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return !platform->services().taskbarPresence->isShownInTaskbar(); }));
-    controller->showSettingsWindow();
-    QWidget* window = controller->settingsWindow();
+    windows->showSettingsWindow();
+    QWidget* window = windows->settingsWindow();
     const auto xid = static_cast<xcb_window_t>(window->winId());
     X11Connection& x11 = platform->connection();
     auto states = [&] {

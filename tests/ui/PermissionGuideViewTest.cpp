@@ -12,8 +12,8 @@ class PermissionGuide : public UiTest {
 protected:
     // The guide in its window, as the launch sequence opens it.
     QWidget& openGuide() {
-        controller().showPermissionGuideWindow();
-        QWidget* window = controller().permissionWindow();
+        windows().showPermissionGuideWindow();
+        QWidget* window = windows().permissionWindow();
         EXPECT_NE(window, nullptr);
         EXPECT_TRUE(waitUntil([&] { return window->isVisible(); }));
         return *window;
@@ -85,7 +85,7 @@ TEST_F(PermissionGuide, ContinueWithBothGrantsClosesTheWindowAndRefreshesTheDisp
     EXPECT_TRUE(controller().isLoadingPreviews());
     EXPECT_TRUE(waitUntil([&] { return !controller().isLoadingPreviews(); }));
     // Kept for later: the same window object still exists.
-    EXPECT_EQ(controller().permissionWindow(), &window);
+    EXPECT_EQ(windows().permissionWindow(), &window);
 }
 
 TEST_F(PermissionGuide, RecheckRereadsTheState) {

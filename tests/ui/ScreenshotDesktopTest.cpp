@@ -10,6 +10,7 @@
 
 #include "app/controller/AppController.h"
 #include "app/ui/LatticaApp.h"
+#include "app/ui/WindowPresenter.h"
 #include "app/ui/panel/DisplayCardView.h"
 #include "app/ui/panel/MenuBarContentView.h"
 #include "platform/SettingsStore.h"
@@ -56,7 +57,8 @@ TEST(PanelScreenshot, PanelWithEveryMonitorLightAndDark) {
     }
 
     AppController controller;
-    LatticaApp app(controller);
+    WindowPresenter windows(controller);
+    LatticaApp app(controller, windows);
     const QPalette original = QApplication::palette();
     for (const bool dark : {false, true}) {
         QApplication::setPalette(dark ? darkPalette() : original);

@@ -19,7 +19,7 @@ protected:
     void TearDown() override {
         QApplication::setPalette(original);
         if (controller_) {
-            if (QWidget* guide = controller().permissionWindow()) {
+            if (QWidget* guide = windows().permissionWindow()) {
                 guide->close();
             }
         }
@@ -43,8 +43,8 @@ TEST_F(Screenshots, PermissionGuideLightAndDark) {
     controller_ = true;
     for (const bool dark : {false, true}) {
         QApplication::setPalette(dark ? darkPalette() : original);
-        controller().showPermissionGuideWindow();
-        QWidget* guide = controller().permissionWindow();
+        windows().showPermissionGuideWindow();
+        QWidget* guide = windows().permissionWindow();
         ASSERT_NE(guide, nullptr);
         ASSERT_TRUE(waitUntil([&] { return guide->isVisible(); }));
         save(*guide, dark ? QStringLiteral("permission-guide-dark.png") : QStringLiteral("permission-guide.png"));

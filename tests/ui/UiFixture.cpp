@@ -19,6 +19,7 @@ void UiTest::SetUp() {
 
 void UiTest::TearDown() {
     finishBackgroundWork();
+    m_windows.reset();
     m_controller.reset();
 }
 
@@ -38,7 +39,9 @@ void UiTest::setDisplayCount(int count) {
 }
 
 AppController& UiTest::makeController() {
+    m_windows.reset();
     m_controller = std::make_unique<AppController>();
+    m_windows = std::make_unique<WindowPresenter>(*m_controller);
     return *m_controller;
 }
 

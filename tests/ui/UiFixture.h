@@ -8,6 +8,7 @@
 #include <memory>
 
 #include "app/controller/AppController.h"
+#include "app/ui/WindowPresenter.h"
 #include "platform/fake/FakePlatform.h"
 
 // A fake desktop (displays with pictures, both permissions granted) and a controller built on it.
@@ -21,6 +22,8 @@ protected:
     // Builds the controller from the platform as it is scripted now.
     AppController& makeController();
     AppController& controller() { return *m_controller; }
+    // The presenter of the program's windows, built with the controller.
+    WindowPresenter& windows() { return *m_windows; }
     // Opens the panel's refresh and waits until the previews have arrived.
     void refreshAndWait();
     // A regular application with windows on a display, known to both the window list and Accessibility.
@@ -38,4 +41,5 @@ protected:
 
 private:
     std::unique_ptr<AppController> m_controller;
+    std::unique_ptr<WindowPresenter> m_windows;
 };

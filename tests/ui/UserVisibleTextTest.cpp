@@ -157,8 +157,8 @@ protected:
 
     // The settings window with every section shown once, the debug section included.
     void collectSettings(TextCollector& collector) {
-        controller().showSettingsWindow();
-        QWidget* window = controller().settingsWindow();
+        windows().showSettingsWindow();
+        QWidget* window = windows().settingsWindow();
         auto* settings = window->findChild<SettingsView*>();
         QList<SettingsSection> sections = SettingsSections::allCases();
         for (SettingsSection section : sections) {
@@ -217,7 +217,7 @@ TEST_F(UserVisibleText, PanelGuideSettingsTrayAndUpdateWindowNameNoMacFacility) 
     TextCollector collector;
 
     // Everything available: cards with previews and application menus.
-    LatticaApp app(controller());
+    LatticaApp app(controller(), windows());
     app.start();
     refreshAndWait();
     collectPanel(collector, app);
@@ -229,14 +229,14 @@ TEST_F(UserVisibleText, PanelGuideSettingsTrayAndUpdateWindowNameNoMacFacility) 
     platform.sessionCheck.windowControlAvailable = false;
     controller().refreshPermissions();
     collectPanel(collector, app);
-    controller().showPermissionGuideWindow();
-    collector.addWidgetTree(controller().permissionWindow());
+    windows().showPermissionGuideWindow();
+    collector.addWidgetTree(windows().permissionWindow());
     collectSettings(collector);
     platform.sessionCheck.windowControlAvailable = true;
     platform.sessionCheck.windowControlLimit = QStringLiteral("Only X11 applications are seen and moved.");
     controller().refreshPermissions();
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    collector.addWidgetTree(controller().permissionWindow());
+    collector.addWidgetTree(windows().permissionWindow());
 
     // The update window in each of its states.
     UpdateWindow updates;

@@ -9,6 +9,7 @@
 #include <QVBoxLayout>
 
 #include "app/controller/AppController.h"
+#include "app/ui/WindowPresenter.h"
 #include "app/ui/common/CapabilityText.h"
 #include "app/ui/common/SymbolIcons.h"
 #include "app/ui/common/SymbolLabel.h"
@@ -31,8 +32,8 @@ QPushButton* makeButton(const QString& symbol, const QString& title, QWidget* pa
 
 }  // namespace
 
-MenuBarContentView::MenuBarContentView(AppController& controller, QWidget* parent)
-    : QWidget(parent), m_controller(controller) {
+MenuBarContentView::MenuBarContentView(AppController& controller, WindowPresenter& windows, QWidget* parent)
+    : QWidget(parent), m_controller(controller), m_windows(windows) {
     setObjectName(QStringLiteral("menuBarContent"));
     auto* root = new QVBoxLayout(this);
     root->setContentsMargins(kPanelMargin, kPanelMargin, kPanelMargin, kPanelMargin);
@@ -191,7 +192,7 @@ QWidget* MenuBarContentView::makeFooter() {
     settings->setObjectName(QStringLiteral("settingsButton"));
     connect(settings, &QPushButton::clicked, this, [this] {
         Q_EMIT dismissRequested();
-        m_controller.showSettingsWindow();
+        m_windows.showSettingsWindow();
     });
     QPushButton* quit = makeButton(QStringLiteral("power"), QStringLiteral("Quit"), footer);
     quit->setObjectName(QStringLiteral("quitButton"));

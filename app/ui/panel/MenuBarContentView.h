@@ -11,6 +11,7 @@ class QHBoxLayout;
 class QLabel;
 class QPushButton;
 class QStackedLayout;
+class WindowPresenter;
 
 // The content of the tray panel: a header, then the permission request, the loading or empty state, or
 // one card per display side by side, and the Settings and Quit actions. Everything it shows comes from
@@ -20,7 +21,7 @@ class MenuBarContentView : public QWidget {
 public:
     enum class State { PermissionsRequired, Loading, NoDisplays, Displays };
 
-    explicit MenuBarContentView(AppController& controller, QWidget* parent = nullptr);
+    MenuBarContentView(AppController& controller, WindowPresenter& windows, QWidget* parent = nullptr);
 
     // What the panel shows for a permission state, an empty or filled display list and the loading flag.
     static State stateFor(const PermissionState& permissions, bool displaysEmpty, bool isLoading);
@@ -50,6 +51,7 @@ private:
     void layoutCards();
 
     AppController& m_controller;
+    WindowPresenter& m_windows;
     State m_state = State::PermissionsRequired;
     QStackedLayout* m_pages = nullptr;
     QWidget* m_blockedPage = nullptr;

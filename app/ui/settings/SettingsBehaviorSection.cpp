@@ -53,10 +53,8 @@ SettingsBehaviorSection::SettingsBehaviorSection(AppController& controller, QWid
         m_controller.setDockIconVisible(visible);
         showValues();
     });
-    connect(m_adjustWindowSize, &SettingsToggle::toggled, this, [this](bool adjust) {
-        m_controller.setAdjustWindowSizeToTargetScreen(adjust);
-        m_controller.settingsStore()->setBool(m_controller.adjustWindowSizeKey(), adjust);
-    });
+    connect(m_adjustWindowSize, &SettingsToggle::toggled, this,
+            [this](bool adjust) { m_controller.setAdjustWindowSizeToTargetScreen(adjust); });
 
     connect(&m_controller, &AppController::launchAtLoginEnabledChanged, this, [this] { showValues(); });
     connect(&m_controller, &AppController::dockIconVisibleChanged, this, [this] { showValues(); });

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QObject>
+#include <QPointer>
+
+class AppController;
+class QScreen;
+class QWidget;
+
+// Opens the program's own windows: the settings and the permission guide. Each is built on first use
+// and shown again as it was left, centred near the top of the screen under the pointer and brought to
+// the front. It also opens the guide whenever the controller asks for it at launch.
+class WindowPresenter : public QObject {
+    Q_OBJECT
+public:
+    explicit WindowPresenter(AppController& controller, QObject* parent = nullptr);
+    ~WindowPresenter() override;
+
+    void showSettingsWindow();
+    void showPermissionGuideWindow();
+
+    // The windows once they have been built; nothing before.
+    QWidget* settingsWindow() const { return m_settingsWindow; }
+    QWidget* permissionWindow() const { return m_permissionWindow; }
+
+private:
+    static QScreen* activeScreen();
+    static void present(QWidget* window);
+
+    AppController& m_controller;
+    QPointer<QWidget> m_settingsWindow;
+    QPointer<QWidget> m_permissionWindow;
+};
