@@ -13,8 +13,8 @@
 #include "app/controller/AppController.h"
 #include "app/ui/WindowPresenter.h"
 #include "app/ui/common/SymbolIcons.h"
-#include "app/ui/panel/MenuBarContentView.h"
 #include "app/ui/panel/PanelGeometry.h"
+#include "app/ui/panel/TrayPanelView.h"
 
 LatticaApp::LatticaApp(AppController& controller, WindowPresenter& windows)
     : m_controller(controller), m_windows(windows) {}
@@ -70,9 +70,9 @@ void LatticaApp::ensurePanel(bool asPopup) {
     m_panel->setAttribute(Qt::WA_NoMouseReplay);
     auto* layout = new QVBoxLayout(m_panel.get());
     layout->setContentsMargins(0, 0, 0, 0);
-    m_content = new MenuBarContentView(m_controller, m_windows, m_panel.get());
+    m_content = new TrayPanelView(m_controller, m_windows, m_panel.get());
     layout->addWidget(m_content);
-    connect(m_content, &MenuBarContentView::dismissRequested, this, &LatticaApp::closePanel);
+    connect(m_content, &TrayPanelView::dismissRequested, this, &LatticaApp::closePanel);
     m_panel->installEventFilter(this);
     resizePanel();
 }

@@ -7,7 +7,7 @@
 #include <memory>
 
 class AppController;
-class MenuBarContentView;
+class TrayPanelView;
 class QMenu;
 class QWidget;
 class WindowPresenter;
@@ -34,7 +34,7 @@ public:
     QSystemTrayIcon* trayIcon() const { return m_trayIcon.get(); }
     QMenu* trayMenu() const { return m_trayMenu.get(); }
     QWidget* panel() const { return m_panel.get(); }
-    MenuBarContentView* panelContent() const { return m_content; }
+    TrayPanelView* panelContent() const { return m_content; }
 
     // The program's symbol, drawn at whatever size is asked for.
     static QIcon programIcon();
@@ -56,7 +56,7 @@ private:
     std::unique_ptr<QSystemTrayIcon> m_trayIcon;
     std::unique_ptr<QMenu> m_trayMenu;
     std::unique_ptr<QWidget> m_panel;
-    MenuBarContentView* m_content = nullptr;
+    TrayPanelView* m_content = nullptr;
     bool m_panelIsPopup = true;
     QRect m_anchorIcon;
     QPoint m_anchorPointer;

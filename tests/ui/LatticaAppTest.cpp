@@ -4,8 +4,8 @@
 #include <QtMath>
 
 #include "app/ui/LatticaApp.h"
-#include "app/ui/panel/MenuBarContentView.h"
 #include "app/ui/panel/PanelGeometry.h"
+#include "app/ui/panel/TrayPanelView.h"
 #include "tests/ui/UiFixture.h"
 
 namespace {

@@ -19,7 +19,7 @@
 #include "app/ui/LatticaApp.h"
 #include "app/ui/WindowPresenter.h"
 #include "app/ui/panel/DisplayCardView.h"
-#include "app/ui/panel/MenuBarContentView.h"
+#include "app/ui/panel/TrayPanelView.h"
 #include "platform/SettingsStore.h"
 #include "platform/TaskbarPresence.h"
 #include "platform/WindowList.h"

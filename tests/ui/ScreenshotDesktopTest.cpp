@@ -12,7 +12,7 @@
 #include "app/ui/LatticaApp.h"
 #include "app/ui/WindowPresenter.h"
 #include "app/ui/panel/DisplayCardView.h"
-#include "app/ui/panel/MenuBarContentView.h"
+#include "app/ui/panel/TrayPanelView.h"
 #include "platform/SettingsStore.h"
 #include "platform/x11/X11Connection.h"
 #include "platform/x11/X11Platform.h"

@@ -3,7 +3,7 @@
 #include <QImage>
 
 #include "app/ui/LatticaApp.h"
-#include "app/ui/panel/MenuBarContentView.h"
+#include "app/ui/panel/TrayPanelView.h"
 #include "tests/ui/ScreenshotSupport.h"
 #include "tests/ui/UiFixture.h"
 
@@ -57,7 +57,7 @@ TEST_F(Screenshots, PanelAskingForPermissionsLightAndDark) {
     controller_ = true;
     for (const bool dark : {false, true}) {
         QApplication::setPalette(dark ? darkPalette() : original);
-        MenuBarContentView view(controller());
+        TrayPanelView view(controller());
         view.resize(460, 235);
         view.show();
         ASSERT_TRUE(waitUntil([&] { return view.isVisible(); }));

@@ -17,7 +17,7 @@
 #include "KeyboardShortcuts/Shortcut.h"
 #include "app/UpdateWindow.h"
 #include "app/ui/LatticaApp.h"
-#include "app/ui/panel/MenuBarContentView.h"
+#include "app/ui/panel/TrayPanelView.h"
 #include "app/ui/settings/SettingsSection.h"
 #include "app/ui/settings/SettingsView.h"
 #include "tests/ui/UiFixture.h"

@@ -3,26 +3,26 @@
 #include <QTimer>
 
 #include "app/ui/panel/DisplayCardView.h"
-#include "app/ui/panel/MenuBarContentView.h"
+#include "app/ui/panel/TrayPanelView.h"
 #include "tests/ui/UiFixture.h"
 
 namespace {
 
-class MenuBarContent : public UiTest {
+class TrayPanel : public UiTest {
 protected:
     // The panel content at a width that leaves gridWidth for the cards.
     void showPanel(int gridWidth = 616, int height = 420) {
-        view = std::make_unique<MenuBarContentView>(controller(), windows());
+        view = std::make_unique<TrayPanelView>(controller(), windows());
         view->resize(gridWidth + 24, height);
         view->show();
         ASSERT_TRUE(waitUntil([&] { return view->isVisible(); }));
     }
     QWidget* page(const char* name) const { return view->findChild<QWidget*>(QLatin1String(name)); }
 
-    std::unique_ptr<MenuBarContentView> view;
+    std::unique_ptr<TrayPanelView> view;
 };
 
-TEST_F(MenuBarContent, HeaderShowsTheTitleAndTheCaption) {
+TEST_F(TrayPanel, HeaderShowsTheTitleAndTheCaption) {
     makeController();
     showPanel();
     EXPECT_NE(labelWithText(*view, QStringLiteral("Lattica")), nullptr);
@@ -30,12 +30,12 @@ TEST_F(MenuBarContent, HeaderShowsTheTitleAndTheCaption) {
               nullptr);
 }
 
-TEST_F(MenuBarContent, AccessibilityWithoutScreenRecordingShowsTheRequestNotTheCards) {
+TEST_F(TrayPanel, AccessibilityWithoutScreenRecordingShowsTheRequestNotTheCards) {
     platform.sessionCheck.screenCaptureAvailable = false;
     makeController();
     controller().refreshForMenuOpen();
     showPanel();
-    EXPECT_EQ(view->state(), MenuBarContentView::State::PermissionsRequired);
+    EXPECT_EQ(view->state(), TrayPanelView::State::PermissionsRequired);
     EXPECT_TRUE(page("permissionsRequiredPage")->isVisible());
     EXPECT_FALSE(page("displaysPage")->isVisible());
     EXPECT_TRUE(view->cards().isEmpty());
@@ -49,7 +49,7 @@ TEST_F(MenuBarContent, AccessibilityWithoutScreenRecordingShowsTheRequestNotTheC
               QStringLiteral("Window Control: Granted"));
 }
 
-TEST_F(MenuBarContent, EvenCardsPublishedEarlierAreHiddenOnceAPermissionIsMissing) {
+TEST_F(TrayPanel, EvenCardsPublishedEarlierAreHiddenOnceAPermissionIsMissing) {
     makeController();
     refreshAndWait();
     showPanel();
@@ -57,13 +57,13 @@ TEST_F(MenuBarContent, EvenCardsPublishedEarlierAreHiddenOnceAPermissionIsMissin
     platform.sessionCheck.windowControlAvailable = false;
     controller().refreshPermissions();  // leaves the displays as they were
     EXPECT_FALSE(controller().displays().isEmpty());
-    EXPECT_EQ(view->state(), MenuBarContentView::State::PermissionsRequired);
+    EXPECT_EQ(view->state(), TrayPanelView::State::PermissionsRequired);
     EXPECT_TRUE(view->cards().isEmpty());
     EXPECT_EQ(view->findChild<QLabel*>(QStringLiteral("accessibilityBadge"))->text(),
               QStringLiteral("Window Control: Missing"));
 }
 
-TEST_F(MenuBarContent, RequestScreenRecordingAsksAndReports) {
+TEST_F(TrayPanel, RequestScreenRecordingAsksAndReports) {
     platform.sessionCheck.screenCaptureAvailable = false;
     makeController();
     showPanel();
@@ -73,7 +73,7 @@ TEST_F(MenuBarContent, RequestScreenRecordingAsksAndReports) {
     EXPECT_EQ(controller().statusMessage(), QStringLiteral("Checked screen capture again."));
 }
 
-TEST_F(MenuBarContent, RequestAccessibilityChecksAgainAndRereadsTheState) {
+TEST_F(TrayPanel, RequestAccessibilityChecksAgainAndRereadsTheState) {
     platform.sessionCheck.windowControlAvailable = false;
     makeController();
     showPanel();
@@ -87,22 +87,22 @@ TEST_F(MenuBarContent, RequestAccessibilityChecksAgainAndRereadsTheState) {
               QStringLiteral("Window Control: Granted"));
 }
 
-TEST_F(MenuBarContent, NoDisplaysWhileNotLoadingSaysNoDisplaysDetected) {
+TEST_F(TrayPanel, NoDisplaysWhileNotLoadingSaysNoDisplaysDetected) {
     setDisplayCount(0);
     makeController();
     controller().refreshForMenuOpen();
     showPanel();
-    EXPECT_EQ(view->state(), MenuBarContentView::State::NoDisplays);
+    EXPECT_EQ(view->state(), TrayPanelView::State::NoDisplays);
     EXPECT_TRUE(page("noDisplaysPage")->isVisible());
     EXPECT_NE(labelWithText(*page("noDisplaysPage"), QStringLiteral("No displays detected")), nullptr);
     EXPECT_NE(labelWithText(*page("noDisplaysPage"), QStringLiteral("Connect a display and try again.")), nullptr);
 }
 
-TEST_F(MenuBarContent, LoadingWithoutDisplaysShowsTheLoadingState) {
-    EXPECT_EQ(MenuBarContentView::stateFor({true, true}, true, true), MenuBarContentView::State::Loading);
-    EXPECT_EQ(MenuBarContentView::stateFor({true, true}, true, false), MenuBarContentView::State::NoDisplays);
-    EXPECT_EQ(MenuBarContentView::stateFor({true, true}, false, true), MenuBarContentView::State::Displays);
-    EXPECT_EQ(MenuBarContentView::stateFor({true, false}, true, true), MenuBarContentView::State::PermissionsRequired);
+TEST_F(TrayPanel, LoadingWithoutDisplaysShowsTheLoadingState) {
+    EXPECT_EQ(TrayPanelView::stateFor({true, true}, true, true), TrayPanelView::State::Loading);
+    EXPECT_EQ(TrayPanelView::stateFor({true, true}, true, false), TrayPanelView::State::NoDisplays);
+    EXPECT_EQ(TrayPanelView::stateFor({true, true}, false, true), TrayPanelView::State::Displays);
+    EXPECT_EQ(TrayPanelView::stateFor({true, false}, true, true), TrayPanelView::State::PermissionsRequired);
     makeController();
     showPanel();
     QWidget* loading = page("loadingPage");
@@ -110,7 +110,7 @@ TEST_F(MenuBarContent, LoadingWithoutDisplaysShowsTheLoadingState) {
     EXPECT_NE(labelWithText(*loading, QStringLiteral("Preview generation runs in the background.")), nullptr);
 }
 
-TEST_F(MenuBarContent, OneCardPerDisplayInOrderFromPlaceholdersToPreviews) {
+TEST_F(TrayPanel, OneCardPerDisplayInOrderFromPlaceholdersToPreviews) {
     setDisplayCount(3);
     makeController();
     showPanel();
@@ -129,7 +129,7 @@ TEST_F(MenuBarContent, OneCardPerDisplayInOrderFromPlaceholdersToPreviews) {
     }
 }
 
-TEST_F(MenuBarContent, FourDisplaysIn600PointsGiveCardsOf144WithPreviews80Point64High) {
+TEST_F(TrayPanel, FourDisplaysIn600PointsGiveCardsOf144WithPreviews80Point64High) {
     setDisplayCount(4);
     makeController();
     refreshAndWait();
@@ -143,7 +143,7 @@ TEST_F(MenuBarContent, FourDisplaysIn600PointsGiveCardsOf144WithPreviews80Point6
     }
 }
 
-TEST_F(MenuBarContent, TwoDisplaysIn600PointsAreClampedTo240) {
+TEST_F(TrayPanel, TwoDisplaysIn600PointsAreClampedTo240) {
     makeController();
     refreshAndWait();
     showPanel(600);
@@ -154,7 +154,7 @@ TEST_F(MenuBarContent, TwoDisplaysIn600PointsAreClampedTo240) {
     }
 }
 
-TEST_F(MenuBarContent, SingleDisplayShowsTheHintAndTheCardsWarning) {
+TEST_F(TrayPanel, SingleDisplayShowsTheHintAndTheCardsWarning) {
     setDisplayCount(1);
     makeController();
     refreshAndWait();
@@ -168,17 +168,17 @@ TEST_F(MenuBarContent, SingleDisplayShowsTheHintAndTheCardsWarning) {
     EXPECT_TRUE(view->cards()[0]->findChild<QWidget*>(QStringLiteral("noTargetsWarning"))->isVisible());
 }
 
-TEST_F(MenuBarContent, SeveralDisplaysShowNoHint) {
+TEST_F(TrayPanel, SeveralDisplaysShowNoHint) {
     makeController();
     refreshAndWait();
     showPanel();
     EXPECT_FALSE(view->findChild<QWidget*>(QStringLiteral("singleDisplayHint"))->isVisible());
 }
 
-TEST_F(MenuBarContent, SettingsClosesThePanelThenOpensTheSettingsWindow) {
+TEST_F(TrayPanel, SettingsClosesThePanelThenOpensTheSettingsWindow) {
     makeController();
     showPanel();
-    QSignalSpy dismissed(view.get(), &MenuBarContentView::dismissRequested);
+    QSignalSpy dismissed(view.get(), &TrayPanelView::dismissRequested);
     view->findChild<QPushButton*>(QStringLiteral("settingsButton"))->click();
     EXPECT_EQ(dismissed.count(), 1);
     ASSERT_NE(windows().settingsWindow(), nullptr);
@@ -186,7 +186,7 @@ TEST_F(MenuBarContent, SettingsClosesThePanelThenOpensTheSettingsWindow) {
     windows().settingsWindow()->close();
 }
 
-TEST_F(MenuBarContent, QuitEndsTheProgramAndAnswersControlQ) {
+TEST_F(TrayPanel, QuitEndsTheProgramAndAnswersControlQ) {
     makeController();
     showPanel();
     QPushButton* quit = view->findChild<QPushButton*>(QStringLiteral("quitButton"));

@@ -1,4 +1,4 @@
-#include "app/ui/panel/MenuBarContentView.h"
+#include "app/ui/panel/TrayPanelView.h"
 
 #include <QCoreApplication>
 #include <QHBoxLayout>
@@ -32,9 +32,9 @@ QPushButton* makeButton(const QString& symbol, const QString& title, QWidget* pa
 
 }  // namespace
 
-MenuBarContentView::MenuBarContentView(AppController& controller, WindowPresenter& windows, QWidget* parent)
+TrayPanelView::TrayPanelView(AppController& controller, WindowPresenter& windows, QWidget* parent)
     : QWidget(parent), m_controller(controller), m_windows(windows) {
-    setObjectName(QStringLiteral("menuBarContent"));
+    setObjectName(QStringLiteral("trayPanel"));
     auto* root = new QVBoxLayout(this);
     root->setContentsMargins(kPanelMargin, kPanelMargin, kPanelMargin, kPanelMargin);
     root->setSpacing(8);
@@ -64,13 +64,13 @@ MenuBarContentView::MenuBarContentView(AppController& controller, WindowPresente
     root->addWidget(body, 1);
     root->addWidget(makeFooter());
 
-    connect(&m_controller, &AppController::permissionStateChanged, this, &MenuBarContentView::render);
-    connect(&m_controller, &AppController::displaysChanged, this, &MenuBarContentView::render);
-    connect(&m_controller, &AppController::isLoadingPreviewsChanged, this, &MenuBarContentView::render);
+    connect(&m_controller, &AppController::permissionStateChanged, this, &TrayPanelView::render);
+    connect(&m_controller, &AppController::displaysChanged, this, &TrayPanelView::render);
+    connect(&m_controller, &AppController::isLoadingPreviewsChanged, this, &TrayPanelView::render);
     render();
 }
 
-QWidget* MenuBarContentView::makeBlockedPage() {
+QWidget* TrayPanelView::makeBlockedPage() {
     auto* page = new QWidget(this);
     page->setObjectName(QStringLiteral("permissionsRequiredPage"));
     auto* layout = new QVBoxLayout(page);
@@ -109,7 +109,7 @@ QWidget* MenuBarContentView::makeBlockedPage() {
     return page;
 }
 
-QLabel* MenuBarContentView::makePermissionBadge(const QString& objectName, QWidget* parent) {
+QLabel* TrayPanelView::makePermissionBadge(const QString& objectName, QWidget* parent) {
     auto* badge = new QLabel(parent);
     badge->setObjectName(objectName);
     QFont font = ViewStyle::captionFont();
@@ -118,7 +118,7 @@ QLabel* MenuBarContentView::makePermissionBadge(const QString& objectName, QWidg
     return badge;
 }
 
-void MenuBarContentView::updatePermissionBadge(QLabel* badge, const QString& title, const CapabilityCheck& check) {
+void TrayPanelView::updatePermissionBadge(QLabel* badge, const QString& title, const CapabilityCheck& check) {
     const QColor tint = CapabilityText::grantColor(check);
     badge->setText(title + QStringLiteral(": ") + CapabilityText::grantText(check));
     // The panel is small: why a capability is limited or missing is told on hovering its badge.
@@ -133,7 +133,7 @@ void MenuBarContentView::updatePermissionBadge(QLabel* badge, const QString& tit
                              .arg(radius));
 }
 
-QWidget* MenuBarContentView::makeMessagePage(const QString& title, const QString& caption, bool withProgress) {
+QWidget* TrayPanelView::makeMessagePage(const QString& title, const QString& caption, bool withProgress) {
     auto* page = new QWidget(this);
     auto* layout = new QVBoxLayout(page);
     layout->setSpacing(6);
@@ -153,7 +153,7 @@ QWidget* MenuBarContentView::makeMessagePage(const QString& title, const QString
     return page;
 }
 
-QWidget* MenuBarContentView::makeGridPage() {
+QWidget* TrayPanelView::makeGridPage() {
     auto* page = new QWidget(this);
     page->setObjectName(QStringLiteral("displaysPage"));
     auto* layout = new QVBoxLayout(page);
@@ -183,7 +183,7 @@ QWidget* MenuBarContentView::makeGridPage() {
     return page;
 }
 
-QWidget* MenuBarContentView::makeFooter() {
+QWidget* TrayPanelView::makeFooter() {
     auto* footer = new QWidget(this);
     auto* row = new QHBoxLayout(footer);
     row->setContentsMargins(0, 0, 0, 0);
@@ -205,12 +205,11 @@ QWidget* MenuBarContentView::makeFooter() {
     return footer;
 }
 
-int MenuBarContentView::gridWidth() const {
+int TrayPanelView::gridWidth() const {
     return width() - 2 * kPanelMargin;
 }
 
-MenuBarContentView::State MenuBarContentView::stateFor(const PermissionState& permissions, bool displaysEmpty,
-                                                       bool isLoading) {
+TrayPanelView::State TrayPanelView::stateFor(const PermissionState& permissions, bool displaysEmpty, bool isLoading) {
     if (!permissions.screenRecordingGranted || !permissions.accessibilityGranted) {
         return State::PermissionsRequired;
     }
@@ -220,7 +219,7 @@ MenuBarContentView::State MenuBarContentView::stateFor(const PermissionState& pe
     return State::Displays;
 }
 
-void MenuBarContentView::render() {
+void TrayPanelView::render() {
     const PermissionState permissions = m_controller.permissionState();
     updatePermissionBadge(m_screenRecordingBadge, QStringLiteral("Screen Capture"), permissions.screenCapture);
     updatePermissionBadge(m_accessibilityBadge, QStringLiteral("Window Control"), permissions.windowControl);
@@ -243,7 +242,7 @@ void MenuBarContentView::render() {
     updateCards();
 }
 
-void MenuBarContentView::updateCards() {
+void TrayPanelView::updateCards() {
     // No cards while the permission request is shown.
     const QList<DisplaySnapshot> displays =
         m_state == State::Displays ? m_controller.displays() : QList<DisplaySnapshot>();
@@ -269,7 +268,7 @@ void MenuBarContentView::updateCards() {
     layoutCards();
 }
 
-void MenuBarContentView::layoutCards() {
+void TrayPanelView::layoutCards() {
     const QList<DisplaySnapshot>& displays = m_controller.displays();
     if (m_cards.isEmpty() || m_cards.size() != displays.size()) {
         return;
@@ -284,7 +283,7 @@ void MenuBarContentView::layoutCards() {
     }
 }
 
-void MenuBarContentView::resizeEvent(QResizeEvent* event) {
+void TrayPanelView::resizeEvent(QResizeEvent* event) {
     QWidget::resizeEvent(event);
     layoutCards();
 }

@@ -16,12 +16,12 @@ class WindowPresenter;
 // The content of the tray panel: a header, then the permission request, the loading or empty state, or
 // one card per display side by side, and the Settings and Quit actions. Everything it shows comes from
 // the controller; it changes nothing itself except through the controller's operations.
-class MenuBarContentView : public QWidget {
+class TrayPanelView : public QWidget {
     Q_OBJECT
 public:
     enum class State { PermissionsRequired, Loading, NoDisplays, Displays };
 
-    MenuBarContentView(AppController& controller, WindowPresenter& windows, QWidget* parent = nullptr);
+    TrayPanelView(AppController& controller, WindowPresenter& windows, QWidget* parent = nullptr);
 
     // What the panel shows for a permission state, an empty or filled display list and the loading flag.
     static State stateFor(const PermissionState& permissions, bool displaysEmpty, bool isLoading);
