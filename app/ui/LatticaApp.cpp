@@ -70,9 +70,10 @@ void LatticaApp::ensurePanel(bool asPopup) {
     m_panel->setAttribute(Qt::WA_NoMouseReplay);
     auto* layout = new QVBoxLayout(m_panel.get());
     layout->setContentsMargins(0, 0, 0, 0);
-    m_content = new TrayPanelView(m_controller, m_windows, m_panel.get());
+    m_content = new TrayPanelView(m_controller, m_panel.get());
     layout->addWidget(m_content);
     connect(m_content, &TrayPanelView::dismissRequested, this, &LatticaApp::closePanel);
+    connect(m_content, &TrayPanelView::settingsRequested, &m_windows, &WindowPresenter::showSettingsWindow);
     m_panel->installEventFilter(this);
     resizePanel();
 }

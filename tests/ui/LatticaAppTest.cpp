@@ -1,6 +1,7 @@
 #include <QCoreApplication>
 #include <QKeyEvent>
 #include <QMenu>
+#include <QPushButton>
 #include <QtMath>
 
 #include "app/ui/LatticaApp.h"
@@ -97,6 +98,17 @@ TEST_F(LatticaAppWithoutTray, SettingsButtonClosesThePanel) {
     ASSERT_TRUE(waitUntil([&] { return app->panel() && app->panel()->isVisible(); }));
     Q_EMIT app->panelContent()->dismissRequested();
     EXPECT_FALSE(app->panel()->isVisible());
+}
+
+TEST_F(LatticaAppWithoutTray, PanelSettingsButtonOpensTheSettingsWindow) {
+    makeController();
+    start();
+    ASSERT_TRUE(waitUntil([&] { return app->panel() && app->panel()->isVisible(); }));
+    ASSERT_EQ(windows().settingsWindow(), nullptr);
+    app->panelContent()->findChild<QPushButton*>(QStringLiteral("settingsButton"))->click();
+    ASSERT_NE(windows().settingsWindow(), nullptr);
+    EXPECT_TRUE(windows().settingsWindow()->isVisible());
+    windows().settingsWindow()->close();
 }
 
 TEST_F(LatticaAppWithoutTray, TrayMenuOffersSettingsAndQuit) {

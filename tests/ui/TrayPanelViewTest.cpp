@@ -12,7 +12,7 @@ class TrayPanel : public UiTest {
 protected:
     // The panel content at a width that leaves gridWidth for the cards.
     void showPanel(int gridWidth = 616, int height = 420) {
-        view = std::make_unique<TrayPanelView>(controller(), windows());
+        view = std::make_unique<TrayPanelView>(controller());
         view->resize(gridWidth + 24, height);
         view->show();
         ASSERT_TRUE(waitUntil([&] { return view->isVisible(); }));
@@ -175,15 +175,14 @@ TEST_F(TrayPanel, SeveralDisplaysShowNoHint) {
     EXPECT_FALSE(view->findChild<QWidget*>(QStringLiteral("singleDisplayHint"))->isVisible());
 }
 
-TEST_F(TrayPanel, SettingsClosesThePanelThenOpensTheSettingsWindow) {
+TEST_F(TrayPanel, SettingsClosesThePanelThenAsksForTheSettingsWindow) {
     makeController();
     showPanel();
-    QSignalSpy dismissed(view.get(), &TrayPanelView::dismissRequested);
+    QStringList order;
+    QObject::connect(view.get(), &TrayPanelView::dismissRequested, [&] { order.append(QStringLiteral("dismiss")); });
+    QObject::connect(view.get(), &TrayPanelView::settingsRequested, [&] { order.append(QStringLiteral("settings")); });
     view->findChild<QPushButton*>(QStringLiteral("settingsButton"))->click();
-    EXPECT_EQ(dismissed.count(), 1);
-    ASSERT_NE(windows().settingsWindow(), nullptr);
-    EXPECT_TRUE(windows().settingsWindow()->isVisible());
-    windows().settingsWindow()->close();
+    EXPECT_EQ(order, (QStringList{QStringLiteral("dismiss"), QStringLiteral("settings")}));
 }
 
 TEST_F(TrayPanel, QuitEndsTheProgramAndAnswersControlQ) {

@@ -9,7 +9,6 @@
 #include <QVBoxLayout>
 
 #include "app/controller/AppController.h"
-#include "app/ui/WindowPresenter.h"
 #include "app/ui/common/CapabilityText.h"
 #include "app/ui/common/SymbolIcons.h"
 #include "app/ui/common/SymbolLabel.h"
@@ -32,8 +31,7 @@ QPushButton* makeButton(const QString& symbol, const QString& title, QWidget* pa
 
 }  // namespace
 
-TrayPanelView::TrayPanelView(AppController& controller, WindowPresenter& windows, QWidget* parent)
-    : QWidget(parent), m_controller(controller), m_windows(windows) {
+TrayPanelView::TrayPanelView(AppController& controller, QWidget* parent) : QWidget(parent), m_controller(controller) {
     setObjectName(QStringLiteral("trayPanel"));
     auto* root = new QVBoxLayout(this);
     root->setContentsMargins(kPanelMargin, kPanelMargin, kPanelMargin, kPanelMargin);
@@ -192,7 +190,7 @@ QWidget* TrayPanelView::makeFooter() {
     settings->setObjectName(QStringLiteral("settingsButton"));
     connect(settings, &QPushButton::clicked, this, [this] {
         Q_EMIT dismissRequested();
-        m_windows.showSettingsWindow();
+        Q_EMIT settingsRequested();
     });
     QPushButton* quit = makeButton(QStringLiteral("power"), QStringLiteral("Quit"), footer);
     quit->setObjectName(QStringLiteral("quitButton"));

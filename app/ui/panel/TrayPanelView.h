@@ -11,7 +11,6 @@ class QHBoxLayout;
 class QLabel;
 class QPushButton;
 class QStackedLayout;
-class WindowPresenter;
 
 // The content of the tray panel: a header, then the permission request, the loading or empty state, or
 // one card per display side by side, and the Settings and Quit actions. Everything it shows comes from
@@ -21,7 +20,7 @@ class TrayPanelView : public QWidget {
 public:
     enum class State { PermissionsRequired, Loading, NoDisplays, Displays };
 
-    TrayPanelView(AppController& controller, WindowPresenter& windows, QWidget* parent = nullptr);
+    explicit TrayPanelView(AppController& controller, QWidget* parent = nullptr);
 
     // What the panel shows for a permission state, an empty or filled display list and the loading flag.
     static State stateFor(const PermissionState& permissions, bool displaysEmpty, bool isLoading);
@@ -34,6 +33,8 @@ public:
 Q_SIGNALS:
     // The panel should close (the Settings button asks for it before opening the settings window).
     void dismissRequested();
+    // The Settings button was pressed, after the panel was asked to close.
+    void settingsRequested();
 
 protected:
     void resizeEvent(QResizeEvent* event) override;
@@ -51,7 +52,6 @@ private:
     void layoutCards();
 
     AppController& m_controller;
-    WindowPresenter& m_windows;
     State m_state = State::PermissionsRequired;
     QStackedLayout* m_pages = nullptr;
     QWidget* m_blockedPage = nullptr;
