@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QImage>
 #include <QList>
 #include <QObject>
 #include <QPointer>
@@ -80,6 +81,10 @@ public:
     void start();
     // Opens a mail to support with the program's and the system's versions.
     void contactSupport();
+    // Opens the project's web page in the user's browser.
+    void openProjectPage();
+    // The icon of a running application; a null image when it has none.
+    QImage applicationIcon(pid_t pid) const;
 
     Preferences& preferences() { return m_preferences; }
 

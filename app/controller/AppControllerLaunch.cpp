@@ -1,4 +1,4 @@
-// The controller's launch sequence and the support mail.
+// The controller's launch sequence and what it opens outside the program.
 #include <QUrl>
 #include <QUrlQuery>
 
@@ -7,6 +7,7 @@
 #include "app/update/UpdaterService.h"
 #include "platform/DesktopLauncher.h"
 #include "platform/Platform.h"
+#include "platform/RunningApplications.h"
 #include "platform/SystemInfo.h"
 #include "platform/TaskbarPresence.h"
 
@@ -29,6 +30,14 @@ void AppController::start() {
     if (!m_permissionState.bothGranted()) {
         Q_EMIT permissionGuideRequested();
     }
+}
+
+void AppController::openProjectPage() {
+    Platform::services().desktopLauncher->openUrl(QUrl(QString::fromLatin1(BuildConfig::kProjectUrl)));
+}
+
+QImage AppController::applicationIcon(pid_t pid) const {
+    return Platform::services().runningApplications->iconForApplication(pid);
 }
 
 void AppController::contactSupport() {

@@ -15,8 +15,6 @@
 #include "app/ui/common/SymbolIcons.h"
 #include "app/ui/common/SymbolLabel.h"
 #include "app/ui/common/ViewStyle.h"
-#include "platform/Platform.h"
-#include "platform/RunningApplications.h"
 
 namespace {
 
@@ -262,8 +260,7 @@ void DisplayCardView::rebuildMoveControls() {
 }
 
 QIcon DisplayCardView::applicationIcon(pid_t pid) const {
-    RunningApplications* applications = Platform::services().runningApplications;
-    const QImage image = applications ? applications->iconForApplication(pid) : QImage();
+    const QImage image = m_controller.applicationIcon(pid);
     if (image.isNull()) {
         return SymbolIcons::icon(QStringLiteral("app.fill"));
     }

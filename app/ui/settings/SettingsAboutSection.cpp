@@ -13,8 +13,6 @@
 #include "app/ui/common/ViewStyle.h"
 #include "app/ui/settings/SettingsCard.h"
 #include "app/ui/settings/SettingsSymbols.h"
-#include "platform/DesktopLauncher.h"
-#include "platform/Platform.h"
 
 namespace {
 constexpr int kAppIconSize = 72;
@@ -75,11 +73,7 @@ SettingsAboutSection::SettingsAboutSection(AppController& controller, QWidget* p
     m_gitHub->setStyleSheet(QStringLiteral("QPushButton { color: palette(link); }"));
     creditsRow->addWidget(creditsText, 1);
     creditsRow->addWidget(m_gitHub);
-    connect(m_gitHub, &QPushButton::clicked, this, [] {
-        if (DesktopLauncher* launcher = Platform::services().desktopLauncher) {
-            launcher->openUrl(QUrl(QString::fromLatin1(BuildConfig::kProjectUrl)));
-        }
-    });
+    connect(m_gitHub, &QPushButton::clicked, this, [this] { m_controller.openProjectPage(); });
 
     auto* supportRow = new QHBoxLayout();
     supportRow->addStretch();
