@@ -66,7 +66,7 @@ int main(int argc, char** argv) {
 
     AppController controller;
     WindowPresenter windows(controller);
-    LatticaApp app(controller, windows);
+    LatticaApp app(controller, windows, platform->services().trayHost);
     app.start();
     // The windows of the desktop are read once in the background now, so that the first opening of the
     // panel only has to ask about what changed since.

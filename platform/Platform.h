@@ -11,6 +11,7 @@ class SessionCheck;
 class SettingsStore;
 class SystemInfo;
 class TaskbarPresence;
+class TrayHost;
 class WindowControl;
 class WindowList;
 
@@ -30,6 +31,7 @@ struct PlatformServices {
     ForegroundActivation* foregroundActivation = nullptr;
     DesktopLauncher* desktopLauncher = nullptr;
     SystemInfo* systemInfo = nullptr;
+    TrayHost* trayHost = nullptr;
 };
 
 namespace Platform {

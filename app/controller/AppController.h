@@ -73,6 +73,8 @@ public:
     // Per-display shortcut records.
     void refreshShortcutDisplays();
     void deleteDisconnectedShortcutDisplay(const QString& persistentID);
+    // Whether any remembered display has a shortcut the user can press.
+    bool hasAssignedDisplayShortcuts() const;
     // The shortcut name of a display: "moveFocusedWindowToDisplay." + its persistent identifier.
     static QString shortcutNameRawValue(const QString& persistentID);
 

@@ -104,6 +104,12 @@ void AppController::registerShortcutHandlersIfNeeded() {
     m_registeredShortcutDisplayIDs = wanted;
 }
 
+bool AppController::hasAssignedDisplayShortcuts() const {
+    return std::any_of(m_shortcutDisplayRecords.cbegin(), m_shortcutDisplayRecords.cend(), [](const auto& record) {
+        return KeyboardShortcuts::getShortcut(KeyboardShortcuts::Name(shortcutNameRawValue(record.id))).has_value();
+    });
+}
+
 void AppController::deleteDisconnectedShortcutDisplay(const QString& persistentID) {
     const bool isDisconnected =
         std::any_of(m_disconnectedShortcutDisplays.cbegin(), m_disconnectedShortcutDisplays.cend(),

@@ -12,12 +12,13 @@
 
 #include "app/controller/AppController.h"
 #include "app/ui/WindowPresenter.h"
+#include "platform/TrayHost.h"
 #include "app/ui/common/SymbolIcons.h"
 #include "app/ui/panel/PanelGeometry.h"
 #include "app/ui/panel/TrayPanelView.h"
 
-LatticaApp::LatticaApp(AppController& controller, WindowPresenter& windows)
-    : m_controller(controller), m_windows(windows) {}
+LatticaApp::LatticaApp(AppController& controller, WindowPresenter& windows, TrayHost* trayHost)
+    : m_controller(controller), m_windows(windows), m_trayHost(trayHost) {}
 
 LatticaApp::~LatticaApp() = default;
 
@@ -37,16 +38,15 @@ void LatticaApp::start() {
     connect(&m_controller, &AppController::permissionStateChanged, this, &LatticaApp::resizePanel);
     connect(&m_controller, &AppController::displaysChanged, this, &LatticaApp::resizePanel);
 
-    if (QSystemTrayIcon::isSystemTrayAvailable()) {
-        m_trayIcon = std::make_unique<QSystemTrayIcon>(programIcon());
-        m_trayIcon->setToolTip(QStringLiteral("Lattica"));
-        m_trayIcon->setContextMenu(m_trayMenu.get());
-        connect(m_trayIcon.get(), &QSystemTrayIcon::activated, this, [this](QSystemTrayIcon::ActivationReason reason) {
-            if (reason == QSystemTrayIcon::Trigger) {
-                togglePanel();
+    if (m_trayHost) {
+        connect(m_trayHost, &TrayHost::availabilityChanged, this, [this](bool available) {
+            if (available && !m_trayIcon) {
+                moveIntoTray();
             }
         });
-        m_trayIcon->show();
+    }
+    if (QSystemTrayIcon::isSystemTrayAvailable()) {
+        showTrayIcon();
     } else {
         std::fputs("Lattica: no system tray is available; the panel opens as an ordinary window.\n", stdout);
         std::fflush(stdout);
@@ -54,6 +54,31 @@ void LatticaApp::start() {
         QTimer::singleShot(0, this, &LatticaApp::openPanel);
     }
     QTimer::singleShot(0, this, [this] { m_controller.start(); });
+}
+
+void LatticaApp::showTrayIcon() {
+    m_trayIcon = std::make_unique<QSystemTrayIcon>(programIcon());
+    m_trayIcon->setToolTip(QStringLiteral("Lattica"));
+    m_trayIcon->setContextMenu(m_trayMenu.get());
+    connect(m_trayIcon.get(), &QSystemTrayIcon::activated, this, [this](QSystemTrayIcon::ActivationReason reason) {
+        if (reason == QSystemTrayIcon::Trigger) {
+            togglePanel();
+        }
+    });
+    m_trayIcon->show();
+}
+
+void LatticaApp::moveIntoTray() {
+    std::fputs("Lattica: a system tray is available now; the panel opens from its icon.\n", stdout);
+    std::fflush(stdout);
+    // The ordinary window goes; the next opening builds the panel as the tray's popup.
+    if (m_panel) {
+        m_panel->removeEventFilter(this);
+        m_panel->hide();
+        m_panel.reset();
+        m_content = nullptr;
+    }
+    showTrayIcon();
 }
 
 void LatticaApp::ensurePanel(bool asPopup) {
@@ -147,8 +172,10 @@ bool LatticaApp::eventFilter(QObject* watched, QEvent* event) {
             closePanel();
             return true;
         }
-        // Without a tray host the panel window is the program's only window: closing it ends the program.
-        if (event->type() == QEvent::Close && !m_panelIsPopup) {
+        // Without a tray host the panel window is the only way to the program: closing it ends the program,
+        // unless a tray host has come since or a display shortcut still needs the program running.
+        if (event->type() == QEvent::Close && !m_panelIsPopup && !m_trayIcon &&
+            !m_controller.hasAssignedDisplayShortcuts()) {
             QTimer::singleShot(0, qApp, &QCoreApplication::quit);
         }
     }

@@ -10,16 +10,18 @@ class AppController;
 class TrayPanelView;
 class QMenu;
 class QWidget;
+class TrayHost;
 class WindowPresenter;
 
 // The program's presence on the desktop: the tray icon titled "Lattica" and the panel it opens.
 // A click on the icon opens the panel as a frameless popup next to the icon, sized from the
 // controller's state; every opening refreshes the controller. Without a tray host the panel is an
-// ordinary window.
+// ordinary window until a tray host appears.
 class LatticaApp : public QObject {
     Q_OBJECT
 public:
-    LatticaApp(AppController& controller, WindowPresenter& windows);
+    // trayHost tells when a tray appears after the start; without it the program never learns of one.
+    LatticaApp(AppController& controller, WindowPresenter& windows, TrayHost* trayHost = nullptr);
     ~LatticaApp() override;
 
     // Shows the tray icon (or says why there is none) and schedules the launch sequence.
@@ -46,6 +48,9 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    void showTrayIcon();
+    // A tray host came after the start: the ordinary panel window gives way to the tray icon.
+    void moveIntoTray();
     void ensurePanel(bool asPopup);
     QSize panelSize() const;
     void resizePanel();
@@ -53,6 +58,7 @@ private:
 
     AppController& m_controller;
     WindowPresenter& m_windows;
+    TrayHost* m_trayHost = nullptr;
     std::unique_ptr<QSystemTrayIcon> m_trayIcon;
     std::unique_ptr<QMenu> m_trayMenu;
     std::unique_ptr<QWidget> m_panel;

@@ -3,7 +3,7 @@
 FakePlatform::FakePlatform() {
     Platform::install({&monitors, &windowList, &runningApplications, &windowControl, &hotKeys, &keyboardLayout,
                        &settings, &autostart, &sessionCheck, &taskbarPresence, &foregroundActivation, &desktopLauncher,
-                       &systemInfo});
+                       &systemInfo, &trayHost});
 }
 
 FakePlatform::~FakePlatform() {

@@ -12,6 +12,7 @@
 #include "platform/fake/FakeSettingsStore.h"
 #include "platform/fake/FakeSystemInfo.h"
 #include "platform/fake/FakeTaskbarPresence.h"
+#include "platform/fake/FakeTrayHost.h"
 #include "platform/fake/FakeWindowControl.h"
 #include "platform/fake/FakeWindowList.h"
 
@@ -33,6 +34,7 @@ public:
     FakeAutostart autostart;
     FakeSessionCheck sessionCheck;
     FakeTaskbarPresence taskbarPresence;
+    FakeTrayHost trayHost;
     FakeForegroundActivation foregroundActivation;
     FakeDesktopLauncher desktopLauncher;
     FakeSystemInfo systemInfo;

@@ -9,6 +9,7 @@
 #include "platform/x11/X11RunningApplications.h"
 #include "platform/x11/X11SessionCheck.h"
 #include "platform/x11/X11TaskbarPresence.h"
+#include "platform/x11/X11TrayHost.h"
 #include "platform/x11/X11WindowCache.h"
 #include "platform/x11/X11WindowControl.h"
 #include "platform/x11/X11WindowDesktopEntries.h"
@@ -33,6 +34,7 @@ struct X11Platform::Owned {
     std::unique_ptr<X11ForegroundActivation> foregroundActivation;
     std::unique_ptr<XdgDesktopLauncher> desktopLauncher;
     std::unique_ptr<LinuxSystemInfo> systemInfo;
+    std::unique_ptr<X11TrayHost> trayHost;
 };
 
 std::unique_ptr<X11Platform> X11Platform::connect(const QByteArray& displayName) {
@@ -63,6 +65,7 @@ X11Platform::X11Platform(std::unique_ptr<X11Connection> connection)
     m_owned->taskbarPresence = std::make_unique<X11TaskbarPresence>(x11);
     m_owned->foregroundActivation = std::make_unique<X11ForegroundActivation>(x11);
     m_owned->desktopLauncher = std::make_unique<XdgDesktopLauncher>();
+    m_owned->trayHost = std::make_unique<X11TrayHost>(x11);
     const bool wayland = X11SessionCheck::isWaylandSession(qEnvironmentVariable("XDG_SESSION_TYPE"),
                                                            qEnvironmentVariable("WAYLAND_DISPLAY"));
     m_owned->systemInfo =
@@ -84,6 +87,7 @@ X11Platform::X11Platform(std::unique_ptr<X11Connection> connection)
     m_services.foregroundActivation = m_owned->foregroundActivation.get();
     m_services.desktopLauncher = m_owned->desktopLauncher.get();
     m_services.systemInfo = m_owned->systemInfo.get();
+    m_services.trayHost = m_owned->trayHost.get();
 }
 
 X11Platform::~X11Platform() {

@@ -2,8 +2,10 @@
 #include <QKeyEvent>
 #include <QMenu>
 #include <QPushButton>
+#include <QTimer>
 #include <QtMath>
 
+#include "KeyboardShortcuts/KeyboardShortcuts.h"
 #include "app/ui/LatticaApp.h"
 #include "app/ui/panel/PanelGeometry.h"
 #include "app/ui/panel/TrayPanelView.h"
@@ -19,7 +21,8 @@ protected:
         UiTest::TearDown();
     }
     void start() {
-        app = std::make_unique<LatticaApp>(controller(), windows());
+        platform.trayHost.available = false;
+        app = std::make_unique<LatticaApp>(controller(), windows(), &platform.trayHost);
         ::testing::internal::CaptureStdout();
         app->start();
         output = QString::fromStdString(::testing::internal::GetCapturedStdout());
@@ -109,6 +112,52 @@ TEST_F(LatticaAppWithoutTray, PanelSettingsButtonOpensTheSettingsWindow) {
     ASSERT_NE(windows().settingsWindow(), nullptr);
     EXPECT_TRUE(windows().settingsWindow()->isVisible());
     windows().settingsWindow()->close();
+}
+
+// What closing the ordinary panel window does to the event loop: 0 when it ends the program, 7 when a
+// call queued after the close runs first, so the program would have gone on.
+int exitStatusAfterClosingThePanel(QWidget* panel) {
+    panel->close();
+    QTimer::singleShot(0, qApp, [] { QCoreApplication::exit(7); });
+    return QCoreApplication::exec();
+}
+
+TEST_F(LatticaAppWithoutTray, TrayHostThatAppearsLaterTakesThePanel) {
+    makeController();
+    start();
+    ASSERT_TRUE(waitUntil([&] { return app->panel() && app->panel()->isVisible(); }));
+    EXPECT_FALSE(app->hasTrayHost());
+
+    ::testing::internal::CaptureStdout();
+    platform.trayHost.setAvailable(true);
+    const QString said = QString::fromStdString(::testing::internal::GetCapturedStdout());
+    EXPECT_TRUE(said.contains(QStringLiteral("a system tray is available now"))) << said.toStdString();
+    EXPECT_TRUE(app->hasTrayHost());
+    EXPECT_EQ(app->panel(), nullptr) << "the ordinary window gave way to the tray icon";
+
+    app->openPanel();
+    ASSERT_NE(app->panel(), nullptr);
+    EXPECT_TRUE(app->panel()->windowFlags().testFlag(Qt::Popup));
+    app->closePanel();
+}
+
+TEST_F(LatticaAppWithoutTray, ClosingTheWindowEndsTheProgramWhenNothingElseReachesIt) {
+    makeController();
+    start();
+    ASSERT_TRUE(waitUntil([&] { return app->panel() && app->panel()->isVisible(); }));
+    EXPECT_EQ(exitStatusAfterClosingThePanel(app->panel()), 0);
+}
+
+TEST_F(LatticaAppWithoutTray, ClosingTheWindowKeepsTheProgramWhileADisplayShortcutIsSet) {
+    makeController();
+    start();
+    ASSERT_TRUE(waitUntil([&] { return app->panel() && app->panel()->isVisible(); }));
+    ASSERT_FALSE(controller().connectedShortcutDisplays().isEmpty());
+    const QString display = controller().connectedShortcutDisplays().first().id;
+    KeyboardShortcuts::setShortcut(KeyboardShortcuts::Shortcut(19 /* the 2 key */, 0x1000 | 0x0800 /* control, alt */),
+                                   KeyboardShortcuts::Name(AppController::shortcutNameRawValue(display)));
+    EXPECT_EQ(exitStatusAfterClosingThePanel(app->panel()), 7);
+    KeyboardShortcuts::setShortcut(std::nullopt, KeyboardShortcuts::Name(AppController::shortcutNameRawValue(display)));
 }
 
 TEST_F(LatticaAppWithoutTray, TrayMenuOffersSettingsAndQuit) {

@@ -67,4 +67,78 @@ TEST(ProgramWithoutTrayHost, SaysSoAndShowsThePanelAsAnOrdinaryWindow) {
     EXPECT_EQ(lattica.exitCode(), 0);
 }
 
+// Starts the program with a configuration of its own and no update check over the network.
+void startLattica(QProcess& lattica, const QTemporaryDir& config) {
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("XDG_CONFIG_HOME"), config.path());
+    environment.insert(QStringLiteral("LATTICA_APPCAST_URL"), QStringLiteral("http://127.0.0.1:9/appcast.xml"));
+    lattica.setProcessEnvironment(environment);
+    lattica.setProcessChannelMode(QProcess::SeparateChannels);
+    lattica.start(QStringLiteral(LATTICA_BINARY), {});
+}
+
+// Whether the tray host holds one of the program's windows (its icon) somewhere below its own window.
+bool trayHoldsAWindowOf(qint64 pid) {
+    const QStringList trays =
+        VirtualDesktop::output(QStringLiteral("xdotool"),
+                               {QStringLiteral("search"), QStringLiteral("--classname"), QStringLiteral("^panel$")})
+            .split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    const QStringList ours =
+        VirtualDesktop::output(QStringLiteral("xdotool"),
+                               {QStringLiteral("search"), QStringLiteral("--pid"), QString::number(pid)})
+            .split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    for (const QString& tray : trays) {
+        const QString tree =
+            VirtualDesktop::output(QStringLiteral("xwininfo"), {QStringLiteral("-tree"), QStringLiteral("-id"), tray});
+        for (const QString& window : ours) {
+            if (tree.contains(QStringLiteral("0x") + QString::number(window.toULongLong(), 16) + QLatin1Char(' '))) {
+                return true;
+            }
+        }
+    }
+    return false;
+}
+
+TEST(ProgramWithoutTrayHost, MovesIntoATrayHostThatStartsLater) {
+    QTemporaryDir config;
+    ASSERT_TRUE(config.isValid());
+    QProcess lattica;
+    startLattica(lattica, config);
+    ASSERT_TRUE(lattica.waitForStarted(5000));
+    QByteArray output;
+    ASSERT_TRUE(VirtualDesktop::waitUntil(
+        [&] {
+            output += lattica.readAllStandardOutput();
+            return output.contains("no system tray is available") && !latticaWindows().isEmpty();
+        },
+        10000))
+        << output.constData();
+
+    // The tray host of a session that finishes logging in after us.
+    QProcess tray;
+    tray.start(QStringLiteral("trayer"),
+               {QStringLiteral("--edge"), QStringLiteral("bottom"), QStringLiteral("--align"), QStringLiteral("right"),
+                QStringLiteral("--widthtype"), QStringLiteral("request"), QStringLiteral("--height"),
+                QStringLiteral("24"), QStringLiteral("--SetDockType"), QStringLiteral("true")});
+    ASSERT_TRUE(tray.waitForStarted(5000));
+
+    EXPECT_TRUE(VirtualDesktop::waitUntil(
+        [&] {
+            output += lattica.readAllStandardOutput();
+            return output.contains("a system tray is available now");
+        },
+        10000))
+        << output.constData();
+    EXPECT_TRUE(VirtualDesktop::waitUntil([&] { return latticaWindows().isEmpty(); }, 10000))
+        << "the ordinary panel window is gone";
+    EXPECT_TRUE(VirtualDesktop::waitUntil([&] { return trayHoldsAWindowOf(lattica.processId()); }, 10000))
+        << "the tray host embeds the icon";
+
+    lattica.terminate();
+    ASSERT_TRUE(lattica.waitForFinished(10000));
+    EXPECT_EQ(lattica.exitCode(), 0);
+    tray.terminate();
+    tray.waitForFinished(5000);
+}
+
 }  // namespace
