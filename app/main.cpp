@@ -3,11 +3,17 @@
 #include <unistd.h>
 
 #include <QApplication>
+#include <QDBusConnection>
 #include <QSocketNotifier>
 #include <QThreadPool>
 #include <cstdio>
 
 #include "BuildConfig.h"
+#include "app/commands/CommandClient.h"
+#include "app/commands/CommandLine.h"
+#include "app/commands/CommandService.h"
+#include "app/commands/LatticaBusService.h"
+#include "app/commands/SingleInstance.h"
 #include "app/controller/AppController.h"
 #include "app/displays/ScreenSnapshotService.h"
 #include "app/ui/LatticaApp.h"
@@ -24,7 +30,7 @@ void onTerminationSignal(int) {
 }
 
 // SIGTERM and SIGINT end the program through the event loop, so that everything is torn down in order.
-void quitOnTerminationSignals(QApplication& application) {
+void quitOnTerminationSignals(QCoreApplication& application) {
     if (::socketpair(AF_UNIX, SOCK_STREAM, 0, g_signalPipe) != 0) {
         return;
     }
@@ -42,12 +48,61 @@ void quitOnTerminationSignals(QApplication& application) {
     sigaction(SIGINT, &action, nullptr);
 }
 
-}  // namespace
+bool hasDisplay() {
+    if (!qEnvironmentVariableIsEmpty("DISPLAY")) {
+        return true;
+    }
+    std::fputs("Lattica needs an X11 display: DISPLAY is not set. scripts/run.sh starts a virtual desktop.\n", stderr);
+    return false;
+}
 
-int main(int argc, char** argv) {
-    if (qEnvironmentVariableIsEmpty("DISPLAY")) {
-        std::fputs("Lattica needs an X11 display: DISPLAY is not set. scripts/run.sh starts a virtual desktop.\n",
-                   stderr);
+int printed(const CommandLine::Printed& output) {
+    std::fputs(output.standardOutput.toLocal8Bit().constData(), stdout);
+    std::fputs(output.standardError.toLocal8Bit().constData(), stderr);
+    return output.exitStatus;
+}
+
+// One command, by the running instance when there is one, else here.
+int runCommand(int argc, char** argv, const CommandLine::Request& request) {
+    QCoreApplication application(argc, argv);
+    const auto [method, arguments] = CommandLine::busCall(request);
+    if (std::optional<CommandResult> answer = CommandClient::call(method, arguments)) {
+        return printed(CommandLine::print(request, *answer));
+    }
+    if (request.command == QLatin1String("panel") || request.command == QLatin1String("settings") ||
+        request.command == QLatin1String("quit")) {
+        CommandResult notRunning = CommandResult::moves(0, 0, QStringLiteral("Lattica is not running."));
+        return printed(CommandLine::print(request, notRunning));
+    }
+    if (!hasDisplay()) {
+        return 3;
+    }
+    std::unique_ptr<X11Platform> platform = X11Platform::connect();
+    if (!platform) {
+        std::fputs("Lattica: cannot connect to the X server.\n", stderr);
+        return 3;
+    }
+    platform->install();
+    const Preferences preferences(*platform->services().settings);
+    const CommandService commands(preferences);
+    CommandResult result;
+    if (request.command == QLatin1String("displays")) {
+        result = commands.displays();
+    } else if (request.command == QLatin1String("windows")) {
+        result = commands.windows();
+    } else if (request.command == QLatin1String("move-focused")) {
+        result = commands.moveFocused(request.to, request.size);
+    } else if (request.command == QLatin1String("move-all")) {
+        result = commands.moveAll(request.from, request.to, request.size);
+    } else {
+        result = commands.moveApplication(request.application, request.to, request.size);
+    }
+    return printed(CommandLine::print(request, result));
+}
+
+// The tray program; a second launch asks the first to open its panel instead.
+int runProgram(int argc, char** argv) {
+    if (!hasDisplay()) {
         return 1;
     }
     qputenv("QT_QPA_PLATFORM", "xcb");
@@ -55,6 +110,16 @@ int main(int argc, char** argv) {
     QApplication::setApplicationName(QStringLiteral("Lattica"));
     QApplication::setApplicationVersion(QString::fromLatin1(BuildConfig::kVersion));
     QApplication::setQuitOnLastWindowClosed(false);
+
+    SingleInstance instance;
+    if (instance.claim() == SingleInstance::Claim::AnotherIsRunning) {
+        if (CommandClient::call(QStringLiteral("OpenPanel"), {})) {
+            std::fputs("Lattica is already running; its panel is open.\n", stdout);
+        } else {
+            std::fputs("Lattica is already running.\n", stdout);
+        }
+        return 0;
+    }
 
     std::unique_ptr<X11Platform> platform = X11Platform::connect();
     if (!platform) {
@@ -67,6 +132,13 @@ int main(int argc, char** argv) {
     AppController controller;
     WindowPresenter windows(controller);
     LatticaApp app(controller, windows, platform->services().trayHost);
+    const CommandService commands(controller.preferences());
+    LatticaBusService bus(commands, {[&app] { app.openPanel(); }, [&windows] { windows.showSettingsWindow(); },
+                                     [] { QCoreApplication::quit(); }});
+    if (instance.ownsBusName()) {
+        QDBusConnection::sessionBus().registerObject(LatticaBusService::objectPath, &bus,
+                                                     QDBusConnection::ExportScriptableSlots);
+    }
     app.start();
     // The windows of the desktop are read once in the background now, so that the first opening of the
     // panel only has to ask about what changed since.
@@ -75,4 +147,32 @@ int main(int argc, char** argv) {
     // Background reads use the platform's connections: let them end before the platform goes.
     QThreadPool::globalInstance()->waitForDone();
     return status;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    QStringList arguments;
+    for (int i = 0; i < argc; ++i) {
+        arguments.append(QString::fromLocal8Bit(argv[i]));
+    }
+    const CommandLine::Request request = CommandLine::parse(arguments);
+    switch (request.kind) {
+        case CommandLine::Request::Kind::Help: {
+            const QCoreApplication application(argc, argv);
+            std::fputs(CommandLine::helpText().toLocal8Bit().constData(), stdout);
+            return 0;
+        }
+        case CommandLine::Request::Kind::Version:
+            std::fputs(request.output.toLocal8Bit().constData(), stdout);
+            return 0;
+        case CommandLine::Request::Kind::BadArguments:
+            std::fputs(request.output.toLocal8Bit().constData(), stderr);
+            return 2;
+        case CommandLine::Request::Kind::Command:
+            return runCommand(argc, argv, request);
+        case CommandLine::Request::Kind::StartProgram:
+            break;
+    }
+    return runProgram(argc, argv);
 }

@@ -2,6 +2,7 @@
 
 #include "app/controller/AppController.h"
 #include "app/displays/ScreenSnapshotService.h"
+#include "app/mover/WindowMoveStatus.h"
 #include "app/mover/WindowMover.h"
 #include "app/permissions/PermissionService.h"
 
@@ -17,8 +18,7 @@ void AppController::moveWindows(const DisplaySnapshot& source, const DisplaySnap
     }
     const bool adjust = m_adjustWindowSizeToTargetScreen;
     const WindowMoveResult result = WindowMover::moveWindows(source, destination, adjust, std::nullopt, false);
-    setStatusMessage(QStringLiteral("Moved %1 of %2 windows.")
-                         .arg(QString::number(result.movedCount), QString::number(result.attemptedCount)));
+    setStatusMessage(WindowMoveStatus::allWindows(result));
     refreshForMenuOpen();
 }
 
@@ -30,8 +30,7 @@ void AppController::moveWindows(const DisplayAppGroup& group, const DisplaySnaps
     }
     const bool adjust = m_adjustWindowSizeToTargetScreen;
     const WindowMoveResult result = WindowMover::moveWindows(source, destination, adjust, QSet<pid_t>{group.pid}, true);
-    setStatusMessage(QStringLiteral("Moved %1 of %2 %3 windows.")
-                         .arg(QString::number(result.movedCount), QString::number(result.attemptedCount), group.name));
+    setStatusMessage(WindowMoveStatus::applicationWindows(result, group.name));
     refreshForMenuOpen();
 }
 
@@ -56,13 +55,7 @@ void AppController::moveFocusedWindow(const QString& displayPersistentID) {
         WindowMover::moveFocusedWindow(DisplaySnapshot::placeholder(*target), allDisplays, adjust);
 
     // The shortcut usually fires with the panel closed, so the panel is not refreshed here.
-    if (result.attemptedCount == 0) {
-        setStatusMessage(QStringLiteral("No focused window was found to move."));
-    } else if (result.movedCount < 1) {
-        setStatusMessage(QStringLiteral("Focused window could not be moved to ") + target->name + QLatin1Char('.'));
-    } else {
-        setStatusMessage(QStringLiteral("Moved focused window to ") + target->name + QLatin1Char('.'));
-    }
+    setStatusMessage(WindowMoveStatus::focusedWindow(result, target->name));
 }
 
 void AppController::requestAccessibilityPermission() {

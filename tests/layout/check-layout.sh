@@ -15,7 +15,7 @@ layer_of() {
     app/windows) echo 3 ;;
     app/mover | app/displays | app/displayshortcuts | app/update | app/permissions) echo 4 ;;
     app/controller) echo 5 ;;
-    app/ui/common) echo 6 ;;
+    app/commands | app/ui/common) echo 6 ;;
     app/ui/panel | app/ui/settings | app/ui/guide | app/ui/update) echo 7 ;;
     app/ui) echo 8 ;;
     app) echo 9 ;;
