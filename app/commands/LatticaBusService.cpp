@@ -1,5 +1,6 @@
 #include "app/commands/LatticaBusService.h"
 
+#include <QJsonArray>
 #include <QJsonDocument>
 #include <QTimer>
 
