@@ -6,7 +6,7 @@
 
 #include "app/commands/CommandService.h"
 
-LatticaBusService::LatticaBusService(CommandService& commands, Actions actions, QObject* parent)
+LatticaBusService::LatticaBusService(const CommandService& commands, Actions actions, QObject* parent)
     : QObject(parent), m_commands(commands), m_actions(std::move(actions)) {}
 
 int LatticaBusService::answer(const CommandResult& result, int& attempted, QString& status) {

@@ -25,7 +25,7 @@ public:
     static inline const QString objectPath = QStringLiteral("/app/lattica/Lattica");
     static inline const QString interfaceName = QStringLiteral("app.lattica.Lattica1");
 
-    LatticaBusService(CommandService& commands, Actions actions, QObject* parent = nullptr);
+    LatticaBusService(const CommandService& commands, Actions actions, QObject* parent = nullptr);
 
 public Q_SLOTS:
     Q_SCRIPTABLE QString Displays();
@@ -45,6 +45,6 @@ private:
     QString listing(const CommandResult& result);
     static CommandResult invalidSize(const QString& size);
 
-    CommandService& m_commands;
+    const CommandService& m_commands;
     Actions m_actions;
 };

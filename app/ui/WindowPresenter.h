@@ -2,10 +2,10 @@
 
 #include <QObject>
 #include <QPointer>
+#include <QWidget>
 
 class AppController;
 class QScreen;
-class QWidget;
 
 // Opens the program's own windows: the settings and the permission guide. Each is built on first use
 // and shown again as it was left, centred near the top of the screen under the pointer and brought to
