@@ -10,6 +10,7 @@
 #include "BuildConfig.h"
 #include "app/LatticaApp.h"
 #include "app/ScreenSnapshotService.h"
+#include "platform/x11/X11DisplayProbe.h"
 #include "platform/x11/X11Platform.h"
 
 namespace {
@@ -40,12 +41,36 @@ void quitOnTerminationSignals(QApplication& application) {
     sigaction(SIGINT, &action, nullptr);
 }
 
+// How long the display server may take to accept the connection before start-up gives up.
+constexpr int kDisplayAnswerTimeoutMs = 5000;
+
+// The toolkit aborts when it cannot open its display, and hangs on one that never answers: the display
+// is checked first, so that the program can end with a message instead.
+bool displayIsUsable() {
+    const QByteArray name = qgetenv("DISPLAY");
+    if (name.isEmpty()) {
+        std::fputs("Lattica needs an X11 display: DISPLAY is not set. scripts/run.sh starts a virtual desktop.\n",
+                   stderr);
+        return false;
+    }
+    if (const std::optional<QString> problem = X11DisplayProbe::problem(name, kDisplayAnswerTimeoutMs)) {
+        QByteArray shown = name;  // kept on one line whatever the variable holds
+        for (char& byte : shown) {
+            if (static_cast<unsigned char>(byte) < 0x20 || byte == 0x7f) {
+                byte = '?';
+            }
+        }
+        std::fprintf(stderr, "Lattica: cannot open the X display \"%s\": %s.\n", shown.constData(),
+                     qPrintable(*problem));
+        return false;
+    }
+    return true;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
-    if (qEnvironmentVariableIsEmpty("DISPLAY")) {
-        std::fputs("Lattica needs an X11 display: DISPLAY is not set. scripts/run.sh starts a virtual desktop.\n",
-                   stderr);
+    if (!displayIsUsable()) {
         return 1;
     }
     qputenv("QT_QPA_PLATFORM", "xcb");
