@@ -12,6 +12,7 @@
 #include "app/ScreenSnapshotService.h"
 #include "platform/x11/X11DisplayProbe.h"
 #include "platform/x11/X11Platform.h"
+#include "platform/xdg/SessionBusAutoLaunch.h"
 
 namespace {
 
@@ -74,6 +75,7 @@ int main(int argc, char** argv) {
         return 1;
     }
     qputenv("QT_QPA_PLATFORM", "xcb");
+    SessionBusAutoLaunch::preventWhenNoBus();
     QApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Lattica"));
     QApplication::setApplicationVersion(QString::fromLatin1(BuildConfig::kVersion));

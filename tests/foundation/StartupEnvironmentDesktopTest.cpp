@@ -1,9 +1,15 @@
+#include <signal.h>
+#include <xcb/xcb.h>
+
 #include <gtest/gtest.h>
 
+#include <QDir>
 #include <QFile>
 #include <QProcess>
 #include <QTcpServer>
 #include <QTemporaryDir>
+#include <QUuid>
+#include <cstdlib>
 
 #include "tests/support/VirtualDesktop.h"
 
@@ -91,6 +97,131 @@ TEST(StartupEnvironmentDesktopTest, ServerThatNeverAnswersEndsStartupWithStatusO
     ASSERT_TRUE(silent.isListening());
     const QString display = QStringLiteral("127.0.0.1:%1").arg(number);
     expectCleanRefusal(runWithDisplay(display), display);
+}
+
+// --- Start-up without a session bus -------------------------------------------------------------
+
+QByteArray windowClass(xcb_connection_t* connection, xcb_window_t window) {
+    xcb_get_property_reply_t* reply = xcb_get_property_reply(
+        connection, xcb_get_property(connection, 0, window, XCB_ATOM_WM_CLASS, XCB_ATOM_STRING, 0, 256), nullptr);
+    QByteArray value;
+    if (reply != nullptr) {
+        value =
+            QByteArray(static_cast<const char*>(xcb_get_property_value(reply)), xcb_get_property_value_length(reply));
+    }
+    std::free(reply);
+    return value;
+}
+
+xcb_atom_t atom(xcb_connection_t* connection, const char* name) {
+    xcb_intern_atom_reply_t* reply =
+        xcb_intern_atom_reply(connection, xcb_intern_atom(connection, 0, uint16_t(qstrlen(name)), name), nullptr);
+    const xcb_atom_t value = reply != nullptr ? reply->atom : xcb_atom_t(XCB_ATOM_NONE);
+    std::free(reply);
+    return value;
+}
+
+qint64 windowPid(xcb_connection_t* connection, xcb_window_t window) {
+    xcb_get_property_reply_t* reply = xcb_get_property_reply(
+        connection, xcb_get_property(connection, 0, window, atom(connection, "_NET_WM_PID"), XCB_ATOM_CARDINAL, 0, 1),
+        nullptr);
+    qint64 pid = -1;
+    if (reply != nullptr && xcb_get_property_value_length(reply) == 4) {
+        pid = *static_cast<const uint32_t*>(xcb_get_property_value(reply));
+    }
+    std::free(reply);
+    return pid;
+}
+
+bool viewable(xcb_connection_t* connection, xcb_window_t window) {
+    xcb_get_window_attributes_reply_t* reply =
+        xcb_get_window_attributes_reply(connection, xcb_get_window_attributes(connection, window), nullptr);
+    const bool result = reply != nullptr && reply->map_state == XCB_MAP_STATE_VIEWABLE;
+    std::free(reply);
+    return result;
+}
+
+QList<xcb_window_t> children(xcb_connection_t* connection, xcb_window_t window) {
+    xcb_query_tree_reply_t* reply = xcb_query_tree_reply(connection, xcb_query_tree(connection, window), nullptr);
+    QList<xcb_window_t> result;
+    if (reply != nullptr) {
+        const xcb_window_t* list = xcb_query_tree_children(reply);
+        result = QList<xcb_window_t>(list, list + xcb_query_tree_children_length(reply));
+    }
+    std::free(reply);
+    return result;
+}
+
+// Whether a window of the given process is shown inside the tray host's panel.
+bool trayHoldsWindowOf(xcb_connection_t* connection, xcb_window_t window, qint64 pid, bool insideTray) {
+    if (insideTray && windowPid(connection, window) == pid && viewable(connection, window)) {
+        return true;
+    }
+    const bool isTray = insideTray || windowClass(connection, window) == QByteArray("panel\0trayer\0", 13);
+    for (xcb_window_t child : children(connection, window)) {
+        if (trayHoldsWindowOf(connection, child, pid, isTray)) {
+            return true;
+        }
+    }
+    return false;
+}
+
+// The bus programs (dbus-launch, dbus-daemon) whose environment carries the given entry.
+QList<qint64> busProcessesWith(const QByteArray& entry) {
+    QList<qint64> found;
+    for (const QString& name : QDir(QStringLiteral("/proc")).entryList(QDir::Dirs)) {
+        bool isPid = false;
+        const qint64 pid = name.toLongLong(&isPid);
+        if (!isPid) {
+            continue;
+        }
+        QFile command(QStringLiteral("/proc/%1/comm").arg(pid));
+        if (!command.open(QIODevice::ReadOnly) || !command.readAll().startsWith("dbus-")) {
+            continue;
+        }
+        QFile environment(QStringLiteral("/proc/%1/environ").arg(pid));
+        if (environment.open(QIODevice::ReadOnly) && environment.readAll().split('\0').contains(entry)) {
+            found.append(pid);
+        }
+    }
+    return found;
+}
+
+TEST(StartupEnvironmentDesktopTest, WithoutSessionBusStartupEmbedsInTheTrayAndStartsNoBus) {
+    xcb_connection_t* connection = xcb_connect(nullptr, nullptr);
+    ASSERT_EQ(xcb_connection_has_error(connection), 0);
+    const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root;
+
+    QTemporaryDir config;
+    QTemporaryDir runtime;  // an empty runtime folder: no per-user bus socket
+    const QByteArray marker = "LATTICA_TEST_RUN=" + QUuid::createUuid().toByteArray(QUuid::WithoutBraces);
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.remove(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"));
+    environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), runtime.path());
+    environment.insert(QStringLiteral("XDG_CONFIG_HOME"), config.path());
+    environment.insert(QStringLiteral("LATTICA_APPCAST_URL"), QStringLiteral("http://127.0.0.1:9/appcast.xml"));
+    environment.insert(QString::fromLatin1(marker.split('=').first()), QString::fromLatin1(marker.split('=').last()));
+    QProcess lattica;
+    lattica.setProcessEnvironment(environment);
+    lattica.setProcessChannelMode(QProcess::ForwardedChannels);
+    lattica.start(QStringLiteral(LATTICA_BINARY), {});
+    ASSERT_TRUE(lattica.waitForStarted(5000));
+
+    const bool embedded = VirtualDesktop::waitUntil(
+        [&] { return trayHoldsWindowOf(connection, root, lattica.processId(), false); }, 20000);
+    // Whatever the program started on its own carries its environment, and so the marker.
+    const QList<qint64> buses = busProcessesWith(marker);
+    lattica.terminate();
+    const bool ended = lattica.waitForFinished(10000);
+    for (qint64 pid : busProcessesWith(marker)) {
+        ::kill(pid_t(pid), SIGKILL);  // leave no daemon behind, whatever the outcome
+    }
+    xcb_disconnect(connection);
+
+    EXPECT_TRUE(embedded) << "the tray icon was not embedded";
+    EXPECT_TRUE(buses.isEmpty()) << "bus programs started: " << buses.size();
+    ASSERT_TRUE(ended);
+    EXPECT_EQ(lattica.exitCode(), 0);
 }
 
 }  // namespace
