@@ -23,7 +23,12 @@ std::optional<SettingValue> decodeValue(const QJsonValue& stored) {
         return SettingValue(value.toBool());
     }
     if (type == QLatin1String("integer") && value.isDouble()) {
-        return SettingValue(static_cast<qint64>(value.toDouble()));
+        // Only a whole number a 64-bit integer holds exactly is one; toInteger() gives its fallback for any
+        // other, so two different fallbacks tell them apart.
+        const qint64 number = value.toInteger(0);
+        if (number == value.toInteger(1)) {
+            return SettingValue(number);
+        }
     }
     if (type == QLatin1String("string") && value.isString()) {
         return SettingValue(value.toString());
