@@ -10,6 +10,8 @@
 #include <QStandardPaths>
 #include <cstdio>
 
+#include "platform/xdg/XdgBaseDirectories.h"
+
 namespace {
 
 std::optional<SettingValue> decodeValue(const QJsonValue& stored) {
@@ -63,14 +65,18 @@ FileSettingsStore::FileSettingsStore(QString path) : m_path(std::move(path)) {
 }
 
 QString FileSettingsStore::standardPath() {
-    QString base = qEnvironmentVariable("XDG_CONFIG_HOME");
-    if (base.isEmpty()) {
-        base = QDir::homePath() + QStringLiteral("/.config");
-    }
-    return base + QStringLiteral("/lattica/defaults.json");
+    const QString base = XdgBaseDirectories::configHome();
+    return base.isEmpty() ? QString() : base + QStringLiteral("/lattica/defaults.json");
 }
 
 void FileSettingsStore::load() {
+    if (m_path.isEmpty()) {
+        std::fputs(
+            "Lattica: no folder for the preferences (neither HOME nor XDG_CONFIG_HOME names one); "
+            "changes are kept until the program ends\n",
+            stderr);
+        return;
+    }
     QFile file(m_path);
     if (!file.exists()) {
         return;
@@ -118,6 +124,9 @@ void FileSettingsStore::keepDamagedFile(const QString& reason) {
 }
 
 void FileSettingsStore::save() {
+    if (m_path.isEmpty()) {
+        return;
+    }
     QJsonObject object;
     for (auto it = m_values.cbegin(); it != m_values.cend(); ++it) {
         object.insert(it.key(), encodeValue(it.value()));

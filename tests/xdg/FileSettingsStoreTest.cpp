@@ -113,6 +113,13 @@ TEST_F(FileSettingsStoreTest, IntegersOutsideTheSixtyFourBitRangeAreRejectedAndK
     EXPECT_FALSE(contents.contains("tiny"));
 }
 
+TEST_F(FileSettingsStoreTest, WithoutAPathValuesLiveInMemoryOnly) {
+    FileSettingsStore store{QString()};
+    store.setBool(QStringLiteral("flag"), true);
+    EXPECT_EQ(store.value(QStringLiteral("flag")), SettingValue(true));
+    EXPECT_TRUE(QDir(directory.path()).isEmpty());
+}
+
 TEST_F(FileSettingsStoreTest, UnreadableFileIsMovedAside) {
     writeFile(R"({"a": {"bool": true}})");
     QFile::setPermissions(path(), QFileDevice::Permissions());
