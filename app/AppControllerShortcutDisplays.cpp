@@ -15,11 +15,7 @@ QString AppController::shortcutNameRawValue(const QString& persistentID) {
 }
 
 QList<ShortcutDisplayRecord> AppController::loadShortcutDisplayRecords() const {
-    const std::optional<QByteArray> data = m_settings->dataValue(m_shortcutDisplayRecordsKey);
-    if (!data) {
-        return {};
-    }
-    return ShortcutDisplayRecordCoding::decode(*data).value_or(QList<ShortcutDisplayRecord>{});
+    return ShortcutDisplayRecordCoding::load(*m_settings, m_shortcutDisplayRecordsKey);
 }
 
 void AppController::saveShortcutDisplayRecords() {
