@@ -18,7 +18,9 @@
 #include "app/displays/ScreenSnapshotService.h"
 #include "app/ui/LatticaApp.h"
 #include "app/ui/WindowPresenter.h"
+#include "platform/x11/X11DisplayProbe.h"
 #include "platform/x11/X11Platform.h"
+#include "platform/xdg/SessionBusAutoLaunch.h"
 
 namespace {
 
@@ -48,12 +50,30 @@ void quitOnTerminationSignals(QCoreApplication& application) {
     sigaction(SIGINT, &action, nullptr);
 }
 
-bool hasDisplay() {
-    if (!qEnvironmentVariableIsEmpty("DISPLAY")) {
-        return true;
+// How long the display server may take to accept the connection before start-up gives up.
+constexpr int kDisplayAnswerTimeoutMs = 5000;
+
+// The toolkit aborts when it cannot open its display, and hangs on one that never answers: the display
+// is checked first, so that the program can end with a message instead.
+bool displayIsUsable() {
+    const QByteArray name = qgetenv("DISPLAY");
+    if (name.isEmpty()) {
+        std::fputs("Lattica needs an X11 display: DISPLAY is not set. scripts/run.sh starts a virtual desktop.\n",
+                   stderr);
+        return false;
     }
-    std::fputs("Lattica needs an X11 display: DISPLAY is not set. scripts/run.sh starts a virtual desktop.\n", stderr);
-    return false;
+    if (const std::optional<QString> problem = X11DisplayProbe::problem(name, kDisplayAnswerTimeoutMs)) {
+        QByteArray shown = name;  // kept on one line whatever the variable holds
+        for (char& byte : shown) {
+            if (static_cast<unsigned char>(byte) < 0x20 || byte == 0x7f) {
+                byte = '?';
+            }
+        }
+        std::fprintf(stderr, "Lattica: cannot open the X display \"%s\": %s.\n", shown.constData(),
+                     qPrintable(*problem));
+        return false;
+    }
+    return true;
 }
 
 int printed(const CommandLine::Printed& output) {
@@ -64,6 +84,7 @@ int printed(const CommandLine::Printed& output) {
 
 // One command, by the running instance when there is one, else here.
 int runCommand(int argc, char** argv, const CommandLine::Request& request) {
+    SessionBusAutoLaunch::preventWhenNoBus();
     QCoreApplication application(argc, argv);
     const auto [method, arguments] = CommandLine::busCall(request);
     if (std::optional<CommandResult> answer = CommandClient::call(method, arguments)) {
@@ -74,7 +95,7 @@ int runCommand(int argc, char** argv, const CommandLine::Request& request) {
         CommandResult notRunning = CommandResult::moves(0, 0, QStringLiteral("Lattica is not running."));
         return printed(CommandLine::print(request, notRunning));
     }
-    if (!hasDisplay()) {
+    if (!displayIsUsable()) {
         return 3;
     }
     std::unique_ptr<X11Platform> platform = X11Platform::connect();
@@ -102,10 +123,11 @@ int runCommand(int argc, char** argv, const CommandLine::Request& request) {
 
 // The tray program; a second launch asks the first to open its panel instead.
 int runProgram(int argc, char** argv) {
-    if (!hasDisplay()) {
+    if (!displayIsUsable()) {
         return 1;
     }
     qputenv("QT_QPA_PLATFORM", "xcb");
+    SessionBusAutoLaunch::preventWhenNoBus();
     QApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Lattica"));
     QApplication::setApplicationVersion(QString::fromLatin1(BuildConfig::kVersion));

@@ -14,12 +14,7 @@ QString AppController::shortcutNameRawValue(const QString& persistentID) {
 }
 
 QList<ShortcutDisplayRecord> AppController::loadShortcutDisplayRecords() const {
-    const std::optional<QByteArray> data = m_preferences.shortcutDisplayRecords();
-    if (!data) {
-        return {};
-    }
-    return ShortcutDisplayRecordCoding::decode(*data).value_or(QList<ShortcutDisplayRecord>{});
-}
+    return ShortcutDisplayRecordCoding::load(m_preferences.store(), Preferences::shortcutDisplayRecordsKey);}
 
 void AppController::saveShortcutDisplayRecords() {
     m_preferences.setShortcutDisplayRecords(ShortcutDisplayRecordCoding::encode(m_shortcutDisplayRecords));

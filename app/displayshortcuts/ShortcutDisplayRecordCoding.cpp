@@ -1,11 +1,15 @@
 #include "app/displayshortcuts/ShortcutDisplayRecordCoding.h"
 
+#include <QDateTime>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QSet>
 #include <cmath>
+#include <cstdio>
 #include <limits>
+
+#include "platform/SettingsStore.h"
 
 namespace {
 
@@ -83,4 +87,27 @@ std::optional<QList<ShortcutDisplayRecord>> ShortcutDisplayRecordCoding::decode(
         records.append(record);
     }
     return records;
+}
+
+QList<ShortcutDisplayRecord> ShortcutDisplayRecordCoding::load(SettingsStore& store, const QString& key) {
+    const std::optional<SettingValue> stored = store.value(key);
+    if (!stored) {
+        return {};
+    }
+    if (const QByteArray* data = std::get_if<QByteArray>(&*stored)) {
+        if (std::optional<QList<ShortcutDisplayRecord>> records = decode(*data)) {
+            return *records;
+        }
+    }
+    const QString stamp = QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-hhmmss"));
+    QString keptKey = key + QStringLiteral(".corrupt-") + stamp;
+    for (int attempt = 2; store.contains(keptKey); ++attempt) {
+        keptKey = key + QStringLiteral(".corrupt-") + stamp + QLatin1Char('-') + QString::number(attempt);
+    }
+    store.setValue(keptKey, *stored);
+    std::fprintf(stderr,
+                 "Lattica: the remembered displays could not be read and start again from the connected ones; "
+                 "the old value is kept in the preferences under \"%s\"\n",
+                 qPrintable(keptKey));
+    return {};
 }

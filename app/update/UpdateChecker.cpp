@@ -92,34 +92,27 @@ void UpdateChecker::start(const Request& request) {
         return;
     }
 
-    QNetworkRequest networkRequest(request.feedURL);
-    // A redirect is followed only to an address the feed itself could have had.
-    networkRequest.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::UserVerifiedRedirectPolicy);
-    networkRequest.setMaximumRedirectsAllowed(5);
+    m_visited.clear();
+    fetch(request.feedURL);
+    m_deadline.start(m_timeout);
+}
+
+void UpdateChecker::fetch(const QUrl& url) {
+    QNetworkRequest networkRequest(url);
+    // Redirects are followed here rather than by the network layer: each target must be an address the
+    // feed itself could have had, a loop is seen as one, and a chain ends after kMaximumRedirects.
+    networkRequest.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::ManualRedirectPolicy);
     networkRequest.setAttribute(QNetworkRequest::CacheLoadControlAttribute, QNetworkRequest::AlwaysNetwork);
     networkRequest.setHeader(QNetworkRequest::UserAgentHeader,
-                             QStringLiteral("Lattica/%1").arg(request.currentVersion));
-    qCDebug(lcUpdateChecker) << "fetching" << request.feedURL;
+                             QStringLiteral("Lattica/%1").arg(m_request.currentVersion));
+    qCDebug(lcUpdateChecker) << "fetching" << url;
+    m_visited.append(url.adjusted(QUrl::NormalizePathSegments));
     m_reply = m_network->get(networkRequest);
     QNetworkReply* reply = m_reply;
     connect(reply, &QNetworkReply::finished, this, [this, reply] {
         if (reply == m_reply) {
             handleReplyFinished();
         }
-    });
-    connect(reply, &QNetworkReply::redirected, this, [this, reply](const QUrl& target) {
-        if (reply != m_reply) {
-            return;
-        }
-        QString redirectRefusal;
-        if (isAllowedFeedURL(target, &redirectRefusal)) {
-            Q_EMIT reply->redirectAllowed();
-            return;
-        }
-        qCDebug(lcUpdateChecker) << "refused redirect to" << target << redirectRefusal;
-        cancel();
-        finishWith(failure(
-            QStringLiteral("The update feed moved to an address that is not allowed: %1").arg(redirectRefusal)));
     });
     connect(reply, &QNetworkReply::downloadProgress, this, [this, reply](qint64 received, qint64) {
         if (reply == m_reply && received > kMaximumFeedSize) {
@@ -130,7 +123,27 @@ void UpdateChecker::start(const Request& request) {
             finishWith(failure(QStringLiteral("The update feed is larger than an update feed can be.")));
         }
     });
-    m_deadline.start(m_timeout);
+}
+
+bool UpdateChecker::followRedirect(QNetworkReply* reply) {
+    const QUrl location = reply->attribute(QNetworkRequest::RedirectionTargetAttribute).toUrl();
+    if (location.isEmpty()) {
+        return false;
+    }
+    const QUrl target = reply->url().resolved(location);
+    QString refusal;
+    if (!isAllowedFeedURL(target, &refusal)) {
+        qCDebug(lcUpdateChecker) << "refused redirect to" << target << refusal;
+        finishWith(failure(QStringLiteral("The update feed moved to an address that is not allowed: %1").arg(refusal)));
+    } else if (m_visited.contains(target.adjusted(QUrl::NormalizePathSegments))) {
+        qCDebug(lcUpdateChecker) << "redirect loop at" << target;
+        finishWith(failure(QStringLiteral("The update feed redirects in a loop.")));
+    } else if (m_visited.size() > kMaximumRedirects) {
+        finishWith(failure(QStringLiteral("The update feed was redirected too many times.")));
+    } else {
+        fetch(target);
+    }
+    return true;
 }
 
 void UpdateChecker::cancel() {
@@ -149,12 +162,18 @@ void UpdateChecker::finishWith(const UpdateCheckResult& result) {
 }
 
 void UpdateChecker::handleReplyFinished() {
-    m_deadline.stop();
     QNetworkReply* reply = m_reply;
     m_reply = nullptr;
     reply->deleteLater();
 
     const int status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+    if (reply->error() == QNetworkReply::NoError && status >= 300 && status < 400 && followRedirect(reply)) {
+        if (!m_reply) {
+            m_deadline.stop();  // the redirect ended the check
+        }
+        return;
+    }
+    m_deadline.stop();
     if (reply->error() != QNetworkReply::NoError) {
         if (status >= 400) {
             finishWith(failure(QStringLiteral("The update server answered with HTTP status %1.").arg(status)));

@@ -35,6 +35,8 @@ public:
     static constexpr std::chrono::milliseconds kDefaultTimeout{15000};
     // A feed larger than this is not an update feed.
     static constexpr qint64 kMaximumFeedSize = 8 * 1024 * 1024;
+    // Redirects followed before a check gives up.
+    static constexpr int kMaximumRedirects = 5;
 
     explicit UpdateChecker(QObject* parent = nullptr);
     ~UpdateChecker() override;
@@ -58,12 +60,17 @@ Q_SIGNALS:
     void finished(const UpdateCheckResult& result);
 
 private:
+    void fetch(const QUrl& url);
+    // Follows the redirect a reply answered with, or ends the check saying why not. False when the
+    // reply names no target.
+    bool followRedirect(QNetworkReply* reply);
     void finishWith(const UpdateCheckResult& result);
     void handleReplyFinished();
     void handleTimeout();
 
     QNetworkAccessManager* m_network = nullptr;
     QPointer<QNetworkReply> m_reply;
+    QList<QUrl> m_visited;  // the addresses this check has asked, in order
     QTimer m_deadline;
     Request m_request;
     std::chrono::milliseconds m_timeout = kDefaultTimeout;

@@ -22,6 +22,30 @@ Updater::Updater(SparkleUpdaterDelegate* delegate, QObject* parent)
         m_userInitiated = false;
         Q_EMIT checkFinished(result, userInitiated);
     });
+    setClock({});
+    m_scheduleTimer.setInterval(kSchedulePollInterval);
+    connect(&m_scheduleTimer, &QTimer::timeout, this, [this] { runScheduledCheckIfDue(); });
+}
+
+void Updater::setClock(Clock clock) {
+    m_clock = clock ? std::move(clock) : Clock([] { return QDateTime::currentDateTimeUtc(); });
+}
+
+bool Updater::runScheduledCheckIfDue() {
+    if (!m_automaticallyChecksForUpdates) {
+        return false;
+    }
+    const QDateTime now = m_clock();
+    // A clock set back since the last check also makes one due, rather than none for a long time.
+    const bool due = !m_lastCheckStarted.isValid() || now < m_lastCheckStarted ||
+                     m_lastCheckStarted.msecsTo(now) >=
+                         std::chrono::duration_cast<std::chrono::milliseconds>(kAutomaticCheckInterval).count();
+    if (!due) {
+        return false;
+    }
+    qCDebug(lcUpdater) << "a day has passed since the last check";
+    checkForUpdatesInBackground();
+    return true;
 }
 
 void Updater::setAutomaticallyChecksForUpdates(bool enabled) {
@@ -30,6 +54,11 @@ void Updater::setAutomaticallyChecksForUpdates(bool enabled) {
     }
     m_automaticallyChecksForUpdates = enabled;
     qCDebug(lcUpdater) << "automatic checks" << (enabled ? "on" : "off");
+    if (enabled) {
+        m_scheduleTimer.start();
+    } else {
+        m_scheduleTimer.stop();
+    }
     Q_EMIT automaticallyChecksForUpdatesChanged(enabled);
 }
 
@@ -50,6 +79,7 @@ void Updater::startCheck(bool userInitiated) {
         qCDebug(lcUpdater) << "a check is already running; it reports to" << (m_userInitiated ? "the user" : "nobody");
         return;
     }
+    m_lastCheckStarted = m_clock();
     qCDebug(lcUpdater) << (userInitiated ? "user-initiated" : "background") << "check of" << feedURL();
     m_checker.start({feedURL(), m_hostVersion, m_systemVersion});
 }

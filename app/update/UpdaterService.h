@@ -1,9 +1,12 @@
 #pragma once
 
+#include <QDateTime>
 #include <QObject>
 #include <QPointer>
 #include <QString>
+#include <QTimer>
 #include <QUrl>
+#include <functional>
 
 #include "app/update/UpdateChecker.h"
 
@@ -12,13 +15,32 @@ class UpdateWindow;
 
 // Checks the update feed for a newer release of the program. A check started while another runs
 // joins it; a user-initiated check makes the running one report its result.
+// While automatic checks are on, a background check runs whenever a day has passed since the last check.
 class Updater : public QObject {
     Q_OBJECT
 public:
+    using Clock = std::function<QDateTime()>;
+
+    static constexpr std::chrono::hours kAutomaticCheckInterval{24};
+    // How often the schedule looks at the clock. The wall clock is compared, not a timer of a day, so
+    // that time spent suspended counts.
+    static constexpr std::chrono::minutes kSchedulePollInterval{30};
+
     explicit Updater(SparkleUpdaterDelegate* delegate, QObject* parent = nullptr);
 
     bool automaticallyChecksForUpdates() const { return m_automaticallyChecksForUpdates; }
     void setAutomaticallyChecksForUpdates(bool enabled);
+
+    // Starts a background check when automatic checks are on and the last check started a day ago or
+    // more (or none has run). The schedule's timer calls it. True when a check was started.
+    bool runScheduledCheckIfDue();
+    // The time source of the schedule; the system clock unless replaced.
+    void setClock(Clock clock);
+    // The timer that drives the schedule; it runs only while automatic checks are on.
+    const QTimer& scheduleTimer() const { return m_scheduleTimer; }
+    void setSchedulePollInterval(std::chrono::milliseconds interval) { m_scheduleTimer.setInterval(interval); }
+    // When the last check started; invalid before the first.
+    QDateTime lastCheckStarted() const { return m_lastCheckStarted; }
 
     // A silent check: reports something only when a newer version exists.
     void checkForUpdatesInBackground();
@@ -54,6 +76,9 @@ private:
     UpdateChecker m_checker;
     bool m_automaticallyChecksForUpdates = false;
     bool m_userInitiated = false;
+    Clock m_clock;
+    QTimer m_scheduleTimer;
+    QDateTime m_lastCheckStarted;
     QString m_hostVersion;
     QString m_hostDisplayVersion;
     QString m_systemVersion;

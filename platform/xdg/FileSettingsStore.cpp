@@ -10,6 +10,8 @@
 #include <QStandardPaths>
 #include <cstdio>
 
+#include "platform/xdg/XdgBaseDirectories.h"
+
 namespace {
 
 std::optional<SettingValue> decodeValue(const QJsonValue& stored) {
@@ -23,7 +25,12 @@ std::optional<SettingValue> decodeValue(const QJsonValue& stored) {
         return SettingValue(value.toBool());
     }
     if (type == QLatin1String("integer") && value.isDouble()) {
-        return SettingValue(static_cast<qint64>(value.toDouble()));
+        // Only a whole number a 64-bit integer holds exactly is one; toInteger() gives its fallback for any
+        // other, so two different fallbacks tell them apart.
+        const qint64 number = value.toInteger(0);
+        if (number == value.toInteger(1)) {
+            return SettingValue(number);
+        }
     }
     if (type == QLatin1String("string") && value.isString()) {
         return SettingValue(value.toString());
@@ -58,14 +65,18 @@ FileSettingsStore::FileSettingsStore(QString path) : m_path(std::move(path)) {
 }
 
 QString FileSettingsStore::standardPath() {
-    QString base = qEnvironmentVariable("XDG_CONFIG_HOME");
-    if (base.isEmpty()) {
-        base = QDir::homePath() + QStringLiteral("/.config");
-    }
-    return base + QStringLiteral("/lattica/defaults.json");
+    const QString base = XdgBaseDirectories::configHome();
+    return base.isEmpty() ? QString() : base + QStringLiteral("/lattica/defaults.json");
 }
 
 void FileSettingsStore::load() {
+    if (m_path.isEmpty()) {
+        std::fputs(
+            "Lattica: no folder for the preferences (neither HOME nor XDG_CONFIG_HOME names one); "
+            "changes are kept until the program ends\n",
+            stderr);
+        return;
+    }
     QFile file(m_path);
     if (!file.exists()) {
         return;
@@ -113,6 +124,9 @@ void FileSettingsStore::keepDamagedFile(const QString& reason) {
 }
 
 void FileSettingsStore::save() {
+    if (m_path.isEmpty()) {
+        return;
+    }
     QJsonObject object;
     for (auto it = m_values.cbegin(); it != m_values.cend(); ++it) {
         object.insert(it.key(), encodeValue(it.value()));

@@ -10,9 +10,11 @@
 // A file that cannot be read is kept beside the store as "<name>.corrupt-<time>", never overwritten.
 class FileSettingsStore : public SettingsStore {
 public:
+    // An empty path keeps the values in memory only.
     explicit FileSettingsStore(QString path);
 
-    // $XDG_CONFIG_HOME/lattica/defaults.json (~/.config when the variable is unset).
+    // lattica/defaults.json in the configuration folder of the XDG base-directory rules; empty when
+    // there is none (no usable HOME nor XDG_CONFIG_HOME).
     static QString standardPath();
     const QString& path() const { return m_path; }
 

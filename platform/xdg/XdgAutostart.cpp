@@ -7,14 +7,13 @@
 #include <QSaveFile>
 #include <QSettings>
 
+#include "platform/xdg/XdgBaseDirectories.h"
+
 XdgAutostart::XdgAutostart(QString entryPath) : m_entryPath(std::move(entryPath)) {}
 
 QString XdgAutostart::standardPath() {
-    QString base = qEnvironmentVariable("XDG_CONFIG_HOME");
-    if (base.isEmpty()) {
-        base = QDir::homePath() + QStringLiteral("/.config");
-    }
-    return base + QStringLiteral("/autostart/lattica.desktop");
+    const QString base = XdgBaseDirectories::configHome();
+    return base.isEmpty() ? QString() : base + QStringLiteral("/autostart/lattica.desktop");
 }
 
 AutostartStatus XdgAutostart::status() {
@@ -40,6 +39,10 @@ AutostartStatus XdgAutostart::status() {
 }
 
 bool XdgAutostart::enable(QString* error) {
+    if (m_entryPath.isEmpty()) {
+        *error = QStringLiteral("There is no configuration folder: neither HOME nor XDG_CONFIG_HOME names one.");
+        return false;
+    }
     const QString directory = QFileInfo(m_entryPath).absolutePath();
     if (!QDir().mkpath(directory)) {
         *error = QStringLiteral("Cannot create the folder %1.").arg(directory);

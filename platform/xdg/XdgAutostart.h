@@ -7,7 +7,8 @@ class XdgAutostart : public Autostart {
 public:
     explicit XdgAutostart(QString entryPath);
 
-    // $XDG_CONFIG_HOME/autostart/lattica.desktop (~/.config when the variable is unset).
+    // autostart/lattica.desktop in the configuration folder of the XDG base-directory rules; empty when
+    // there is none.
     static QString standardPath();
 
     AutostartStatus status() override;

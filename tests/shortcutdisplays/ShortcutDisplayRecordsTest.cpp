@@ -143,6 +143,47 @@ TEST_F(ShortcutDisplayRecordsTest, CorruptDataIsReplacedAtStartUpByTheConnectedD
     EXPECT_EQ(storedRecords(), QByteArray(R"([{"id":"v16-m32-s1","lastKnownName":"Main","lastKnownIndex":1}])"));
 }
 
+// The values kept aside under "<key>.corrupt-<time>".
+QList<SettingValue> keptCopies(const FakeSettingsStore& settings) {
+    QList<SettingValue> kept;
+    for (const QString& key : settings.keys()) {
+        if (key.startsWith(kRecordsKey + QStringLiteral(".corrupt-"))) {
+            kept.append(*settings.value(key));
+        }
+    }
+    return kept;
+}
+
+TEST_F(ShortcutDisplayRecordsTest, UndecodableDocumentIsKeptAsideOnceBeforeItIsReplaced) {
+    const QByteArray document =
+        R"([{"id":"v16-m32-s9","lastKnownName":"Unplugged","lastKnownIndex":2},{"id":"v16-m32-s9","lastKnownName":"Twin"}])";
+    storeRecords(document);
+    platform.monitors.setMonitors({display(5, QStringLiteral("Main"), 1)});
+    {
+        AppController controller;
+        EXPECT_EQ(controller.shortcutDisplayRecords().size(), 1);
+    }
+    EXPECT_EQ(storedRecords(), QByteArray(R"([{"id":"v16-m32-s1","lastKnownName":"Main","lastKnownIndex":1}])"));
+    EXPECT_EQ(keptCopies(platform.settings), QList<SettingValue>{SettingValue(document)});
+    // The replacement reads back: a second start keeps nothing more.
+    AppController again;
+    EXPECT_EQ(keptCopies(platform.settings).size(), 1);
+}
+
+TEST_F(ShortcutDisplayRecordsTest, StoredValueOfAnotherTypeIsKeptAsideWithItsType) {
+    platform.settings.setString(kRecordsKey, QStringLiteral("[]"));
+    platform.monitors.setMonitors({display(5, QStringLiteral("Main"), 1)});
+    AppController controller;
+    EXPECT_EQ(keptCopies(platform.settings), QList<SettingValue>{SettingValue(QStringLiteral("[]"))});
+}
+
+TEST_F(ShortcutDisplayRecordsTest, ReadableDocumentKeepsNothingAside) {
+    storeRecords(R"([{"id":"v16-m32-s1","lastKnownName":"Main","lastKnownIndex":1}])");
+    platform.monitors.setMonitors({display(5, QStringLiteral("Main"), 1)});
+    AppController controller;
+    EXPECT_TRUE(keptCopies(platform.settings).isEmpty());
+}
+
 TEST_F(ShortcutDisplayRecordsTest, DocumentThatRepeatsAnIdentifierReadsAsEmpty) {
     storeRecords(
         R"([{"id":"a","lastKnownName":"A","lastKnownIndex":1},{"id":"a","lastKnownName":"B","lastKnownIndex":2}])");

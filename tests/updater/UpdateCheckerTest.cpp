@@ -187,6 +187,39 @@ TEST_F(UpdateCheckerTest, RedirectToPlainHttpElsewhereIsRefused) {
                                                   "update feed must be fetched over HTTPS."));
 }
 
+TEST_F(UpdateCheckerTest, FeedRedirectingToItselfIsReportedAsARedirectLoop) {
+    server.setRoute(QStringLiteral("/appcast.xml"), {302, {}, "text/plain", false, feedURL().toEncoded()});
+    const UpdateCheckResult result = check(feedURL());
+    EXPECT_EQ(result.outcome, Outcome::Failed);
+    EXPECT_EQ(result.errorMessage, QStringLiteral("The update feed redirects in a loop."))
+        << qPrintable(result.errorMessage);
+}
+
+TEST_F(UpdateCheckerTest, TwoAddressesRedirectingToEachOtherAreReportedAsARedirectLoop) {
+    server.setRoute(QStringLiteral("/a.xml"),
+                    {301, {}, "text/plain", false, server.url(QStringLiteral("/b.xml")).toEncoded()});
+    server.setRoute(QStringLiteral("/b.xml"),
+                    {307, {}, "text/plain", false, server.url(QStringLiteral("/a.xml")).toEncoded()});
+    const UpdateCheckResult result = check(server.url(QStringLiteral("/a.xml")));
+    EXPECT_EQ(result.outcome, Outcome::Failed);
+    EXPECT_EQ(result.errorMessage, QStringLiteral("The update feed redirects in a loop."))
+        << qPrintable(result.errorMessage);
+}
+
+TEST_F(UpdateCheckerTest, LongChainOfRedirectsIsReportedAsTooManyRedirects) {
+    for (int step = 0; step < 10; ++step) {
+        server.setRoute(
+            QStringLiteral("/step%1.xml").arg(step),
+            {302, {}, "text/plain", false, server.url(QStringLiteral("/step%1.xml").arg(step + 1)).toEncoded()});
+    }
+    serveFeed({{QStringLiteral("1.1"), {}, {}}});
+    server.setRoute(QStringLiteral("/step10.xml"), {302, {}, "text/plain", false, feedURL().toEncoded()});
+    const UpdateCheckResult result = check(server.url(QStringLiteral("/step0.xml")));
+    EXPECT_EQ(result.outcome, Outcome::Failed);
+    EXPECT_EQ(result.errorMessage, QStringLiteral("The update feed was redirected too many times."))
+        << qPrintable(result.errorMessage);
+}
+
 TEST_F(UpdateCheckerTest, FeedAddressesOtherThanHttpsAreRefused) {
     EXPECT_TRUE(UpdateChecker::isAllowedFeedURL(QUrl(QStringLiteral("https://lattica.example.test/appcast.xml"))));
     EXPECT_TRUE(UpdateChecker::isAllowedFeedURL(QUrl(QStringLiteral("http://127.0.0.1:8080/a.xml"))));

@@ -27,6 +27,8 @@ protected:
     }
 
     void TearDown() override {
+        updater()->setClock({});
+        updater()->setSchedulePollInterval(Updater::kSchedulePollInterval);
         updater()->cancelCheck();
         if (UpdateWindow* window = controller()->updateWindow()) {
             window->hide();
@@ -93,6 +95,82 @@ TEST_F(UpdaterServiceTest, TogglingThePreferenceTakesEffectWithoutRestart) {
     EXPECT_TRUE(updater()->automaticallyChecksForUpdates());
     EXPECT_TRUE(platform.settings.boolValue(QStringLiteral("autoCheckForUpdatesOnLaunch")));
     EXPECT_EQ(changed.count(), 2);
+}
+
+// A clock the test moves by hand.
+struct ManualClock {
+    QDateTime now = QDateTime(QDate(2026, 3, 1), QTime(9, 0), Qt::UTC);
+    Updater::Clock source() {
+        return [this] { return now; };
+    }
+};
+
+TEST_F(UpdaterServiceTest, WhileOnAScheduledCheckRunsOnceADay) {
+    serveFeed({{QStringLiteral("100"), QStringLiteral("1.0.0"), {}}});
+    ManualClock clock;
+    updater()->setClock(clock.source());
+    updater()->setAutomaticallyChecksForUpdates(true);
+    QSignalSpy finished(updater(), &Updater::checkFinished);
+    updater()->checkForUpdatesInBackground();  // the check at launch
+    waitForCheck(finished);
+    finished.clear();
+    EXPECT_EQ(updater()->lastCheckStarted(), clock.now);
+    const QDateTime launch = clock.now;
+
+    clock.now = launch.addSecs(24 * 3600 - 60);
+    EXPECT_FALSE(updater()->runScheduledCheckIfDue());
+    EXPECT_FALSE(updater()->sessionInProgress());
+    clock.now = launch.addSecs(24 * 3600);
+    ASSERT_TRUE(updater()->runScheduledCheckIfDue());
+    EXPECT_FALSE(waitForCheck(finished));
+    finished.clear();
+    clock.now = launch.addSecs(40 * 3600);
+    EXPECT_FALSE(updater()->runScheduledCheckIfDue());
+    clock.now = launch.addSecs(48 * 3600);
+    ASSERT_TRUE(updater()->runScheduledCheckIfDue());
+    EXPECT_FALSE(waitForCheck(finished));
+    EXPECT_EQ(server.requestedPaths().size(), 3);
+}
+
+TEST_F(UpdaterServiceTest, WithThePreferenceOffNoScheduledCheckRunsUntilItIsTurnedOn) {
+    serveFeed({{QStringLiteral("100"), QStringLiteral("1.0.0"), {}}});
+    ManualClock clock;
+    updater()->setClock(clock.source());
+    platform.settings.setBool(QStringLiteral("autoCheckForUpdatesOnLaunch"), false);
+    AppController appController;
+    clock.now = clock.now.addDays(30);
+    EXPECT_FALSE(updater()->scheduleTimer().isActive());
+    EXPECT_FALSE(updater()->runScheduledCheckIfDue());
+    EXPECT_FALSE(updater()->sessionInProgress());
+
+    // Turned on in the settings: the schedule runs again without a restart.
+    appController.setAutoCheckForUpdatesEnabled(true);
+    EXPECT_TRUE(updater()->scheduleTimer().isActive());
+    EXPECT_LE(updater()->scheduleTimer().intervalAsDuration(), std::chrono::hours(1));
+    QSignalSpy finished(updater(), &Updater::checkFinished);
+    ASSERT_TRUE(updater()->runScheduledCheckIfDue());
+    waitForCheck(finished);
+    appController.setAutoCheckForUpdatesEnabled(false);
+    EXPECT_FALSE(updater()->scheduleTimer().isActive());
+}
+
+TEST_F(UpdaterServiceTest, TheScheduleTimerStartsTheCheckThatIsDue) {
+    serveFeed({{QStringLiteral("100"), QStringLiteral("1.0.0"), {}}});
+    ManualClock clock;
+    updater()->setClock(clock.source());
+    updater()->setAutomaticallyChecksForUpdates(false);
+    updater()->setAutomaticallyChecksForUpdates(true);
+    QSignalSpy finished(updater(), &Updater::checkFinished);
+    updater()->checkForUpdatesInBackground();
+    waitForCheck(finished);
+    finished.clear();
+
+    // The poll is made short; the clock says a day has passed, so the timer alone starts a check.
+    updater()->setSchedulePollInterval(std::chrono::milliseconds(5));
+    clock.now = clock.now.addDays(1);
+    EXPECT_FALSE(waitForCheck(finished));
+    EXPECT_EQ(updater()->lastCheckStarted(), clock.now);
+    EXPECT_EQ(server.requestedPaths().size(), 2);
 }
 
 TEST_F(UpdaterServiceTest, BackgroundCheckWithoutNewerVersionShowsNothing) {

@@ -3,6 +3,7 @@
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
+#include <limits>
 
 #include <signal.h>
 #include <sys/wait.h>
@@ -84,6 +85,39 @@ TEST_F(FileSettingsStoreTest, DamagedEntryIsDroppedAndTheFileCopied) {
     EXPECT_FALSE(store.contains(QStringLiteral("bad")));
     EXPECT_FALSE(store.contains(QStringLiteral("worse")));
     EXPECT_EQ(keptCopies().size(), 1);
+}
+
+TEST_F(FileSettingsStoreTest, IntegersOutsideTheSixtyFourBitRangeAreRejectedAndKeptInTheCopy) {
+    writeFile(R"({"huge": {"integer": 1e300}, "tiny": {"integer": -1e300}, "justOver": {"integer": 9223372036854775808},
+                  "half": {"integer": 1.5}, "largest": {"integer": 9223372036854775807},
+                  "smallest": {"integer": -9223372036854775808}, "fine": {"integer": 3e3}})");
+    FileSettingsStore store(path());
+    EXPECT_FALSE(store.contains(QStringLiteral("huge")));
+    EXPECT_FALSE(store.contains(QStringLiteral("tiny")));
+    EXPECT_FALSE(store.contains(QStringLiteral("justOver")));
+    EXPECT_FALSE(store.contains(QStringLiteral("half")));
+    EXPECT_EQ(store.value(QStringLiteral("largest")), SettingValue(std::numeric_limits<qint64>::max()));
+    EXPECT_EQ(store.value(QStringLiteral("smallest")), SettingValue(std::numeric_limits<qint64>::min()));
+    EXPECT_EQ(store.value(QStringLiteral("fine")), SettingValue(qint64(3000)));
+    const QStringList copies = keptCopies();
+    ASSERT_EQ(copies.size(), 1);
+    QFile kept(directory.filePath(QStringLiteral("lattica/") + copies.first()));
+    ASSERT_TRUE(kept.open(QIODevice::ReadOnly));
+    EXPECT_TRUE(kept.readAll().contains("1e300"));
+    // The next write leaves the rejected values out rather than writing a wrapped-around number.
+    store.setBool(QStringLiteral("flag"), true);
+    QFile rewritten(path());
+    ASSERT_TRUE(rewritten.open(QIODevice::ReadOnly));
+    const QByteArray contents = rewritten.readAll();
+    EXPECT_FALSE(contents.contains("huge"));
+    EXPECT_FALSE(contents.contains("tiny"));
+}
+
+TEST_F(FileSettingsStoreTest, WithoutAPathValuesLiveInMemoryOnly) {
+    FileSettingsStore store{QString()};
+    store.setBool(QStringLiteral("flag"), true);
+    EXPECT_EQ(store.value(QStringLiteral("flag")), SettingValue(true));
+    EXPECT_TRUE(QDir(directory.path()).isEmpty());
 }
 
 TEST_F(FileSettingsStoreTest, UnreadableFileIsMovedAside) {
