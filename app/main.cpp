@@ -18,6 +18,7 @@
 #include "app/displays/ScreenSnapshotService.h"
 #include "app/ui/LatticaApp.h"
 #include "app/ui/WindowPresenter.h"
+#include "app/update/UpdaterService.h"
 #include "platform/x11/X11DisplayProbe.h"
 #include "platform/x11/X11Platform.h"
 #include "platform/xdg/SessionBusAutoLaunch.h"
@@ -152,7 +153,7 @@ int runProgram(int argc, char** argv) {
     quitOnTerminationSignals(application);
 
     AppController controller;
-    WindowPresenter windows(controller);
+    WindowPresenter windows(controller, UpdaterService::shared().updater());
     LatticaApp app(controller, windows, platform->services().trayHost);
     const CommandService commands(controller.preferences());
     LatticaBusService bus(commands, {[&app] { app.openPanel(); }, [&windows] { windows.showSettingsWindow(); },

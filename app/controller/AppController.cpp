@@ -34,7 +34,7 @@ AppController::AppController(QObject* parent) : QObject(parent), m_preferences(*
     m_launchAtLoginEnabled = platform.autostart->status() == AutostartStatus::Enabled;
 
     // 7. The updater follows the preference.
-    m_updaterService->updaterController()->updater()->setAutomaticallyChecksForUpdates(m_autoCheckForUpdatesEnabled);
+    m_updaterService->updater()->setAutomaticallyChecksForUpdates(m_autoCheckForUpdatesEnabled);
 
     // 8.-9. The remembered displays, their lists and their hot-key handlers.
     m_shortcutDisplayRecords = loadShortcutDisplayRecords();
@@ -87,7 +87,7 @@ void AppController::setDockIconVisible(bool visible) {
 void AppController::setAutoCheckForUpdatesEnabled(bool enabled) {
     publish(m_autoCheckForUpdatesEnabled, enabled, &AppController::autoCheckForUpdatesEnabledChanged);
     m_preferences.setAutoCheckForUpdates(enabled);
-    m_updaterService->updaterController()->updater()->setAutomaticallyChecksForUpdates(enabled);
+    m_updaterService->updater()->setAutomaticallyChecksForUpdates(enabled);
 }
 
 void AppController::setLaunchAtLogin(bool enabled) {

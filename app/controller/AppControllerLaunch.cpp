@@ -25,7 +25,7 @@ void AppController::start() {
     refreshPermissions();
     refreshShortcutDisplays();
     if (m_autoCheckForUpdatesEnabled) {
-        m_updaterService->updaterController()->updater()->checkForUpdatesInBackground();
+        m_updaterService->updater()->checkForUpdatesInBackground();
     }
     if (!m_permissionState.bothGranted()) {
         Q_EMIT permissionGuideRequested();

@@ -34,8 +34,11 @@ QWidget* makeHostWindow(QWidget* content, const QSize& size, const QString& titl
 
 }  // namespace
 
-WindowPresenter::WindowPresenter(AppController& controller, QObject* parent)
+WindowPresenter::WindowPresenter(AppController& controller, Updater* updater, QObject* parent)
     : QObject(parent), m_controller(controller) {
+    if (updater) {
+        m_updates = std::make_unique<UpdatePresenter>(*updater);
+    }
     connect(&m_controller, &AppController::permissionGuideRequested, this, &WindowPresenter::showPermissionGuideWindow);
 }
 

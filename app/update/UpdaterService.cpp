@@ -4,14 +4,12 @@
 #include <QSysInfo>
 
 #include "BuildConfig.h"
-#include "app/UpdateWindow.h"
-#include "platform/DesktopLauncher.h"
-#include "platform/Platform.h"
+#include "app/ui/update/UpdateWindow.h"
 
 // Debug lines only when asked for with QT_LOGGING_RULES="lattica.updates*.debug=true".
 Q_LOGGING_CATEGORY(lcUpdater, "lattica.updates", QtInfoMsg)
 
-Updater::Updater(SparkleUpdaterDelegate* delegate, QObject* parent)
+Updater::Updater(UpdateFeed* delegate, QObject* parent)
     : QObject(parent),
       m_delegate(delegate),
       m_hostVersion(QString::fromLatin1(BuildConfig::kBuildNumber)),
@@ -107,7 +105,7 @@ QString Updater::runningSystemVersion() {
     return QSysInfo::kernelVersion();
 }
 
-QString SparkleUpdaterDelegate::feedURLString() const {
+QString UpdateFeed::feedURLString() const {
     const QString override = qEnvironmentVariable("LATTICA_APPCAST_URL");
     if (!override.isEmpty()) {
         return override;
@@ -115,68 +113,9 @@ QString SparkleUpdaterDelegate::feedURLString() const {
     return QString::fromLatin1(BuildConfig::kAppcastUrl);
 }
 
-StandardUpdaterController::StandardUpdaterController(SparkleUpdaterDelegate* delegate, QObject* parent)
-    : QObject(parent), m_delegate(delegate), m_updater(delegate) {
-    connect(&m_updater, &Updater::userInitiatedCheckStarted, this, [this] {
-        UpdateWindow* window = ensureWindow();
-        window->showChecking();
-        window->present();
-    });
-    connect(&m_updater, &Updater::checkFinished, this,
-            [this](const UpdateCheckResult& result, bool userInitiated) { showResult(result, userInitiated); });
-}
-
-StandardUpdaterController::~StandardUpdaterController() {
-    delete m_window;
-}
-
-void StandardUpdaterController::checkForUpdates() {
-    m_updater.checkForUpdates();
-}
-
-UpdateWindow* StandardUpdaterController::updateWindow() const {
-    return m_window.data();
-}
-
-UpdateWindow* StandardUpdaterController::ensureWindow() {
-    if (!m_window) {
-        m_window = new UpdateWindow();
-        connect(m_window, &UpdateWindow::cancelRequested, this, [this] { m_updater.cancelCheck(); });
-        connect(m_window, &UpdateWindow::downloadRequested, this, [](const QUrl& url) {
-            if (DesktopLauncher* launcher = Platform::services().desktopLauncher) {
-                launcher->openUrl(url);
-            }
-        });
-    }
-    return m_window;
-}
-
-void StandardUpdaterController::showResult(const UpdateCheckResult& result, bool userInitiated) {
-    const QString current = m_updater.hostDisplayVersion();
-    switch (result.outcome) {
-        case UpdateCheckResult::Outcome::UpdateAvailable:
-            ensureWindow()->showUpdateFound(*result.item, current);
-            break;
-        case UpdateCheckResult::Outcome::UpToDate:
-            if (!userInitiated) {
-                return;
-            }
-            ensureWindow()->showUpToDate(current);
-            break;
-        case UpdateCheckResult::Outcome::Failed:
-            if (!userInitiated) {
-                qCDebug(lcUpdater) << "background check failed:" << result.errorMessage;
-                return;
-            }
-            ensureWindow()->showError(result.errorMessage);
-            break;
-    }
-    m_window->present();
-}
-
 UpdaterService& UpdaterService::shared() {
     static UpdaterService* instance = new UpdaterService();
     return *instance;
 }
 
-UpdaterService::UpdaterService() : m_updaterController(&m_updaterDelegate) {}
+UpdaterService::UpdaterService() : m_updater(&m_feed) {}

@@ -2,7 +2,6 @@
 
 #include <QDateTime>
 #include <QObject>
-#include <QPointer>
 #include <QString>
 #include <QTimer>
 #include <QUrl>
@@ -10,8 +9,7 @@
 
 #include "app/update/UpdateChecker.h"
 
-class SparkleUpdaterDelegate;
-class UpdateWindow;
+class UpdateFeed;
 
 // Checks the update feed for a newer release of the program. A check started while another runs
 // joins it; a user-initiated check makes the running one report its result.
@@ -26,7 +24,7 @@ public:
     // that time spent suspended counts.
     static constexpr std::chrono::minutes kSchedulePollInterval{30};
 
-    explicit Updater(SparkleUpdaterDelegate* delegate, QObject* parent = nullptr);
+    explicit Updater(UpdateFeed* delegate, QObject* parent = nullptr);
 
     bool automaticallyChecksForUpdates() const { return m_automaticallyChecksForUpdates; }
     void setAutomaticallyChecksForUpdates(bool enabled);
@@ -72,7 +70,7 @@ Q_SIGNALS:
 private:
     void startCheck(bool userInitiated);
 
-    SparkleUpdaterDelegate* m_delegate;
+    UpdateFeed* m_delegate;
     UpdateChecker m_checker;
     bool m_automaticallyChecksForUpdates = false;
     bool m_userInitiated = false;
@@ -85,33 +83,10 @@ private:
 };
 
 // Supplies the update feed.
-class SparkleUpdaterDelegate {
+class UpdateFeed {
 public:
     // The feed's address: the build's appcast, or LATTICA_APPCAST_URL when that is set.
     QString feedURLString() const;
-};
-
-// Owns the updater and shows its checks: progress and result of a user-initiated check, and a found
-// update after a background one.
-class StandardUpdaterController : public QObject {
-    Q_OBJECT
-public:
-    explicit StandardUpdaterController(SparkleUpdaterDelegate* delegate, QObject* parent = nullptr);
-    ~StandardUpdaterController() override;
-
-    Updater* updater() { return &m_updater; }
-    // A user-initiated check with progress and result.
-    void checkForUpdates();
-    // The window that shows checks, once one has been shown.
-    UpdateWindow* updateWindow() const;
-
-private:
-    UpdateWindow* ensureWindow();
-    void showResult(const UpdateCheckResult& result, bool userInitiated);
-
-    SparkleUpdaterDelegate* m_delegate;
-    Updater m_updater;
-    QPointer<UpdateWindow> m_window;
 };
 
 // The program's one update service.
@@ -119,11 +94,11 @@ class UpdaterService : public QObject {
     Q_OBJECT
 public:
     static UpdaterService& shared();
-    SparkleUpdaterDelegate* updaterDelegate() { return &m_updaterDelegate; }
-    StandardUpdaterController* updaterController() { return &m_updaterController; }
+    UpdateFeed* feed() { return &m_feed; }
+    Updater* updater() { return &m_updater; }
 
 private:
     UpdaterService();
-    SparkleUpdaterDelegate m_updaterDelegate;
-    StandardUpdaterController m_updaterController;
+    UpdateFeed m_feed;
+    Updater m_updater;
 };

@@ -68,7 +68,7 @@ TEST_F(AppControllerPreferencesTest, ExistingValueOfAnotherTypeCountsAsPresent) 
 TEST_F(AppControllerPreferencesTest, UpdaterFollowsThePreferenceFromConstructionOn) {
     platform.settings.setBool(QStringLiteral("autoCheckForUpdatesOnLaunch"), false);
     AppController controller;
-    Updater* updater = UpdaterService::shared().updaterController()->updater();
+    Updater* updater = UpdaterService::shared().updater();
     EXPECT_FALSE(updater->automaticallyChecksForUpdates());
     controller.setAutoCheckForUpdatesEnabled(true);
     EXPECT_TRUE(updater->automaticallyChecksForUpdates());

@@ -1,9 +1,10 @@
 #include <QPushButton>
 #include <QSignalSpy>
 
-#include "app/UpdateWindow.h"
 #include "app/ui/settings/SettingsToggle.h"
 #include "app/ui/settings/SettingsUpdatesSection.h"
+#include "app/ui/update/UpdatePresenter.h"
+#include "app/ui/update/UpdateWindow.h"
 #include "app/update/UpdaterService.h"
 #include "tests/settings/SettingsFixture.h"
 #include "tests/updater/AppcastFixtures.h"
@@ -15,7 +16,7 @@ class SettingsUpdatesSectionTest : public SettingsFixture {
 protected:
     void TearDown() override {
         updater()->cancelCheck();
-        if (UpdateWindow* window = UpdaterService::shared().updaterController()->updateWindow()) {
+        if (UpdateWindow* window = presenter.updateWindow()) {
             window->hide();
         }
         SettingsFixture::TearDown();
@@ -26,7 +27,10 @@ protected:
         view->setSelectedSection(SettingsSection::Updates);
         return view->findChild<SettingsUpdatesSection*>();
     }
-    static Updater* updater() { return UpdaterService::shared().updaterController()->updater(); }
+    static Updater* updater() { return UpdaterService::shared().updater(); }
+
+    // Shows the checks the section starts, as the program's window presenter does.
+    UpdatePresenter presenter{*updater()};
 };
 
 TEST_F(SettingsUpdatesSectionTest, ToggleShowsThePreference) {
@@ -78,7 +82,7 @@ TEST_F(SettingsUpdatesSectionTest, CheckButtonStartsAUserCheckWithProgressAndRes
 
     QSignalSpy finished(updater(), &Updater::checkFinished);
     QTest::mouseClick(section->checkButton(), Qt::LeftButton);
-    UpdateWindow* window = UpdaterService::shared().updaterController()->updateWindow();
+    UpdateWindow* window = presenter.updateWindow();
     ASSERT_NE(window, nullptr);
     EXPECT_TRUE(window->isVisible());
     EXPECT_EQ(window->state(), UpdateWindow::State::Checking);

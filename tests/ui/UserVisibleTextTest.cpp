@@ -15,11 +15,11 @@
 
 #include "KeyboardShortcuts/Name.h"
 #include "KeyboardShortcuts/Shortcut.h"
-#include "app/UpdateWindow.h"
 #include "app/ui/LatticaApp.h"
 #include "app/ui/panel/TrayPanelView.h"
 #include "app/ui/settings/SettingsSection.h"
 #include "app/ui/settings/SettingsView.h"
+#include "app/ui/update/UpdateWindow.h"
 #include "tests/ui/UiFixture.h"
 
 namespace {

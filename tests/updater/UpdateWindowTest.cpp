@@ -4,7 +4,7 @@
 #include <QPushButton>
 #include <QTextBrowser>
 
-#include "app/UpdateWindow.h"
+#include "app/ui/update/UpdateWindow.h"
 #include "platform/fake/FakePlatform.h"
 
 namespace {

@@ -4,8 +4,9 @@
 #include <QSignalSpy>
 
 #include "BuildConfig.h"
-#include "app/UpdateWindow.h"
 #include "app/controller/AppController.h"
+#include "app/ui/update/UpdatePresenter.h"
+#include "app/ui/update/UpdateWindow.h"
 #include "app/update/UpdaterService.h"
 #include "platform/fake/FakePlatform.h"
 #include "tests/updater/AppcastFixtures.h"
@@ -30,14 +31,13 @@ protected:
         updater()->setClock({});
         updater()->setSchedulePollInterval(Updater::kSchedulePollInterval);
         updater()->cancelCheck();
-        if (UpdateWindow* window = controller()->updateWindow()) {
+        if (UpdateWindow* window = presenter.updateWindow()) {
             window->hide();
         }
         qunsetenv("LATTICA_APPCAST_URL");
     }
 
-    static StandardUpdaterController* controller() { return UpdaterService::shared().updaterController(); }
-    static Updater* updater() { return controller()->updater(); }
+    static Updater* updater() { return UpdaterService::shared().updater(); }
 
     void serveFeed(const QList<Release>& releases) {
         server.setRoute(QStringLiteral("/appcast.xml"), {200, AppcastFixtures::feed(releases)});
@@ -50,14 +50,15 @@ protected:
         return !finished.isEmpty() && finished.first().at(1).toBool();
     }
 
-    static bool windowVisible() { return controller()->updateWindow() && controller()->updateWindow()->isVisible(); }
+    bool windowVisible() { return presenter.updateWindow() && presenter.updateWindow()->isVisible(); }
 
     FakePlatform platform;
     LoopbackHttpServer server;
+    UpdatePresenter presenter{*updater()};
 };
 
 TEST_F(UpdaterServiceTest, FeedUrlIsTheBuildsAppcastUnlessTheEnvironmentOverridesIt) {
-    SparkleUpdaterDelegate delegate;
+    UpdateFeed delegate;
     EXPECT_EQ(delegate.feedURLString(), server.url(QStringLiteral("/appcast.xml")).toString());
     qunsetenv("LATTICA_APPCAST_URL");
     EXPECT_EQ(delegate.feedURLString(), QString::fromLatin1(BuildConfig::kAppcastUrl));
@@ -197,7 +198,7 @@ TEST_F(UpdaterServiceTest, BackgroundCheckWithNewerVersionShowsTheUpdate) {
     updater()->checkForUpdatesInBackground();
     waitForCheck(finished);
     ASSERT_TRUE(windowVisible());
-    UpdateWindow* window = controller()->updateWindow();
+    UpdateWindow* window = presenter.updateWindow();
     EXPECT_EQ(window->state(), UpdateWindow::State::UpdateFound);
     EXPECT_EQ(window->titleText(), QStringLiteral("A new version of Lattica is available!"));
     EXPECT_TRUE(window->messageText().contains(QStringLiteral("Lattica 1.0.1 is now available")));
@@ -208,9 +209,9 @@ TEST_F(UpdaterServiceTest, BackgroundCheckWithNewerVersionShowsTheUpdate) {
 TEST_F(UpdaterServiceTest, UserCheckShowsProgressThenUpToDate) {
     server.setRoute(QStringLiteral("/appcast.xml"), {200, AppcastFixtures::feed({{QStringLiteral("99"), {}, {}}})});
     QSignalSpy finished(updater(), &Updater::checkFinished);
-    controller()->checkForUpdates();
+    updater()->checkForUpdates();
     ASSERT_TRUE(windowVisible());
-    UpdateWindow* window = controller()->updateWindow();
+    UpdateWindow* window = presenter.updateWindow();
     EXPECT_EQ(window->state(), UpdateWindow::State::Checking);
     EXPECT_EQ(window->titleText(), QStringLiteral("Checking for updates…"));
     EXPECT_TRUE(waitForCheck(finished));
@@ -223,12 +224,12 @@ TEST_F(UpdaterServiceTest, UserCheckShowsProgressThenUpToDate) {
 TEST_F(UpdaterServiceTest, UserCheckShowsTheErrorOfA404) {
     QSignalSpy finished(updater(), &Updater::checkFinished);
     server.setRoute(QStringLiteral("/appcast.xml"), {404, QByteArray("gone"), "text/plain"});
-    controller()->checkForUpdates();
+    updater()->checkForUpdates();
     EXPECT_TRUE(waitForCheck(finished));
     ASSERT_TRUE(windowVisible());
-    EXPECT_EQ(controller()->updateWindow()->state(), UpdateWindow::State::Error);
-    EXPECT_EQ(controller()->updateWindow()->titleText(), QStringLiteral("Update Error!"));
-    EXPECT_EQ(controller()->updateWindow()->messageText(),
+    EXPECT_EQ(presenter.updateWindow()->state(), UpdateWindow::State::Error);
+    EXPECT_EQ(presenter.updateWindow()->titleText(), QStringLiteral("Update Error!"));
+    EXPECT_EQ(presenter.updateWindow()->messageText(),
               QStringLiteral("The update server answered with HTTP status 404."));
 }
 
@@ -236,19 +237,19 @@ TEST_F(UpdaterServiceTest, UserCheckOfAServerThatNeverAnswersEndsInAnError) {
     updater()->setCheckTimeout(std::chrono::milliseconds(200));
     server.setRoute(QStringLiteral("/appcast.xml"), {200, {}, {}, true});
     QSignalSpy finished(updater(), &Updater::checkFinished);
-    controller()->checkForUpdates();
+    updater()->checkForUpdates();
     EXPECT_TRUE(waitForCheck(finished));
     ASSERT_TRUE(windowVisible());
-    EXPECT_EQ(controller()->updateWindow()->state(), UpdateWindow::State::Error);
-    EXPECT_TRUE(controller()->updateWindow()->messageText().contains(QStringLiteral("did not answer")));
+    EXPECT_EQ(presenter.updateWindow()->state(), UpdateWindow::State::Error);
+    EXPECT_TRUE(presenter.updateWindow()->messageText().contains(QStringLiteral("did not answer")));
 }
 
 TEST_F(UpdaterServiceTest, DownloadButtonOpensTheReleasesDownload) {
     serveFeed({{QStringLiteral("120"), QStringLiteral("1.2.0"), {}}});
     QSignalSpy finished(updater(), &Updater::checkFinished);
-    controller()->checkForUpdates();
+    updater()->checkForUpdates();
     EXPECT_TRUE(waitForCheck(finished));
-    UpdateWindow* window = controller()->updateWindow();
+    UpdateWindow* window = presenter.updateWindow();
     ASSERT_EQ(window->state(), UpdateWindow::State::UpdateFound);
     EXPECT_EQ(window->primaryButton()->text(), QStringLiteral("Download"));
     window->primaryButton()->click();
@@ -261,9 +262,9 @@ TEST_F(UpdaterServiceTest, DownloadButtonOpensTheReleasesDownload) {
 TEST_F(UpdaterServiceTest, RemindMeLaterClosesWithoutOpeningAnything) {
     serveFeed({{QStringLiteral("120"), QStringLiteral("1.2.0"), {}}});
     QSignalSpy finished(updater(), &Updater::checkFinished);
-    controller()->checkForUpdates();
+    updater()->checkForUpdates();
     EXPECT_TRUE(waitForCheck(finished));
-    UpdateWindow* window = controller()->updateWindow();
+    UpdateWindow* window = presenter.updateWindow();
     ASSERT_EQ(window->state(), UpdateWindow::State::UpdateFound);
     window->secondaryButton()->click();
     EXPECT_TRUE(platform.desktopLauncher.openedURLs.isEmpty());
@@ -273,12 +274,11 @@ TEST_F(UpdaterServiceTest, RemindMeLaterClosesWithoutOpeningAnything) {
 TEST_F(UpdaterServiceTest, UserCheckOfAnUnusableFeedAddressShowsWhy) {
     qputenv("LATTICA_APPCAST_URL", QByteArrayLiteral("http://updates.example.test/appcast.xml"));
     QSignalSpy finished(updater(), &Updater::checkFinished);
-    controller()->checkForUpdates();
+    updater()->checkForUpdates();
     EXPECT_TRUE(waitForCheck(finished));
     ASSERT_TRUE(windowVisible());
-    EXPECT_EQ(controller()->updateWindow()->state(), UpdateWindow::State::Error);
-    EXPECT_EQ(controller()->updateWindow()->messageText(),
-              QStringLiteral("The update feed must be fetched over HTTPS."));
+    EXPECT_EQ(presenter.updateWindow()->state(), UpdateWindow::State::Error);
+    EXPECT_EQ(presenter.updateWindow()->messageText(), QStringLiteral("The update feed must be fetched over HTTPS."));
     EXPECT_TRUE(server.requestedPaths().isEmpty());
 }
 
@@ -288,9 +288,9 @@ TEST_F(UpdaterServiceTest, RunningSystemVersionIsKnown) {
 
 TEST_F(UpdaterServiceTest, CancellingTheProgressStopsTheCheck) {
     server.setRoute(QStringLiteral("/appcast.xml"), {200, {}, {}, true});
-    controller()->checkForUpdates();
+    updater()->checkForUpdates();
     ASSERT_TRUE(updater()->sessionInProgress());
-    controller()->updateWindow()->primaryButton()->click();
+    presenter.updateWindow()->primaryButton()->click();
     EXPECT_FALSE(updater()->sessionInProgress());
     EXPECT_FALSE(windowVisible());
 }
@@ -299,11 +299,11 @@ TEST_F(UpdaterServiceTest, UserCheckDuringABackgroundCheckReportsItsResult) {
     serveFeed({{QStringLiteral("100"), {}, {}}});
     QSignalSpy finished(updater(), &Updater::checkFinished);
     updater()->checkForUpdatesInBackground();
-    controller()->checkForUpdates();
+    updater()->checkForUpdates();
     EXPECT_TRUE(waitForCheck(finished));
     EXPECT_EQ(server.requestedPaths().size(), 1);
     ASSERT_TRUE(windowVisible());
-    EXPECT_EQ(controller()->updateWindow()->state(), UpdateWindow::State::UpToDate);
+    EXPECT_EQ(presenter.updateWindow()->state(), UpdateWindow::State::UpToDate);
 }
 
 }  // namespace
@@ -321,9 +321,9 @@ TEST_F(UpdaterServiceTest, FoundUpdateWindowShowsNotesAndBothButtons) {
                  "</item>");
     server.setRoute(QStringLiteral("/appcast.xml"), {200, feed});
     QSignalSpy finished(updater(), &Updater::checkFinished);
-    controller()->checkForUpdates();
+    updater()->checkForUpdates();
     EXPECT_TRUE(waitForCheck(finished));
-    UpdateWindow* window = controller()->updateWindow();
+    UpdateWindow* window = presenter.updateWindow();
     ASSERT_EQ(window->state(), UpdateWindow::State::UpdateFound);
     EXPECT_TRUE(window->releaseNotesText().contains(QStringLiteral("Shortcuts for every display")));
     EXPECT_TRUE(window->primaryButton()->isVisible());

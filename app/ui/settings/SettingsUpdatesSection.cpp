@@ -46,8 +46,7 @@ SettingsUpdatesSection::SettingsUpdatesSection(AppController& controller, QWidge
         showValue();
     });
     connect(&m_controller, &AppController::autoCheckForUpdatesEnabledChanged, this, [this] { showValue(); });
-    connect(m_checkButton, &QPushButton::clicked, this,
-            [] { UpdaterService::shared().updaterController()->checkForUpdates(); });
+    connect(m_checkButton, &QPushButton::clicked, this, [] { UpdaterService::shared().updater()->checkForUpdates(); });
     showValue();
 }
 

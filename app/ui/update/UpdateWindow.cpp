@@ -1,4 +1,4 @@
-#include "app/UpdateWindow.h"
+#include "app/ui/update/UpdateWindow.h"
 
 #include <QApplication>
 #include <QCloseEvent>
