@@ -4,7 +4,6 @@
 #include <QSysInfo>
 
 #include "BuildConfig.h"
-#include "app/ui/update/UpdateWindow.h"
 
 // Debug lines only when asked for with QT_LOGGING_RULES="lattica.updates*.debug=true".
 Q_LOGGING_CATEGORY(lcUpdater, "lattica.updates", QtInfoMsg)
