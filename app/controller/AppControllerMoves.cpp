@@ -16,7 +16,7 @@ void AppController::moveWindows(const DisplaySnapshot& source, const DisplaySnap
         return;
     }
     const bool adjust = m_adjustWindowSizeToTargetScreen;
-    const WindowMoveResult result = WindowMover::moveWindows(source, destination, adjust, std::nullopt, false);
+    const WindowMoveResult result = WindowMover::moveWindows(source, destination, adjust, std::nullopt, false).counts;
     setStatusMessage(QStringLiteral("Moved %1 of %2 windows.")
                          .arg(QString::number(result.movedCount), QString::number(result.attemptedCount)));
     refreshForMenuOpen();
@@ -29,7 +29,8 @@ void AppController::moveWindows(const DisplayAppGroup& group, const DisplaySnaps
         return;
     }
     const bool adjust = m_adjustWindowSizeToTargetScreen;
-    const WindowMoveResult result = WindowMover::moveWindows(source, destination, adjust, QSet<pid_t>{group.pid}, true);
+    const WindowMoveResult result =
+        WindowMover::moveWindows(source, destination, adjust, QSet<pid_t>{group.pid}, true).counts;
     setStatusMessage(QStringLiteral("Moved %1 of %2 %3 windows.")
                          .arg(QString::number(result.movedCount), QString::number(result.attemptedCount), group.name));
     refreshForMenuOpen();
@@ -53,7 +54,7 @@ void AppController::moveFocusedWindow(const QString& displayPersistentID) {
     }
     const bool adjust = m_adjustWindowSizeToTargetScreen;
     const WindowMoveResult result =
-        WindowMover::moveFocusedWindow(DisplaySnapshot::placeholder(*target), allDisplays, adjust);
+        WindowMover::moveFocusedWindow(DisplaySnapshot::placeholder(*target), allDisplays, adjust).counts;
 
     // The shortcut usually fires with the panel closed, so the panel is not refreshed here.
     if (result.attemptedCount == 0) {

@@ -4,20 +4,22 @@ namespace {
 
 class MoveAllWindows : public MoverTest {
 protected:
+    // Moves from m_source to m_destination and returns the counts; report() holds the rest.
     WindowMoveResult moveAll(bool adjust = false, const std::optional<QSet<pid_t>>& pids = std::nullopt,
                              bool reveal = false) {
-        WindowMoveResult result;
-        m_diagnostics =
-            diagnosticLines([&] { result = WindowMover::moveWindows(m_source, m_destination, adjust, pids, reveal); });
-        return result;
+        m_diagnostics = diagnosticLines(
+            [&] { m_report = WindowMover::moveWindows(m_source, m_destination, adjust, pids, reveal); });
+        return m_report.counts;
     }
     const QStringList& diagnostics() const { return m_diagnostics; }
+    const WindowMoveReport& report() const { return m_report; }
 
     DisplaySnapshot m_source = left;
     DisplaySnapshot m_destination = right;
 
 private:
     QStringList m_diagnostics;
+    WindowMoveReport m_report;
 };
 
 const QRectF kCentred(480, 270, 960, 540);  // centred on the left display, half its width and height

@@ -13,8 +13,13 @@ protected:
         platform.windowControl.setFocusedWindow(Reading<WindowId>{Result::Ok, 11});
     }
     WindowMoveResult moveTo(const DisplaySnapshot& target, bool adjust = false) {
-        return WindowMover::moveFocusedWindow(target, {left, right}, adjust);
+        m_report = WindowMover::moveFocusedWindow(target, {left, right}, adjust);
+        return m_report.counts;
     }
+    const WindowMoveReport& report() const { return m_report; }
+
+private:
+    WindowMoveReport m_report;
 };
 
 TEST_F(MoveFocusedWindow, NoFocusAndNoFrontmostApplicationGiveZeroZero) {
@@ -89,7 +94,7 @@ TEST_F(MoveFocusedWindow, WindowOutsideEveryDisplayTargetingFirstDisplayIsNotMov
 
 TEST_F(MoveFocusedWindow, NoDisplaysGiveZeroZero) {
     focus(kCentred);
-    EXPECT_EQ(WindowMover::moveFocusedWindow(right, {}, false), (WindowMoveResult{0, 0}));
+    EXPECT_EQ(WindowMover::moveFocusedWindow(right, {}, false).counts, (WindowMoveResult{0, 0}));
     EXPECT_TRUE(trace.contains(QStringLiteral(
         "moveFocusedWindow: unable to determine source display for frame=(480.0, 270.0, 960.0, 540.0)")));
 }
@@ -125,7 +130,7 @@ TEST_F(MoveFocusedWindow, PositionThatCannotBeMadeIntoAValueIsNotWritten) {
     focus(kCentred);
     DisplaySnapshot broken = right;
     broken.bounds = QRectF(1920, qQNaN(), 2560, 1440);
-    EXPECT_EQ(WindowMover::moveFocusedWindow(broken, {left, broken}, false), (WindowMoveResult{0, 1}));
+    EXPECT_EQ(WindowMover::moveFocusedWindow(broken, {left, broken}, false).counts, (WindowMoveResult{0, 1}));
     EXPECT_TRUE(platform.windowControl.requests().isEmpty());
 }
 
