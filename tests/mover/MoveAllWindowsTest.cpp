@@ -82,6 +82,17 @@ TEST_F(MoveAllWindows, RefusedSizeKeepsSizeAndIsCentredByActualSize) {
     EXPECT_EQ(record->frameAfter, QRectF(2720, 450, 960, 540));
 }
 
+TEST_F(MoveAllWindows, FailedSizeWriteIsRecordedAndTheWindowStillMoves) {
+    addWindow(100, 11, kCentred);
+    platform.windowControl.setChangeResult(11, FakeWindowControl::Change::Resize, Result::CannotComplete);
+    EXPECT_EQ(moveAll(true), (WindowMoveResult{1, 1}));
+    const WindowMoveRecord* record = report().window(11);
+    ASSERT_NE(record, nullptr);
+    EXPECT_EQ(record->outcome, WindowMoveOutcome::Moved);
+    EXPECT_EQ(record->writes, (WindowMoveWrites{Result::Ok, Result::CannotComplete, Result::Ok}));
+    EXPECT_EQ(record->frameAfter, QRectF(2720, 450, 960, 540));
+}
+
 TEST_F(MoveAllWindows, WindowListIsReadOncePerMove) {
     addWindow(100, 11, kCentred);
     const int queries = platform.windowList.queryCount();
