@@ -75,16 +75,25 @@ protected:
         }
         const QRectF bystanderBefore = frameFromTree(bystander);
 
-        const WindowMoveResult result =
-            WindowMover::moveWindows(source, target, adjustSize, std::nullopt, false).counts;
-        EXPECT_EQ(result, (WindowMoveResult{3, 3}));
+        const WindowMoveReport report = WindowMover::moveWindows(source, target, adjustSize, std::nullopt, false);
+        EXPECT_EQ(report.counts, (WindowMoveResult{3, 3}));
         for (int i = 0; i < windows.size(); ++i) {
             const QRectF expected = expectedFrame(before[i], source.bounds, target.bounds, adjustSize);
             const QRectF actual = frameFromTree(windows[i]);
             EXPECT_TRUE(near(actual, expected)) << "window " << i << " at " << describe(actual).toStdString()
                                                 << ", expected " << describe(expected).toStdString();
+            const WindowMoveRecord* record = report.window(windows[i]);
+            ASSERT_NE(record, nullptr) << "window " << i;
+            EXPECT_EQ(record->outcome, WindowMoveOutcome::Moved) << "window " << i;
+            EXPECT_EQ(record->pid, static_cast<pid_t>(client.pid()));
+            ASSERT_TRUE(record->frameAfter.has_value());
+            EXPECT_TRUE(near(*record->frameAfter, actual))
+                << "window " << i << " reported at " << describe(*record->frameAfter).toStdString();
         }
         EXPECT_EQ(frameFromTree(bystander), bystanderBefore);
+        const WindowMoveRecord* bystanderRecord = report.window(bystander);
+        ASSERT_NE(bystanderRecord, nullptr);
+        EXPECT_EQ(bystanderRecord->outcome, WindowMoveOutcome::NotOnSourceDisplay);
     }
 };
 
