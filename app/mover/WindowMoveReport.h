@@ -64,6 +64,9 @@ struct WindowMoveRecord {
 struct ApplicationSkip {
     pid_t pid = 0;
     ApplicationSkipReason reason = ApplicationSkipReason::NoWindows;
+    // With NoWindows, what the two window lists answered: Ok for an empty list, else the error.
+    std::optional<Result> visibleList;
+    std::optional<Result> includingMinimisedList;
 
     bool operator==(const ApplicationSkip&) const = default;
 };

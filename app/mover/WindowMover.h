@@ -20,6 +20,13 @@ struct WindowAttributeResult {
     QList<WindowId> windows;  // empty whenever the read failed
 };
 
+// An application's movable windows and what its two window lists answered.
+struct MovableWindows {
+    Result visibleList = Result::Ok;
+    Result includingMinimisedList = Result::Ok;
+    std::optional<QList<WindowId>> windows;  // nothing when neither list gave a window
+};
+
 // A window and its frame as read through the window control.
 struct FocusedWindowContext {
     WindowId window = 0;
@@ -76,7 +83,7 @@ WindowAttributeResult windows(pid_t application, WindowScope scope);
 // The application's movable windows: the visible list then the list with minimised windows merged
 // without repeats, filtered to the movable roles (unreadable roles pass); the merged list when the
 // filter leaves nothing; nothing when both lists are empty.
-std::optional<QList<WindowId>> movableWindows(pid_t application, const QString& appLabel);
+MovableWindows movableWindows(pid_t application, const QString& appLabel);
 // Appends the window unless it is already in the list.
 void appendUnique(WindowId window, QList<WindowId>& list);
 // The window's frame when it reads.

@@ -207,10 +207,12 @@ void moveApplicationWindows(const RunningApplication& application, const MoveCon
                             WindowMoveReport& report) {
     const pid_t pid = application.pid;
     const QString label = applicationLabel(application);
-    const std::optional<QList<WindowId>> windows = WindowMover::movableWindows(pid, label);
+    const MovableWindows movable = WindowMover::movableWindows(pid, label);
+    const std::optional<QList<WindowId>>& windows = movable.windows;
     if (!windows) {
         qCDebug(lcMover).noquote() << label + QStringLiteral(": no accessible windows returned");
-        report.skippedApplications.append({pid, ApplicationSkipReason::NoWindows});
+        report.skippedApplications.append(
+            {pid, ApplicationSkipReason::NoWindows, movable.visibleList, movable.includingMinimisedList});
         return;
     }
     const QSet<qint64> sourceSet = move.sourceIDs.value(pid);
