@@ -142,8 +142,9 @@ CommandResult CommandService::moveFocused(const QString& to, SizeMode size) cons
         return *error;
     }
     const DisplayDescriptor& destination = std::get<DisplayDescriptor>(target);
-    const WindowMoveResult moved = WindowMover::moveFocusedWindow(DisplaySnapshot::placeholder(destination),
-                                                                  placeholders(displays), adjusts(size));
+    const WindowMoveResult moved =
+        WindowMover::moveFocusedWindow(DisplaySnapshot::placeholder(destination), placeholders(displays), adjusts(size))
+            .counts;
     return CommandResult::moves(moved.movedCount, moved.attemptedCount,
                                 WindowMoveStatus::focusedWindow(moved, destination.name));
 }
@@ -162,9 +163,11 @@ CommandResult CommandService::moveAll(const QString& from, const QString& to, Si
     if (const auto* error = std::get_if<CommandResult>(&destination)) {
         return *error;
     }
-    const WindowMoveResult moved = WindowMover::moveWindows(
-        DisplaySnapshot::placeholder(std::get<DisplayDescriptor>(source)),
-        DisplaySnapshot::placeholder(std::get<DisplayDescriptor>(destination)), adjusts(size), std::nullopt, false);
+    const WindowMoveResult moved =
+        WindowMover::moveWindows(DisplaySnapshot::placeholder(std::get<DisplayDescriptor>(source)),
+                                 DisplaySnapshot::placeholder(std::get<DisplayDescriptor>(destination)), adjusts(size),
+                                 std::nullopt, false)
+            .counts;
     return CommandResult::moves(moved.movedCount, moved.attemptedCount, WindowMoveStatus::allWindows(moved));
 }
 
@@ -204,7 +207,8 @@ CommandResult CommandService::moveApplication(const QString& application, const 
         }
         const WindowMoveResult moved =
             WindowMover::moveWindows(DisplaySnapshot::placeholder(source), DisplaySnapshot::placeholder(destination),
-                                     adjusts(size), QSet<pid_t>{found->pid}, true);
+                                     adjusts(size), QSet<pid_t>{found->pid}, true)
+                .counts;
         total.movedCount += moved.movedCount;
         total.attemptedCount += moved.attemptedCount;
     }

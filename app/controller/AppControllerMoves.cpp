@@ -17,7 +17,7 @@ void AppController::moveWindows(const DisplaySnapshot& source, const DisplaySnap
         return;
     }
     const bool adjust = m_adjustWindowSizeToTargetScreen;
-    const WindowMoveResult result = WindowMover::moveWindows(source, destination, adjust, std::nullopt, false);
+    const WindowMoveResult result = WindowMover::moveWindows(source, destination, adjust, std::nullopt, false).counts;
     setStatusMessage(WindowMoveStatus::allWindows(result));
     refreshForMenuOpen();
 }
@@ -29,7 +29,8 @@ void AppController::moveWindows(const DisplayAppGroup& group, const DisplaySnaps
         return;
     }
     const bool adjust = m_adjustWindowSizeToTargetScreen;
-    const WindowMoveResult result = WindowMover::moveWindows(source, destination, adjust, QSet<pid_t>{group.pid}, true);
+    const WindowMoveResult result =
+        WindowMover::moveWindows(source, destination, adjust, QSet<pid_t>{group.pid}, true).counts;
     setStatusMessage(WindowMoveStatus::applicationWindows(result, group.name));
     refreshForMenuOpen();
 }
@@ -52,7 +53,7 @@ void AppController::moveFocusedWindow(const QString& displayPersistentID) {
     }
     const bool adjust = m_adjustWindowSizeToTargetScreen;
     const WindowMoveResult result =
-        WindowMover::moveFocusedWindow(DisplaySnapshot::placeholder(*target), allDisplays, adjust);
+        WindowMover::moveFocusedWindow(DisplaySnapshot::placeholder(*target), allDisplays, adjust).counts;
 
     // The shortcut usually fires with the panel closed, so the panel is not refreshed here.
     setStatusMessage(WindowMoveStatus::focusedWindow(result, target->name));

@@ -10,6 +10,7 @@
 #include <optional>
 
 #include "app/model/Models.h"
+#include "app/mover/WindowMoveReport.h"
 #include "platform/WindowControl.h"
 #include "platform/WindowList.h"
 
@@ -17,6 +18,13 @@
 struct WindowAttributeResult {
     Result result = Result::Ok;
     QList<WindowId> windows;  // empty whenever the read failed
+};
+
+// An application's movable windows and what its two window lists answered.
+struct MovableWindows {
+    Result visibleList = Result::Ok;
+    Result includingMinimisedList = Result::Ok;
+    std::optional<QList<WindowId>> windows;  // nothing when neither list gave a window
 };
 
 // A window and its frame as read through the window control.
@@ -75,7 +83,7 @@ WindowAttributeResult windows(pid_t application, WindowScope scope);
 // The application's movable windows: the visible list then the list with minimised windows merged
 // without repeats, filtered to the movable roles (unreadable roles pass); the merged list when the
 // filter leaves nothing; nothing when both lists are empty.
-std::optional<QList<WindowId>> movableWindows(pid_t application, const QString& appLabel);
+MovableWindows movableWindows(pid_t application, const QString& appLabel);
 // Appends the window unless it is already in the list.
 void appendUnique(WindowId window, QList<WindowId>& list);
 // The window's frame when it reads.
@@ -114,15 +122,17 @@ void moveDiagLog(const QString& message);
 
 // Moves every qualifying window on the source display to the destination display. targetPIDs limits
 // the move to those applications (nothing means all); revealMovedWindows un-hides and un-minimises
-// what was moved.
-WindowMoveResult moveWindows(const DisplaySnapshot& source, const DisplaySnapshot& destination,
+// what was moved. The report holds a record for every window of every application looked at.
+WindowMoveReport moveWindows(const DisplaySnapshot& source, const DisplaySnapshot& destination,
                              bool adjustSizeToDestination, const std::optional<QSet<pid_t>>& targetPIDs,
                              bool revealMovedWindows);
 
 // The window that has keyboard focus, whichever application owns it.
 std::optional<FocusedWindowContext> focusedWindowContext();
-// Moves the focused window to the target display: (0, 0) nothing found, (0, 1) not moved, (1, 1) moved.
-WindowMoveResult moveFocusedWindow(const DisplaySnapshot& target, const QList<DisplaySnapshot>& allDisplays,
+// Moves the focused window to the target display. Counts (0, 0): nothing found, or no display to
+// measure it by; (0, 1) not moved, or already on the target; (1, 1) moved. The report holds the
+// focused window's record when there is one.
+WindowMoveReport moveFocusedWindow(const DisplaySnapshot& target, const QList<DisplaySnapshot>& allDisplays,
                                    bool adjustSizeToDestination);
 
 }  // namespace WindowMover

@@ -50,7 +50,8 @@ struct MovePlan {
     bool centerLike = false;
 };
 
-bool moveKeepingSize(WindowId window, const MovePlan& plan) {
+// Fills the record's writes, target and frame after; the outcome is Moved or NotMoved.
+void moveKeepingSize(WindowId window, const MovePlan& plan, WindowMoveRecord& record) {
     const QSizeF size = plan.frame.size();
     const QPointF origin = WindowMover::destinationOrigin(plan.center, size, plan.destination);
     const Result positionError = WindowMover::setOrigin(window, origin);
@@ -70,10 +71,14 @@ bool moveKeepingSize(WindowId window, const MovePlan& plan) {
                                  .arg(plan.label, plan.windowID, boolean(plan.centerLike),
                                       WindowMoveLog::errorName(positionError), describe(origin), describe(post),
                                       centerText(postCenter)));
-    return moved;
+    record.outcome = moved ? WindowMoveOutcome::Moved : WindowMoveOutcome::NotMoved;
+    record.writes.position = positionError;
+    record.targetOrigin = origin;
+    record.targetSize = size;
+    record.frameAfter = post;
 }
 
-bool moveAdjustingSize(WindowId window, const MovePlan& plan) {
+void moveAdjustingSize(WindowId window, const MovePlan& plan, WindowMoveRecord& record) {
     const QSizeF targetSize = WindowMover::adjustedSize(plan.frame, plan.source, plan.destination);
     const QPointF desiredOrigin = WindowMover::destinationOrigin(plan.center, targetSize, plan.destination);
 
@@ -124,7 +129,11 @@ bool moveAdjustingSize(WindowId window, const MovePlan& plan) {
                  WindowMoveLog::errorName(sizeError), WindowMoveLog::errorName(finalError), describe(targetSize),
                  describe(actualSize), describe(desiredOrigin), describe(finalOrigin), describe(post),
                  centerText(postCenter)));
-    return moved;
+    record.outcome = moved ? WindowMoveOutcome::Moved : WindowMoveOutcome::NotMoved;
+    record.writes = {initialError, sizeError, finalError};
+    record.targetOrigin = finalOrigin;
+    record.targetSize = targetSize;
+    record.frameAfter = post;
 }
 
 QString applicationLabel(const RunningApplication& application) {
@@ -158,28 +167,53 @@ struct MoveContext {
 
 // A window's frame and where it came from: the window control, else the window list mirrored inside
 // the source.
-std::optional<std::pair<QRectF, QString>> windowFrame(const WindowBeforeMove& window, pid_t pid,
-                                                      const MoveContext& move) {
+std::optional<std::pair<QRectF, FrameSource>> windowFrame(const WindowBeforeMove& window, pid_t pid,
+                                                          const MoveContext& move) {
     if (const std::optional<QRectF> read = WindowMover::usableFrame(window.frame)) {
-        return std::pair{*read, QStringLiteral("AX")};
+        return std::pair{*read, FrameSource::WindowControl};
     }
     const auto found = move.frames.constFind(WindowMover::windowListKey(pid, window.window));
     if (found != move.frames.cend()) {
-        return std::pair{WindowMover::convertedWindowListFrame(*found, move.source),
-                         QStringLiteral("CGFallbackConverted")};
+        return std::pair{WindowMover::convertedWindowListFrame(*found, move.source), FrameSource::WindowList};
     }
     return std::nullopt;
 }
 
-// Moves the application's windows that are on the source display; returns its counts.
-WindowMoveResult moveApplicationWindows(const RunningApplication& application, const MoveContext& move,
-                                        bool revealMovedWindows) {
+// The name the diagnostic lines give a frame's source.
+QString frameSourceName(FrameSource source) {
+    return source == FrameSource::WindowControl ? QStringLiteral("AX") : QStringLiteral("CGFallbackConverted");
+}
+
+// Why the application is left alone as a whole, before its windows are read.
+std::optional<ApplicationSkipReason> skipReason(const RunningApplication& application,
+                                                const std::optional<QSet<pid_t>>& targetPIDs) {
+    if (application.policy != ApplicationPolicy::Regular) {
+        return ApplicationSkipReason::NotRegular;
+    }
+    if (application.terminated) {
+        return ApplicationSkipReason::Terminated;
+    }
+    if (application.pid < 1) {
+        return ApplicationSkipReason::InvalidPid;
+    }
+    if (targetPIDs && !targetPIDs->contains(application.pid)) {
+        return ApplicationSkipReason::NotTargeted;
+    }
+    return std::nullopt;
+}
+
+// Moves the application's windows that are on the source display, adding what it did to the report.
+void moveApplicationWindows(const RunningApplication& application, const MoveContext& move, bool revealMovedWindows,
+                            WindowMoveReport& report) {
     const pid_t pid = application.pid;
     const QString label = applicationLabel(application);
-    const std::optional<QList<WindowId>> windows = WindowMover::movableWindows(pid, label);
+    const MovableWindows movable = WindowMover::movableWindows(pid, label);
+    const std::optional<QList<WindowId>>& windows = movable.windows;
     if (!windows) {
         qCDebug(lcMover).noquote() << label + QStringLiteral(": no accessible windows returned");
-        return {};
+        report.skippedApplications.append(
+            {pid, ApplicationSkipReason::NoWindows, movable.visibleList, movable.includingMinimisedList});
+        return;
     }
     const QSet<qint64> sourceSet = move.sourceIDs.value(pid);
     qCDebug(lcMover).noquote() << QStringLiteral("%1: mergedAXWindows=%2, sourceWindowIDs=%3")
@@ -190,21 +224,29 @@ WindowMoveResult moveApplicationWindows(const RunningApplication& application, c
     QList<WindowId> moved;
     for (const WindowBeforeMove& window : readFrames(*windows)) {
         const QString windowIDText = QString::number(window.window);
+        WindowMoveRecord& record = report.windows.emplace_back();
+        record.pid = pid;
+        record.window = window.window;
         const auto frameAndSource = windowFrame(window, pid, move);
         if (!frameAndSource) {
             qCDebug(lcMover).noquote()
                 << QStringLiteral("%1: skip window without frame, windowID=%2").arg(label, windowIDText);
+            record.outcome = WindowMoveOutcome::SkippedWithoutFrame;
             continue;
         }
         const auto& [frame, frameSource] = *frameAndSource;
+        record.frameSource = frameSource;
+        record.frameBefore = frame;
 
         const bool listedOnSource = sourceSet.contains(window.window);
         if (!listedOnSource && !Geometry::intersects(frame, S)) {
+            record.outcome = WindowMoveOutcome::NotOnSourceDisplay;
             continue;
         }
         ++counts.attemptedCount;
         if (!(S.width() > 0 && S.height() > 0)) {
             qCDebug(lcMover).noquote() << label + QStringLiteral(": invalid source bounds, skipping resize/move");
+            record.outcome = WindowMoveOutcome::SkippedInvalidSourceBounds;
             continue;
         }
 
@@ -214,13 +256,16 @@ WindowMoveResult moveApplicationWindows(const RunningApplication& application, c
         WindowMover::moveDiagLog(
             QStringLiteral("START app=%1, windowID=%2, frameSource=%3, centerLike=%4, adjustSize=%5, frame=%6, "
                            "normalizedCenter=%7, normalizedRect=(%8,%9,%10,%11)")
-                .arg(label, windowIDText, frameSource, boolean(plan.centerLike), boolean(move.adjustSize),
-                     describe(frame), centerText(center), fraction(n.x), fraction(n.y), fraction(n.width),
-                     fraction(n.height)));
+                .arg(label, windowIDText, frameSourceName(frameSource), boolean(plan.centerLike),
+                     boolean(move.adjustSize), describe(frame), centerText(center), fraction(n.x), fraction(n.y),
+                     fraction(n.width), fraction(n.height)));
 
-        const bool windowMoved =
-            move.adjustSize ? moveAdjustingSize(window.window, plan) : moveKeepingSize(window.window, plan);
-        if (windowMoved) {
+        if (move.adjustSize) {
+            moveAdjustingSize(window.window, plan, record);
+        } else {
+            moveKeepingSize(window.window, plan, record);
+        }
+        if (record.outcome == WindowMoveOutcome::Moved) {
             ++counts.movedCount;
             moved.append(window.window);
         }
@@ -233,12 +278,13 @@ WindowMoveResult moveApplicationWindows(const RunningApplication& application, c
     if (revealMovedWindows && !moved.isEmpty()) {
         WindowMover::revealMovedWindowsForApplication(moved, pid, label);
     }
-    return counts;
+    report.counts.movedCount += counts.movedCount;
+    report.counts.attemptedCount += counts.attemptedCount;
 }
 
 }  // namespace
 
-WindowMoveResult WindowMover::moveWindows(const DisplaySnapshot& source, const DisplaySnapshot& destination,
+WindowMoveReport WindowMover::moveWindows(const DisplaySnapshot& source, const DisplaySnapshot& destination,
                                           bool adjustSizeToDestination, const std::optional<QSet<pid_t>>& targetPIDs,
                                           bool revealMovedWindows) {
     // Both look-ups read one copy of the window list: listing is the costly part with many windows.
@@ -263,19 +309,17 @@ WindowMoveResult WindowMover::moveWindows(const DisplaySnapshot& source, const D
                     .arg(displayLabel(source), describe(move.source), displayLabel(destination),
                          describe(move.destination), targetPIDList(targetPIDs)));
 
-    WindowMoveResult total;
+    WindowMoveReport report;
     for (const RunningApplication& application : Platform::services().runningApplications->runningApplications()) {
-        const pid_t pid = application.pid;
-        if (application.policy != ApplicationPolicy::Regular || application.terminated || pid < 1 ||
-            (targetPIDs && !targetPIDs->contains(pid))) {
+        if (const std::optional<ApplicationSkipReason> reason = skipReason(application, targetPIDs)) {
+            report.skippedApplications.append({application.pid, *reason});
             continue;
         }
-        const WindowMoveResult counts = moveApplicationWindows(application, move, revealMovedWindows);
-        total.movedCount += counts.movedCount;
-        total.attemptedCount += counts.attemptedCount;
+        moveApplicationWindows(application, move, revealMovedWindows, report);
     }
 
     qCDebug(lcMover).noquote() << QStringLiteral("moveAllWindows done: attempted=%1, moved=%2")
-                                      .arg(QString::number(total.attemptedCount), QString::number(total.movedCount));
-    return total;
+                                      .arg(QString::number(report.counts.attemptedCount),
+                                           QString::number(report.counts.movedCount));
+    return report;
 }

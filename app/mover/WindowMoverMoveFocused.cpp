@@ -30,23 +30,32 @@ std::optional<FocusedWindowContext> WindowMover::focusedWindowContext() {
     return std::nullopt;
 }
 
-WindowMoveResult WindowMover::moveFocusedWindow(const DisplaySnapshot& target,
+WindowMoveReport WindowMover::moveFocusedWindow(const DisplaySnapshot& target,
                                                 const QList<DisplaySnapshot>& allDisplays,
                                                 bool adjustSizeToDestination) {
+    WindowMoveReport report;
     const std::optional<FocusedWindowContext> context = focusedWindowContext();
     if (!context) {
-        return {0, 0};
+        return report;
     }
+    WindowMoveRecord& record = report.windows.emplace_back();
+    record.window = context->window;
+    record.frameSource = FrameSource::WindowControl;
+    record.frameBefore = context->frame;
+
     const std::optional<DisplaySnapshot> source = bestSourceDisplay(context->frame, allDisplays);
     if (!source) {
         qCDebug(lcMover).noquote() << QStringLiteral(
                                           "moveFocusedWindow: unable to determine source display for frame=") +
                                           WindowMoveLog::describe(context->frame);
-        return {0, 0};
+        record.outcome = WindowMoveOutcome::NoSourceDisplay;
+        return report;
     }
+    report.counts.attemptedCount = 1;
     // A window already on the target display is reported as not moved.
     if (source->id == target.id) {
-        return {0, 1};
+        record.outcome = WindowMoveOutcome::AlreadyOnTargetDisplay;
+        return report;
     }
 
     const QRectF S = source->bounds;
@@ -56,16 +65,26 @@ WindowMoveResult WindowMover::moveFocusedWindow(const DisplaySnapshot& target,
     const QPointF center = normalizedCenter(frame, S);
     const QSizeF wanted = adjustSizeToDestination ? adjustedSize(frame, S, T) : frame.size();
     const QPointF origin = destinationOrigin(center, wanted, T);
+    record.targetSize = wanted;
 
+    Result decidingWrite = Result::Failure;
     if (!adjustSizeToDestination) {
-        return {setOrigin(window, origin) == Result::Ok ? 1 : 0, 1};
+        decidingWrite = setOrigin(window, origin);
+        record.writes.position = decidingWrite;
+        record.targetOrigin = origin;
+    } else {
+        // The first two writes only prepare; the final position write decides.
+        record.writes.position = setOrigin(window, origin);
+        record.writes.size = setSize(window, wanted);
+        const std::optional<QRectF> read = usableFrame(WindowMover::frame(window));
+        const QSizeF actualSize = read ? read->size() : wanted;
+        const QPointF finalOrigin = destinationOrigin(center, actualSize, T);
+        decidingWrite = setOrigin(window, finalOrigin);
+        record.writes.finalPosition = decidingWrite;
+        record.targetOrigin = finalOrigin;
     }
-
-    // The first two writes only prepare; the final position write decides.
-    setOrigin(window, origin);
-    setSize(window, wanted);
-    const std::optional<QRectF> read = usableFrame(WindowMover::frame(window));
-    const QSizeF actualSize = read ? read->size() : wanted;
-    const QPointF finalOrigin = destinationOrigin(center, actualSize, T);
-    return {setOrigin(window, finalOrigin) == Result::Ok ? 1 : 0, 1};
+    const bool moved = decidingWrite == Result::Ok;
+    record.outcome = moved ? WindowMoveOutcome::Moved : WindowMoveOutcome::NotMoved;
+    report.counts.movedCount = moved ? 1 : 0;
+    return report;
 }

@@ -32,7 +32,7 @@ void WindowMover::appendUnique(WindowId window, QList<WindowId>& list) {
     }
 }
 
-std::optional<QList<WindowId>> WindowMover::movableWindows(pid_t application, const QString& appLabel) {
+MovableWindows WindowMover::movableWindows(pid_t application, const QString& appLabel) {
     const WindowAttributeResult primary = windows(application, WindowScope::Visible);
     if (primary.result != Result::Ok) {
         qCDebug(lcMover).noquote() << appLabel + QStringLiteral(": AXWindows error=") + errorName(primary.result);
@@ -60,19 +60,19 @@ std::optional<QList<WindowId>> WindowMover::movableWindows(pid_t application, co
         }
     }
     if (!filtered.isEmpty()) {
-        return filtered;
+        return {primary.result, all.result, filtered};
     }
     if (merged.isEmpty()) {
         qCDebug(lcMover).noquote() << QStringLiteral("%1: no movable windows after filtering (primary=%2, all=%3)")
                                           .arg(appLabel, QString::number(primary.windows.size()),
                                                QString::number(all.windows.size()));
-        return std::nullopt;
+        return {primary.result, all.result, std::nullopt};
     }
     qCDebug(lcMover).noquote() << QStringLiteral(
                                       "%1: no movable windows by role filter, (primary=%2, all=%3, merged=%4)")
                                       .arg(appLabel, QString::number(primary.windows.size()),
                                            QString::number(all.windows.size()), QString::number(merged.size()));
-    return merged;
+    return {primary.result, all.result, merged};
 }
 
 std::optional<QRectF> WindowMover::frame(WindowId window) {

@@ -4,20 +4,22 @@ namespace {
 
 class MoveAllWindows : public MoverTest {
 protected:
+    // Moves from m_source to m_destination and returns the counts; report() holds the rest.
     WindowMoveResult moveAll(bool adjust = false, const std::optional<QSet<pid_t>>& pids = std::nullopt,
                              bool reveal = false) {
-        WindowMoveResult result;
-        m_diagnostics =
-            diagnosticLines([&] { result = WindowMover::moveWindows(m_source, m_destination, adjust, pids, reveal); });
-        return result;
+        m_diagnostics = diagnosticLines(
+            [&] { m_report = WindowMover::moveWindows(m_source, m_destination, adjust, pids, reveal); });
+        return m_report.counts;
     }
     const QStringList& diagnostics() const { return m_diagnostics; }
+    const WindowMoveReport& report() const { return m_report; }
 
     DisplaySnapshot m_source = left;
     DisplaySnapshot m_destination = right;
 
 private:
     QStringList m_diagnostics;
+    WindowMoveReport m_report;
 };
 
 const QRectF kCentred(480, 270, 960, 540);  // centred on the left display, half its width and height
@@ -29,28 +31,21 @@ TEST_F(MoveAllWindows, KeepSizeMovesWindowToSameRelativeCentre) {
     EXPECT_TRUE(platform.windowControl.requests(11, FakeWindowControl::Change::Resize).isEmpty());
 }
 
-TEST_F(MoveAllWindows, DiagnosticLinesHaveTheirExactForm) {
+TEST_F(MoveAllWindows, ReportRecordsAMovedWindowWithItsFramesAndTheOneWrite) {
     addWindow(100, 11, kCentred);
     moveAll();
-    ASSERT_EQ(diagnostics().size(), 3) << diagnostics().join(QLatin1Char('\n')).toStdString();
-    EXPECT_EQ(diagnostics()[0],
-              QStringLiteral("[WindowMoveDiag] BEGIN source=Left#1 sourceAX=(0.0, 0.0, 1920.0, 1080.0) "
-                             "sourceCG=(0.0, 0.0, 1920.0, 1080.0) destination=Right#2 "
-                             "destAX=(1920.0, 0.0, 2560.0, 1440.0) destCG=(1920.0, 0.0, 2560.0, 1440.0) "
-                             "targetPIDs=all"));
-    EXPECT_EQ(diagnostics()[1],
-              QStringLiteral("[WindowMoveDiag] START app=Editor [pid:100], windowID=11, frameSource=AX, "
-                             "centerLike=true, adjustSize=false, frame=(480.0, 270.0, 960.0, 540.0), "
-                             "normalizedCenter=(0.5000,0.5000), normalizedRect=(0.2500,0.2500,0.5000,0.5000)"));
-    EXPECT_EQ(diagnostics()[2],
-              QStringLiteral("[WindowMoveDiag] RESULT app=Editor [pid:100], windowID=11, centerLike=true, "
-                             "keepSize=true, posErr=success, targetOrigin=(2720.0, 450.0), "
-                             "postFrame=(2720.0, 450.0, 960.0, 540.0), postNormalizedCenter=(0.5000,0.5000)"));
-    EXPECT_TRUE(trace.contains(
-        QStringLiteral("moveAllWindows start: source=Left#1 -> destination=Right#2, sourceWindowIDsAcrossApps=1")));
-    EXPECT_TRUE(trace.contains(QStringLiteral("Editor [pid:100]: mergedAXWindows=1, sourceWindowIDs=1")));
-    EXPECT_TRUE(trace.contains(QStringLiteral("Editor [pid:100]: attempted=1, moved=1")));
-    EXPECT_TRUE(trace.contains(QStringLiteral("moveAllWindows done: attempted=1, moved=1")));
+    ASSERT_EQ(report().windows.size(), 1);
+    const WindowMoveRecord& record = report().windows[0];
+    EXPECT_EQ(record.pid, 100);
+    EXPECT_EQ(record.window, 11);
+    EXPECT_EQ(record.outcome, WindowMoveOutcome::Moved);
+    EXPECT_EQ(record.frameSource, FrameSource::WindowControl);
+    EXPECT_EQ(record.frameBefore, kCentred);
+    EXPECT_EQ(record.targetOrigin, QPointF(2720, 450));
+    EXPECT_EQ(record.targetSize, QSizeF(960, 540));
+    EXPECT_EQ(record.frameAfter, QRectF(2720, 450, 960, 540));
+    EXPECT_EQ(record.writes, (WindowMoveWrites{Result::Ok, std::nullopt, std::nullopt}));
+    EXPECT_TRUE(report().skippedApplications.isEmpty());
 }
 
 TEST_F(MoveAllWindows, AdjustSizeKeepsShareOfDisplayWithThreeWrites) {
@@ -63,13 +58,13 @@ TEST_F(MoveAllWindows, AdjustSizeKeepsShareOfDisplayWithThreeWrites) {
     EXPECT_EQ(writes[1].change, FakeWindowControl::Change::Resize);
     EXPECT_EQ(writes[1].size, QSizeF(1280, 720));
     EXPECT_EQ(writes[2].change, FakeWindowControl::Change::Move);
-    ASSERT_EQ(diagnostics().size(), 3);
-    EXPECT_EQ(diagnostics()[2],
-              QStringLiteral("[WindowMoveDiag] RESULT app=Editor [pid:100], windowID=11, centerLike=true, "
-                             "initialPosErr=success, sizeErr=success, finalPosErr=success, "
-                             "targetSize=(1280.0, 720.0), actualSize=(1280.0, 720.0), desiredOrigin=(2560.0, 360.0), "
-                             "finalOrigin=(2560.0, 360.0), postFrame=(2560.0, 360.0, 1280.0, 720.0), "
-                             "postNormalizedCenter=(0.5000,0.5000)"));
+    const WindowMoveRecord* record = report().window(11);
+    ASSERT_NE(record, nullptr);
+    EXPECT_EQ(record->outcome, WindowMoveOutcome::Moved);
+    EXPECT_EQ(record->writes, (WindowMoveWrites{Result::Ok, Result::Ok, Result::Ok}));
+    EXPECT_EQ(record->targetSize, QSizeF(1280, 720));
+    EXPECT_EQ(record->targetOrigin, QPointF(2560, 360));
+    EXPECT_EQ(record->frameAfter, QRectF(2560, 360, 1280, 720));
 }
 
 TEST_F(MoveAllWindows, RefusedSizeKeepsSizeAndIsCentredByActualSize) {
@@ -77,7 +72,25 @@ TEST_F(MoveAllWindows, RefusedSizeKeepsSizeAndIsCentredByActualSize) {
     platform.windowControl.ignoreChanges(11, FakeWindowControl::Change::Resize);
     EXPECT_EQ(moveAll(true), (WindowMoveResult{1, 1}));
     EXPECT_EQ(platform.windowControl.currentFrame(11), QRectF(2720, 450, 960, 540));
-    EXPECT_TRUE(trace.hasLineStartingWith(QStringLiteral("Editor [pid:100]: resize status windowID=11, ")));
+    // The size write reported success, but the window kept its size and was placed by it.
+    const WindowMoveRecord* record = report().window(11);
+    ASSERT_NE(record, nullptr);
+    EXPECT_EQ(record->outcome, WindowMoveOutcome::Moved);
+    EXPECT_EQ(record->writes, (WindowMoveWrites{Result::Ok, Result::Ok, Result::Ok}));
+    EXPECT_EQ(record->targetSize, QSizeF(1280, 720));
+    EXPECT_EQ(record->targetOrigin, QPointF(2720, 450));
+    EXPECT_EQ(record->frameAfter, QRectF(2720, 450, 960, 540));
+}
+
+TEST_F(MoveAllWindows, FailedSizeWriteIsRecordedAndTheWindowStillMoves) {
+    addWindow(100, 11, kCentred);
+    platform.windowControl.setChangeResult(11, FakeWindowControl::Change::Resize, Result::CannotComplete);
+    EXPECT_EQ(moveAll(true), (WindowMoveResult{1, 1}));
+    const WindowMoveRecord* record = report().window(11);
+    ASSERT_NE(record, nullptr);
+    EXPECT_EQ(record->outcome, WindowMoveOutcome::Moved);
+    EXPECT_EQ(record->writes, (WindowMoveWrites{Result::Ok, Result::CannotComplete, Result::Ok}));
+    EXPECT_EQ(record->frameAfter, QRectF(2720, 450, 960, 540));
 }
 
 TEST_F(MoveAllWindows, WindowListIsReadOncePerMove) {
@@ -105,8 +118,11 @@ TEST_F(MoveAllWindows, WindowOutsideTheSourceListOverlappingSourceByOnePointIsAt
     platform.runningApplications.addApplication(100, QStringLiteral("Editor"));
     platform.windowControl.addWindow(100, {.id = 11, .frame = QRectF(1919, 100, 800, 600)});
     EXPECT_EQ(moveAll(), (WindowMoveResult{1, 1}));
-    ASSERT_EQ(diagnostics().size(), 3);
-    EXPECT_TRUE(diagnostics()[1].contains(QStringLiteral("windowID=11, frameSource=AX")));
+    const WindowMoveRecord* record = report().window(11);
+    ASSERT_NE(record, nullptr);
+    EXPECT_EQ(record->outcome, WindowMoveOutcome::Moved);
+    EXPECT_EQ(record->frameSource, FrameSource::WindowControl);
+    EXPECT_EQ(record->frameBefore, QRectF(1919, 100, 800, 600));
 }
 
 TEST_F(MoveAllWindows, WindowOutsideTheSourceListTouchingSourceEdgeIsNotCounted) {
@@ -114,18 +130,47 @@ TEST_F(MoveAllWindows, WindowOutsideTheSourceListTouchingSourceEdgeIsNotCounted)
     platform.windowControl.addWindow(100, {.id = 11, .frame = QRectF(1920, 100, 800, 600)});
     EXPECT_EQ(moveAll(), (WindowMoveResult{0, 0}));
     EXPECT_TRUE(platform.windowControl.requests().isEmpty());
+    const WindowMoveRecord* record = report().window(11);
+    ASSERT_NE(record, nullptr);
+    EXPECT_EQ(record->outcome, WindowMoveOutcome::NotOnSourceDisplay);
+    EXPECT_EQ(record->frameBefore, QRectF(1920, 100, 800, 600));
+    EXPECT_EQ(record->writes, WindowMoveWrites{});
 }
 
 TEST_F(MoveAllWindows, WindowInSourceWindowListIsAttemptedEvenWhenAccessibilityFrameIsElsewhere) {
     addWindow(100, 11, QRectF(100, 100, 800, 600));
     platform.windowControl.setFrame(11, QRectF(2500, 100, 800, 600));
     EXPECT_EQ(moveAll(), (WindowMoveResult{1, 1}));
+    const WindowMoveRecord* record = report().window(11);
+    ASSERT_NE(record, nullptr);
+    EXPECT_EQ(record->outcome, WindowMoveOutcome::Moved);
+    EXPECT_EQ(record->frameBefore, QRectF(2500, 100, 800, 600));
 }
 
 TEST_F(MoveAllWindows, WindowOnAnotherDisplayIsNeitherAttemptedNorMoved) {
     addWindow(100, 11, QRectF(2500, 100, 800, 600));
     EXPECT_EQ(moveAll(), (WindowMoveResult{0, 0}));
     EXPECT_TRUE(platform.windowControl.requests().isEmpty());
+    const WindowMoveRecord* record = report().window(11);
+    ASSERT_NE(record, nullptr);
+    EXPECT_EQ(record->outcome, WindowMoveOutcome::NotOnSourceDisplay);
+    EXPECT_FALSE(record->frameAfter.has_value());
+}
+
+TEST_F(MoveAllWindows, ReportKeepsEveryWindowOfAnApplicationInTheOrderLookedAt) {
+    addWindow(100, 11, kCentred);
+    addWindow(100, 12, QRectF(2500, 100, 800, 600));
+    addWindow(100, 13, QRectF(100, 100, 400, 300));
+    platform.windowControl.setChangeResult(13, FakeWindowControl::Change::Move, Result::Gone);
+    EXPECT_EQ(moveAll(), (WindowMoveResult{1, 2}));
+    ASSERT_EQ(report().windows.size(), 3);
+    EXPECT_EQ(report().windows[0].window, 11);
+    EXPECT_EQ(report().windows[0].outcome, WindowMoveOutcome::Moved);
+    EXPECT_EQ(report().windows[1].window, 12);
+    EXPECT_EQ(report().windows[1].outcome, WindowMoveOutcome::NotOnSourceDisplay);
+    EXPECT_EQ(report().windows[2].window, 13);
+    EXPECT_EQ(report().windows[2].outcome, WindowMoveOutcome::NotMoved);
+    EXPECT_EQ(report().windows[2].writes.position, Result::Gone);
 }
 
 TEST_F(MoveAllWindows, WindowOnlyInFullListIsMovedThenUnminimised) {
@@ -154,14 +199,16 @@ TEST_F(MoveAllWindows, NothingIsRevealedWithoutTheRevealFlagOrWithoutAMovedWindo
     platform.windowControl.setFrame(11, kCentred);
     EXPECT_EQ(moveAll(false, std::nullopt, true), (WindowMoveResult{0, 1}));
     EXPECT_TRUE(platform.windowControl.requests(100, FakeWindowControl::Change::Unhide).isEmpty());
+    ASSERT_NE(report().window(11), nullptr);
+    EXPECT_EQ(report().window(11)->outcome, WindowMoveOutcome::NotMoved);
 }
 
 TEST_F(MoveAllWindows, EmptyTargetSetMovesNothing) {
     addWindow(100, 11, kCentred);
     EXPECT_EQ(moveAll(false, QSet<pid_t>{}), (WindowMoveResult{0, 0}));
     EXPECT_TRUE(platform.windowControl.requests().isEmpty());
-    ASSERT_EQ(diagnostics().size(), 1);
-    EXPECT_TRUE(diagnostics()[0].endsWith(QStringLiteral(" targetPIDs=")));
+    EXPECT_TRUE(report().windows.isEmpty());
+    EXPECT_EQ(report().skippedApplications, (QList<ApplicationSkip>{{100, ApplicationSkipReason::NotTargeted}}));
 }
 
 TEST_F(MoveAllWindows, TargetSetLimitsMoveToThoseApplications) {
@@ -170,7 +217,10 @@ TEST_F(MoveAllWindows, TargetSetLimitsMoveToThoseApplications) {
     EXPECT_EQ(moveAll(false, QSet<pid_t>{200}), (WindowMoveResult{1, 1}));
     EXPECT_TRUE(platform.windowControl.requests(11, FakeWindowControl::Change::Move).isEmpty());
     EXPECT_EQ(platform.windowControl.requests(21, FakeWindowControl::Change::Move).size(), 1);
-    EXPECT_TRUE(diagnostics()[0].endsWith(QStringLiteral(" targetPIDs=200")));
+    EXPECT_EQ(report().skippedApplications, (QList<ApplicationSkip>{{100, ApplicationSkipReason::NotTargeted}}));
+    EXPECT_EQ(report().window(11), nullptr);
+    ASSERT_NE(report().window(21), nullptr);
+    EXPECT_EQ(report().window(21)->pid, 200);
 }
 
 TEST_F(MoveAllWindows, OnlyRegularRunningApplicationsWithValidPidAreMoved) {
@@ -181,6 +231,20 @@ TEST_F(MoveAllWindows, OnlyRegularRunningApplicationsWithValidPidAreMoved) {
     addWindow(0, 31, kCentred);
     EXPECT_EQ(moveAll(), (WindowMoveResult{0, 0}));
     EXPECT_TRUE(platform.windowControl.requests().isEmpty());
+    EXPECT_TRUE(report().windows.isEmpty());
+    EXPECT_EQ(report().skippedApplications, (QList<ApplicationSkip>{{100, ApplicationSkipReason::NotRegular},
+                                                                    {200, ApplicationSkipReason::Terminated},
+                                                                    {0, ApplicationSkipReason::InvalidPid}}));
+}
+
+TEST_F(MoveAllWindows, ApplicationLeftAloneForSeveralReasonsIsReportedByTheFirstChecked) {
+    addWindow(100, 11, kCentred);
+    platform.runningApplications.applications[0].terminated = true;
+    moveAll(false, QSet<pid_t>{200});
+    EXPECT_EQ(report().skipReason(100), ApplicationSkipReason::Terminated);
+    platform.runningApplications.applications[0].policy = ApplicationPolicy::Prohibited;
+    moveAll(false, QSet<pid_t>{200});
+    EXPECT_EQ(report().skipReason(100), ApplicationSkipReason::NotRegular);
 }
 
 TEST_F(MoveAllWindows, ApplicationsAreVisitedInRunningApplicationsOrder) {
@@ -193,19 +257,14 @@ TEST_F(MoveAllWindows, ApplicationsAreVisitedInRunningApplicationsOrder) {
     EXPECT_EQ(writes[1].target, 11);
 }
 
-TEST_F(MoveAllWindows, ApplicationWithoutNameIsLabelledUnknownApp) {
-    platform.runningApplications.addApplication(100, std::nullopt);
-    addWindow(100, 11, kCentred);
-    moveAll();
-    ASSERT_EQ(diagnostics().size(), 3);
-    EXPECT_TRUE(diagnostics()[1].startsWith(QStringLiteral("[WindowMoveDiag] START app=Unknown App [pid:100], ")));
-}
-
 TEST_F(MoveAllWindows, ApplicationWithoutAccessibleWindowsIsSkipped) {
     platform.runningApplications.addApplication(100, QStringLiteral("Editor"));
     platform.windowList.setWindows({{.id = 11, .pid = 100, .frame = kCentred}});
     EXPECT_EQ(moveAll(), (WindowMoveResult{0, 0}));
-    EXPECT_TRUE(trace.contains(QStringLiteral("Editor [pid:100]: no accessible windows returned")));
+    EXPECT_TRUE(report().windows.isEmpty());
+    // The window list knows the window, but the window control lists none.
+    EXPECT_EQ(report().skippedApplications,
+              (QList<ApplicationSkip>{{100, ApplicationSkipReason::NoWindows, Result::NoValue, Result::NoValue}}));
 }
 
 TEST_F(MoveAllWindows, WithoutAccessibilityTrustNothingIsMoved) {
@@ -213,25 +272,31 @@ TEST_F(MoveAllWindows, WithoutAccessibilityTrustNothingIsMoved) {
     platform.windowControl.setWindowsError(100, WindowScope::Visible, Result::NotPermitted);
     platform.windowControl.setWindowsError(100, WindowScope::IncludingMinimised, Result::NotPermitted);
     EXPECT_EQ(moveAll(), (WindowMoveResult{0, 0}));
+    EXPECT_TRUE(platform.windowControl.requests().isEmpty());
+    EXPECT_EQ(
+        report().skippedApplications,
+        (QList<ApplicationSkip>{{100, ApplicationSkipReason::NoWindows, Result::NotPermitted, Result::NotPermitted}}));
 }
 
 TEST_F(MoveAllWindows, FrameFromWindowListIsUsedMirroredWhenAccessibilityHasNone) {
     addWindow(100, 11, QRectF(100, 50, 400, 100));
     platform.windowControl.setFrameError(11, Result::CannotComplete);
     EXPECT_EQ(moveAll(), (WindowMoveResult{1, 1}));
-    ASSERT_EQ(diagnostics().size(), 3);
-    EXPECT_TRUE(
-        diagnostics()[1].contains(QStringLiteral("frameSource=CGFallbackConverted, centerLike=false, adjustSize=false, "
-                                                 "frame=(100.0, 930.0, 400.0, 100.0)")))
-        << diagnostics()[1].toStdString();
+    const WindowMoveRecord* record = report().window(11);
+    ASSERT_NE(record, nullptr);
+    EXPECT_EQ(record->frameSource, FrameSource::WindowList);
+    EXPECT_EQ(record->frameBefore, QRectF(100, 930, 400, 100));
+    EXPECT_EQ(record->outcome, WindowMoveOutcome::Moved);
 }
 
 TEST_F(MoveAllWindows, OnePointAccessibilityFrameFallsBackToWindowList) {
     addWindow(100, 11, QRectF(100, 50, 400, 100));
     platform.windowControl.setFrame(11, QRectF(100, 50, 1, 100));
     moveAll();
-    ASSERT_EQ(diagnostics().size(), 3);
-    EXPECT_TRUE(diagnostics()[1].contains(QStringLiteral("frameSource=CGFallbackConverted")));
+    const WindowMoveRecord* record = report().window(11);
+    ASSERT_NE(record, nullptr);
+    EXPECT_EQ(record->frameSource, FrameSource::WindowList);
+    EXPECT_EQ(record->frameBefore, QRectF(100, 930, 400, 100));
 }
 
 TEST_F(MoveAllWindows, WindowWithoutAnyFrameIsSkippedAndNotCounted) {
@@ -239,19 +304,44 @@ TEST_F(MoveAllWindows, WindowWithoutAnyFrameIsSkippedAndNotCounted) {
     platform.windowControl.addWindow(100, {.id = 11, .frame = kCentred});  // not in the window list
     platform.windowControl.setFrameError(11, Result::NoValue);
     EXPECT_EQ(moveAll(), (WindowMoveResult{0, 0}));
-    EXPECT_TRUE(trace.contains(QStringLiteral("Editor [pid:100]: skip window without frame, windowID=11")));
+    EXPECT_TRUE(platform.windowControl.requests().isEmpty());
+    const WindowMoveRecord* record = report().window(11);
+    ASSERT_NE(record, nullptr);
+    EXPECT_EQ(record->outcome, WindowMoveOutcome::SkippedWithoutFrame);
+    EXPECT_FALSE(record->frameSource.has_value());
+    EXPECT_FALSE(record->frameBefore.has_value());
+}
+
+TEST_F(MoveAllWindows, WindowWithoutFrameIsSkippedWhateverTheDisplays) {
+    platform.runningApplications.addApplication(100, QStringLiteral("Editor"));
+    platform.windowControl.addWindow(100, {.id = 11, .frame = kCentred});
+    platform.windowControl.setFrameError(11, Result::Gone);
+    m_source.bounds = QRectF(0, 0, 0, 0);
+    moveAll();
+    ASSERT_NE(report().window(11), nullptr);
+    EXPECT_EQ(report().window(11)->outcome, WindowMoveOutcome::SkippedWithoutFrame);
 }
 
 TEST_F(MoveAllWindows, FailedPositionWriteCountsAsAttemptedNotMoved) {
     addWindow(100, 11, kCentred);
     platform.windowControl.setChangeResult(11, FakeWindowControl::Change::Move, Result::CannotComplete);
     EXPECT_EQ(moveAll(), (WindowMoveResult{0, 1}));
-    EXPECT_TRUE(trace.hasLineStartingWith(
-        QStringLiteral("Editor [pid:100]: failed setPosition (keep size) windowID=11, error=cannotComplete, ")));
-    ASSERT_EQ(diagnostics().size(), 3);
-    EXPECT_TRUE(
-        diagnostics()[2].contains(QStringLiteral("posErr=cannotComplete, targetOrigin=(2720.0, 450.0), "
-                                                 "postFrame=(480.0, 270.0, 960.0, 540.0)")));
+    const WindowMoveRecord* record = report().window(11);
+    ASSERT_NE(record, nullptr);
+    EXPECT_EQ(record->outcome, WindowMoveOutcome::NotMoved);
+    EXPECT_EQ(record->writes, (WindowMoveWrites{Result::CannotComplete, std::nullopt, std::nullopt}));
+    EXPECT_EQ(record->targetOrigin, QPointF(2720, 450));
+    EXPECT_EQ(record->frameAfter, kCentred);  // read back where it was
+}
+
+TEST_F(MoveAllWindows, FrameAfterIsThePlannedFrameWhenItDoesNotReadBack) {
+    addWindow(100, 11, kCentred);
+    platform.windowControl.setFrameError(11, Result::Gone);  // the list still gives its frame
+    EXPECT_EQ(moveAll(), (WindowMoveResult{1, 1}));
+    const WindowMoveRecord* record = report().window(11);
+    ASSERT_NE(record, nullptr);
+    EXPECT_EQ(record->frameSource, FrameSource::WindowList);
+    EXPECT_EQ(record->frameAfter, QRectF(2720, 450, 960, 540));
 }
 
 TEST_F(MoveAllWindows, EmptySourceBoundsMoveNothing) {
@@ -259,6 +349,8 @@ TEST_F(MoveAllWindows, EmptySourceBoundsMoveNothing) {
     m_source.bounds = QRectF(0, 0, 0, 0);
     EXPECT_EQ(moveAll(), (WindowMoveResult{0, 0}));
     EXPECT_TRUE(platform.windowControl.requests().isEmpty());
+    ASSERT_NE(report().window(11), nullptr);
+    EXPECT_EQ(report().window(11)->outcome, WindowMoveOutcome::NotOnSourceDisplay);
 }
 
 TEST_F(MoveAllWindows, SourceWithoutPositiveSizeCountsWindowsButDoesNotMoveThem) {
@@ -266,7 +358,12 @@ TEST_F(MoveAllWindows, SourceWithoutPositiveSizeCountsWindowsButDoesNotMoveThem)
     m_source.bounds = QRectF(1920, 0, -1920, 1080);  // covers the left display, but its width is negative
     EXPECT_EQ(moveAll(), (WindowMoveResult{0, 1}));
     EXPECT_TRUE(platform.windowControl.requests().isEmpty());
-    EXPECT_TRUE(trace.contains(QStringLiteral("Editor [pid:100]: invalid source bounds, skipping resize/move")));
+    const WindowMoveRecord* record = report().window(11);
+    ASSERT_NE(record, nullptr);
+    EXPECT_EQ(record->outcome, WindowMoveOutcome::SkippedInvalidSourceBounds);
+    EXPECT_EQ(record->frameBefore, kCentred);
+    EXPECT_EQ(record->writes, WindowMoveWrites{});
+    EXPECT_FALSE(record->targetOrigin.has_value());
 }
 
 // Two displays showing the same area: a window keeps its origin unless the clamp moves it.
@@ -282,13 +379,21 @@ protected:
 TEST_F(MoveBetweenMirroredDisplays, WindowWithinOneAndAHalfPointsOfTargetCountsAsMovedDespiteErrors) {
     addStuckWindow(QRectF(-1.5, 270, 960, 540));  // the clamp puts it at x = 0
     EXPECT_EQ(moveAll(true), (WindowMoveResult{1, 1}));
+    const WindowMoveRecord* record = report().window(11);
+    ASSERT_NE(record, nullptr);
+    EXPECT_EQ(record->outcome, WindowMoveOutcome::Moved);
+    EXPECT_EQ(record->writes, (WindowMoveWrites{Result::Failure, Result::Ok, Result::Failure}));
 }
 
 TEST_F(MoveBetweenMirroredDisplays, WindowFartherThanOneAndAHalfPointsFromTargetIsNotMoved) {
     addStuckWindow(QRectF(-1.6, 270, 960, 540));
     EXPECT_EQ(moveAll(true), (WindowMoveResult{0, 1}));
-    EXPECT_TRUE(trace.hasLineStartingWith(QStringLiteral(
-        "Editor [pid:100]: failed setPosition windowID=11, initialError=failure, finalError=failure, ")));
+    const WindowMoveRecord* record = report().window(11);
+    ASSERT_NE(record, nullptr);
+    EXPECT_EQ(record->outcome, WindowMoveOutcome::NotMoved);
+    EXPECT_EQ(record->writes, (WindowMoveWrites{Result::Failure, Result::Ok, Result::Failure}));
+    EXPECT_EQ(record->targetOrigin, QPointF(0, 270));
+    EXPECT_EQ(record->frameAfter, QRectF(-1.6, 270, 960, 540));
 }
 
 TEST_F(MoveAllWindows, AdjustSizeCountsMovedWhenOnlyFinalPositionWriteSucceeds) {
@@ -296,18 +401,20 @@ TEST_F(MoveAllWindows, AdjustSizeCountsMovedWhenOnlyFinalPositionWriteSucceeds) 
     platform.windowControl.failNextChange(11, FakeWindowControl::Change::Move, Result::CannotComplete);
     EXPECT_EQ(moveAll(true), (WindowMoveResult{1, 1}));
     EXPECT_EQ(platform.windowControl.currentFrame(11), QRectF(2560, 360, 1280, 720));
-    ASSERT_EQ(diagnostics().size(), 3);
-    EXPECT_TRUE(diagnostics()[2].contains(
-        QStringLiteral("initialPosErr=cannotComplete, sizeErr=success, finalPosErr=success")));
+    const WindowMoveRecord* record = report().window(11);
+    ASSERT_NE(record, nullptr);
+    EXPECT_EQ(record->outcome, WindowMoveOutcome::Moved);
+    EXPECT_EQ(record->writes, (WindowMoveWrites{Result::CannotComplete, Result::Ok, Result::Ok}));
 }
 
 TEST_F(MoveAllWindows, AdjustSizeWithBothPositionWritesFailingFarFromTargetIsNotMoved) {
     addWindow(100, 11, kCentred);
     platform.windowControl.setChangeResult(11, FakeWindowControl::Change::Move, Result::CannotComplete);
     EXPECT_EQ(moveAll(true), (WindowMoveResult{0, 1}));
-    ASSERT_EQ(diagnostics().size(), 3);
-    EXPECT_TRUE(diagnostics()[2].contains(
-        QStringLiteral("initialPosErr=cannotComplete, sizeErr=success, finalPosErr=cannotComplete")));
+    const WindowMoveRecord* record = report().window(11);
+    ASSERT_NE(record, nullptr);
+    EXPECT_EQ(record->outcome, WindowMoveOutcome::NotMoved);
+    EXPECT_EQ(record->writes, (WindowMoveWrites{Result::CannotComplete, Result::Ok, Result::CannotComplete}));
 }
 
 TEST_F(MoveAllWindows, DestinationThatGivesNoFiniteOriginFailsWithoutWriting) {
@@ -315,8 +422,120 @@ TEST_F(MoveAllWindows, DestinationThatGivesNoFiniteOriginFailsWithoutWriting) {
     m_destination.bounds = QRectF(qQNaN(), 0, 2560, 1440);
     EXPECT_EQ(moveAll(), (WindowMoveResult{0, 1}));
     EXPECT_TRUE(platform.windowControl.requests().isEmpty());
+    const WindowMoveRecord* record = report().window(11);
+    ASSERT_NE(record, nullptr);
+    EXPECT_EQ(record->outcome, WindowMoveOutcome::NotMoved);
+    EXPECT_EQ(record->writes, (WindowMoveWrites{Result::Failure, std::nullopt, std::nullopt}));
+}
+
+// The lines users and support read. These are the only tests of their exact wording; every other test
+// reads the outcome from the report.
+class MoveDiagnosticLines : public MoveAllWindows {};
+
+TEST_F(MoveDiagnosticLines, KeepSizeMoveWritesBeginStartAndResult) {
+    addWindow(100, 11, kCentred);
+    moveAll();
+    EXPECT_EQ(diagnostics(),
+              (QStringList{
+                  QStringLiteral("[WindowMoveDiag] BEGIN source=Left#1 sourceAX=(0.0, 0.0, 1920.0, 1080.0) "
+                                 "sourceCG=(0.0, 0.0, 1920.0, 1080.0) destination=Right#2 "
+                                 "destAX=(1920.0, 0.0, 2560.0, 1440.0) destCG=(1920.0, 0.0, 2560.0, 1440.0) "
+                                 "targetPIDs=all"),
+                  QStringLiteral("[WindowMoveDiag] START app=Editor [pid:100], windowID=11, frameSource=AX, "
+                                 "centerLike=true, adjustSize=false, frame=(480.0, 270.0, 960.0, 540.0), "
+                                 "normalizedCenter=(0.5000,0.5000), normalizedRect=(0.2500,0.2500,0.5000,0.5000)"),
+                  QStringLiteral("[WindowMoveDiag] RESULT app=Editor [pid:100], windowID=11, centerLike=true, "
+                                 "keepSize=true, posErr=success, targetOrigin=(2720.0, 450.0), "
+                                 "postFrame=(2720.0, 450.0, 960.0, 540.0), postNormalizedCenter=(0.5000,0.5000)"),
+              }));
+}
+
+TEST_F(MoveDiagnosticLines, AdjustSizeMoveWritesBeginStartAndResult) {
+    addWindow(100, 11, QRectF(240, 135, 480, 270));  // centred on a quarter of the left display
+    platform.windowControl.failNextChange(11, FakeWindowControl::Change::Move, Result::CannotComplete);
+    moveAll(true);
+    EXPECT_EQ(diagnostics(),
+              (QStringList{
+                  QStringLiteral("[WindowMoveDiag] BEGIN source=Left#1 sourceAX=(0.0, 0.0, 1920.0, 1080.0) "
+                                 "sourceCG=(0.0, 0.0, 1920.0, 1080.0) destination=Right#2 "
+                                 "destAX=(1920.0, 0.0, 2560.0, 1440.0) destCG=(1920.0, 0.0, 2560.0, 1440.0) "
+                                 "targetPIDs=all"),
+                  QStringLiteral("[WindowMoveDiag] START app=Editor [pid:100], windowID=11, frameSource=AX, "
+                                 "centerLike=false, adjustSize=true, frame=(240.0, 135.0, 480.0, 270.0), "
+                                 "normalizedCenter=(0.2500,0.2500), normalizedRect=(0.1250,0.1250,0.2500,0.2500)"),
+                  QStringLiteral("[WindowMoveDiag] RESULT app=Editor [pid:100], windowID=11, centerLike=false, "
+                                 "initialPosErr=cannotComplete, sizeErr=success, finalPosErr=success, "
+                                 "targetSize=(640.0, 360.0), actualSize=(640.0, 360.0), "
+                                 "desiredOrigin=(2240.0, 180.0), finalOrigin=(2240.0, 180.0), "
+                                 "postFrame=(2240.0, 180.0, 640.0, 360.0), postNormalizedCenter=(0.2500,0.2500)"),
+              }));
+}
+
+TEST_F(MoveDiagnosticLines, BeginLineListsTheTargetApplications) {
+    addWindow(100, 11, kCentred);
+    moveAll(false, QSet<pid_t>{});
+    ASSERT_EQ(diagnostics().size(), 1);
+    EXPECT_TRUE(diagnostics()[0].endsWith(QStringLiteral(" destCG=(1920.0, 0.0, 2560.0, 1440.0) targetPIDs=")))
+        << diagnostics()[0].toStdString();
+    moveAll(false, QSet<pid_t>{100});
     ASSERT_EQ(diagnostics().size(), 3);
-    EXPECT_TRUE(diagnostics()[2].contains(QStringLiteral("posErr=failure")));
+    EXPECT_TRUE(diagnostics()[0].endsWith(QStringLiteral(" targetPIDs=100"))) << diagnostics()[0].toStdString();
+}
+
+TEST_F(MoveDiagnosticLines, StartLineNamesWindowListFramesAndUnnamedApplications) {
+    platform.runningApplications.addApplication(100, std::nullopt);
+    addWindow(100, 11, QRectF(100, 50, 400, 100));
+    platform.windowControl.setFrameError(11, Result::CannotComplete);
+    moveAll();
+    ASSERT_EQ(diagnostics().size(), 3);
+    EXPECT_EQ(diagnostics()[1], QStringLiteral("[WindowMoveDiag] START app=Unknown App [pid:100], windowID=11, "
+                                               "frameSource=CGFallbackConverted, centerLike=false, adjustSize=false, "
+                                               "frame=(100.0, 930.0, 400.0, 100.0), normalizedCenter=(0.1563,0.9074), "
+                                               "normalizedRect=(0.0521,0.8611,0.2083,0.0926)"));
+}
+
+TEST_F(MoveDiagnosticLines, TraceTellsEveryApplicationAndWindowItSkipsOrFailsToMove) {
+    addWindow(100, 11, kCentred);
+    platform.windowControl.setChangeResult(11, FakeWindowControl::Change::Move, Result::CannotComplete);
+    platform.windowControl.addWindow(100, {.id = 12, .frame = kCentred});
+    platform.windowControl.setFrameError(12, Result::NoValue);
+    platform.runningApplications.addApplication(200, QStringLiteral("Mail"));
+    moveAll();
+    EXPECT_EQ(trace.lines(),
+              (QStringList{
+                  QStringLiteral("moveAllWindows start: source=Left#1 -> destination=Right#2, "
+                                 "sourceWindowIDsAcrossApps=1"),
+                  QStringLiteral("Editor [pid:100]: mergedAXWindows=2, sourceWindowIDs=1"),
+                  QStringLiteral("Editor [pid:100]: failed setPosition (keep size) windowID=11, "
+                                 "error=cannotComplete, frame=(480.0, 270.0, 960.0, 540.0), target=(2720.0, 450.0)"),
+                  QStringLiteral("Editor [pid:100]: skip window without frame, windowID=12"),
+                  QStringLiteral("Editor [pid:100]: attempted=1, moved=0"),
+                  QStringLiteral("Mail [pid:200]: AXWindows error=noValue"),
+                  QStringLiteral("Mail [pid:200]: AXAllWindows error=noValue"),
+                  QStringLiteral("Mail [pid:200]: no movable windows after filtering (primary=0, all=0)"),
+                  QStringLiteral("Mail [pid:200]: no accessible windows returned"),
+                  QStringLiteral("moveAllWindows done: attempted=1, moved=0"),
+              }));
+}
+
+TEST_F(MoveDiagnosticLines, TraceTellsFailedAdjustedMovesAndUnusableSources) {
+    m_destination = display(2, QStringLiteral("Mirror"), 2, left.bounds);
+    addWindow(100, 11, QRectF(-1.6, 270, 960, 540));
+    platform.windowControl.setChangeResult(11, FakeWindowControl::Change::Move, Result::Failure);
+    moveAll(true);
+    EXPECT_TRUE(trace.contains(
+        QStringLiteral("Editor [pid:100]: resize status windowID=11, sizeErr=success, sizeChanged=false, "
+                       "before=(960.0, 540.0), target=(960.0, 540.0), actual=(960.0, 540.0), "
+                       "normalizedSize=(0.5000,0.5000)")))
+        << trace.lines().join(QLatin1Char('\n')).toStdString();
+    EXPECT_TRUE(
+        trace.contains(QStringLiteral("Editor [pid:100]: failed setPosition windowID=11, initialError=failure, "
+                                      "finalError=failure, frame=(-1.6, 270.0, 960.0, 540.0), target=(0.0, 270.0)")))
+        << trace.lines().join(QLatin1Char('\n')).toStdString();
+
+    m_source.bounds = QRectF(1920, 0, -1920, 1080);
+    moveAll();
+    EXPECT_TRUE(trace.contains(QStringLiteral("Editor [pid:100]: invalid source bounds, skipping resize/move")));
 }
 
 }  // namespace

@@ -1,5 +1,7 @@
 #include "tests/mover/MoverFixture.h"
 
+#include "app/mover/WindowMoveLog.h"
+
 namespace {
 TraceCapture* g_activeCapture = nullptr;
 }  // namespace
@@ -66,4 +68,78 @@ QStringList MoverTest::diagnosticLines(const std::function<void()>& call) {
         }
     }
     return lines;
+}
+
+void PrintTo(Result result, std::ostream* os) {
+    *os << WindowMoveLog::errorName(result).toStdString();
+}
+
+void PrintTo(WindowMoveOutcome outcome, std::ostream* os) {
+    switch (outcome) {
+        case WindowMoveOutcome::Moved:
+            *os << "Moved";
+            return;
+        case WindowMoveOutcome::NotMoved:
+            *os << "NotMoved";
+            return;
+        case WindowMoveOutcome::SkippedWithoutFrame:
+            *os << "SkippedWithoutFrame";
+            return;
+        case WindowMoveOutcome::SkippedInvalidSourceBounds:
+            *os << "SkippedInvalidSourceBounds";
+            return;
+        case WindowMoveOutcome::NotOnSourceDisplay:
+            *os << "NotOnSourceDisplay";
+            return;
+        case WindowMoveOutcome::AlreadyOnTargetDisplay:
+            *os << "AlreadyOnTargetDisplay";
+            return;
+        case WindowMoveOutcome::NoSourceDisplay:
+            *os << "NoSourceDisplay";
+            return;
+    }
+    *os << static_cast<int>(outcome);
+}
+
+void PrintTo(ApplicationSkipReason reason, std::ostream* os) {
+    switch (reason) {
+        case ApplicationSkipReason::NotRegular:
+            *os << "NotRegular";
+            return;
+        case ApplicationSkipReason::Terminated:
+            *os << "Terminated";
+            return;
+        case ApplicationSkipReason::InvalidPid:
+            *os << "InvalidPid";
+            return;
+        case ApplicationSkipReason::NotTargeted:
+            *os << "NotTargeted";
+            return;
+        case ApplicationSkipReason::NoWindows:
+            *os << "NoWindows";
+            return;
+    }
+    *os << static_cast<int>(reason);
+}
+
+void PrintTo(FrameSource source, std::ostream* os) {
+    *os << (source == FrameSource::WindowControl ? "WindowControl" : "WindowList");
+}
+
+void PrintTo(const WindowMoveWrites& writes, std::ostream* os) {
+    const auto print = [os](const char* name, const std::optional<Result>& result) {
+        *os << name << '=';
+        if (result) {
+            PrintTo(*result, os);
+        } else {
+            *os << "none";
+        }
+    };
+    *os << '{';
+    print("position", writes.position);
+    *os << ", ";
+    print("size", writes.size);
+    *os << ", ";
+    print("finalPosition", writes.finalPosition);
+    *os << '}';
 }

@@ -10,10 +10,15 @@
 #include "app/mover/WindowMover.h"
 #include "platform/fake/FakePlatform.h"
 
-// Readable QStrings in test failure messages.
+// Readable QStrings and report values in test failure messages.
 inline void PrintTo(const QString& text, std::ostream* os) {
     *os << '"' << text.toStdString() << '"';
 }
+void PrintTo(Result result, std::ostream* os);
+void PrintTo(WindowMoveOutcome outcome, std::ostream* os);
+void PrintTo(ApplicationSkipReason reason, std::ostream* os);
+void PrintTo(FrameSource source, std::ostream* os);
+void PrintTo(const WindowMoveWrites& writes, std::ostream* os);
 
 // Collects the lines of the mover's debug trace while a test runs.
 class TraceCapture {

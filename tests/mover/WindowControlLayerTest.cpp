@@ -35,13 +35,13 @@ TEST_F(WindowControlLayer, FailedWindowListGivesEmptyListWithTheResult) {
 TEST_F(WindowControlLayer, SameWindowsInBothListsAreReturnedOnceInPrimaryOrder) {
     platform.windowControl.setWindows(kApp, WindowScope::Visible, {1, 2, 3});
     platform.windowControl.setWindows(kApp, WindowScope::IncludingMinimised, {3, 1, 2});
-    EXPECT_EQ(WindowMover::movableWindows(kApp, QStringLiteral("App")), (QList<WindowId>{1, 2, 3}));
+    EXPECT_EQ(WindowMover::movableWindows(kApp, QStringLiteral("App")).windows, (QList<WindowId>{1, 2, 3}));
 }
 
 TEST_F(WindowControlLayer, WindowsOnlyInFullListFollowThePrimaryOnes) {
     platform.windowControl.setWindows(kApp, WindowScope::Visible, {2});
     platform.windowControl.setWindows(kApp, WindowScope::IncludingMinimised, {5, 2, 4});
-    EXPECT_EQ(WindowMover::movableWindows(kApp, QStringLiteral("App")), (QList<WindowId>{2, 5, 4}));
+    EXPECT_EQ(WindowMover::movableWindows(kApp, QStringLiteral("App")).windows, (QList<WindowId>{2, 5, 4}));
 }
 
 TEST_F(WindowControlLayer, AppendUniqueKeepsFirstAppearance) {
@@ -57,7 +57,7 @@ TEST_F(WindowControlLayer, RoleFilterKeepsMovableRolesAndUnreadableRoles) {
     platform.windowControl.addWindow(kApp, {.id = 3, .role = WindowRole::Other});
     platform.windowControl.addWindow(kApp, {.id = 5});
     platform.windowControl.setRoleError(5, Result::CannotComplete);
-    EXPECT_EQ(WindowMover::movableWindows(kApp, QStringLiteral("App")), (QList<WindowId>{1, 2, 5}));
+    EXPECT_EQ(WindowMover::movableWindows(kApp, QStringLiteral("App")).windows, (QList<WindowId>{1, 2, 5}));
 }
 
 TEST_F(WindowControlLayer, RolesOfAllWindowsAreReadInOneBatch) {
@@ -73,7 +73,7 @@ TEST_F(WindowControlLayer, RolesOfAllWindowsAreReadInOneBatch) {
 
 TEST_F(WindowControlLayer, OnlyWindowWithUnmovableRoleIsStillReturnedByFallback) {
     platform.windowControl.addWindow(kApp, {.id = 9, .role = WindowRole::Other});
-    EXPECT_EQ(WindowMover::movableWindows(kApp, QStringLiteral("Odd [pid:100]")), (QList<WindowId>{9}));
+    EXPECT_EQ(WindowMover::movableWindows(kApp, QStringLiteral("Odd [pid:100]")).windows, (QList<WindowId>{9}));
     EXPECT_TRUE(trace.contains(
         QStringLiteral("Odd [pid:100]: no movable windows by role filter, (primary=1, all=1, merged=1)")));
 }
@@ -81,10 +81,19 @@ TEST_F(WindowControlLayer, OnlyWindowWithUnmovableRoleIsStillReturnedByFallback)
 TEST_F(WindowControlLayer, BothListReadsFailingGiveNothingNotAnEmptyList) {
     platform.windowControl.setWindowsError(kApp, WindowScope::Visible, Result::NotPermitted);
     platform.windowControl.setWindowsError(kApp, WindowScope::IncludingMinimised, Result::CannotComplete);
-    EXPECT_FALSE(WindowMover::movableWindows(kApp, QStringLiteral("App")).has_value());
-    EXPECT_TRUE(trace.contains(QStringLiteral("App: AXWindows error=apiDisabled")));
-    EXPECT_TRUE(trace.contains(QStringLiteral("App: AXAllWindows error=cannotComplete")));
-    EXPECT_TRUE(trace.contains(QStringLiteral("App: no movable windows after filtering (primary=0, all=0)")));
+    const MovableWindows movable = WindowMover::movableWindows(kApp, QStringLiteral("App"));
+    EXPECT_FALSE(movable.windows.has_value());
+    EXPECT_EQ(movable.visibleList, Result::NotPermitted);
+    EXPECT_EQ(movable.includingMinimisedList, Result::CannotComplete);
+}
+
+TEST_F(WindowControlLayer, OneFailedListReadStillGivesTheOtherListsWindows) {
+    platform.windowControl.addWindow(kApp, {.id = 1});
+    platform.windowControl.setWindowsError(kApp, WindowScope::Visible, Result::Gone);
+    const MovableWindows movable = WindowMover::movableWindows(kApp, QStringLiteral("App"));
+    EXPECT_EQ(movable.windows, (QList<WindowId>{1}));
+    EXPECT_EQ(movable.visibleList, Result::Gone);
+    EXPECT_EQ(movable.includingMinimisedList, Result::Ok);
 }
 
 TEST_F(WindowControlLayer, FrameReadsOnlyWhenTheWindowAnswers) {

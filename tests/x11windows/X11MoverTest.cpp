@@ -75,15 +75,25 @@ protected:
         }
         const QRectF bystanderBefore = frameFromTree(bystander);
 
-        const WindowMoveResult result = WindowMover::moveWindows(source, target, adjustSize, std::nullopt, false);
-        EXPECT_EQ(result, (WindowMoveResult{3, 3}));
+        const WindowMoveReport report = WindowMover::moveWindows(source, target, adjustSize, std::nullopt, false);
+        EXPECT_EQ(report.counts, (WindowMoveResult{3, 3}));
         for (int i = 0; i < windows.size(); ++i) {
             const QRectF expected = expectedFrame(before[i], source.bounds, target.bounds, adjustSize);
             const QRectF actual = frameFromTree(windows[i]);
             EXPECT_TRUE(near(actual, expected)) << "window " << i << " at " << describe(actual).toStdString()
                                                 << ", expected " << describe(expected).toStdString();
+            const WindowMoveRecord* record = report.window(windows[i]);
+            ASSERT_NE(record, nullptr) << "window " << i;
+            EXPECT_EQ(record->outcome, WindowMoveOutcome::Moved) << "window " << i;
+            EXPECT_EQ(record->pid, static_cast<pid_t>(client.pid()));
+            ASSERT_TRUE(record->frameAfter.has_value());
+            EXPECT_TRUE(near(*record->frameAfter, actual))
+                << "window " << i << " reported at " << describe(*record->frameAfter).toStdString();
         }
         EXPECT_EQ(frameFromTree(bystander), bystanderBefore);
+        const WindowMoveRecord* bystanderRecord = report.window(bystander);
+        ASSERT_NE(bystanderRecord, nullptr);
+        EXPECT_EQ(bystanderRecord->outcome, WindowMoveOutcome::NotOnSourceDisplay);
     }
 };
 
@@ -112,7 +122,7 @@ TEST_F(X11MoverTest, PerApplicationMoveRestoresMinimisedWindowsAndLeavesOthersAl
     const DisplaySnapshot target = display(2);
 
     const WindowMoveResult result =
-        WindowMover::moveWindows(source, target, false, QSet<pid_t>{static_cast<pid_t>(client.pid())}, true);
+        WindowMover::moveWindows(source, target, false, QSet<pid_t>{static_cast<pid_t>(client.pid())}, true).counts;
     EXPECT_EQ(result, (WindowMoveResult{2, 2}));
     EXPECT_FALSE(minimized(iconic));
     EXPECT_TRUE(VirtualDesktop::waitUntil([&] { return isOnScreen(iconic); }));
@@ -128,7 +138,8 @@ TEST_F(X11MoverTest, EmptyApplicationFilterMovesNothing) {
     const quint32 window = client.open(QStringLiteral("w"), placement(0, 200, 200, 500, 300));
     ASSERT_NE(window, 0u);
     const QRect before = frameFromTree(window);
-    EXPECT_EQ(WindowMover::moveWindows(display(0), display(1), false, QSet<pid_t>{}, false), (WindowMoveResult{0, 0}));
+    EXPECT_EQ(WindowMover::moveWindows(display(0), display(1), false, QSet<pid_t>{}, false).counts,
+              (WindowMoveResult{0, 0}));
     EXPECT_EQ(frameFromTree(window), before);
 }
 
@@ -150,7 +161,7 @@ TEST_F(X11MoverTest, FocusedWindowMoveLandsTheActiveWindow) {
         const DisplaySnapshot target = display(to);
         const QRectF start = frameFromTree(focused);
         const DisplaySnapshot source = display(adjust ? 2 : 0);
-        EXPECT_EQ(WindowMover::moveFocusedWindow(target, displays(), adjust), (WindowMoveResult{1, 1}));
+        EXPECT_EQ(WindowMover::moveFocusedWindow(target, displays(), adjust).counts, (WindowMoveResult{1, 1}));
         const QRectF expected = expectedFrame(start, source.bounds, target.bounds, adjust);
         EXPECT_TRUE(near(frameFromTree(focused), expected))
             << describe(frameFromTree(focused)).toStdString() << " expected " << describe(expected).toStdString();
@@ -168,7 +179,7 @@ TEST_F(X11MoverTest, FocusedWindowAlreadyOnTheTargetGivesZeroOne) {
         return context && context->window == focused;
     }));
     const QRect before = frameFromTree(focused);
-    EXPECT_EQ(WindowMover::moveFocusedWindow(display(1), displays(), false), (WindowMoveResult{0, 1}));
+    EXPECT_EQ(WindowMover::moveFocusedWindow(display(1), displays(), false).counts, (WindowMoveResult{0, 1}));
     EXPECT_EQ(frameFromTree(focused), before);
 }
 
@@ -187,7 +198,7 @@ TEST_F(X11MoverTest, FocusedWindowOutsideEveryDisplayIsMovedFromTheFirst) {
         }
     }
     const DisplaySnapshot target = display(2);
-    EXPECT_EQ(WindowMover::moveFocusedWindow(target, displays(), false), (WindowMoveResult{1, 1}));
+    EXPECT_EQ(WindowMover::moveFocusedWindow(target, displays(), false).counts, (WindowMoveResult{1, 1}));
     const QRectF expected = expectedFrame(start, displays().value(0).bounds, target.bounds, false);
     EXPECT_TRUE(near(frameFromTree(lost), expected))
         << describe(frameFromTree(lost)).toStdString() << " expected " << describe(expected).toStdString();
@@ -200,7 +211,7 @@ TEST_F(X11MoverTest, AdjustSizeOfAWindowThatRefusesTheSizeCentresItByItsActualSi
     const DisplaySnapshot source = display(0);
     const DisplaySnapshot target = display(1);
     const QRectF start = frameFromTree(window);
-    EXPECT_EQ(WindowMover::moveWindows(source, target, true, std::nullopt, false), (WindowMoveResult{1, 1}));
+    EXPECT_EQ(WindowMover::moveWindows(source, target, true, std::nullopt, false).counts, (WindowMoveResult{1, 1}));
     const QRectF end = frameFromTree(window);
     // Whatever size the window manager allowed, the window is centred where its centre was, by that size.
     const QPointF centre(
@@ -215,7 +226,7 @@ TEST_F(X11MoverTest, DiagnosticLinesTellEachMove) {
     const quint32 window = client.open(QStringLiteral("w"), placement(0, 200, 200, 500, 300));
     ASSERT_NE(window, 0u);
     ::testing::internal::CaptureStdout();
-    const WindowMoveResult result = WindowMover::moveWindows(display(0), display(1), true, std::nullopt, false);
+    const WindowMoveResult result = WindowMover::moveWindows(display(0), display(1), true, std::nullopt, false).counts;
     const QString output = QString::fromStdString(::testing::internal::GetCapturedStdout());
     EXPECT_EQ(result, (WindowMoveResult{1, 1}));
     EXPECT_TRUE(output.contains(QStringLiteral("[WindowMoveDiag] BEGIN source="))) << output.toStdString();
