@@ -2,10 +2,9 @@
 
 #include <xcb/randr.h>
 
-#include <cstdlib>
-
 #include "platform/x11/Edid.h"
 #include "platform/x11/X11Connection.h"
+#include "platform/x11/XcbReply.h"
 
 namespace {
 
@@ -15,13 +14,6 @@ constexpr int kCoalesceMilliseconds = 40;
 // RandR event; a cheap look at the monitor list catches those.
 constexpr int kPollMilliseconds = 500;
 
-template <typename Reply>
-struct FreeDeleter {
-    void operator()(Reply* reply) const { std::free(reply); }
-};
-template <typename Reply>
-using ReplyPtr = std::unique_ptr<Reply, FreeDeleter<Reply>>;
-
 }  // namespace
 
 X11Monitors::X11Monitors(X11Connection& connection) : m_connection(connection), m_capture(connection.displayName()) {
@@ -29,7 +21,7 @@ X11Monitors::X11Monitors(X11Connection& connection) : m_connection(connection), 
     const xcb_query_extension_reply_t* randr = xcb_get_extension_data(xcb, &xcb_randr_id);
     if (randr != nullptr && randr->present) {
         m_randrFirstEvent = randr->first_event;
-        ReplyPtr<xcb_randr_query_version_reply_t> version(
+        XcbReply<xcb_randr_query_version_reply_t> version(
             xcb_randr_query_version_reply(xcb, xcb_randr_query_version(xcb, 1, 5), nullptr));
         m_hasRandr15 = version && (version->major_version > 1 || version->minor_version >= 5);
         xcb_randr_select_input(xcb, m_connection.root(),
@@ -54,7 +46,7 @@ QByteArray X11Monitors::monitorSignature() {
     if (!m_hasRandr15 || m_connection.hasError()) {
         return {};
     }
-    ReplyPtr<xcb_randr_get_monitors_reply_t> reply(
+    XcbReply<xcb_randr_get_monitors_reply_t> reply(
         xcb_randr_get_monitors_reply(xcb, xcb_randr_get_monitors(xcb, m_connection.root(), 1), nullptr));
     if (!reply) {
         return {};
@@ -105,8 +97,8 @@ QList<X11Monitors::RandrMonitor> X11Monitors::fetchMonitors() {
     // Stage 1: the monitors and the screen's outputs (for unit numbers).
     auto monitorsCookie = xcb_randr_get_monitors(xcb, m_connection.root(), 1);
     auto resourcesCookie = xcb_randr_get_screen_resources_current(xcb, m_connection.root());
-    ReplyPtr<xcb_randr_get_monitors_reply_t> monitorsReply(xcb_randr_get_monitors_reply(xcb, monitorsCookie, nullptr));
-    ReplyPtr<xcb_randr_get_screen_resources_current_reply_t> resources(
+    XcbReply<xcb_randr_get_monitors_reply_t> monitorsReply(xcb_randr_get_monitors_reply(xcb, monitorsCookie, nullptr));
+    XcbReply<xcb_randr_get_screen_resources_current_reply_t> resources(
         xcb_randr_get_screen_resources_current_reply(xcb, resourcesCookie, nullptr));
     if (!monitorsReply) {
         return monitors;
@@ -148,21 +140,21 @@ QList<X11Monitors::RandrMonitor> X11Monitors::fetchMonitors() {
     }
     for (Pending& entry : pending) {
         QString monitorName;
-        if (ReplyPtr<xcb_get_atom_name_reply_t> name(xcb_get_atom_name_reply(xcb, entry.nameCookie, nullptr)); name) {
+        if (XcbReply<xcb_get_atom_name_reply_t> name(xcb_get_atom_name_reply(xcb, entry.nameCookie, nullptr)); name) {
             monitorName =
                 QString::fromLatin1(xcb_get_atom_name_name(name.get()), xcb_get_atom_name_name_length(name.get()));
         }
         QString outputName;
         std::optional<Edid> edid;
         if (entry.output != XCB_NONE) {
-            ReplyPtr<xcb_randr_get_output_info_reply_t> output(
+            XcbReply<xcb_randr_get_output_info_reply_t> output(
                 xcb_randr_get_output_info_reply(xcb, entry.outputCookie, nullptr));
             if (output) {
                 outputName =
                     QString::fromUtf8(reinterpret_cast<const char*>(xcb_randr_get_output_info_name(output.get())),
                                       xcb_randr_get_output_info_name_length(output.get()));
             }
-            ReplyPtr<xcb_randr_get_output_property_reply_t> property(
+            XcbReply<xcb_randr_get_output_property_reply_t> property(
                 xcb_randr_get_output_property_reply(xcb, entry.edidCookie, nullptr));
             if (property && property->format == 8) {
                 const QByteArray data(reinterpret_cast<const char*>(xcb_randr_get_output_property_data(property.get())),

@@ -73,6 +73,5 @@ struct X11RootFacts {
     QList<xcb_window_t> rootChildren;        // bottom to top
     xcb_window_t activeWindow = XCB_NONE;
     std::optional<quint32> currentDesktop;
-    xcb_window_t supportingWmCheck = XCB_NONE;
     QPoint globalOriginInRoot;  // the primary monitor's top-left corner
 };

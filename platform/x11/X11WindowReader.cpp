@@ -7,36 +7,28 @@
 #include <memory>
 
 #include "platform/x11/X11Connection.h"
+#include "platform/x11/XcbReply.h"
 
 namespace {
 
-constexpr uint8_t kBadWindow = 3;
-constexpr uint8_t kBadDrawable = 9;
 constexpr uint32_t kLongListLength = 1u << 16;  // in 32-bit units: room for a very long client list
 constexpr uint32_t kTitleLength = 256;
 constexpr int kOriginMilliseconds = 250;
 
-struct FreeDeleter {
-    void operator()(void* pointer) const { std::free(pointer); }
-};
-template <typename T>
-using Owned = std::unique_ptr<T, FreeDeleter>;
-
 // Collects one reply; marks the window as gone when the server says so.
 template <typename Reply, typename Cookie, typename Fetch>
-Owned<Reply> take(xcb_connection_t* xcb, Cookie cookie, Fetch fetch, bool* gone) {
-    xcb_generic_error_t* error = nullptr;
-    Owned<Reply> reply(fetch(xcb, cookie, &error));
-    if (error != nullptr) {
-        if (error->error_code == kBadWindow || error->error_code == kBadDrawable) {
+XcbReply<Reply> take(xcb_connection_t* xcb, Cookie cookie, Fetch fetch, bool* gone) {
+    xcb_generic_error_t* rawError = nullptr;
+    XcbReply<Reply> reply(fetch(xcb, cookie, &rawError));
+    if (const XcbReply<xcb_generic_error_t> error{rawError}) {
+        if (error->error_code == XCB_WINDOW || error->error_code == XCB_DRAWABLE) {
             *gone = true;
         }
-        std::free(error);
     }
     return reply;
 }
 
-Owned<xcb_get_property_reply_t> takeProperty(xcb_connection_t* xcb, xcb_get_property_cookie_t cookie, bool* gone) {
+XcbReply<xcb_get_property_reply_t> takeProperty(xcb_connection_t* xcb, xcb_get_property_cookie_t cookie, bool* gone) {
     return take<xcb_get_property_reply_t>(xcb, cookie, xcb_get_property_reply, gone);
 }
 
@@ -66,9 +58,8 @@ QByteArray bytes(const xcb_get_property_reply_t* reply) {
 X11WindowReader::X11WindowReader(X11Connection& connection, X11WindowCache* cache)
     : m_connection(cache != nullptr ? cache->connection() : connection), m_cache(cache) {
     m_connection.internAtoms({"_NET_CLIENT_LIST_STACKING", "_NET_ACTIVE_WINDOW", "_NET_CURRENT_DESKTOP",
-                              "_NET_SUPPORTING_WM_CHECK", "_NET_FRAME_EXTENTS", "_NET_WM_WINDOW_TYPE", "_NET_WM_STATE",
-                              "_NET_WM_DESKTOP", "_NET_WM_PID", "_NET_WM_WINDOW_OPACITY", "_NET_WM_NAME",
-                              "UTF8_STRING"});
+                              "_NET_FRAME_EXTENTS", "_NET_WM_WINDOW_TYPE", "_NET_WM_STATE", "_NET_WM_DESKTOP",
+                              "_NET_WM_PID", "_NET_WM_WINDOW_OPACITY", "_NET_WM_NAME", "UTF8_STRING"});
     m_atoms = {m_connection.atom("_NET_FRAME_EXTENTS"), m_connection.atom("_NET_WM_WINDOW_TYPE"),
                m_connection.atom("_NET_WM_STATE"),      m_connection.atom("_NET_WM_DESKTOP"),
                m_connection.atom("_NET_WM_PID"),        m_connection.atom("_NET_WM_WINDOW_OPACITY"),
@@ -76,13 +67,13 @@ X11WindowReader::X11WindowReader(X11Connection& connection, X11WindowCache* cach
     xcb_connection_t* xcb = m_connection.xcb();
     const xcb_query_extension_reply_t* resource = xcb_get_extension_data(xcb, &xcb_res_id);
     if (resource != nullptr && resource->present) {
-        Owned<xcb_res_query_version_reply_t> version(
+        XcbReply<xcb_res_query_version_reply_t> version(
             xcb_res_query_version_reply(xcb, xcb_res_query_version(xcb, 1, 2), nullptr));
         m_hasResource = version && (version->server_major > 1 || version->server_minor >= 2);
     }
     const xcb_query_extension_reply_t* randr = xcb_get_extension_data(xcb, &xcb_randr_id);
     if (randr != nullptr && randr->present) {
-        Owned<xcb_randr_query_version_reply_t> version(
+        XcbReply<xcb_randr_query_version_reply_t> version(
             xcb_randr_query_version_reply(xcb, xcb_randr_query_version(xcb, 1, 5), nullptr));
         m_hasRandr = version && (version->major_version > 1 || version->minor_version >= 5);
     }
@@ -98,7 +89,7 @@ X11RootFacts X11WindowReader::readRoot(unsigned fields) {
     auto property = [&](const char* name, xcb_atom_t type, uint32_t length) {
         return xcb_get_property(xcb, 0, root, m_connection.atom(name), type, 0, length);
     };
-    xcb_get_property_cookie_t clientList{}, active{}, desktop{}, check{};
+    xcb_get_property_cookie_t clientList{}, active{}, desktop{};
     xcb_query_tree_cookie_t tree{};
     xcb_randr_get_monitors_cookie_t monitors{};
     if (fields & ClientList) {
@@ -109,9 +100,6 @@ X11RootFacts X11WindowReader::readRoot(unsigned fields) {
     }
     if (fields & CurrentDesktop) {
         desktop = property("_NET_CURRENT_DESKTOP", XCB_ATOM_CARDINAL, 1);
-    }
-    if (fields & WmCheck) {
-        check = property("_NET_SUPPORTING_WM_CHECK", XCB_ATOM_WINDOW, 1);
     }
     if (fields & Children) {
         tree = xcb_query_tree(xcb, root);
@@ -141,9 +129,6 @@ X11RootFacts X11WindowReader::readRoot(unsigned fields) {
     }
     if (fields & CurrentDesktop) {
         facts.currentDesktop = firstCardinal(takeProperty(xcb, desktop, &unused).get());
-    }
-    if (fields & WmCheck) {
-        facts.supportingWmCheck = firstCardinal(takeProperty(xcb, check, &unused).get()).value_or(XCB_NONE);
     }
     if (fields & Children) {
         const auto reply = take<xcb_query_tree_reply_t>(xcb, tree, xcb_query_tree_reply, &unused);
@@ -363,7 +348,8 @@ QList<X11WindowFacts> X11WindowReader::collectWindows(PendingWindows& pending) {
         result.append(facts);
     }
     if (pending.usesCache) {
-        std::free(xcb_get_input_focus_reply(m_connection.xcb(), pending.newsBarrier, nullptr));
+        XcbReply<xcb_get_input_focus_reply_t>(
+            xcb_get_input_focus_reply(m_connection.xcb(), pending.newsBarrier, nullptr));
         m_cache->takeInNews();
         rereadChanged(pending, result);
     }

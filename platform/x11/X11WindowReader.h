@@ -26,7 +26,6 @@ public:
         Children = 1u << 1,
         ActiveWindow = 1u << 2,
         CurrentDesktop = 1u << 3,
-        WmCheck = 1u << 4,
         GlobalOrigin = 1u << 5,
     };
     struct Request {

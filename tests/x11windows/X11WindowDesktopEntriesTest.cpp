@@ -87,6 +87,25 @@ TEST_F(X11WindowDesktopEntriesTest, MissingDirectoriesGiveNoEntries) {
     EXPECT_FALSE(entries.find("tool", "Tool").has_value());
 }
 
+TEST_F(X11WindowDesktopEntriesTest, DefaultsAreTheApplicationsFoldersOfTheDataDirectories) {
+    write(first.path(), QStringLiteral("applications/home.desktop"), "[Desktop Entry]\nType=Application\nName=Home\n");
+    write(second.path(), QStringLiteral("applications/system.desktop"),
+          "[Desktop Entry]\nType=Application\nName=System\n");
+    write(second.path(), QStringLiteral("applications/home.desktop"),
+          "[Desktop Entry]\nType=Application\nName=Shadowed\n");
+    qputenv("XDG_DATA_HOME", first.path().toUtf8());
+    qputenv("XDG_DATA_DIRS", second.path().toUtf8());
+    X11WindowDesktopEntries entries;
+    qunsetenv("XDG_DATA_HOME");
+    qunsetenv("XDG_DATA_DIRS");
+    const auto home = entries.find("home", "Home");
+    const auto system = entries.find("system", "System");
+    ASSERT_TRUE(home.has_value());
+    ASSERT_TRUE(system.has_value());
+    EXPECT_EQ(home->name, QStringLiteral("Home"));
+    EXPECT_EQ(system->name, QStringLiteral("System"));
+}
+
 TEST(X11WindowOwnersTest, ProcessFactsComeFromProc) {
     EXPECT_TRUE(X11WindowOwners::processStartTime(getpid()).has_value());
     EXPECT_TRUE(X11WindowOwners::processName(getpid()).has_value());
