@@ -2,9 +2,15 @@
 
 #include <xcb/randr.h>
 
+#include <QLoggingCategory>
+#include <QSet>
+
 #include "platform/x11/Edid.h"
 #include "platform/x11/X11Connection.h"
+#include "platform/x11/X11MonitorIdentities.h"
 #include "platform/x11/XcbReply.h"
+
+Q_LOGGING_CATEGORY(lcMonitors, "lattica.x11.monitors", QtInfoMsg)
 
 namespace {
 
@@ -120,6 +126,8 @@ QList<X11Monitors::RandrMonitor> X11Monitors::fetchMonitors() {
         xcb_randr_get_output_property_cookie_t edidCookie{};
     };
     QList<Pending> pending;
+    QStringList connectors;
+    QStringList serialTexts;
     for (auto it = xcb_randr_get_monitors_monitors_iterator(monitorsReply.get()); it.rem > 0;
          xcb_randr_monitor_info_next(&it)) {
         const xcb_randr_monitor_info_t* info = it.data;
@@ -162,6 +170,8 @@ QList<X11Monitors::RandrMonitor> X11Monitors::fetchMonitors() {
                 edid = parseEdid(data);
             }
         }
+        connectors.append(!outputName.isEmpty() ? outputName : monitorName);
+        serialTexts.append(edid ? edid->serialText : QString());
         if (edid) {
             entry.monitor.vendor = edid->vendor;
             entry.monitor.model = edid->model;
@@ -176,6 +186,23 @@ QList<X11Monitors::RandrMonitor> X11Monitors::fetchMonitors() {
         }
         monitors.append({entry.monitor, entry.rootRect});
     }
+    QList<X11MonitorIdentities::Candidate> candidates;
+    for (qsizetype i = 0; i < monitors.size(); ++i) {
+        candidates.append({&monitors[i].monitor, connectors[i], serialTexts[i]});
+    }
+    for (const QString& change : X11MonitorIdentities::makeDistinct(candidates)) {
+        // Said once per configuration that needs it, not at every look at the monitors.
+        if (!m_reportedIdentityChanges.contains(change)) {
+            m_reportedIdentityChanges.insert(change);
+            qCWarning(lcMonitors).noquote() << change;
+        }
+    }
+    // A duplicate here would bind two rows of the settings to one shortcut.
+    QSet<QString> keys;
+    for (const RandrMonitor& monitor : monitors) {
+        keys.insert(X11MonitorIdentities::key(monitor.monitor));
+    }
+    Q_ASSERT_X(keys.size() == monitors.size(), "X11Monitors", "two monitors share one identity");
     std::stable_partition(monitors.begin(), monitors.end(),
                           [](const RandrMonitor& monitor) { return monitor.monitor.primary; });
 
