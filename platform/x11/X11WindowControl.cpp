@@ -80,9 +80,6 @@ X11WindowControl::Batch X11WindowControl::read(unsigned rootFields, const QHash<
         requests.append({*it, X11WindowFacts::Pid | X11WindowFacts::Desktop | X11WindowFacts::State});
     }
     QList<X11WindowFacts> facts = m_batchReader.readWindows(requests);
-
-    // Stage 3: owners of windows without _NET_WM_PID.
-    m_batchReader.resolveMissingPids(facts);
     for (qsizetype i = 0; i < facts.size(); ++i) {
         if (i < ownCount) {
             batch.windows.insert(facts[i].window, facts[i]);

@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "platform/x11/X11Connection.h"
+#include "platform/x11/X11WindowOwners.h"
 #include "platform/x11/XcbReply.h"
 
 namespace {
@@ -30,6 +31,25 @@ XcbReply<Reply> take(xcb_connection_t* xcb, Cookie cookie, Fetch fetch, bool* go
 
 XcbReply<xcb_get_property_reply_t> takeProperty(xcb_connection_t* xcb, xcb_get_property_cookie_t cookie, bool* gone) {
     return take<xcb_get_property_reply_t>(xcb, cookie, xcb_get_property_reply, gone);
+}
+
+// The pid the server knows for the client that created a window; nothing for a client it cannot
+// name (one that connected over the network).
+std::optional<pid_t> clientPid(xcb_connection_t* xcb, xcb_res_query_client_ids_cookie_t cookie, bool* gone) {
+    const auto reply = take<xcb_res_query_client_ids_reply_t>(xcb, cookie, xcb_res_query_client_ids_reply, gone);
+    if (!reply) {
+        return std::nullopt;
+    }
+    for (auto it = xcb_res_query_client_ids_ids_iterator(reply.get()); it.rem > 0; xcb_res_client_id_value_next(&it)) {
+        if ((it.data->spec.mask & XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID) != 0 &&
+            xcb_res_client_id_value_value_length(it.data) >= 1) {
+            const uint32_t pid = xcb_res_client_id_value_value(it.data)[0];
+            if (pid > 0 && pid <= 0x7fffffffu) {
+                return static_cast<pid_t>(pid);
+            }
+        }
+    }
+    return std::nullopt;
 }
 
 QList<uint32_t> cardinals(const xcb_get_property_reply_t* reply) {
@@ -71,6 +91,7 @@ X11WindowReader::X11WindowReader(X11Connection& connection, X11WindowCache* cach
             xcb_res_query_version_reply(xcb, xcb_res_query_version(xcb, 1, 2), nullptr));
         m_hasResource = version && (version->server_major > 1 || version->server_minor >= 2);
     }
+    m_resourceIdMask = xcb_get_setup(xcb)->resource_id_mask;
     const xcb_query_extension_reply_t* randr = xcb_get_extension_data(xcb, &xcb_randr_id);
     if (randr != nullptr && randr->present) {
         XcbReply<xcb_randr_query_version_reply_t> version(
@@ -196,6 +217,11 @@ void X11WindowReader::sendFields(PendingWindow& entry) {
     }
     if (f & X11WindowFacts::Pid) {
         entry.pid = property(m_atoms.pid, XCB_ATOM_CARDINAL, 1);
+        if (m_hasResource) {
+            const xcb_res_client_id_spec_t spec{w, XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID};
+            entry.clientPid = xcb_res_query_client_ids(xcb, 1, &spec);
+            entry.askedClientPid = true;
+        }
     }
     if (f & X11WindowFacts::Opacity) {
         entry.opacity = property(m_atoms.opacity, XCB_ATOM_CARDINAL, 1);
@@ -258,10 +284,16 @@ X11WindowFacts X11WindowReader::collectFields(const PendingWindow& entry) {
         facts.desktop = firstCardinal(takeProperty(xcb, entry.desktop, &gone).get());
     }
     if (f & X11WindowFacts::Pid) {
+        X11WindowOwners::PidSources sources;
         const std::optional<uint32_t> pid = firstCardinal(takeProperty(xcb, entry.pid, &gone).get());
         if (pid && *pid > 0 && *pid <= 0x7fffffffu) {
-            facts.pid = static_cast<pid_t>(*pid);
+            sources.netWmPid = static_cast<pid_t>(*pid);
         }
+        sources.serverNamesClients = entry.askedClientPid;
+        if (entry.askedClientPid) {
+            sources.clientPid = clientPid(xcb, entry.clientPid, &gone);
+        }
+        facts.pid = X11WindowOwners::ownerOf(facts.window, sources, m_resourceIdMask);
     }
     if (f & X11WindowFacts::Opacity) {
         const std::optional<uint32_t> opacity = firstCardinal(takeProperty(xcb, entry.opacity, &gone).get());
@@ -389,68 +421,4 @@ void X11WindowReader::rereadChanged(const PendingWindows& pending, QList<X11Wind
         result[changed[k]] = facts;
     }
     m_cache->endRead(mark);
-}
-
-X11WindowReader::PendingPids X11WindowReader::sendPidQueries(const QList<xcb_window_t>& windows) {
-    PendingPids pending;
-    if (!m_hasResource || windows.isEmpty()) {
-        return pending;
-    }
-    if (m_cache != nullptr) {
-        pending.mark = m_cache->beginRead();
-    }
-    for (xcb_window_t window : windows) {
-        const xcb_res_client_id_spec_t spec{window, XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID};
-        pending.windows.append({window, xcb_res_query_client_ids(m_connection.xcb(), 1, &spec)});
-    }
-    return pending;
-}
-
-QHash<xcb_window_t, pid_t> X11WindowReader::collectPids(PendingPids& pending) {
-    QHash<xcb_window_t, pid_t> pids;
-    for (const PendingPid& entry : pending.windows) {
-        bool gone = false;
-        const auto reply = take<xcb_res_query_client_ids_reply_t>(m_connection.xcb(), entry.cookie,
-                                                                  xcb_res_query_client_ids_reply, &gone);
-        if (!reply) {
-            continue;
-        }
-        for (auto it = xcb_res_query_client_ids_ids_iterator(reply.get()); it.rem > 0;
-             xcb_res_client_id_value_next(&it)) {
-            if ((it.data->spec.mask & XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID) != 0 &&
-                xcb_res_client_id_value_value_length(it.data) >= 1) {
-                const uint32_t pid = xcb_res_client_id_value_value(it.data)[0];
-                if (pid > 0 && pid <= 0x7fffffffu) {
-                    pids.insert(entry.window, static_cast<pid_t>(pid));
-                    if (m_cache != nullptr) {
-                        m_cache->storeResourcePid(entry.window, static_cast<pid_t>(pid), pending.mark);
-                    }
-                }
-            }
-        }
-    }
-    if (m_cache != nullptr && !pending.windows.isEmpty()) {
-        m_cache->endRead(pending.mark);
-    }
-    pending.windows.clear();
-    return pids;
-}
-
-void X11WindowReader::resolveMissingPids(QList<X11WindowFacts>& windows) {
-    QList<xcb_window_t> missing;
-    for (const X11WindowFacts& facts : windows) {
-        if (facts.exists && !facts.pid) {
-            missing.append(facts.window);
-        }
-    }
-    if (missing.isEmpty()) {
-        return;
-    }
-    PendingPids pending = sendPidQueries(missing);
-    const QHash<xcb_window_t, pid_t> pids = collectPids(pending);
-    for (X11WindowFacts& facts : windows) {
-        if (!facts.pid && pids.contains(facts.window)) {
-            facts.pid = pids.value(facts.window);
-        }
-    }
 }
