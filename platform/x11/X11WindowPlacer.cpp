@@ -172,7 +172,7 @@ Result X11WindowPlacer::leaveSizeStates(xcb_window_t window, const QList<xcb_ato
             return !current.hasState(m_maximizedVert) && !current.hasState(m_maximizedHorz) &&
                    !current.hasState(m_fullscreen) && current.outerFrame().size() != sizeInState;
         },
-        kConfirmationMilliseconds, facts);
+        kStateChangeMilliseconds, facts);
     if (!facts->exists) {
         return Result::Gone;
     }
@@ -205,7 +205,7 @@ void X11WindowPlacer::restoreSizeStates(xcb_window_t window, const QList<xcb_ato
             }
             return current.outerFrame().size() != before;
         },
-        kConfirmationMilliseconds, &facts);
+        kStateChangeMilliseconds, &facts);
     // Window managers take several steps to maximise (client, decorations, frame); let them finish.
     waitForQuiet(window, kQuietMilliseconds, kConfirmationMilliseconds);
     qCDebug(lcPlacer) << "restored states of" << window << "frame" << read(window).outerFrame() << "from size"
@@ -218,13 +218,19 @@ Result X11WindowPlacer::moveFrame(xcb_window_t window, QPoint rootTopLeft) {
         return Result::Gone;
     }
     watch(window);
+    if (facts.outerFrame().topLeft() == rootTopLeft) {
+        return Result::Ok;
+    }
     const QList<xcb_atom_t> states = sizeStates(facts);
     if (!states.isEmpty()) {
         if (const Result error = leaveSizeStates(window, states, &facts); error != Result::Ok) {
+            // The window manager may still act on the request later: ask for the states back, so the
+            // window is never left out of them where it is.
+            if (error != Result::Gone) {
+                restoreSizeStates(window, states);
+            }
             return error;
         }
-    } else if (facts.outerFrame().topLeft() == rootTopLeft) {
-        return Result::Ok;
     }
     const QPoint before = facts.outerFrame().topLeft();
     const QPoint decorations = decorationOffset(facts);
@@ -274,19 +280,15 @@ Result X11WindowPlacer::resizeFrame(xcb_window_t window, QSize frameSize) {
         return Result::Gone;
     }
     watch(window);
-    const QList<xcb_atom_t> states = sizeStates(facts);
-    const QSize current = facts.outerFrame().size();
-    if (!states.isEmpty() && qAbs(current.width() - frameSize.width()) <= 2 &&
-        qAbs(current.height() - frameSize.height()) <= 2) {
-        return Result::Ok;  // maximised to this size already: keep the state
-    }
-    if (states.isEmpty() && current == frameSize) {
+    // A maximised or full-screen window takes the size of its monitor: a size computed for it elsewhere
+    // (scaled from another monitor, or read while the window manager was still resizing it) would only
+    // take it out of its state.
+    if (!sizeStates(facts).isEmpty()) {
+        qCDebug(lcPlacer) << "resize" << window << "kept in its size states at" << facts.outerFrame().size();
         return Result::Ok;
     }
-    if (!states.isEmpty()) {
-        if (const Result error = leaveSizeStates(window, states, &facts); error != Result::Ok) {
-            return error;
-        }
+    if (facts.outerFrame().size() == frameSize) {
+        return Result::Ok;
     }
     const QSize before = facts.outerFrame().size();
     const QSize decorations(facts.frameExtents.left() + facts.frameExtents.right() + 2 * facts.borderWidth,
