@@ -164,23 +164,27 @@ Result X11WindowPlacer::leaveSizeStates(xcb_window_t window, const QList<xcb_ato
     if (vert || horz) {
         sendState(window, false, vert ? m_maximizedVert : m_maximizedHorz, vert && horz ? m_maximizedHorz : 0);
     }
-    // The state property may change before the frame does; wait for both.
+    // The state property may change before the frame does; wait for both. A busy window manager may take
+    // long to answer at all; once it has, the frame follows at once, unless the window's normal size is
+    // its size in the state, which never changes.
     const QSize sizeInState = facts->outerFrame().size();
     const bool left = waitUntil(
         window,
-        [this, sizeInState](const X11WindowFacts& current) {
+        [this](const X11WindowFacts& current) {
             return !current.hasState(m_maximizedVert) && !current.hasState(m_maximizedHorz) &&
-                   !current.hasState(m_fullscreen) && current.outerFrame().size() != sizeInState;
+                   !current.hasState(m_fullscreen);
         },
         kStateChangeMilliseconds, facts);
+    if (left) {
+        waitUntil(
+            window, [sizeInState](const X11WindowFacts& current) { return current.outerFrame().size() != sizeInState; },
+            kConfirmationMilliseconds, facts);
+    }
     if (!facts->exists) {
         return Result::Gone;
     }
     qCDebug(lcPlacer) << "left states of" << window << "frame" << facts->outerFrame() << "from size" << sizeInState;
-    // A window whose normal size is its maximised size never changes size: the state is what counts.
-    const bool stateLeft =
-        !facts->hasState(m_maximizedVert) && !facts->hasState(m_maximizedHorz) && !facts->hasState(m_fullscreen);
-    return left || stateLeft ? Result::Ok : Result::CannotComplete;
+    return left ? Result::Ok : Result::CannotComplete;
 }
 
 void X11WindowPlacer::restoreSizeStates(xcb_window_t window, const QList<xcb_atom_t>& states) {
@@ -193,19 +197,24 @@ void X11WindowPlacer::restoreSizeStates(xcb_window_t window, const QList<xcb_ato
     if (states.contains(m_fullscreen)) {
         sendState(window, true, m_fullscreen, 0);
     }
-    // The state property may change before the frame does; wait for both.
+    // The state property may change before the frame does; wait for both, as when leaving them.
     X11WindowFacts facts;
-    waitUntil(
+    const bool entered = waitUntil(
         window,
-        [&states, before](const X11WindowFacts& current) {
+        [&states](const X11WindowFacts& current) {
             for (xcb_atom_t state : states) {
                 if (!current.hasState(state)) {
                     return false;
                 }
             }
-            return current.outerFrame().size() != before;
+            return true;
         },
         kStateChangeMilliseconds, &facts);
+    if (entered) {
+        waitUntil(
+            window, [before](const X11WindowFacts& current) { return current.outerFrame().size() != before; },
+            kConfirmationMilliseconds, &facts);
+    }
     // Window managers take several steps to maximise (client, decorations, frame); let them finish.
     waitForQuiet(window, kQuietMilliseconds, kConfirmationMilliseconds);
     qCDebug(lcPlacer) << "restored states of" << window << "frame" << read(window).outerFrame() << "from size"
@@ -222,6 +231,11 @@ Result X11WindowPlacer::moveFrame(xcb_window_t window, QPoint rootTopLeft) {
         return Result::Ok;
     }
     const QList<xcb_atom_t> states = sizeStates(facts);
+    // A maximised or full-screen frame is where its state puts it; a point a decoration's width away (a
+    // position computed from its size) asks for the same place, and leaving the state would only flicker.
+    if (!states.isEmpty() && (facts.outerFrame().topLeft() - rootTopLeft).manhattanLength() <= kDecorationSlack) {
+        return Result::Ok;
+    }
     if (!states.isEmpty()) {
         if (const Result error = leaveSizeStates(window, states, &facts); error != Result::Ok) {
             // The window manager may still act on the request later: ask for the states back, so the
@@ -239,8 +253,9 @@ Result X11WindowPlacer::moveFrame(xcb_window_t window, QPoint rootTopLeft) {
         return current.outerFrame().topLeft() == rootTopLeft;
     };
     // Done waiting once the frame has moved at all; where it went says whether to aim again. Usually the
-    // window manager's own report of the move says it landed, and nothing needs to be read.
-    QDeadlineTimer deadline(kConfirmationMilliseconds);
+    // window manager's own report of the move says it landed, and nothing needs to be read. A window
+    // just taken out of its states waits as long as that took: the window manager is busy.
+    QDeadlineTimer deadline(states.isEmpty() ? kConfirmationMilliseconds : kStateChangeMilliseconds);
     if (!confirmedByReport(window, deadline, &facts, arrived)) {
         waitUntil(
             window,
