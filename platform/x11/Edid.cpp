@@ -6,6 +6,7 @@ constexpr int kBaseBlockSize = 128;
 constexpr unsigned char kHeader[8] = {0x00, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0x00};
 constexpr int kDescriptorOffsets[4] = {54, 72, 90, 108};
 constexpr unsigned char kMonitorNameTag = 0xFC;
+constexpr unsigned char kSerialTextTag = 0xFF;
 
 quint32 byteAt(const QByteArray& data, int offset) {
     return static_cast<quint8>(data.at(offset));
@@ -35,8 +36,16 @@ std::optional<Edid> parseEdid(const QByteArray& data) {
     edid.model = byteAt(data, 10) | (byteAt(data, 11) << 8);
     edid.serial = byteAt(data, 12) | (byteAt(data, 13) << 8) | (byteAt(data, 14) << 16) | (byteAt(data, 15) << 24);
     for (const int offset : kDescriptorOffsets) {
-        // Display descriptors start with two zero bytes; byte 3 says what they hold.
-        if (byteAt(data, offset) != 0 || byteAt(data, offset + 1) != 0 || byteAt(data, offset + 3) != kMonitorNameTag) {
+        // Display descriptors start with two zero bytes; byte 3 says what they hold, 13 bytes of text
+        // from byte 5, ended by a line feed when shorter.
+        if (byteAt(data, offset) != 0 || byteAt(data, offset + 1) != 0) {
+            continue;
+        }
+        const quint32 tag = byteAt(data, offset + 3);
+        QString* field = tag == kMonitorNameTag  ? &edid.monitorName
+                         : tag == kSerialTextTag ? &edid.serialText
+                                                 : nullptr;
+        if (field == nullptr || !field->isEmpty()) {
             continue;
         }
         QByteArray text = data.mid(offset + 5, 13);
@@ -44,8 +53,7 @@ std::optional<Edid> parseEdid(const QByteArray& data) {
         if (end >= 0) {
             text.truncate(end);
         }
-        edid.monitorName = QString::fromLatin1(text).trimmed();
-        break;
+        *field = QString::fromLatin1(text).trimmed();
     }
     return edid;
 }

@@ -10,6 +10,7 @@ struct Edid {
     quint32 model = 0;    // product code, bytes 10-11, little-endian
     quint32 serial = 0;   // serial number, bytes 12-15, little-endian
     QString monitorName;  // the monitor-name descriptor, empty when there is none
+    QString serialText;   // the serial-number descriptor, empty when there is none
 
     bool operator==(const Edid&) const = default;
 };

@@ -1,4 +1,5 @@
 #include "platform/x11/X11Capture.h"
+#include "platform/x11/XcbReply.h"
 
 #include <sys/ipc.h>
 #include <sys/shm.h>
@@ -92,12 +93,11 @@ private:
             return std::nullopt;
         }
         segment.id = xcb_generate_id(m_connection);
-        xcb_generic_error_t* error = xcb_request_check(
-            m_connection, xcb_shm_attach_checked(m_connection, segment.id, static_cast<uint32_t>(segment.shmId), 0));
+        const XcbReply<xcb_generic_error_t> error(xcb_request_check(
+            m_connection, xcb_shm_attach_checked(m_connection, segment.id, static_cast<uint32_t>(segment.shmId), 0)));
         // Once both sides are attached the segment can be marked for removal: it lives until the last detach.
         shmctl(segment.shmId, IPC_RMID, nullptr);
-        if (error != nullptr) {
-            std::free(error);
+        if (error) {
             shmdt(address);
             return std::nullopt;
         }
@@ -171,10 +171,9 @@ bool X11Capture::ensureConnected() {
     m_screen = it.data;
     const xcb_query_extension_reply_t* shm = xcb_get_extension_data(m_connection, &xcb_shm_id);
     if (shm != nullptr && shm->present) {
-        xcb_shm_query_version_reply_t* version =
-            xcb_shm_query_version_reply(m_connection, xcb_shm_query_version(m_connection), nullptr);
+        const XcbReply<xcb_shm_query_version_reply_t> version(
+            xcb_shm_query_version_reply(m_connection, xcb_shm_query_version(m_connection), nullptr));
         m_sharedMemoryUsable = version != nullptr;
-        std::free(version);
     }
     m_pool = std::make_shared<SegmentPool>(m_connection);
     return m_screen != nullptr;
@@ -218,16 +217,15 @@ QImage X11Capture::captureWithSharedMemory(const QRect& rect) {
         m_sharedMemoryUsable = false;  // e.g. a server on another machine: GetImage from now on
         return {};
     }
-    xcb_generic_error_t* error = nullptr;
-    xcb_shm_get_image_reply_t* reply = xcb_shm_get_image_reply(
+    xcb_generic_error_t* rawError = nullptr;
+    const XcbReply<xcb_shm_get_image_reply_t> reply(xcb_shm_get_image_reply(
         m_connection,
         xcb_shm_get_image(m_connection, m_screen->root, static_cast<int16_t>(rect.x()), static_cast<int16_t>(rect.y()),
                           static_cast<uint16_t>(rect.width()), static_cast<uint16_t>(rect.height()), ~0u,
                           XCB_IMAGE_FORMAT_Z_PIXMAP, segment->id, 0),
-        &error);
-    const bool ok = reply != nullptr && error == nullptr && reply->size >= size;
-    std::free(reply);
-    std::free(error);
+        &rawError));
+    const XcbReply<xcb_generic_error_t> error(rawError);
+    const bool ok = reply && !error && reply->size >= size;
     if (!ok) {
         m_pool->give(*segment);
         return {};
@@ -242,17 +240,16 @@ QImage X11Capture::captureWithGetImage(const QRect& rect) {
     xcb_get_image_cookie_t cookie = xcb_get_image(
         m_connection, XCB_IMAGE_FORMAT_Z_PIXMAP, m_screen->root, static_cast<int16_t>(rect.x()),
         static_cast<int16_t>(rect.y()), static_cast<uint16_t>(rect.width()), static_cast<uint16_t>(rect.height()), ~0u);
-    xcb_get_image_reply_t* reply = xcb_get_image_reply(m_connection, cookie, nullptr);
-    if (reply == nullptr) {
+    const XcbReply<xcb_get_image_reply_t> reply(xcb_get_image_reply(m_connection, cookie, nullptr));
+    if (!reply) {
         return {};
     }
     QImage image;
-    const int length = xcb_get_image_data_length(reply);
+    const int length = xcb_get_image_data_length(reply.get());
     if (reply->depth == 24 || reply->depth == 32) {
         const qsizetype bytesPerLine = static_cast<qsizetype>(length) / rect.height();
-        QImage view(xcb_get_image_data(reply), rect.width(), rect.height(), bytesPerLine, QImage::Format_RGB32);
+        QImage view(xcb_get_image_data(reply.get()), rect.width(), rect.height(), bytesPerLine, QImage::Format_RGB32);
         image = view.copy();
     }
-    std::free(reply);
     return image;
 }

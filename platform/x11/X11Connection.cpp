@@ -1,11 +1,59 @@
 #include "platform/x11/X11Connection.h"
+#include "platform/x11/XcbReply.h"
 
 #include <poll.h>
 
 #include <QAbstractEventDispatcher>
 #include <QCoreApplication>
 #include <QDeadlineTimer>
-#include <cstdlib>
+#include <QLoggingCategory>
+
+Q_LOGGING_CATEGORY(lcX11Connection, "lattica.x11.connection", QtInfoMsg)
+
+namespace {
+
+const char* errorName(uint8_t code) {
+    switch (code) {
+        case XCB_REQUEST:
+            return "BadRequest";
+        case XCB_VALUE:
+            return "BadValue";
+        case XCB_WINDOW:
+            return "BadWindow";
+        case XCB_PIXMAP:
+            return "BadPixmap";
+        case XCB_ATOM:
+            return "BadAtom";
+        case XCB_CURSOR:
+            return "BadCursor";
+        case XCB_FONT:
+            return "BadFont";
+        case XCB_MATCH:
+            return "BadMatch";
+        case XCB_DRAWABLE:
+            return "BadDrawable";
+        case XCB_ACCESS:
+            return "BadAccess";
+        case XCB_ALLOC:
+            return "BadAlloc";
+        case XCB_COLORMAP:
+            return "BadColormap";
+        case XCB_G_CONTEXT:
+            return "BadGC";
+        case XCB_ID_CHOICE:
+            return "BadIDChoice";
+        case XCB_NAME:
+            return "BadName";
+        case XCB_LENGTH:
+            return "BadLength";
+        case XCB_IMPLEMENTATION:
+            return "BadImplementation";
+        default:
+            return "extension error";
+    }
+}
+
+}  // namespace
 
 std::unique_ptr<X11Connection> X11Connection::open(const QByteArray& displayName) {
     int screenNumber = 0;
@@ -73,9 +121,8 @@ void X11Connection::internAtoms(std::initializer_list<const char*> names) {
         cookies.append({key, xcb_intern_atom(m_connection, 0, static_cast<uint16_t>(key.size()), key.constData())});
     }
     for (const auto& [key, cookie] : cookies) {
-        xcb_intern_atom_reply_t* reply = xcb_intern_atom_reply(m_connection, cookie, nullptr);
-        const xcb_atom_t value = reply != nullptr ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
-        std::free(reply);
+        const XcbReply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(m_connection, cookie, nullptr));
+        const xcb_atom_t value = reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
         QMutexLocker lock(&m_atomMutex);
         m_atoms.insert(key, value);
     }
@@ -92,6 +139,9 @@ void X11Connection::removeEventHandler(int handlerId) {
 }
 
 void X11Connection::dispatch(xcb_generic_event_t* event) {
+    if (event->response_type == 0) {
+        noteError(reinterpret_cast<const xcb_generic_error_t*>(event));
+    }
     // Copy: a handler may add or remove handlers while it runs.
     const auto handlers = m_handlers;
     for (const auto& [id, handler] : handlers) {
@@ -101,11 +151,24 @@ void X11Connection::dispatch(xcb_generic_event_t* event) {
     }
 }
 
+void X11Connection::noteError(const xcb_generic_error_t* error) {
+    // Requests nobody checks fail for ordinary reasons (a window closed meanwhile), again and again:
+    // say each kind of failure once.
+    const quint32 kind = quint32(error->error_code) << 24 | quint32(error->major_code) << 16 | error->minor_code;
+    if (m_reportedErrors.contains(kind)) {
+        return;
+    }
+    m_reportedErrors.insert(kind);
+    qCWarning(lcX11Connection).nospace() << "X error " << errorName(error->error_code) << " (" << error->error_code
+                                         << ") for request " << error->major_code << "." << error->minor_code
+                                         << " on resource 0x" << Qt::hex << error->resource_id
+                                         << "; later errors of this kind are not reported";
+}
+
 void X11Connection::dispatchPendingEvents() {
     QMutexLocker lock(&m_dispatchMutex);
-    while (xcb_generic_event_t* event = xcb_poll_for_event(m_connection)) {
-        dispatch(event);
-        std::free(event);
+    while (const XcbReply<xcb_generic_event_t> event{xcb_poll_for_event(m_connection)}) {
+        dispatch(event.get());
     }
 }
 
@@ -115,10 +178,9 @@ bool X11Connection::waitForEvent(const std::function<bool(xcb_generic_event_t*)>
     while (!hasError()) {
         {
             QMutexLocker lock(&m_dispatchMutex);
-            while (xcb_generic_event_t* event = xcb_poll_for_event(m_connection)) {
-                const bool matched = predicate(event);
-                dispatch(event);
-                std::free(event);
+            while (const XcbReply<xcb_generic_event_t> event{xcb_poll_for_event(m_connection)}) {
+                const bool matched = predicate(event.get());
+                dispatch(event.get());
                 if (matched) {
                     return true;
                 }

@@ -6,6 +6,7 @@
 #include <QMutex>
 #include <QObject>
 #include <QRecursiveMutex>
+#include <QSet>
 #include <QSocketNotifier>
 #include <functional>
 #include <memory>
@@ -37,8 +38,10 @@ public:
 
     int addEventHandler(EventHandler handler);
     void removeEventHandler(int handlerId);
+    qsizetype eventHandlerCount() const { return m_handlers.size(); }
 
-    // Hands every event already read from the server to the handlers. Safe on any thread: events are
+    // Hands every event already read from the server to the handlers, and logs the errors of
+    // requests nobody checks, each kind once. Safe on any thread: events are
     // taken and handled one thread at a time, so once this returns, every event that had arrived
     // before the call has been handled.
     void dispatchPendingEvents();
@@ -53,6 +56,7 @@ public:
 private:
     X11Connection(xcb_connection_t* connection, xcb_screen_t* screen, QByteArray displayName);
     void dispatch(xcb_generic_event_t* event);
+    void noteError(const xcb_generic_error_t* error);
 
     xcb_connection_t* m_connection = nullptr;
     xcb_screen_t* m_screen = nullptr;
@@ -63,4 +67,5 @@ private:
     QHash<QByteArray, xcb_atom_t> m_atoms;
     QList<std::pair<int, EventHandler>> m_handlers;
     int m_nextHandlerId = 1;
+    QSet<quint32> m_reportedErrors;  // error code, major and minor opcode of the errors logged
 };

@@ -13,18 +13,18 @@
 #include "platform/x11/CarbonKeyCodes.h"
 #include "platform/x11/X11Connection.h"
 #include "platform/x11/X11KeyboardLayout.h"
+#include "platform/x11/XcbReply.h"
 #include "platform/x11/XkbEvents.h"
 
 Q_LOGGING_CATEGORY(lcX11HotKeys, "lattica.x11.hotkeys", QtInfoMsg)
 
 namespace {
 
-constexpr uint8_t kBadAccess = 10;
 // The modifiers a hot key can hold; the lock bits and the others are masked away from key states.
 constexpr uint16_t kRealModifiers = XCB_MOD_MASK_SHIFT | XCB_MOD_MASK_CONTROL | XCB_MOD_MASK_1 | XCB_MOD_MASK_4;
 
 HotKeys::Failure failureForError(uint8_t errorCode) {
-    if (errorCode == kBadAccess) {
+    if (errorCode == XCB_ACCESS) {
         return {HotKeys::Error::takenByAnotherClient};
     }
     return {HotKeys::Error::other, errorCode};
@@ -41,9 +41,9 @@ X11HotKeys::X11HotKeys(X11Connection& connection, X11KeyboardLayout* layout)
         xcb_xkb_per_client_flags_cookie_t cookie =
             xcb_xkb_per_client_flags(xcb, XCB_XKB_ID_USE_CORE_KBD, XCB_XKB_PER_CLIENT_FLAG_DETECTABLE_AUTO_REPEAT,
                                      XCB_XKB_PER_CLIENT_FLAG_DETECTABLE_AUTO_REPEAT, 0, 0, 0);
-        if (xcb_xkb_per_client_flags_reply_t* reply = xcb_xkb_per_client_flags_reply(xcb, cookie, nullptr)) {
+        if (const XcbReply<xcb_xkb_per_client_flags_reply_t> reply{
+                xcb_xkb_per_client_flags_reply(xcb, cookie, nullptr)}) {
             m_detectableAutoRepeat = (reply->value & XCB_XKB_PER_CLIENT_FLAG_DETECTABLE_AUTO_REPEAT) != 0;
-            std::free(reply);
         }
     }
     readNumLockMask();
@@ -66,16 +66,16 @@ void X11HotKeys::readNumLockMask() {
     if (symbols == nullptr) {
         return;
     }
-    xcb_keycode_t* numLockKeycodes = xcb_key_symbols_get_keycode(symbols, XKB_KEY_Num_Lock);
-    xcb_get_modifier_mapping_reply_t* mapping =
-        xcb_get_modifier_mapping_reply(xcb, xcb_get_modifier_mapping(xcb), nullptr);
-    if (numLockKeycodes != nullptr && mapping != nullptr) {
-        const xcb_keycode_t* keycodes = xcb_get_modifier_mapping_keycodes(mapping);
+    const XcbReply<xcb_keycode_t> numLockKeycodes(xcb_key_symbols_get_keycode(symbols, XKB_KEY_Num_Lock));
+    const XcbReply<xcb_get_modifier_mapping_reply_t> mapping(
+        xcb_get_modifier_mapping_reply(xcb, xcb_get_modifier_mapping(xcb), nullptr));
+    if (numLockKeycodes && mapping) {
+        const xcb_keycode_t* keycodes = xcb_get_modifier_mapping_keycodes(mapping.get());
         const int perModifier = mapping->keycodes_per_modifier;
         for (int modifier = 0; modifier < 8; ++modifier) {
             for (int i = 0; i < perModifier; ++i) {
                 const xcb_keycode_t keycode = keycodes[modifier * perModifier + i];
-                for (const xcb_keycode_t* numLock = numLockKeycodes; keycode != 0 && *numLock != XCB_NO_SYMBOL;
+                for (const xcb_keycode_t* numLock = numLockKeycodes.get(); keycode != 0 && *numLock != XCB_NO_SYMBOL;
                      ++numLock) {
                     if (*numLock == keycode) {
                         m_numLockMask = static_cast<uint16_t>(1u << modifier);
@@ -84,8 +84,6 @@ void X11HotKeys::readNumLockMask() {
             }
         }
     }
-    std::free(mapping);
-    std::free(numLockKeycodes);
     xcb_key_symbols_free(symbols);
     qCDebug(lcX11HotKeys) << "NumLock modifier mask" << m_numLockMask;
 }
@@ -110,11 +108,10 @@ std::optional<HotKeys::Failure> X11HotKeys::grab(xcb_keycode_t keycode, uint16_t
     std::optional<Failure> failure;
     QList<uint16_t> grabbed;
     for (int i = 0; i < cookies.size(); ++i) {
-        if (xcb_generic_error_t* error = xcb_request_check(xcb, cookies[i])) {
+        if (const XcbReply<xcb_generic_error_t> error{xcb_request_check(xcb, cookies[i])}) {
             if (!failure) {
                 failure = failureForError(error->error_code);
             }
-            std::free(error);
         } else {
             grabbed.append(variants[i]);
         }

@@ -2,10 +2,15 @@
 
 #include <xcb/randr.h>
 
-#include <cstdlib>
+#include <QLoggingCategory>
+#include <QSet>
 
 #include "platform/x11/Edid.h"
 #include "platform/x11/X11Connection.h"
+#include "platform/x11/X11MonitorIdentities.h"
+#include "platform/x11/XcbReply.h"
+
+Q_LOGGING_CATEGORY(lcMonitors, "lattica.x11.monitors", QtInfoMsg)
 
 namespace {
 
@@ -15,13 +20,6 @@ constexpr int kCoalesceMilliseconds = 40;
 // RandR event; a cheap look at the monitor list catches those.
 constexpr int kPollMilliseconds = 500;
 
-template <typename Reply>
-struct FreeDeleter {
-    void operator()(Reply* reply) const { std::free(reply); }
-};
-template <typename Reply>
-using ReplyPtr = std::unique_ptr<Reply, FreeDeleter<Reply>>;
-
 }  // namespace
 
 X11Monitors::X11Monitors(X11Connection& connection) : m_connection(connection), m_capture(connection.displayName()) {
@@ -29,7 +27,7 @@ X11Monitors::X11Monitors(X11Connection& connection) : m_connection(connection), 
     const xcb_query_extension_reply_t* randr = xcb_get_extension_data(xcb, &xcb_randr_id);
     if (randr != nullptr && randr->present) {
         m_randrFirstEvent = randr->first_event;
-        ReplyPtr<xcb_randr_query_version_reply_t> version(
+        XcbReply<xcb_randr_query_version_reply_t> version(
             xcb_randr_query_version_reply(xcb, xcb_randr_query_version(xcb, 1, 5), nullptr));
         m_hasRandr15 = version && (version->major_version > 1 || version->minor_version >= 5);
         xcb_randr_select_input(xcb, m_connection.root(),
@@ -54,7 +52,7 @@ QByteArray X11Monitors::monitorSignature() {
     if (!m_hasRandr15 || m_connection.hasError()) {
         return {};
     }
-    ReplyPtr<xcb_randr_get_monitors_reply_t> reply(
+    XcbReply<xcb_randr_get_monitors_reply_t> reply(
         xcb_randr_get_monitors_reply(xcb, xcb_randr_get_monitors(xcb, m_connection.root(), 1), nullptr));
     if (!reply) {
         return {};
@@ -105,8 +103,8 @@ QList<X11Monitors::RandrMonitor> X11Monitors::fetchMonitors() {
     // Stage 1: the monitors and the screen's outputs (for unit numbers).
     auto monitorsCookie = xcb_randr_get_monitors(xcb, m_connection.root(), 1);
     auto resourcesCookie = xcb_randr_get_screen_resources_current(xcb, m_connection.root());
-    ReplyPtr<xcb_randr_get_monitors_reply_t> monitorsReply(xcb_randr_get_monitors_reply(xcb, monitorsCookie, nullptr));
-    ReplyPtr<xcb_randr_get_screen_resources_current_reply_t> resources(
+    XcbReply<xcb_randr_get_monitors_reply_t> monitorsReply(xcb_randr_get_monitors_reply(xcb, monitorsCookie, nullptr));
+    XcbReply<xcb_randr_get_screen_resources_current_reply_t> resources(
         xcb_randr_get_screen_resources_current_reply(xcb, resourcesCookie, nullptr));
     if (!monitorsReply) {
         return monitors;
@@ -128,6 +126,8 @@ QList<X11Monitors::RandrMonitor> X11Monitors::fetchMonitors() {
         xcb_randr_get_output_property_cookie_t edidCookie{};
     };
     QList<Pending> pending;
+    QStringList connectors;
+    QStringList serialTexts;
     for (auto it = xcb_randr_get_monitors_monitors_iterator(monitorsReply.get()); it.rem > 0;
          xcb_randr_monitor_info_next(&it)) {
         const xcb_randr_monitor_info_t* info = it.data;
@@ -148,21 +148,21 @@ QList<X11Monitors::RandrMonitor> X11Monitors::fetchMonitors() {
     }
     for (Pending& entry : pending) {
         QString monitorName;
-        if (ReplyPtr<xcb_get_atom_name_reply_t> name(xcb_get_atom_name_reply(xcb, entry.nameCookie, nullptr)); name) {
+        if (XcbReply<xcb_get_atom_name_reply_t> name(xcb_get_atom_name_reply(xcb, entry.nameCookie, nullptr)); name) {
             monitorName =
                 QString::fromLatin1(xcb_get_atom_name_name(name.get()), xcb_get_atom_name_name_length(name.get()));
         }
         QString outputName;
         std::optional<Edid> edid;
         if (entry.output != XCB_NONE) {
-            ReplyPtr<xcb_randr_get_output_info_reply_t> output(
+            XcbReply<xcb_randr_get_output_info_reply_t> output(
                 xcb_randr_get_output_info_reply(xcb, entry.outputCookie, nullptr));
             if (output) {
                 outputName =
                     QString::fromUtf8(reinterpret_cast<const char*>(xcb_randr_get_output_info_name(output.get())),
                                       xcb_randr_get_output_info_name_length(output.get()));
             }
-            ReplyPtr<xcb_randr_get_output_property_reply_t> property(
+            XcbReply<xcb_randr_get_output_property_reply_t> property(
                 xcb_randr_get_output_property_reply(xcb, entry.edidCookie, nullptr));
             if (property && property->format == 8) {
                 const QByteArray data(reinterpret_cast<const char*>(xcb_randr_get_output_property_data(property.get())),
@@ -170,6 +170,8 @@ QList<X11Monitors::RandrMonitor> X11Monitors::fetchMonitors() {
                 edid = parseEdid(data);
             }
         }
+        connectors.append(!outputName.isEmpty() ? outputName : monitorName);
+        serialTexts.append(edid ? edid->serialText : QString());
         if (edid) {
             entry.monitor.vendor = edid->vendor;
             entry.monitor.model = edid->model;
@@ -184,6 +186,23 @@ QList<X11Monitors::RandrMonitor> X11Monitors::fetchMonitors() {
         }
         monitors.append({entry.monitor, entry.rootRect});
     }
+    QList<X11MonitorIdentities::Candidate> candidates;
+    for (qsizetype i = 0; i < monitors.size(); ++i) {
+        candidates.append({&monitors[i].monitor, connectors[i], serialTexts[i]});
+    }
+    for (const QString& change : X11MonitorIdentities::makeDistinct(candidates)) {
+        // Said once per configuration that needs it, not at every look at the monitors.
+        if (!m_reportedIdentityChanges.contains(change)) {
+            m_reportedIdentityChanges.insert(change);
+            qCWarning(lcMonitors).noquote() << change;
+        }
+    }
+    // A duplicate here would bind two rows of the settings to one shortcut.
+    QSet<QString> keys;
+    for (const RandrMonitor& monitor : monitors) {
+        keys.insert(X11MonitorIdentities::key(monitor.monitor));
+    }
+    Q_ASSERT_X(keys.size() == monitors.size(), "X11Monitors", "two monitors share one identity");
     std::stable_partition(monitors.begin(), monitors.end(),
                           [](const RandrMonitor& monitor) { return monitor.monitor.primary; });
 

@@ -2,6 +2,7 @@
 
 #include <QHash>
 #include <QMutex>
+#include <QSet>
 #include <QTimer>
 #include <memory>
 
@@ -48,5 +49,6 @@ private:
     QList<RandrMonitor> m_signalledMonitors;  // the configuration last announced
     QMutex m_rectMutex;
     QHash<MonitorId, QRect> m_rootRects;  // read by capture threads
+    QSet<QString> m_reportedIdentityChanges;
     X11Capture m_capture;
 };

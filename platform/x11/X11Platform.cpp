@@ -1,6 +1,5 @@
 #include "platform/x11/X11Platform.h"
 
-#include "platform/xdg/LinuxSystemInfo.h"
 #include "platform/x11/X11Connection.h"
 #include "platform/x11/X11ForegroundActivation.h"
 #include "platform/x11/X11HotKeys.h"
@@ -14,9 +13,10 @@
 #include "platform/x11/X11WindowControl.h"
 #include "platform/x11/X11WindowDesktopEntries.h"
 #include "platform/x11/X11WindowList.h"
-#include "platform/xdg/XdgDesktopLauncher.h"
 #include "platform/xdg/FileSettingsStore.h"
+#include "platform/xdg/LinuxSystemInfo.h"
 #include "platform/xdg/XdgAutostart.h"
+#include "platform/xdg/XdgDesktopLauncher.h"
 
 struct X11Platform::Owned {
     std::unique_ptr<X11KeyboardLayout> keyboardLayout;
@@ -42,12 +42,17 @@ std::unique_ptr<X11Platform> X11Platform::connect(const QByteArray& displayName)
     if (!connection) {
         return nullptr;
     }
-    return std::unique_ptr<X11Platform>(new X11Platform(std::move(connection)));
+    X11Connection& x11 = *connection;
+    return std::unique_ptr<X11Platform>(new X11Platform(std::move(connection), x11));
 }
 
-X11Platform::X11Platform(std::unique_ptr<X11Connection> connection)
-    : m_connection(std::move(connection)), m_owned(std::make_unique<Owned>()) {
-    X11Connection& x11 = *m_connection;
+std::unique_ptr<X11Platform> X11Platform::on(X11Connection& connection) {
+    return std::unique_ptr<X11Platform>(new X11Platform(nullptr, connection));
+}
+
+X11Platform::X11Platform(std::unique_ptr<X11Connection> owned, X11Connection& connection)
+    : m_ownedConnection(std::move(owned)), m_x11(&connection), m_owned(std::make_unique<Owned>()) {
+    X11Connection& x11 = connection;
     m_owned->monitors = std::make_unique<X11Monitors>(x11);
     m_owned->settings = std::make_unique<FileSettingsStore>(FileSettingsStore::standardPath());
     m_owned->autostart = std::make_unique<XdgAutostart>(XdgAutostart::standardPath());
@@ -91,7 +96,12 @@ X11Platform::X11Platform(std::unique_ptr<X11Connection> connection)
 }
 
 X11Platform::~X11Platform() {
+    // Nothing may reach the services once they are gone.
+    if (Platform::services().monitors == m_services.monitors) {
+        Platform::install(PlatformServices{});
+    }
     m_owned.reset();
+    m_x11->flush();
 }
 
 X11WindowCache* X11Platform::windowCache() const {

@@ -11,6 +11,7 @@
 #include "platform/x11/X11WindowDesktopEntries.h"
 #include "platform/x11/X11WindowOwners.h"
 #include "platform/x11/X11WindowTable.h"
+#include "platform/x11/XcbReply.h"
 
 namespace {
 constexpr int kIconSize = 64;
@@ -96,12 +97,9 @@ QImage X11RunningApplications::iconForApplication(pid_t pid) {
 // The largest picture in the window's _NET_WM_ICON: width, height, then ARGB pixels, repeated.
 QImage X11RunningApplications::windowIcon(xcb_window_t window) {
     xcb_connection_t* xcb = m_connection.xcb();
-    std::unique_ptr<xcb_get_property_reply_t, decltype(&std::free)> reply(
-        xcb_get_property_reply(
-            xcb,
-            xcb_get_property(xcb, 0, window, m_connection.atom("_NET_WM_ICON"), XCB_ATOM_CARDINAL, 0, kMaxIconLongs),
-            nullptr),
-        &std::free);
+    const XcbReply<xcb_get_property_reply_t> reply(xcb_get_property_reply(
+        xcb, xcb_get_property(xcb, 0, window, m_connection.atom("_NET_WM_ICON"), XCB_ATOM_CARDINAL, 0, kMaxIconLongs),
+        nullptr));
     if (!reply || reply->format != 32) {
         return {};
     }

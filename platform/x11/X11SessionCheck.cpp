@@ -1,23 +1,10 @@
 #include "platform/x11/X11SessionCheck.h"
 
-#include <cstdlib>
-
 #include "platform/x11/X11Connection.h"
+#include "platform/x11/X11Ewmh.h"
 #include "platform/x11/X11SessionHelpPage.h"
 
 namespace {
-
-// The window a property of type WINDOW names, or XCB_NONE.
-xcb_window_t windowProperty(X11Connection& connection, xcb_window_t window, xcb_atom_t property) {
-    xcb_get_property_reply_t* reply = xcb_get_property_reply(
-        connection.xcb(), xcb_get_property(connection.xcb(), 0, window, property, XCB_ATOM_WINDOW, 0, 1), nullptr);
-    xcb_window_t value = XCB_NONE;
-    if (reply != nullptr && reply->format == 32 && xcb_get_property_value_length(reply) >= 4) {
-        value = *static_cast<xcb_window_t*>(xcb_get_property_value(reply));
-    }
-    std::free(reply);
-    return value;
-}
 
 const QString kNoConnection =
     QStringLiteral("Lattica has lost its connection to the X server. Start Lattica again inside your desktop session.");
@@ -68,10 +55,7 @@ CapabilityCheck X11SessionCheck::screenCaptureFor(const Facts& facts) {
 }
 
 bool X11SessionCheck::hasEwmhWindowManager() {
-    const xcb_atom_t check = m_connection.atom("_NET_SUPPORTING_WM_CHECK");
-    const xcb_window_t child = windowProperty(m_connection, m_connection.root(), check);
-    // The check window names itself; a stale property left by a window manager that died does not.
-    return child != XCB_NONE && windowProperty(m_connection, child, check) == child;
+    return X11Ewmh::windowManagerPresent(m_connection);
 }
 
 X11SessionCheck::Facts X11SessionCheck::facts() {

@@ -7,6 +7,7 @@
 #include <cstdlib>
 
 #include "platform/x11/X11Connection.h"
+#include "platform/x11/XcbReply.h"
 
 Q_LOGGING_CATEGORY(lcTaskbar, "lattica.x11.taskbar", QtInfoMsg)
 
@@ -81,18 +82,17 @@ void X11TaskbarPresence::writeStateProperty(xcb_window_t window, bool skip) {
     const xcb_atom_t skipPager = m_connection.atom("_NET_WM_STATE_SKIP_PAGER");
 
     QList<xcb_atom_t> atoms;
-    xcb_get_property_reply_t* reply =
-        xcb_get_property_reply(xcb, xcb_get_property(xcb, 0, window, state, XCB_ATOM_ATOM, 0, 1024), nullptr);
-    if (reply != nullptr && reply->format == 32 && reply->type == XCB_ATOM_ATOM) {
-        const auto* values = static_cast<const xcb_atom_t*>(xcb_get_property_value(reply));
-        const int count = xcb_get_property_value_length(reply) / 4;
+    const XcbReply<xcb_get_property_reply_t> reply(
+        xcb_get_property_reply(xcb, xcb_get_property(xcb, 0, window, state, XCB_ATOM_ATOM, 0, 1024), nullptr));
+    if (reply && reply->format == 32 && reply->type == XCB_ATOM_ATOM) {
+        const auto* values = static_cast<const xcb_atom_t*>(xcb_get_property_value(reply.get()));
+        const int count = xcb_get_property_value_length(reply.get()) / 4;
         for (int i = 0; i < count; ++i) {
             if (values[i] != skipTaskbar && values[i] != skipPager) {
                 atoms.append(values[i]);
             }
         }
     }
-    std::free(reply);
     if (skip) {
         atoms.append(skipTaskbar);
         atoms.append(skipPager);
@@ -119,5 +119,5 @@ void X11TaskbarPresence::requestStateChange(xcb_window_t window, bool skip) {
 void X11TaskbarPresence::sync() {
     // A round trip: the server has applied our requests before Qt's own connection touches the window.
     xcb_connection_t* xcb = m_connection.xcb();
-    std::free(xcb_get_input_focus_reply(xcb, xcb_get_input_focus(xcb), nullptr));
+    XcbReply<xcb_get_input_focus_reply_t>(xcb_get_input_focus_reply(xcb, xcb_get_input_focus(xcb), nullptr));
 }

@@ -63,15 +63,6 @@ void X11WindowCache::store(const X11WindowFacts& facts, unsigned fields, quint64
     known.fields |= fields;
 }
 
-void X11WindowCache::storeResourcePid(xcb_window_t window, pid_t pid, quint64 mark) {
-    QMutexLocker lock(&m_mutex);
-    const auto found = m_known.find(window);
-    if (found == m_known.end() || !(found->fields & X11WindowFacts::Pid) || newsSince(window, mark)) {
-        return;
-    }
-    found->facts.pid = pid;
-}
-
 void X11WindowCache::forget(xcb_window_t window) {
     QMutexLocker lock(&m_mutex);
     noteNews(window);

@@ -51,8 +51,6 @@ public:
     // Asks the server for news of a window; sent before its first read.
     void watch(xcb_window_t window);
     void store(const X11WindowFacts& facts, unsigned fields, quint64 mark);
-    // The creator's pid that the X-Resource extension gave for a window without _NET_WM_PID.
-    void storeResourcePid(xcb_window_t window, pid_t pid, quint64 mark);
     // Drops what is known of a window, as if news of it had come.
     void forget(xcb_window_t window);
 

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "platform/x11/X11Connection.h"
+#include "platform/x11/X11Ewmh.h"
 
 namespace {
 
@@ -43,20 +44,7 @@ bool X11WindowControl::windowManagerRunning() {
     if (!m_wmCheckValidUntil.hasExpired()) {
         return m_wmRunning;
     }
-    // The check window names itself; a stale property left by a window manager that died does not.
-    const X11RootFacts root = m_reader.readRoot(X11WindowReader::WmCheck);
-    m_wmRunning = false;
-    if (root.connected && root.supportingWmCheck != XCB_NONE) {
-        xcb_connection_t* xcb = m_connection.xcb();
-        xcb_get_property_reply_t* reply = xcb_get_property_reply(
-            xcb,
-            xcb_get_property(xcb, 0, root.supportingWmCheck, m_connection.atom("_NET_SUPPORTING_WM_CHECK"),
-                             XCB_ATOM_WINDOW, 0, 1),
-            nullptr);
-        m_wmRunning = reply != nullptr && reply->format == 32 && xcb_get_property_value_length(reply) >= 4 &&
-                      *static_cast<uint32_t*>(xcb_get_property_value(reply)) == root.supportingWmCheck;
-        std::free(reply);
-    }
+    m_wmRunning = X11Ewmh::windowManagerPresent(m_connection);
     m_wmCheckValidUntil = QDeadlineTimer(kWmCheckMilliseconds);
     return m_wmRunning;
 }
@@ -92,9 +80,6 @@ X11WindowControl::Batch X11WindowControl::read(unsigned rootFields, const QHash<
         requests.append({*it, X11WindowFacts::Pid | X11WindowFacts::Desktop | X11WindowFacts::State});
     }
     QList<X11WindowFacts> facts = m_batchReader.readWindows(requests);
-
-    // Stage 3: owners of windows without _NET_WM_PID.
-    m_batchReader.resolveMissingPids(facts);
     for (qsizetype i = 0; i < facts.size(); ++i) {
         if (i < ownCount) {
             batch.windows.insert(facts[i].window, facts[i]);

@@ -5,28 +5,12 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QLocale>
+#include <QStandardPaths>
 
 namespace {
 
 // Directory times are looked at no more often than this.
 constexpr qint64 kRecheckMilliseconds = 2000;
-
-QStringList defaultDirectories() {
-    QStringList directories;
-    QString home = qEnvironmentVariable("XDG_DATA_HOME");
-    if (home.isEmpty()) {
-        home = qEnvironmentVariable("HOME") + QStringLiteral("/.local/share");
-    }
-    directories.append(home + QStringLiteral("/applications"));
-    QString dirs = qEnvironmentVariable("XDG_DATA_DIRS");
-    if (dirs.isEmpty()) {
-        dirs = QStringLiteral("/usr/local/share:/usr/share");
-    }
-    for (const QString& dir : dirs.split(QLatin1Char(':'), Qt::SkipEmptyParts)) {
-        directories.append(dir + QStringLiteral("/applications"));
-    }
-    return directories;
-}
 
 qint64 monotonicMilliseconds() {
     static QElapsedTimer clock = [] {
@@ -95,7 +79,8 @@ ParsedEntry parse(const QString& path) {
 }  // namespace
 
 X11WindowDesktopEntries::X11WindowDesktopEntries(QStringList dataDirectories)
-    : m_directories(dataDirectories.isEmpty() ? defaultDirectories() : std::move(dataDirectories)) {}
+    : m_directories(dataDirectories.isEmpty() ? QStandardPaths::standardLocations(QStandardPaths::ApplicationsLocation)
+                                              : std::move(dataDirectories)) {}
 
 std::optional<X11WindowDesktopEntries::Entry> X11WindowDesktopEntries::find(const QByteArray& classInstance,
                                                                             const QByteArray& className) {

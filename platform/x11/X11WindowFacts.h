@@ -21,7 +21,7 @@ struct X11WindowFacts {
         Type = 1u << 2,        // _NET_WM_WINDOW_TYPE
         State = 1u << 3,       // _NET_WM_STATE
         Desktop = 1u << 4,     // _NET_WM_DESKTOP
-        Pid = 1u << 5,         // _NET_WM_PID (the X-Resource fallback is a separate step)
+        Pid = 1u << 5,         // the owner: see X11WindowOwners::ownerOf
         Opacity = 1u << 6,     // _NET_WM_WINDOW_OPACITY
         Title = 1u << 7,       // _NET_WM_NAME
         Class = 1u << 8,       // WM_CLASS
@@ -73,6 +73,5 @@ struct X11RootFacts {
     QList<xcb_window_t> rootChildren;        // bottom to top
     xcb_window_t activeWindow = XCB_NONE;
     std::optional<quint32> currentDesktop;
-    xcb_window_t supportingWmCheck = XCB_NONE;
     QPoint globalOriginInRoot;  // the primary monitor's top-left corner
 };

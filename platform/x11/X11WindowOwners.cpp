@@ -48,7 +48,29 @@ int rank(ApplicationPolicy policy) {
     return 0;
 }
 
+// Linux pids stay below 2^22; client connections are numbered from here on.
+constexpr pid_t kFirstConnection = 0x40000000;
+
 }  // namespace
+
+std::optional<pid_t> X11WindowOwners::ownerOf(xcb_window_t window, const PidSources& sources, uint32_t resourceIdMask) {
+    if (sources.clientPid) {
+        return sources.clientPid;
+    }
+    if (!sources.serverNamesClients && sources.netWmPid && processStartTime(*sources.netWmPid)) {
+        return sources.netWmPid;
+    }
+    // Every resource of one client shares the bits above the mask: the base of its connection.
+    const uint32_t base = window & ~resourceIdMask;
+    if (window == XCB_NONE || base == 0) {
+        return std::nullopt;
+    }
+    return static_cast<pid_t>(static_cast<uint32_t>(kFirstConnection) | (base >> 1));
+}
+
+bool X11WindowOwners::isConnection(pid_t owner) {
+    return owner >= kFirstConnection;
+}
 
 std::optional<QString> X11WindowOwners::processName(pid_t pid) {
     const QByteArray comm = readProcFile(pid, "comm").trimmed();
@@ -106,7 +128,9 @@ QList<X11WindowOwner> X11WindowOwners::fromTable(const X11WindowTable& table, co
         }
     }
     for (X11WindowOwner& owner : owners) {
-        const std::optional<quint64> start = processStartTime(owner.pid);
+        // A connection lives as long as it has windows; it comes after every process.
+        const std::optional<quint64> start =
+            isConnection(owner.pid) ? std::optional<quint64>(~quint64{0}) : processStartTime(owner.pid);
         owner.terminated = !start.has_value();
         owner.startTime = start.value_or(0);
         if (!owner.className.isEmpty() || !owner.classInstance.isEmpty()) {
@@ -117,7 +141,7 @@ QList<X11WindowOwner> X11WindowOwners::fromTable(const X11WindowTable& table, co
                 owner.localizedName = QString::fromUtf8(owner.className);
             }
         }
-        if (!owner.localizedName) {
+        if (!owner.localizedName && !isConnection(owner.pid)) {
             owner.localizedName = processName(owner.pid);
         }
     }

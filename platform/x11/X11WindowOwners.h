@@ -9,6 +9,8 @@
 #include "platform/RunningApplications.h"
 #include "platform/x11/X11WindowTable.h"
 
+#include <xcb/xcb.h>
+
 class X11WindowDesktopEntries;
 class X11WindowKinds;
 
@@ -28,7 +30,24 @@ struct X11WindowOwner {
 
 namespace X11WindowOwners {
 
-// One owner per pid found in the table, in process start order (pid order among equals).
+// What is known of the process behind a window.
+struct PidSources {
+    std::optional<pid_t> netWmPid;    // what the client says (_NET_WM_PID)
+    std::optional<pid_t> clientPid;   // what the server knows of the client's connection (X-Resource)
+    bool serverNamesClients = false;  // the server was asked; an empty clientPid then means it cannot tell
+};
+
+// The owner of a window: the process that holds the window's client connection, as the server knows it.
+// A client's own _NET_WM_PID counts only where the server cannot be asked, and only when it names a
+// process on this machine: from a PID namespace (Flatpak, containers) it names the wrong process, from
+// another machine (ssh -X) none here. Where no local process is known, the client connection itself is
+// the owner, under a number that no process can have (see isConnection).
+std::optional<pid_t> ownerOf(xcb_window_t window, const PidSources& sources, uint32_t resourceIdMask);
+// Whether an owner number stands for a client connection rather than a process.
+bool isConnection(pid_t owner);
+
+// One owner per pid found in the table, in process start order (pid order among equals), then the client
+// connections, named by their window class.
 QList<X11WindowOwner> fromTable(const X11WindowTable& table, const X11WindowKinds& kinds,
                                 X11WindowDesktopEntries& entries);
 

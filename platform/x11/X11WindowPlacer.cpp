@@ -164,23 +164,27 @@ Result X11WindowPlacer::leaveSizeStates(xcb_window_t window, const QList<xcb_ato
     if (vert || horz) {
         sendState(window, false, vert ? m_maximizedVert : m_maximizedHorz, vert && horz ? m_maximizedHorz : 0);
     }
-    // The state property may change before the frame does; wait for both.
+    // The state property may change before the frame does; wait for both. A busy window manager may take
+    // long to answer at all; once it has, the frame follows at once, unless the window's normal size is
+    // its size in the state, which never changes.
     const QSize sizeInState = facts->outerFrame().size();
     const bool left = waitUntil(
         window,
-        [this, sizeInState](const X11WindowFacts& current) {
+        [this](const X11WindowFacts& current) {
             return !current.hasState(m_maximizedVert) && !current.hasState(m_maximizedHorz) &&
-                   !current.hasState(m_fullscreen) && current.outerFrame().size() != sizeInState;
+                   !current.hasState(m_fullscreen);
         },
-        kConfirmationMilliseconds, facts);
+        kStateChangeMilliseconds, facts);
+    if (left) {
+        waitUntil(
+            window, [sizeInState](const X11WindowFacts& current) { return current.outerFrame().size() != sizeInState; },
+            kConfirmationMilliseconds, facts);
+    }
     if (!facts->exists) {
         return Result::Gone;
     }
     qCDebug(lcPlacer) << "left states of" << window << "frame" << facts->outerFrame() << "from size" << sizeInState;
-    // A window whose normal size is its maximised size never changes size: the state is what counts.
-    const bool stateLeft =
-        !facts->hasState(m_maximizedVert) && !facts->hasState(m_maximizedHorz) && !facts->hasState(m_fullscreen);
-    return left || stateLeft ? Result::Ok : Result::CannotComplete;
+    return left ? Result::Ok : Result::CannotComplete;
 }
 
 void X11WindowPlacer::restoreSizeStates(xcb_window_t window, const QList<xcb_atom_t>& states) {
@@ -193,19 +197,24 @@ void X11WindowPlacer::restoreSizeStates(xcb_window_t window, const QList<xcb_ato
     if (states.contains(m_fullscreen)) {
         sendState(window, true, m_fullscreen, 0);
     }
-    // The state property may change before the frame does; wait for both.
+    // The state property may change before the frame does; wait for both, as when leaving them.
     X11WindowFacts facts;
-    waitUntil(
+    const bool entered = waitUntil(
         window,
-        [&states, before](const X11WindowFacts& current) {
+        [&states](const X11WindowFacts& current) {
             for (xcb_atom_t state : states) {
                 if (!current.hasState(state)) {
                     return false;
                 }
             }
-            return current.outerFrame().size() != before;
+            return true;
         },
-        kConfirmationMilliseconds, &facts);
+        kStateChangeMilliseconds, &facts);
+    if (entered) {
+        waitUntil(
+            window, [before](const X11WindowFacts& current) { return current.outerFrame().size() != before; },
+            kConfirmationMilliseconds, &facts);
+    }
     // Window managers take several steps to maximise (client, decorations, frame); let them finish.
     waitForQuiet(window, kQuietMilliseconds, kConfirmationMilliseconds);
     qCDebug(lcPlacer) << "restored states of" << window << "frame" << read(window).outerFrame() << "from size"
@@ -218,13 +227,24 @@ Result X11WindowPlacer::moveFrame(xcb_window_t window, QPoint rootTopLeft) {
         return Result::Gone;
     }
     watch(window);
+    if (facts.outerFrame().topLeft() == rootTopLeft) {
+        return Result::Ok;
+    }
     const QList<xcb_atom_t> states = sizeStates(facts);
+    // A maximised or full-screen frame is where its state puts it; a point a decoration's width away (a
+    // position computed from its size) asks for the same place, and leaving the state would only flicker.
+    if (!states.isEmpty() && (facts.outerFrame().topLeft() - rootTopLeft).manhattanLength() <= kDecorationSlack) {
+        return Result::Ok;
+    }
     if (!states.isEmpty()) {
         if (const Result error = leaveSizeStates(window, states, &facts); error != Result::Ok) {
+            // The window manager may still act on the request later: ask for the states back, so the
+            // window is never left out of them where it is.
+            if (error != Result::Gone) {
+                restoreSizeStates(window, states);
+            }
             return error;
         }
-    } else if (facts.outerFrame().topLeft() == rootTopLeft) {
-        return Result::Ok;
     }
     const QPoint before = facts.outerFrame().topLeft();
     const QPoint decorations = decorationOffset(facts);
@@ -233,8 +253,9 @@ Result X11WindowPlacer::moveFrame(xcb_window_t window, QPoint rootTopLeft) {
         return current.outerFrame().topLeft() == rootTopLeft;
     };
     // Done waiting once the frame has moved at all; where it went says whether to aim again. Usually the
-    // window manager's own report of the move says it landed, and nothing needs to be read.
-    QDeadlineTimer deadline(kConfirmationMilliseconds);
+    // window manager's own report of the move says it landed, and nothing needs to be read. A window
+    // just taken out of its states waits as long as that took: the window manager is busy.
+    QDeadlineTimer deadline(states.isEmpty() ? kConfirmationMilliseconds : kStateChangeMilliseconds);
     if (!confirmedByReport(window, deadline, &facts, arrived)) {
         waitUntil(
             window,
@@ -274,19 +295,15 @@ Result X11WindowPlacer::resizeFrame(xcb_window_t window, QSize frameSize) {
         return Result::Gone;
     }
     watch(window);
-    const QList<xcb_atom_t> states = sizeStates(facts);
-    const QSize current = facts.outerFrame().size();
-    if (!states.isEmpty() && qAbs(current.width() - frameSize.width()) <= 2 &&
-        qAbs(current.height() - frameSize.height()) <= 2) {
-        return Result::Ok;  // maximised to this size already: keep the state
-    }
-    if (states.isEmpty() && current == frameSize) {
+    // A maximised or full-screen window takes the size of its monitor: a size computed for it elsewhere
+    // (scaled from another monitor, or read while the window manager was still resizing it) would only
+    // take it out of its state.
+    if (!sizeStates(facts).isEmpty()) {
+        qCDebug(lcPlacer) << "resize" << window << "kept in its size states at" << facts.outerFrame().size();
         return Result::Ok;
     }
-    if (!states.isEmpty()) {
-        if (const Result error = leaveSizeStates(window, states, &facts); error != Result::Ok) {
-            return error;
-        }
+    if (facts.outerFrame().size() == frameSize) {
+        return Result::Ok;
     }
     const QSize before = facts.outerFrame().size();
     const QSize decorations(facts.frameExtents.left() + facts.frameExtents.right() + 2 * facts.borderWidth,

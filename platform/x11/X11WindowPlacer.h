@@ -29,7 +29,8 @@ public:
     // Puts the outer frame's top-left corner at the point (root coordinates). A maximised or
     // full-screen window keeps that state and ends it on the monitor of the new position.
     Result moveFrame(xcb_window_t window, QPoint rootTopLeft);
-    // Gives the outer frame the size, keeping its top-left corner.
+    // Gives the outer frame the size, keeping its top-left corner. A maximised or full-screen window
+    // keeps its state, which decides its size on its monitor.
     Result resizeFrame(xcb_window_t window, QSize frameSize);
     Result setMinimized(xcb_window_t window, bool minimized);
     // Asks the window manager to raise and focus the window; done once _NET_ACTIVE_WINDOW names it.
@@ -38,6 +39,9 @@ public:
 private:
     // How long a window must stay silent to count as settled after a change of state.
     static constexpr int kQuietMilliseconds = 15;
+    // The longest wait for the window manager to take a window out of its size states or back in. Longer
+    // than for a move: a busy window manager that answers late must not leave the window out of them.
+    static constexpr int kStateChangeMilliseconds = 2000;
     // A frame that lands this close to the target (in pixels along both axes) missed it by a decoration.
     static constexpr int kDecorationSlack = 64;
     static constexpr unsigned kPlacementFields =

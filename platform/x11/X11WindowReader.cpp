@@ -7,37 +7,49 @@
 #include <memory>
 
 #include "platform/x11/X11Connection.h"
+#include "platform/x11/X11WindowOwners.h"
+#include "platform/x11/XcbReply.h"
 
 namespace {
 
-constexpr uint8_t kBadWindow = 3;
-constexpr uint8_t kBadDrawable = 9;
 constexpr uint32_t kLongListLength = 1u << 16;  // in 32-bit units: room for a very long client list
 constexpr uint32_t kTitleLength = 256;
 constexpr int kOriginMilliseconds = 250;
 
-struct FreeDeleter {
-    void operator()(void* pointer) const { std::free(pointer); }
-};
-template <typename T>
-using Owned = std::unique_ptr<T, FreeDeleter>;
-
 // Collects one reply; marks the window as gone when the server says so.
 template <typename Reply, typename Cookie, typename Fetch>
-Owned<Reply> take(xcb_connection_t* xcb, Cookie cookie, Fetch fetch, bool* gone) {
-    xcb_generic_error_t* error = nullptr;
-    Owned<Reply> reply(fetch(xcb, cookie, &error));
-    if (error != nullptr) {
-        if (error->error_code == kBadWindow || error->error_code == kBadDrawable) {
+XcbReply<Reply> take(xcb_connection_t* xcb, Cookie cookie, Fetch fetch, bool* gone) {
+    xcb_generic_error_t* rawError = nullptr;
+    XcbReply<Reply> reply(fetch(xcb, cookie, &rawError));
+    if (const XcbReply<xcb_generic_error_t> error{rawError}) {
+        if (error->error_code == XCB_WINDOW || error->error_code == XCB_DRAWABLE) {
             *gone = true;
         }
-        std::free(error);
     }
     return reply;
 }
 
-Owned<xcb_get_property_reply_t> takeProperty(xcb_connection_t* xcb, xcb_get_property_cookie_t cookie, bool* gone) {
+XcbReply<xcb_get_property_reply_t> takeProperty(xcb_connection_t* xcb, xcb_get_property_cookie_t cookie, bool* gone) {
     return take<xcb_get_property_reply_t>(xcb, cookie, xcb_get_property_reply, gone);
+}
+
+// The pid the server knows for the client that created a window; nothing for a client it cannot
+// name (one that connected over the network).
+std::optional<pid_t> clientPid(xcb_connection_t* xcb, xcb_res_query_client_ids_cookie_t cookie, bool* gone) {
+    const auto reply = take<xcb_res_query_client_ids_reply_t>(xcb, cookie, xcb_res_query_client_ids_reply, gone);
+    if (!reply) {
+        return std::nullopt;
+    }
+    for (auto it = xcb_res_query_client_ids_ids_iterator(reply.get()); it.rem > 0; xcb_res_client_id_value_next(&it)) {
+        if ((it.data->spec.mask & XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID) != 0 &&
+            xcb_res_client_id_value_value_length(it.data) >= 1) {
+            const uint32_t pid = xcb_res_client_id_value_value(it.data)[0];
+            if (pid > 0 && pid <= 0x7fffffffu) {
+                return static_cast<pid_t>(pid);
+            }
+        }
+    }
+    return std::nullopt;
 }
 
 QList<uint32_t> cardinals(const xcb_get_property_reply_t* reply) {
@@ -66,9 +78,8 @@ QByteArray bytes(const xcb_get_property_reply_t* reply) {
 X11WindowReader::X11WindowReader(X11Connection& connection, X11WindowCache* cache)
     : m_connection(cache != nullptr ? cache->connection() : connection), m_cache(cache) {
     m_connection.internAtoms({"_NET_CLIENT_LIST_STACKING", "_NET_ACTIVE_WINDOW", "_NET_CURRENT_DESKTOP",
-                              "_NET_SUPPORTING_WM_CHECK", "_NET_FRAME_EXTENTS", "_NET_WM_WINDOW_TYPE", "_NET_WM_STATE",
-                              "_NET_WM_DESKTOP", "_NET_WM_PID", "_NET_WM_WINDOW_OPACITY", "_NET_WM_NAME",
-                              "UTF8_STRING"});
+                              "_NET_FRAME_EXTENTS", "_NET_WM_WINDOW_TYPE", "_NET_WM_STATE", "_NET_WM_DESKTOP",
+                              "_NET_WM_PID", "_NET_WM_WINDOW_OPACITY", "_NET_WM_NAME", "UTF8_STRING"});
     m_atoms = {m_connection.atom("_NET_FRAME_EXTENTS"), m_connection.atom("_NET_WM_WINDOW_TYPE"),
                m_connection.atom("_NET_WM_STATE"),      m_connection.atom("_NET_WM_DESKTOP"),
                m_connection.atom("_NET_WM_PID"),        m_connection.atom("_NET_WM_WINDOW_OPACITY"),
@@ -76,13 +87,14 @@ X11WindowReader::X11WindowReader(X11Connection& connection, X11WindowCache* cach
     xcb_connection_t* xcb = m_connection.xcb();
     const xcb_query_extension_reply_t* resource = xcb_get_extension_data(xcb, &xcb_res_id);
     if (resource != nullptr && resource->present) {
-        Owned<xcb_res_query_version_reply_t> version(
+        XcbReply<xcb_res_query_version_reply_t> version(
             xcb_res_query_version_reply(xcb, xcb_res_query_version(xcb, 1, 2), nullptr));
         m_hasResource = version && (version->server_major > 1 || version->server_minor >= 2);
     }
+    m_resourceIdMask = xcb_get_setup(xcb)->resource_id_mask;
     const xcb_query_extension_reply_t* randr = xcb_get_extension_data(xcb, &xcb_randr_id);
     if (randr != nullptr && randr->present) {
-        Owned<xcb_randr_query_version_reply_t> version(
+        XcbReply<xcb_randr_query_version_reply_t> version(
             xcb_randr_query_version_reply(xcb, xcb_randr_query_version(xcb, 1, 5), nullptr));
         m_hasRandr = version && (version->major_version > 1 || version->minor_version >= 5);
     }
@@ -98,7 +110,7 @@ X11RootFacts X11WindowReader::readRoot(unsigned fields) {
     auto property = [&](const char* name, xcb_atom_t type, uint32_t length) {
         return xcb_get_property(xcb, 0, root, m_connection.atom(name), type, 0, length);
     };
-    xcb_get_property_cookie_t clientList{}, active{}, desktop{}, check{};
+    xcb_get_property_cookie_t clientList{}, active{}, desktop{};
     xcb_query_tree_cookie_t tree{};
     xcb_randr_get_monitors_cookie_t monitors{};
     if (fields & ClientList) {
@@ -109,9 +121,6 @@ X11RootFacts X11WindowReader::readRoot(unsigned fields) {
     }
     if (fields & CurrentDesktop) {
         desktop = property("_NET_CURRENT_DESKTOP", XCB_ATOM_CARDINAL, 1);
-    }
-    if (fields & WmCheck) {
-        check = property("_NET_SUPPORTING_WM_CHECK", XCB_ATOM_WINDOW, 1);
     }
     if (fields & Children) {
         tree = xcb_query_tree(xcb, root);
@@ -141,9 +150,6 @@ X11RootFacts X11WindowReader::readRoot(unsigned fields) {
     }
     if (fields & CurrentDesktop) {
         facts.currentDesktop = firstCardinal(takeProperty(xcb, desktop, &unused).get());
-    }
-    if (fields & WmCheck) {
-        facts.supportingWmCheck = firstCardinal(takeProperty(xcb, check, &unused).get()).value_or(XCB_NONE);
     }
     if (fields & Children) {
         const auto reply = take<xcb_query_tree_reply_t>(xcb, tree, xcb_query_tree_reply, &unused);
@@ -211,6 +217,11 @@ void X11WindowReader::sendFields(PendingWindow& entry) {
     }
     if (f & X11WindowFacts::Pid) {
         entry.pid = property(m_atoms.pid, XCB_ATOM_CARDINAL, 1);
+        if (m_hasResource) {
+            const xcb_res_client_id_spec_t spec{w, XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID};
+            entry.clientPid = xcb_res_query_client_ids(xcb, 1, &spec);
+            entry.askedClientPid = true;
+        }
     }
     if (f & X11WindowFacts::Opacity) {
         entry.opacity = property(m_atoms.opacity, XCB_ATOM_CARDINAL, 1);
@@ -273,10 +284,16 @@ X11WindowFacts X11WindowReader::collectFields(const PendingWindow& entry) {
         facts.desktop = firstCardinal(takeProperty(xcb, entry.desktop, &gone).get());
     }
     if (f & X11WindowFacts::Pid) {
+        X11WindowOwners::PidSources sources;
         const std::optional<uint32_t> pid = firstCardinal(takeProperty(xcb, entry.pid, &gone).get());
         if (pid && *pid > 0 && *pid <= 0x7fffffffu) {
-            facts.pid = static_cast<pid_t>(*pid);
+            sources.netWmPid = static_cast<pid_t>(*pid);
         }
+        sources.serverNamesClients = entry.askedClientPid;
+        if (entry.askedClientPid) {
+            sources.clientPid = clientPid(xcb, entry.clientPid, &gone);
+        }
+        facts.pid = X11WindowOwners::ownerOf(facts.window, sources, m_resourceIdMask);
     }
     if (f & X11WindowFacts::Opacity) {
         const std::optional<uint32_t> opacity = firstCardinal(takeProperty(xcb, entry.opacity, &gone).get());
@@ -363,7 +380,8 @@ QList<X11WindowFacts> X11WindowReader::collectWindows(PendingWindows& pending) {
         result.append(facts);
     }
     if (pending.usesCache) {
-        std::free(xcb_get_input_focus_reply(m_connection.xcb(), pending.newsBarrier, nullptr));
+        XcbReply<xcb_get_input_focus_reply_t>(
+            xcb_get_input_focus_reply(m_connection.xcb(), pending.newsBarrier, nullptr));
         m_cache->takeInNews();
         rereadChanged(pending, result);
     }
@@ -403,68 +421,4 @@ void X11WindowReader::rereadChanged(const PendingWindows& pending, QList<X11Wind
         result[changed[k]] = facts;
     }
     m_cache->endRead(mark);
-}
-
-X11WindowReader::PendingPids X11WindowReader::sendPidQueries(const QList<xcb_window_t>& windows) {
-    PendingPids pending;
-    if (!m_hasResource || windows.isEmpty()) {
-        return pending;
-    }
-    if (m_cache != nullptr) {
-        pending.mark = m_cache->beginRead();
-    }
-    for (xcb_window_t window : windows) {
-        const xcb_res_client_id_spec_t spec{window, XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID};
-        pending.windows.append({window, xcb_res_query_client_ids(m_connection.xcb(), 1, &spec)});
-    }
-    return pending;
-}
-
-QHash<xcb_window_t, pid_t> X11WindowReader::collectPids(PendingPids& pending) {
-    QHash<xcb_window_t, pid_t> pids;
-    for (const PendingPid& entry : pending.windows) {
-        bool gone = false;
-        const auto reply = take<xcb_res_query_client_ids_reply_t>(m_connection.xcb(), entry.cookie,
-                                                                  xcb_res_query_client_ids_reply, &gone);
-        if (!reply) {
-            continue;
-        }
-        for (auto it = xcb_res_query_client_ids_ids_iterator(reply.get()); it.rem > 0;
-             xcb_res_client_id_value_next(&it)) {
-            if ((it.data->spec.mask & XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID) != 0 &&
-                xcb_res_client_id_value_value_length(it.data) >= 1) {
-                const uint32_t pid = xcb_res_client_id_value_value(it.data)[0];
-                if (pid > 0 && pid <= 0x7fffffffu) {
-                    pids.insert(entry.window, static_cast<pid_t>(pid));
-                    if (m_cache != nullptr) {
-                        m_cache->storeResourcePid(entry.window, static_cast<pid_t>(pid), pending.mark);
-                    }
-                }
-            }
-        }
-    }
-    if (m_cache != nullptr && !pending.windows.isEmpty()) {
-        m_cache->endRead(pending.mark);
-    }
-    pending.windows.clear();
-    return pids;
-}
-
-void X11WindowReader::resolveMissingPids(QList<X11WindowFacts>& windows) {
-    QList<xcb_window_t> missing;
-    for (const X11WindowFacts& facts : windows) {
-        if (facts.exists && !facts.pid) {
-            missing.append(facts.window);
-        }
-    }
-    if (missing.isEmpty()) {
-        return;
-    }
-    PendingPids pending = sendPidQueries(missing);
-    const QHash<xcb_window_t, pid_t> pids = collectPids(pending);
-    for (X11WindowFacts& facts : windows) {
-        if (!facts.pid && pids.contains(facts.window)) {
-            facts.pid = pids.value(facts.window);
-        }
-    }
 }

@@ -26,7 +26,6 @@ public:
         Children = 1u << 1,
         ActiveWindow = 1u << 2,
         CurrentDesktop = 1u << 3,
-        WmCheck = 1u << 4,
         GlobalOrigin = 1u << 5,
     };
     struct Request {
@@ -47,24 +46,18 @@ public:
         xcb_get_property_cookie_t state{};
         xcb_get_property_cookie_t desktop{};
         xcb_get_property_cookie_t pid{};
+        xcb_res_query_client_ids_cookie_t clientPid{};
+        bool askedClientPid = false;
         xcb_get_property_cookie_t opacity{};
         xcb_get_property_cookie_t title{};
         xcb_get_property_cookie_t wmClass{};
         xcb_get_property_cookie_t hints{};
-    };
-    struct PendingPid {
-        xcb_window_t window = XCB_NONE;
-        xcb_res_query_client_ids_cookie_t cookie{};
     };
     struct PendingWindows {
         QList<PendingWindow> windows;
         quint64 mark = 0;
         bool usesCache = false;  // some facts came from the cache
         xcb_get_input_focus_cookie_t newsBarrier{};
-    };
-    struct PendingPids {
-        QList<PendingPid> windows;
-        quint64 mark = 0;
     };
 
     explicit X11WindowReader(X11Connection& connection, X11WindowCache* cache = nullptr);
@@ -79,12 +72,6 @@ public:
     PendingWindows sendWindowRequests(const QList<Request>& requests);
     QList<X11WindowFacts> collectWindows(PendingWindows& pending);
 
-    // The creator's pid of each window, from the X-Resource extension (local clients only).
-    PendingPids sendPidQueries(const QList<xcb_window_t>& windows);
-    QHash<xcb_window_t, pid_t> collectPids(PendingPids& pending);
-    // Fills the pid of every existing window that has none, in one round trip.
-    void resolveMissingPids(QList<X11WindowFacts>& windows);
-
 private:
     void sendFields(PendingWindow& entry);
     X11WindowFacts collectFields(const PendingWindow& entry);
@@ -97,6 +84,7 @@ private:
         xcb_atom_t extents, type, state, desktop, pid, opacity, name;
     } m_atoms{};
     bool m_hasResource = false;
+    uint32_t m_resourceIdMask = 0;
     bool m_hasRandr = false;
     // The global origin moves only when monitors change; every move asks for it, so it is kept briefly.
     QMutex m_originMutex;

@@ -28,14 +28,6 @@ void merge(QList<X11WindowFacts>& windows, const QList<X11WindowFacts>& extra) {
     }
 }
 
-void mergePids(QList<X11WindowFacts>& windows, const QHash<xcb_window_t, pid_t>& pids) {
-    for (X11WindowFacts& facts : windows) {
-        if (!facts.pid && pids.contains(facts.window)) {
-            facts.pid = pids.value(facts.window);
-        }
-    }
-}
-
 }  // namespace
 
 X11WindowTable X11WindowTable::read(X11WindowReader& reader, unsigned managedFields,
@@ -75,10 +67,9 @@ X11WindowTable X11WindowTable::read(X11WindowReader& reader, unsigned managedFie
     }
     const QList<X11WindowFacts> stage2 = reader.readWindows(requests);
 
-    // Stage 3: the unmanaged windows' properties, the creators of managed windows without a pid, the
-    // transient-for of managed windows without a type, and the class of each process's first window.
+    // Stage 3: the unmanaged windows' properties, the transient-for of managed windows without a type,
+    // and the class of each owner's first window.
     QList<X11WindowFacts> managedWindows;
-    QList<xcb_window_t> withoutPid;
     QList<X11WindowReader::Request> extraRequests;
     QSet<pid_t> classOwners;
     for (qsizetype i = 0; i < managedCount; ++i) {
@@ -92,9 +83,7 @@ X11WindowTable X11WindowTable::read(X11WindowReader& reader, unsigned managedFie
         if (wantsTransient && facts.types.isEmpty()) {
             extra |= X11WindowFacts::Transient;
         }
-        if (!facts.pid) {
-            withoutPid.append(facts.window);
-        } else if (wantsClass && !classOwners.contains(*facts.pid)) {
+        if (facts.pid && wantsClass && !classOwners.contains(*facts.pid)) {
             classOwners.insert(*facts.pid);
             extra |= X11WindowFacts::Class;
         }
@@ -116,10 +105,8 @@ X11WindowTable X11WindowTable::read(X11WindowReader& reader, unsigned managedFie
     }
     X11WindowReader::PendingWindows pendingUnmanaged = reader.sendWindowRequests(unmanagedRequests);
     X11WindowReader::PendingWindows pendingExtra = reader.sendWindowRequests(extraRequests);
-    X11WindowReader::PendingPids pendingPids = reader.sendPidQueries(withoutPid);
     QList<X11WindowFacts> unmanagedWindows = reader.collectWindows(pendingUnmanaged);
     merge(managedWindows, reader.collectWindows(pendingExtra));
-    mergePids(managedWindows, reader.collectPids(pendingPids));
     unmanagedWindows.removeIf([](const X11WindowFacts& facts) { return !facts.exists; });
     for (X11WindowFacts& facts : unmanagedWindows) {
         const X11WindowFacts& attributes = unmanagedAttributes[facts.window];
@@ -127,28 +114,6 @@ X11WindowTable X11WindowTable::read(X11WindowReader& reader, unsigned managedFie
         facts.viewable = attributes.viewable;
         facts.mapped = attributes.mapped;
     }
-
-    // Stage 4: the creators of unmanaged windows without a pid, and the class of processes that only the
-    // X-Resource extension named.
-    QList<xcb_window_t> unmanagedWithoutPid;
-    for (const X11WindowFacts& facts : unmanagedWindows) {
-        if (!facts.pid) {
-            unmanagedWithoutPid.append(facts.window);
-        }
-    }
-    QList<X11WindowReader::Request> classRequests;
-    if (wantsClass) {
-        for (const X11WindowFacts& facts : managedWindows) {
-            if (facts.pid && withoutPid.contains(facts.window) && !classOwners.contains(*facts.pid)) {
-                classOwners.insert(*facts.pid);
-                classRequests.append({facts.window, X11WindowFacts::Class});
-            }
-        }
-    }
-    X11WindowReader::PendingWindows pendingClasses = reader.sendWindowRequests(classRequests);
-    X11WindowReader::PendingPids pendingUnmanagedPids = reader.sendPidQueries(unmanagedWithoutPid);
-    merge(managedWindows, reader.collectWindows(pendingClasses));
-    mergePids(unmanagedWindows, reader.collectPids(pendingUnmanagedPids));
 
     table.windows = unmanagedWindows + managedWindows;
     return table;

@@ -14,10 +14,10 @@ struct X11WindowTable {
     X11RootFacts root;
     QList<X11WindowFacts> windows;
 
-    // Reads the whole desktop in four pipelined stages. managedFields says what to read of each
-    // managed window; unmanaged windows get the same fields. Pid is always resolved, through the
-    // X-Resource extension when the window does not carry one. WM_CLASS, when asked for, is read for
-    // the front-most managed window of each process (and for every unmanaged window) only.
+    // Reads the whole desktop in three pipelined stages. managedFields says what to read of each
+    // managed window; unmanaged windows get the same fields. The owner (Pid) is always read. WM_CLASS,
+    // when asked for, is read for the front-most managed window of each owner (and for every unmanaged
+    // window) only.
     static X11WindowTable read(X11WindowReader& reader, unsigned managedFields,
                                const std::function<void()>& afterListing = {});
 };

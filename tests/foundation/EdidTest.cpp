@@ -4,8 +4,24 @@
 
 namespace {
 
-// Builds a base block with the given identity and an optional monitor-name descriptor.
-QByteArray makeEdid(quint16 manufacturer, quint16 product, quint32 serial, const QByteArray& name = {}) {
+// Writes a display descriptor of 13 text bytes, ended by a line feed and padded when shorter.
+void writeDescriptor(QByteArray& block, int offset, unsigned char tag, const QByteArray& value) {
+    block[offset + 3] = static_cast<char>(tag);
+    QByteArray text = value.left(13);
+    if (text.size() < 13) {
+        text += '\n';
+    }
+    while (text.size() < 13) {
+        text += ' ';
+    }
+    for (int i = 0; i < 13; ++i) {
+        block[offset + 5 + i] = text[i];
+    }
+}
+
+// Builds a base block with the given identity and optional monitor-name and serial-number descriptors.
+QByteArray makeEdid(quint16 manufacturer, quint16 product, quint32 serial, const QByteArray& name = {},
+                    const QByteArray& serialText = {}) {
     QByteArray block(128, '\0');
     const unsigned char header[8] = {0x00, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0x00};
     for (int i = 0; i < 8; ++i) {
@@ -18,20 +34,13 @@ QByteArray makeEdid(quint16 manufacturer, quint16 product, quint32 serial, const
     for (int i = 0; i < 4; ++i) {
         block[12 + i] = static_cast<char>((serial >> (8 * i)) & 0xFF);
     }
-    // First descriptor: a detailed timing placeholder (non-zero pixel clock), second: the name.
+    // First descriptor: a detailed timing placeholder (non-zero pixel clock), then the serial, then the name.
     block[54] = 0x01;
+    if (!serialText.isEmpty()) {
+        writeDescriptor(block, 72, 0xFF, serialText);
+    }
     if (!name.isEmpty()) {
-        block[72 + 3] = static_cast<char>(0xFC);
-        QByteArray text = name.left(13);
-        if (text.size() < 13) {
-            text += '\n';
-        }
-        while (text.size() < 13) {
-            text += ' ';
-        }
-        for (int i = 0; i < 13; ++i) {
-            block[72 + 5 + i] = text[i];
-        }
+        writeDescriptor(block, 90, 0xFC, name);
     }
     int sum = 0;
     for (int i = 0; i < 127; ++i) {
@@ -56,6 +65,30 @@ TEST(EdidTest, BlockWithoutSerialOrNameReadsZeroAndEmpty) {
     ASSERT_TRUE(edid.has_value());
     EXPECT_EQ(edid->serial, 0u);
     EXPECT_TRUE(edid->monitorName.isEmpty());
+    EXPECT_TRUE(edid->serialText.isEmpty());
+}
+
+TEST(EdidTest, SerialNumberDescriptorIsRead) {
+    const auto edid = parseEdid(makeEdid(0x10AC, 0xA0C4, 0x01010101, "DELL U2720Q", "CN0ABC123"));
+    ASSERT_TRUE(edid.has_value());
+    EXPECT_EQ(edid->serial, 0x01010101u);
+    EXPECT_EQ(edid->serialText, QStringLiteral("CN0ABC123"));
+    EXPECT_EQ(edid->monitorName, QStringLiteral("DELL U2720Q"));
+}
+
+TEST(EdidTest, SerialNumberDescriptorOfThirteenCharactersIsReadWhole) {
+    const auto edid = parseEdid(makeEdid(0x10AC, 0xA0C4, 0, {}, "ABCDEFGHIJKLM"));
+    ASSERT_TRUE(edid.has_value());
+    EXPECT_EQ(edid->serialText, QStringLiteral("ABCDEFGHIJKLM"));
+    EXPECT_TRUE(edid->monitorName.isEmpty());
+}
+
+TEST(EdidTest, EqualNumericSerialsWithDifferentSerialDescriptorsDiffer) {
+    const auto first = parseEdid(makeEdid(0x10AC, 0xA0C4, 0x01010101, "DELL", "SERIAL-A"));
+    const auto second = parseEdid(makeEdid(0x10AC, 0xA0C4, 0x01010101, "DELL", "SERIAL-B"));
+    ASSERT_TRUE(first.has_value());
+    ASSERT_TRUE(second.has_value());
+    EXPECT_NE(*first, *second);
 }
 
 TEST(EdidTest, ThirteenCharacterNameHasNoTerminator) {

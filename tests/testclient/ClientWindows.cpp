@@ -135,8 +135,11 @@ void ClientWindows::open(const Command& command, const std::string& name) {
     }
     const uint32_t protocols[] = {atom("WM_DELETE_WINDOW")};
     setCardinals(window, "WM_PROTOCOLS", XCB_ATOM_ATOM, protocols, 1);
-    if (command.value("pid", "yes") != "no") {
-        const uint32_t pid = static_cast<uint32_t>(getpid());
+    // pid=no sets none, pid=<number> a false one (what a client in a PID namespace or on another machine says).
+    const std::string pidOption = command.value("pid", "yes");
+    if (pidOption != "no") {
+        const uint32_t pid =
+            pidOption == "yes" ? static_cast<uint32_t>(getpid()) : static_cast<uint32_t>(std::stoul(pidOption));
         setCardinals(window, "_NET_WM_PID", XCB_ATOM_CARDINAL, &pid, 1);
         char host[256] = {};
         gethostname(host, sizeof host - 1);

@@ -87,6 +87,25 @@ TEST_F(X11WindowDesktopEntriesTest, MissingDirectoriesGiveNoEntries) {
     EXPECT_FALSE(entries.find("tool", "Tool").has_value());
 }
 
+TEST_F(X11WindowDesktopEntriesTest, DefaultsAreTheApplicationsFoldersOfTheDataDirectories) {
+    write(first.path(), QStringLiteral("applications/home.desktop"), "[Desktop Entry]\nType=Application\nName=Home\n");
+    write(second.path(), QStringLiteral("applications/system.desktop"),
+          "[Desktop Entry]\nType=Application\nName=System\n");
+    write(second.path(), QStringLiteral("applications/home.desktop"),
+          "[Desktop Entry]\nType=Application\nName=Shadowed\n");
+    qputenv("XDG_DATA_HOME", first.path().toUtf8());
+    qputenv("XDG_DATA_DIRS", second.path().toUtf8());
+    X11WindowDesktopEntries entries;
+    qunsetenv("XDG_DATA_HOME");
+    qunsetenv("XDG_DATA_DIRS");
+    const auto home = entries.find("home", "Home");
+    const auto system = entries.find("system", "System");
+    ASSERT_TRUE(home.has_value());
+    ASSERT_TRUE(system.has_value());
+    EXPECT_EQ(home->name, QStringLiteral("Home"));
+    EXPECT_EQ(system->name, QStringLiteral("System"));
+}
+
 TEST(X11WindowOwnersTest, ProcessFactsComeFromProc) {
     EXPECT_TRUE(X11WindowOwners::processStartTime(getpid()).has_value());
     EXPECT_TRUE(X11WindowOwners::processName(getpid()).has_value());
@@ -95,6 +114,40 @@ TEST(X11WindowOwnersTest, ProcessFactsComeFromProc) {
     EXPECT_FALSE(X11WindowOwners::processName(0x7ffffff0).has_value());
     // A process started later has a later (or equal) start time.
     EXPECT_LE(X11WindowOwners::processStartTime(1).value_or(0), *X11WindowOwners::processStartTime(getpid()));
+}
+
+TEST(X11WindowOwnersTest, TheServersPidOfTheConnectionWinsOverWhatTheWindowSays) {
+    X11WindowOwners::PidSources sources;
+    sources.netWmPid = 1;
+    sources.clientPid = getpid();
+    sources.serverNamesClients = true;
+    EXPECT_EQ(X11WindowOwners::ownerOf(0x400001, sources, 0x1FFFFF), getpid());
+}
+
+TEST(X11WindowOwnersTest, WithoutTheServersAnswerOnlyALocalProcessIsTakenAtItsWord) {
+    X11WindowOwners::PidSources sources;
+    sources.netWmPid = getpid();
+    EXPECT_EQ(X11WindowOwners::ownerOf(0x400001, sources, 0x1FFFFF), getpid());
+    sources.netWmPid = 0x7ffffff0;
+    const std::optional<pid_t> owner = X11WindowOwners::ownerOf(0x400001, sources, 0x1FFFFF);
+    ASSERT_TRUE(owner.has_value());
+    EXPECT_TRUE(X11WindowOwners::isConnection(*owner));
+}
+
+TEST(X11WindowOwnersTest, AClientTheServerCannotNameIsOwnedByItsConnection) {
+    // The server was asked and knows no local process: a pid from another machine means nothing here.
+    X11WindowOwners::PidSources sources;
+    sources.netWmPid = getpid();
+    sources.serverNamesClients = true;
+    const std::optional<pid_t> first = X11WindowOwners::ownerOf(0x400001, sources, 0x1FFFFF);
+    const std::optional<pid_t> sameClient = X11WindowOwners::ownerOf(0x400123, sources, 0x1FFFFF);
+    const std::optional<pid_t> otherClient = X11WindowOwners::ownerOf(0x600001, sources, 0x1FFFFF);
+    ASSERT_TRUE(first.has_value());
+    EXPECT_TRUE(X11WindowOwners::isConnection(*first));
+    EXPECT_GT(*first, 0);
+    EXPECT_EQ(first, sameClient);
+    EXPECT_NE(first, otherClient);
+    EXPECT_FALSE(X11WindowOwners::processStartTime(*first).has_value());
 }
 
 }  // namespace
