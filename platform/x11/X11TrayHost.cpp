@@ -4,6 +4,7 @@
 #include <memory>
 
 #include "platform/x11/X11Connection.h"
+#include "platform/x11/XcbReply.h"
 
 namespace {
 
@@ -16,15 +17,14 @@ int screenNumber(const QByteArray& displayName) {
     if (xcb_parse_display(name.constData(), &host, &display, &screen) == 0) {
         screen = 0;
     }
-    std::free(host);
+    std::free(host);  // xcb_parse_display's string, not a reply
     return screen;
 }
 
 void addStructureNotify(xcb_connection_t* xcb, xcb_window_t window) {
     // Our connection's other event selections on the window are kept.
     const xcb_get_window_attributes_cookie_t cookie = xcb_get_window_attributes(xcb, window);
-    std::unique_ptr<xcb_get_window_attributes_reply_t, decltype(&std::free)> reply(
-        xcb_get_window_attributes_reply(xcb, cookie, nullptr), &std::free);
+    const XcbReply<xcb_get_window_attributes_reply_t> reply(xcb_get_window_attributes_reply(xcb, cookie, nullptr));
     const uint32_t mask = (reply ? reply->your_event_mask : 0) | XCB_EVENT_MASK_STRUCTURE_NOTIFY;
     xcb_change_window_attributes(xcb, window, XCB_CW_EVENT_MASK, &mask);
 }
@@ -47,8 +47,7 @@ X11TrayHost::~X11TrayHost() {
 void X11TrayHost::readOwner() {
     xcb_connection_t* xcb = m_connection.xcb();
     const xcb_get_selection_owner_cookie_t cookie = xcb_get_selection_owner(xcb, m_selection);
-    std::unique_ptr<xcb_get_selection_owner_reply_t, decltype(&std::free)> reply(
-        xcb_get_selection_owner_reply(xcb, cookie, nullptr), &std::free);
+    const XcbReply<xcb_get_selection_owner_reply_t> reply(xcb_get_selection_owner_reply(xcb, cookie, nullptr));
     const xcb_window_t owner = reply ? reply->owner : XCB_NONE;
     if (owner != XCB_NONE) {
         addStructureNotify(xcb, owner);
