@@ -19,4 +19,7 @@ public:
     virtual bool enable(QString* error) = 0;
     // Stops the program from starting at login; false with the reason in error when that could not be done.
     virtual bool disable(QString* error) = 0;
+    // The program the login entry starts, as a user would recognise it: a command name found on PATH, or
+    // an absolute path. Empty when the service cannot tell.
+    virtual QString program() { return {}; }
 };

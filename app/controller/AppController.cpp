@@ -90,6 +90,10 @@ void AppController::setAutoCheckForUpdatesEnabled(bool enabled) {
     m_updaterService->updater()->setAutomaticallyChecksForUpdates(enabled);
 }
 
+QString AppController::launchAtLoginProgram() const {
+    return Platform::services().autostart->program();
+}
+
 void AppController::setLaunchAtLogin(bool enabled) {
     Autostart* autostart = Platform::services().autostart;
     QString error;

@@ -57,6 +57,8 @@ public:
     void setDockIconVisible(bool visible);
     void setAutoCheckForUpdatesEnabled(bool enabled);
     void setLaunchAtLogin(bool enabled);
+    // The program the login entry starts ("lattica", or a path); empty when the desktop has no entry for it.
+    QString launchAtLoginProgram() const;
 
     // Display refresh cycle.
     void refreshPermissions();

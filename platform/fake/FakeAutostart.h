@@ -10,6 +10,8 @@ public:
     AutostartStatus statusAfterEnable = AutostartStatus::Enabled;
     // When not empty, every change is refused with this reason.
     QString refusal;
+    // What program() answers.
+    QString startedProgram;
 
     AutostartStatus status() override { return currentStatus; }
     bool enable(QString* error) override {
@@ -20,6 +22,7 @@ public:
         currentStatus = statusAfterEnable;
         return true;
     }
+    QString program() override { return startedProgram; }
     bool disable(QString* error) override {
         if (!refusal.isEmpty()) {
             *error = refusal;

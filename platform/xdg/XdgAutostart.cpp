@@ -6,10 +6,95 @@
 #include <QFileInfo>
 #include <QSaveFile>
 #include <QSettings>
+#include <QStandardPaths>
+#include <optional>
 
 #include "platform/xdg/XdgBaseDirectories.h"
 
+namespace {
+
+// A desktop entry's quoted argument: inside double quotes, " ` $ and \ take a backslash; the entry's
+// own string escaping then doubles every backslash, and % is written %%.
+QString quotedArgument(const QString& argument) {
+    QString quoted;
+    for (const QChar character : argument) {
+        if (character == u'\\') {
+            quoted += QLatin1String("\\\\\\\\");
+        } else if (character == u'"' || character == u'`' || character == u'$') {
+            quoted += QLatin1String("\\\\") + character;
+        } else if (character == u'%') {
+            quoted += QLatin1String("%%");
+        } else {
+            quoted += character;
+        }
+    }
+    return QLatin1Char('"') + quoted + QLatin1Char('"');
+}
+
+// The value of the first "Key=value" line of an entry with the given key, or nothing.
+std::optional<QString> entryValue(const QString& entryPath, const QString& key) {
+    QFile file(entryPath);
+    if (!file.open(QIODevice::ReadOnly)) {
+        return std::nullopt;
+    }
+    while (!file.atEnd()) {
+        const QString line = QString::fromUtf8(file.readLine()).trimmed();
+        const qsizetype equals = line.indexOf(QLatin1Char('='));
+        if (equals > 0 && line.left(equals).trimmed() == key) {
+            return line.mid(equals + 1).trimmed();
+        }
+    }
+    return std::nullopt;
+}
+
+}  // namespace
+
 XdgAutostart::XdgAutostart(QString entryPath) : m_entryPath(std::move(entryPath)) {}
+
+QString XdgAutostart::execCommand(const QString& runningBinary, const QString& searchPath) {
+    const QString name = QStringLiteral("lattica");
+    const QStringList folders = searchPath.split(QLatin1Char(':'), Qt::SkipEmptyParts);
+    const QString found = folders.isEmpty() ? QString() : QStandardPaths::findExecutable(name, folders);
+    const QString running = QFileInfo(runningBinary).canonicalFilePath();
+    if (!found.isEmpty() && !running.isEmpty() && QFileInfo(found).canonicalFilePath() == running) {
+        return name;
+    }
+    return quotedArgument(QFileInfo(runningBinary).absoluteFilePath());
+}
+
+QString XdgAutostart::execProgram(const QString& execValue) {
+    // The string escapes first (\\ \s \t \n \r), then the quoting of the first argument.
+    QString value;
+    for (qsizetype i = 0; i < execValue.size(); ++i) {
+        if (execValue[i] == u'\\' && i + 1 < execValue.size()) {
+            const QChar next = execValue[++i];
+            value += next == u's'   ? QChar(u' ')
+                     : next == u't' ? QChar(u'\t')
+                     : next == u'n' ? QChar(u'\n')
+                     : next == u'r' ? QChar(u'\r')
+                                    : next;
+        } else {
+            value += execValue[i];
+        }
+    }
+    QString program;
+    if (value.startsWith(QLatin1Char('"'))) {
+        for (qsizetype i = 1; i < value.size() && value[i] != u'"'; ++i) {
+            program += value[i] == u'\\' && i + 1 < value.size() ? value[++i] : value[i];
+        }
+    } else {
+        program = value.section(QLatin1Char(' '), 0, 0, QString::SectionSkipEmpty);
+    }
+    return program.replace(QLatin1String("%%"), QLatin1String("%"));
+}
+
+QString XdgAutostart::program() {
+    const std::optional<QString> exec = entryValue(m_entryPath, QStringLiteral("Exec"));
+    if (exec && !exec->isEmpty()) {
+        return execProgram(*exec);
+    }
+    return execProgram(execCommand(QCoreApplication::applicationFilePath(), qEnvironmentVariable("PATH")));
+}
 
 QString XdgAutostart::standardPath() {
     const QString base = XdgBaseDirectories::configHome();
@@ -48,18 +133,17 @@ bool XdgAutostart::enable(QString* error) {
         *error = QStringLiteral("Cannot create the folder %1.").arg(directory);
         return false;
     }
-    QString executable = QCoreApplication::applicationFilePath();
-    executable.replace(QLatin1Char('"'), QLatin1String("\\\""));
+    const QString command = execCommand(QCoreApplication::applicationFilePath(), qEnvironmentVariable("PATH"));
     const QByteArray entry = QStringLiteral(
                                  "[Desktop Entry]\n"
                                  "Type=Application\n"
                                  "Name=Lattica\n"
                                  "Comment=Preview displays and move windows from one display to another\n"
-                                 "Exec=\"%1\"\n"
+                                 "Exec=%1\n"
                                  "Icon=lattica\n"
                                  "Terminal=false\n"
                                  "X-GNOME-Autostart-enabled=true\n")
-                                 .arg(executable)
+                                 .arg(command)
                                  .toUtf8();
     QSaveFile file(m_entryPath);
     if (!file.open(QIODevice::WriteOnly) || file.write(entry) != entry.size() || !file.commit()) {

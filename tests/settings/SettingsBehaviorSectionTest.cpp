@@ -32,6 +32,24 @@ TEST_F(SettingsBehaviorSectionTest, ShowsThePreviewNote) {
               QStringLiteral("Previews are refreshed only when you click the tray icon."));
 }
 
+TEST_F(SettingsBehaviorSectionTest, SaysWhichProgramLaunchAtLoginStarts) {
+    platform.autostart.startedProgram = QStringLiteral("lattica");
+    behavior();
+    QLabel* program = find<QLabel>(QStringLiteral("launchAtLoginProgram"));
+    EXPECT_EQ(program->text(), QStringLiteral("Launch at login starts lattica."));
+    EXPECT_FALSE(program->isHidden());
+}
+
+TEST_F(SettingsBehaviorSectionTest, ProgramLineFollowsTheEntryAfterATurnOn) {
+    SettingsBehaviorSection* section = behavior();
+    QLabel* program = find<QLabel>(QStringLiteral("launchAtLoginProgram"));
+    EXPECT_TRUE(program->isHidden());  // the service does not tell
+    platform.autostart.startedProgram = QStringLiteral("/home/someone/build/app/lattica");
+    QTest::mouseClick(section->launchAtLoginToggle(), Qt::LeftButton);
+    EXPECT_EQ(program->text(), QStringLiteral("Launch at login starts /home/someone/build/app/lattica."));
+    EXPECT_FALSE(program->isHidden());
+}
+
 TEST_F(SettingsBehaviorSectionTest, TurningShowDockIconOnShowsTheDockIconAtOnce) {
     platform.taskbarPresence.shown = false;
     SettingsBehaviorSection* section = behavior();

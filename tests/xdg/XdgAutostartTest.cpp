@@ -1,8 +1,10 @@
 #include <gtest/gtest.h>
 
 #include <unistd.h>
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QTemporaryDir>
 
 #include "app/controller/AppController.h"
@@ -35,6 +37,86 @@ TEST_F(XdgAutostartTest, RegisterWritesAnAutostartEntryAndUnregisterRemovesIt) {
     ASSERT_TRUE(items.disable(&error));
     EXPECT_EQ(items.status(), AutostartStatus::Disabled);
     EXPECT_FALSE(QFile::exists(entryPath()));
+}
+
+// An executable file at the given path.
+bool makeProgram(const QString& path) {
+    QDir().mkpath(QFileInfo(path).absolutePath());
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly)) {
+        return false;
+    }
+    file.write("#!/bin/sh\n");
+    file.close();
+    return file.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
+}
+
+TEST_F(XdgAutostartTest, BinaryFoundOnThePathIsStartedByName) {
+    const QString installed = directory.filePath(QStringLiteral("bin/lattica"));
+    ASSERT_TRUE(makeProgram(installed));
+    const QString path = QStringLiteral("/nonexistent:") + directory.filePath(QStringLiteral("bin"));
+    EXPECT_EQ(XdgAutostart::execCommand(installed, path), QStringLiteral("lattica"));
+    // Reached through a link, it is still the one on the path.
+    ASSERT_TRUE(QFile::link(installed, directory.filePath(QStringLiteral("link"))));
+    EXPECT_EQ(XdgAutostart::execCommand(directory.filePath(QStringLiteral("link")), path), QStringLiteral("lattica"));
+}
+
+TEST_F(XdgAutostartTest, BinaryOtherThanTheOneOnThePathIsStartedByItsAbsolutePath) {
+    const QString installed = directory.filePath(QStringLiteral("bin/lattica"));
+    const QString buildTree = directory.filePath(QStringLiteral("build/app/lattica"));
+    ASSERT_TRUE(makeProgram(installed));
+    ASSERT_TRUE(makeProgram(buildTree));
+    EXPECT_EQ(XdgAutostart::execCommand(buildTree, directory.filePath(QStringLiteral("bin"))),
+              QLatin1Char('"') + buildTree + QLatin1Char('"'));
+    EXPECT_EQ(XdgAutostart::execCommand(buildTree, QString()), QLatin1Char('"') + buildTree + QLatin1Char('"'));
+}
+
+TEST_F(XdgAutostartTest, AbsolutePathIsQuotedAsDesktopEntriesRequire) {
+    EXPECT_EQ(XdgAutostart::execCommand(QStringLiteral("/opt/a \"b\" $c `d` \\e 100%/lattica"), QString()),
+              QStringLiteral("\"/opt/a \\\\\"b\\\\\" \\\\$c \\\\`d\\\\` \\\\\\\\e 100%%/lattica\""));
+}
+
+TEST_F(XdgAutostartTest, EntryStartsLatticaByNameWhenTheRunningBinaryIsTheOneOnThePath) {
+    // A folder on PATH whose "lattica" is this very program.
+    const QString bin = directory.filePath(QStringLiteral("bin"));
+    ASSERT_TRUE(QDir().mkpath(bin));
+    ASSERT_TRUE(QFile::link(QCoreApplication::applicationFilePath(), bin + QStringLiteral("/lattica")));
+    const QByteArray savedPath = qgetenv("PATH");
+    qputenv("PATH", bin.toLocal8Bit());
+    XdgAutostart items(entryPath());
+    EXPECT_EQ(items.program(), QStringLiteral("lattica"));
+    QString error;
+    const bool enabled = items.enable(&error);
+    qputenv("PATH", savedPath);
+    ASSERT_TRUE(enabled) << qPrintable(error);
+    QFile file(entryPath());
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_TRUE(file.readAll().contains("\nExec=lattica\n"));
+    EXPECT_EQ(items.program(), QStringLiteral("lattica"));
+}
+
+TEST_F(XdgAutostartTest, ProgramIsTheRunningBinaryWhenItIsNotOnThePath) {
+    const QByteArray savedPath = qgetenv("PATH");
+    qputenv("PATH", directory.path().toLocal8Bit());
+    XdgAutostart items(entryPath());
+    const QString before = items.program();
+    QString error;
+    const bool enabled = items.enable(&error);
+    qputenv("PATH", savedPath);
+    EXPECT_EQ(before, QFileInfo(QCoreApplication::applicationFilePath()).absoluteFilePath());
+    ASSERT_TRUE(enabled) << qPrintable(error);
+    EXPECT_EQ(items.program(), before);
+}
+
+TEST_F(XdgAutostartTest, ProgramOfAnExistingEntryIsReadFromItsExecLine) {
+    QDir().mkpath(directory.filePath(QStringLiteral("autostart")));
+    QFile file(entryPath());
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("[Desktop Entry]\nType=Application\nExec=\"/opt/my \\\\\"apps\\\\\"/100%%/lattica\" --flag\n");
+    file.close();
+    XdgAutostart items(entryPath());
+    EXPECT_EQ(items.program(), QStringLiteral("/opt/my \"apps\"/100%/lattica"));
+    EXPECT_EQ(XdgAutostart::execProgram(QStringLiteral("lattica --start")), QStringLiteral("lattica"));
 }
 
 TEST_F(XdgAutostartTest, HiddenEntryIsNotEnabled) {

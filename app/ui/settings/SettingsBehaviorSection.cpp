@@ -9,7 +9,6 @@
 #include "app/ui/common/ViewStyle.h"
 #include "app/ui/settings/SettingsCard.h"
 #include "app/ui/settings/SettingsToggle.h"
-#include "platform/SettingsStore.h"
 
 namespace {
 
@@ -35,6 +34,10 @@ SettingsBehaviorSection::SettingsBehaviorSection(AppController& controller, QWid
     m_adjustWindowSize = addToggleRow(card, QStringLiteral("Adjust window size to target screen"),
                                       QStringLiteral("toggle.adjustWindowSize"));
 
+    // Which program the login entry starts, so that a build tree's binary in it is noticed.
+    m_launchAtLoginProgram = ViewStyle::makeLabel(QString(), ViewStyle::captionFont(), this, true, true);
+    m_launchAtLoginProgram->setObjectName(QStringLiteral("launchAtLoginProgram"));
+
     QLabel* note = ViewStyle::makeLabel(QStringLiteral("Previews are refreshed only when you click the tray icon."),
                                         ViewStyle::captionFont(), this, true, true);
     note->setObjectName(QStringLiteral("previewNote"));
@@ -43,6 +46,7 @@ SettingsBehaviorSection::SettingsBehaviorSection(AppController& controller, QWid
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(10);
     layout->addWidget(card);
+    layout->addWidget(m_launchAtLoginProgram);
     layout->addWidget(note);
 
     connect(m_launchAtLogin, &SettingsToggle::toggled, this, [this](bool enabled) {
@@ -69,6 +73,9 @@ void SettingsBehaviorSection::showValues() {
     m_launchAtLogin->setChecked(m_controller.launchAtLoginEnabled());
     m_dockIcon->setChecked(m_controller.dockIconVisible());
     m_adjustWindowSize->setChecked(m_controller.adjustWindowSizeToTargetScreen());
+    const QString program = m_controller.launchAtLoginProgram();
+    m_launchAtLoginProgram->setText(QStringLiteral("Launch at login starts %1.").arg(program));
+    m_launchAtLoginProgram->setHidden(program.isEmpty());
     m_launchAtLogin->update();
     m_dockIcon->update();
     m_adjustWindowSize->update();

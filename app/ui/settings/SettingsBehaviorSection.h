@@ -3,6 +3,7 @@
 #include <QWidget>
 
 class AppController;
+class QLabel;
 class SettingsToggle;
 
 // Launch at login, showing in the taskbar and resizing on moves.
@@ -23,4 +24,5 @@ private:
     SettingsToggle* m_launchAtLogin = nullptr;
     SettingsToggle* m_dockIcon = nullptr;
     SettingsToggle* m_adjustWindowSize = nullptr;
+    QLabel* m_launchAtLoginProgram = nullptr;
 };
