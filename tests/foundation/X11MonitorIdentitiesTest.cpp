@@ -3,7 +3,7 @@
 
 #include <QSet>
 
-#include "app/ScreenSnapshotService.h"
+#include "app/displays/ScreenSnapshotService.h"
 #include "platform/x11/X11MonitorIdentities.h"
 
 namespace {

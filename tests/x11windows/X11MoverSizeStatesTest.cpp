@@ -2,8 +2,8 @@
 // they arrive in their state every time, whether the size is kept or adjusted.
 #include <QProcess>
 
-#include "app/ScreenSnapshotService.h"
-#include "app/WindowMover.h"
+#include "app/displays/ScreenSnapshotService.h"
+#include "app/mover/WindowMover.h"
 #include "tests/support/VirtualDesktop.h"
 #include "tests/x11windows/X11DesktopFixture.h"
 

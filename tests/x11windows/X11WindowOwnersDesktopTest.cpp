@@ -4,8 +4,8 @@
 #include <QSet>
 #include <QTemporaryDir>
 
-#include "app/ScreenSnapshotService.h"
-#include "app/WindowMover.h"
+#include "app/displays/ScreenSnapshotService.h"
+#include "app/mover/WindowMover.h"
 #include "platform/Platform.h"
 #include "platform/RunningApplications.h"
 #include "platform/x11/X11Connection.h"
