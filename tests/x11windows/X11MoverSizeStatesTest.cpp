@@ -65,7 +65,7 @@ protected:
             const int to = move % 2 == 0 ? 2 : 0;
             const QRect target = monitors().value(to);
             const WindowMoveResult result =
-                WindowMover::moveWindows(display(from), display(to), adjustSize, std::nullopt, false);
+                WindowMover::moveWindows(display(from), display(to), adjustSize, std::nullopt, false).counts;
             EXPECT_EQ(result, (WindowMoveResult{1, 1})) << "move " << move;
             const bool arrived = VirtualDesktop::waitUntil([&] {
                 const QRect frame = frameFromTree(window);

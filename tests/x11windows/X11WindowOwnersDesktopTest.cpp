@@ -79,7 +79,7 @@ TEST_F(X11WindowOwnersDesktopTest, WindowsWhosePidNamesNoProcessAreCountedAndMov
     EXPECT_FALSE(app->terminated);
     EXPECT_EQ(qualifyingWindowsOf(owner), 2);
 
-    const WindowMoveResult result = WindowMover::moveWindows(display(0), display(1), false, std::nullopt, false);
+    const WindowMoveResult result = WindowMover::moveWindows(display(0), display(1), false, std::nullopt, false).counts;
     EXPECT_EQ(result, (WindowMoveResult{2, 2}));
     const QRect target = monitors().value(1);
     for (quint32 window : windows) {
