@@ -130,7 +130,7 @@ int main(int argc, char** argv) {
             figures = BenchTable::measure(6, [&] {
                 const DisplaySnapshot& from = all[direction % 2];
                 const DisplaySnapshot& to = all[(direction + 1) % 2];
-                moved = WindowMover::moveWindows(from, to, adjust, std::nullopt, false).movedCount;
+                moved = WindowMover::moveWindows(from, to, adjust, std::nullopt, false).counts.movedCount;
                 ++direction;
             });
         });
@@ -165,7 +165,7 @@ int main(int argc, char** argv) {
     WindowMoveResult last;
     quiet([&] {
         focused = BenchTable::measure(
-            10, [&] { last = WindowMover::moveFocusedWindow(all[focusedRound++ % 2], all, false); });
+            10, [&] { last = WindowMover::moveFocusedWindow(all[focusedRound++ % 2], all, false).counts; });
     });
     BenchTable::row(QStringLiteral("WindowMover::moveFocusedWindow, 1 window (last result %1,%2)")
                         .arg(last.movedCount)
