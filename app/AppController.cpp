@@ -3,6 +3,7 @@
 #include <QCoreApplication>
 #include <QThread>
 
+#include "KeyboardShortcuts/ActionShortcuts.h"
 #include "app/PermissionService.h"
 #include "app/UpdaterService.h"
 #include "platform/Autostart.h"
@@ -11,13 +12,15 @@
 #include "platform/SettingsStore.h"
 #include "platform/TaskbarPresence.h"
 
-AppController& AppController::shared() {
-    // Lives until the process ends, like the application itself.
-    static AppController* instance = new AppController();
-    return *instance;
-}
+AppController::AppController(QObject* parent) : AppController(nullptr, parent) {}
 
-AppController::AppController(QObject* parent) : QObject(parent) {
+AppController::AppController(KeyboardShortcuts::ActionShortcuts& shortcuts, QObject* parent)
+    : AppController(&shortcuts, parent) {}
+
+AppController::AppController(KeyboardShortcuts::ActionShortcuts* shortcuts, QObject* parent)
+    : QObject(parent),
+      m_ownShortcuts(shortcuts == nullptr ? std::make_unique<KeyboardShortcuts::ActionShortcuts>() : nullptr),
+      m_shortcuts(shortcuts == nullptr ? *m_ownShortcuts : *shortcuts) {
     const PlatformServices& platform = Platform::services();
 
     // 1. Both permission answers, screen recording first.

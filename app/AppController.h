@@ -7,8 +7,13 @@
 #include <QString>
 #include <QUuid>
 #include <QWidget>
+#include <memory>
 
 #include "app/Models.h"
+
+namespace KeyboardShortcuts {
+class ActionShortcuts;
+}
 
 class QScreen;
 class UpdaterService;
@@ -33,11 +38,9 @@ class AppController : public QObject {
                    setAdjustWindowSizeToTargetScreen NOTIFY adjustWindowSizeToTargetScreenChanged)
 
 public:
-    // The single instance, created on first use.
-    static AppController& shared();
-
-    // Builds a controller from the installed platform services. The program uses shared(); tests
-    // build their own instances.
+    // Builds a controller from the installed platform services around the program's global shortcuts.
+    explicit AppController(KeyboardShortcuts::ActionShortcuts& shortcuts, QObject* parent = nullptr);
+    // The same with global shortcuts of its own (tests build one controller after another).
     explicit AppController(QObject* parent = nullptr);
     ~AppController() override;
 
@@ -94,6 +97,7 @@ public:
     const QString& adjustWindowSizeKey() const { return m_adjustWindowSizeKey; }
     const QString& shortcutDisplayRecordsKey() const { return m_shortcutDisplayRecordsKey; }
     SettingsStore* settingsStore() const { return m_settings; }
+    KeyboardShortcuts::ActionShortcuts& shortcuts() const { return m_shortcuts; }
 
     // Visible for tests.
     QUuid previewLoadID() const { return m_previewLoadID; }
@@ -114,6 +118,9 @@ Q_SIGNALS:
     void disconnectedShortcutDisplaysChanged();
 
 private:
+    // Uses the given shortcuts, or makes its own when given none.
+    AppController(KeyboardShortcuts::ActionShortcuts* shortcuts, QObject* parent);
+
     // Announces, stores and signals one published property.
     template <typename T, typename Signal>
     void publish(T& field, const T& value, Signal changed) {
@@ -147,6 +154,8 @@ private:
     QList<ShortcutDisplayItem> m_disconnectedShortcutDisplays;
 
     // Plain fields.
+    std::unique_ptr<KeyboardShortcuts::ActionShortcuts> m_ownShortcuts;
+    KeyboardShortcuts::ActionShortcuts& m_shortcuts;
     SettingsStore* m_settings = nullptr;
     QString m_dockIconKey;
     QString m_autoCheckForUpdatesKey;

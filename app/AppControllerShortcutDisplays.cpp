@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <limits>
 
-#include "KeyboardShortcuts/KeyboardShortcuts.h"
+#include "KeyboardShortcuts/ActionShortcuts.h"
 #include "app/AppController.h"
 #include "app/ScreenSnapshotService.h"
 #include "app/ShortcutDisplayRecordCoding.h"
@@ -86,11 +86,11 @@ void AppController::registerShortcutHandlersIfNeeded() {
         wanted.insert(record.id);
     }
     for (const QString& id : m_registeredShortcutDisplayIDs - wanted) {
-        KeyboardShortcuts::removeHandler(KeyboardShortcuts::Name(shortcutNameRawValue(id)));
+        m_shortcuts.removeHandler(KeyboardShortcuts::Name(shortcutNameRawValue(id)));
     }
     for (const QString& id : wanted - m_registeredShortcutDisplayIDs) {
         QPointer<AppController> weakSelf(this);
-        KeyboardShortcuts::onKeyUp(KeyboardShortcuts::Name(shortcutNameRawValue(id)), [weakSelf, id] {
+        m_shortcuts.onKeyUp(KeyboardShortcuts::Name(shortcutNameRawValue(id)), [weakSelf, id] {
             // The move runs after the key event has been handled, and only if the controller still exists.
             QMetaObject::invokeMethod(
                 QCoreApplication::instance(),
@@ -116,8 +116,8 @@ void AppController::deleteDisconnectedShortcutDisplay(const QString& persistentI
         [&persistentID](const ShortcutDisplayRecord& record) { return record.id == persistentID; });
     saveShortcutDisplayRecords();
     const KeyboardShortcuts::Name name(shortcutNameRawValue(persistentID));
-    KeyboardShortcuts::removeHandler(name);
-    KeyboardShortcuts::setShortcut(std::nullopt, name);
+    m_shortcuts.removeHandler(name);
+    m_shortcuts.setShortcut(std::nullopt, name);
     m_registeredShortcutDisplayIDs.remove(persistentID);
     refreshShortcutDisplays();
 }

@@ -21,8 +21,6 @@ void LatticaApp::AppDelegate::applicationDidFinishLaunching(AppController& contr
 
 LatticaApp::LatticaApp(AppController& controller) : m_controller(controller) {}
 
-LatticaApp::LatticaApp() : LatticaApp(AppController::shared()) {}
-
 LatticaApp::~LatticaApp() = default;
 
 QIcon LatticaApp::programIcon() {

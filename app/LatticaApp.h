@@ -25,7 +25,6 @@ public:
     };
 
     explicit LatticaApp(AppController& controller);
-    LatticaApp();
     ~LatticaApp() override;
 
     // Shows the tray icon (or says why there is none) and schedules the launch sequence.

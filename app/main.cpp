@@ -8,6 +8,8 @@
 #include <cstdio>
 
 #include "BuildConfig.h"
+#include "KeyboardShortcuts/ActionShortcuts.h"
+#include "app/AppController.h"
 #include "app/LatticaApp.h"
 #include "app/ScreenSnapshotService.h"
 #include "platform/x11/X11Platform.h"
@@ -62,7 +64,10 @@ int main(int argc, char** argv) {
     platform->install();
     quitOnTerminationSignals(application);
 
-    LatticaApp app;
+    // The global shortcuts outlive the controller that attaches its handlers to them.
+    KeyboardShortcuts::ActionShortcuts shortcuts;
+    AppController controller(shortcuts);
+    LatticaApp app(controller);
     app.start();
     // The windows of the desktop are read once in the background now, so that the first opening of the
     // panel only has to ask about what changed since.

@@ -6,7 +6,7 @@
 #include <QTest>
 #include <memory>
 
-#include "KeyboardShortcuts/Recorder.h"
+#include "KeyboardShortcuts/ShortcutRecorder.h"
 #include "app/AppController.h"
 #include "app/views/SettingsBehaviorSection.h"
 #include "app/views/SettingsShortcutRow.h"
