@@ -74,7 +74,7 @@ void HotKeyRegistry::add(const Shortcut& shortcut, Handler onKeyDown, Handler on
         m_service.isNull()) {
         return;
     }
-    HotKey hotKey{shortcut, std::nullopt, std::move(onKeyDown), std::move(onKeyUp)};
+    HotKey hotKey{shortcut, std::nullopt, std::move(onKeyDown), std::move(onKeyUp), std::nullopt};
     // While suspended or while a menu holds the keyboard the key waits, unregistered, until that ends.
     if (m_mode == ListenMode::hotKeys) {
         const HotKeys::Registration registration = m_service->registerHotKey(
@@ -115,10 +115,14 @@ void HotKeyRegistry::registerAll() {
             m_service->registerHotKey(static_cast<quint32>(hotKey.shortcut.carbonKeyCode()),
                                       static_cast<quint32>(hotKey.shortcut.carbonModifiers()));
         if (const auto* failure = std::get_if<HotKeys::Failure>(&registration)) {
-            reportRefusal(hotKey.shortcut, *failure);
+            if (hotKey.reportedRefusal != *failure) {
+                reportRefusal(hotKey.shortcut, *failure);
+                hotKey.reportedRefusal = *failure;
+            }
             continue;
         }
         hotKey.registration = std::get<HotKeys::RegistrationId>(registration);
+        hotKey.reportedRefusal.reset();
     }
 }
 

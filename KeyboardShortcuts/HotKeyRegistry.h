@@ -37,7 +37,8 @@ public:
     HotKeyRegistry(const HotKeyRegistry&) = delete;
     HotKeyRegistry& operator=(const HotKeyRegistry&) = delete;
 
-    // Registers a hot key under the next id. A refusal is reported (see reportRefusal) and keeps nothing.
+    // Registers a hot key under the next id. A refusal is reported and keeps nothing. Taking the keys back
+    // after a suspension reports a refusal once, until the key is registered or refused differently.
     void add(const Shortcut& shortcut, Handler onKeyDown, Handler onKeyUp);
     // Removes every hot key of this shortcut; unknown shortcuts are ignored.
     void remove(const Shortcut& shortcut);
@@ -68,6 +69,8 @@ private:
         std::optional<HotKeys::RegistrationId> registration;  // empty while suspended
         Handler onKeyDown;
         Handler onKeyUp;
+        // The refusal last reported for this entry: a resume refused the same way says nothing again.
+        std::optional<HotKeys::Failure> reportedRefusal;
     };
 
     void registerAll();

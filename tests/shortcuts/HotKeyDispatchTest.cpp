@@ -223,6 +223,40 @@ TEST_F(HotKeyDispatchTest, SoftRegisterRetriesSuspendedKeysAndReportsFailures) {
     EXPECT_TRUE(shortcuts.hotKeys().isActive(1));
 }
 
+TEST_F(HotKeyDispatchTest, RefusalAtResumeIsReportedOnceUntilItsRegistrationChanges) {
+    const Name name(QStringLiteral("n"));
+    shortcuts.setShortcut(kOptionF5, name);
+    shortcuts.onKeyUp(name, [] {});
+    ASSERT_TRUE(shortcuts.hotKeys().isActive(1));
+    const auto keyCode = static_cast<quint32>(kOptionF5.carbonKeyCode());
+    const auto modifiers = static_cast<quint32>(kOptionF5.carbonModifiers());
+    platform.hotKeys.markTaken(keyCode, modifiers);
+    // Each recording, each menu and the master switch end with a resume that asks for the key again.
+    const auto resumeTwiceEachWay = [this] {
+        for (int i = 0; i < 2; ++i) {
+            shortcuts.setPaused(true);
+            shortcuts.setPaused(false);
+            shortcuts.setEnabled(false);
+            shortcuts.setEnabled(true);
+        }
+    };
+    testing::internal::CaptureStdout();
+    resumeTwiceEachWay();
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "Error registering hotkey Alt+F5: -9878\n");
+    EXPECT_FALSE(shortcuts.hotKeys().isActive(1));
+
+    // Freed, the key is taken back at the next resume; refused again later, that is news again.
+    platform.hotKeys.markFree(keyCode, modifiers);
+    testing::internal::CaptureStdout();
+    resumeTwiceEachWay();
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
+    EXPECT_TRUE(shortcuts.hotKeys().isActive(1));
+    platform.hotKeys.markTaken(keyCode, modifiers);
+    testing::internal::CaptureStdout();
+    resumeTwiceEachWay();
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "Error registering hotkey Alt+F5: -9878\n");
+}
+
 TEST_F(HotKeyDispatchTest, NothingRunsWhilePaused) {
     const Name name(QStringLiteral("n"));
     shortcuts.setShortcut(kOptionF5, name);
