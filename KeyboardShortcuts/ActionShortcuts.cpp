@@ -1,7 +1,9 @@
 #include "KeyboardShortcuts/ActionShortcuts.h"
 
 #include "KeyboardShortcuts/MenuWatcher.h"
+#include "KeyboardShortcuts/ShortcutRules.h"
 #include "KeyboardShortcuts/ShortcutStore.h"
+#include "KeyboardShortcuts/ShortcutsLog.h"
 #include "platform/Platform.h"
 #include "platform/SettingsStore.h"
 
@@ -23,11 +25,32 @@ ActionShortcuts::ActionShortcuts(HotKeys* hotKeys, SettingsStore* store, QObject
 
 ActionShortcuts::~ActionShortcuts() = default;
 
-std::optional<Shortcut> ActionShortcuts::shortcut(const Name& name) const {
+std::optional<Shortcut> ActionShortcuts::storedShortcut(const Name& name) const {
     if (m_store == nullptr) {
         return std::nullopt;
     }
     return ShortcutStore::read(*m_store, name);
+}
+
+std::optional<Shortcut> ActionShortcuts::shortcut(const Name& name) const {
+    const std::optional<Shortcut> stored = storedShortcut(name);
+    if (!stored) {
+        return std::nullopt;
+    }
+    const ShortcutRules::Refusal refusal = ShortcutRules::refusal(*stored, m_hotKeys.restrictsOptionOnlyHotKeys());
+    if (refusal == ShortcutRules::Refusal::none) {
+        return stored;
+    }
+    const QString reported = name.rawValue() + QLatin1Char('\n') + QString::fromUtf8(stored->toJson());
+    if (!m_reportedIgnored.contains(reported)) {
+        m_reportedIgnored.insert(reported);
+        qCWarning(lcShortcuts).noquote() << "Ignoring the stored shortcut" << stored->presentableDescription() << "of"
+                                         << name.rawValue() << "-"
+                                         << (refusal == ShortcutRules::Refusal::needsModifier
+                                                 ? "it needs Ctrl, Alt or Super"
+                                                 : "Alt alone is refused here");
+    }
+    return std::nullopt;
 }
 
 bool ActionShortcuts::isStored(const Name& name) const {
@@ -38,7 +61,7 @@ void ActionShortcuts::store(const Name& name, const Shortcut& shortcut) {
     if (m_store == nullptr) {
         return;
     }
-    if (const std::optional<Shortcut> old = this->shortcut(name)) {
+    if (const std::optional<Shortcut> old = storedShortcut(name)) {
         unregisterShortcut(*old);
     }
     if (!isRegistered(shortcut)) {
@@ -53,7 +76,7 @@ void ActionShortcuts::setShortcut(const std::optional<Shortcut>& shortcut, const
         store(name, *shortcut);
         return;
     }
-    const std::optional<Shortcut> old = this->shortcut(name);
+    const std::optional<Shortcut> old = storedShortcut(name);
     if (!old || m_store == nullptr) {
         return;
     }

@@ -30,7 +30,8 @@ public:
     ActionShortcuts(HotKeys* hotKeys, SettingsStore* store, QObject* parent = nullptr);
     ~ActionShortcuts() override;
 
-    // Storage. The name's shortcut as stored (its default when nothing is stored).
+    // Storage. The name's shortcut as stored (its default when nothing is stored). A stored shortcut that
+    // breaks the rules of recorded ones is ignored, with one message, and left in the store as it is.
     std::optional<Shortcut> shortcut(const Name& name) const;
     // Stores (and registers) a shortcut; nothing removes it, or stores false when the name has a default.
     void setShortcut(const std::optional<Shortcut>& shortcut, const Name& name);
@@ -74,6 +75,8 @@ private:
     using Handlers = QHash<Name, QList<std::function<void()>>>;
 
     void store(const Name& name, const Shortcut& shortcut);
+    // The stored value, whatever the rules say of it.
+    std::optional<Shortcut> storedShortcut(const Name& name) const;
     void registerShortcut(const Shortcut& shortcut);
     void unregisterShortcut(const Shortcut& shortcut);
     void registerIfNeeded(const Name& name);
@@ -88,6 +91,8 @@ private:
     bool m_paused = false;
     bool m_menuOpen = false;
     QSet<Shortcut> m_registered;
+    // Names and stored texts already reported as ignored.
+    mutable QSet<QString> m_reportedIgnored;
     Handlers m_keyDownHandlers;
     Handlers m_keyUpHandlers;
 };

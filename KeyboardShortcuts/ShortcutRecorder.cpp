@@ -12,6 +12,7 @@
 #include "KeyboardShortcuts/InputEvent.h"
 #include "KeyboardShortcuts/LocalEventMonitor.h"
 #include "KeyboardShortcuts/MenuItemShortcut.h"
+#include "KeyboardShortcuts/ShortcutRules.h"
 #include "KeyboardShortcuts/Utilities.h"
 
 namespace KeyboardShortcuts {
@@ -22,8 +23,6 @@ namespace {
 constexpr unsigned int kAnyModifierMask = 0xFFDE0000;
 // Control, option, command (and help): shift, caps lock, numeric pad and fn alone are not enough.
 constexpr unsigned int kCommandLikeModifierMask = 0xFF5C0000;
-// fn, command, option, control and caps lock.
-constexpr unsigned int kOptionRuleMask = 0x9D0000;
 
 bool isTab(const InputEvent& event) {
     return event.keyCode() == Key::tab.rawValue() || event.qtKey() == Qt::Key_Tab || event.qtKey() == Qt::Key_Backtab;
@@ -38,10 +37,7 @@ bool isFunctionKey(const InputEvent& event) {
     if (event.qtKey() >= Qt::Key_F1 && event.qtKey() <= Qt::Key_F35) {
         return true;
     }
-    static const QList<Key> functionKeys = {Key::f1,  Key::f2,  Key::f3,  Key::f4,  Key::f5,  Key::f6,  Key::f7,
-                                            Key::f8,  Key::f9,  Key::f10, Key::f11, Key::f12, Key::f13, Key::f14,
-                                            Key::f15, Key::f16, Key::f17, Key::f18, Key::f19, Key::f20};
-    return event.keyCode() && functionKeys.contains(Key(*event.keyCode()));
+    return event.keyCode() && ShortcutRules::isFunctionKey(Key(*event.keyCode()));
 }
 
 QString withoutMnemonic(QString text) {
@@ -299,8 +295,7 @@ bool ShortcutRecorder::handleEvent(const InputEvent& event) {
         }
     }
     // 9. Systems that refuse option-only hot keys.
-    if (m_shortcuts.hotKeys().restrictsOptionOnlyHotKeys() &&
-        (shortcut->modifiers().toInt() & kOptionRuleMask) == static_cast<unsigned int>(ModifierFlag::option)) {
+    if (m_shortcuts.hotKeys().restrictsOptionOnlyHotKeys() && ShortcutRules::isOptionOnly(*shortcut)) {
         giveUpFocus();
         runAlert(QStringLiteral("This keyboard shortcut cannot be used because it only uses the Alt key. "
                                 "Add Super, Ctrl or Shift to it."),

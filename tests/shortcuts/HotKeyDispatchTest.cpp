@@ -257,6 +257,44 @@ TEST_F(HotKeyDispatchTest, RefusalAtResumeIsReportedOnceUntilItsRegistrationChan
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "Error registering hotkey Alt+F5: -9878\n");
 }
 
+TEST_F(HotKeyDispatchTest, StoredShortcutThatBreaksTheRecorderRulesIsIgnoredOnceAndKeptAsStored) {
+    // The letter A with no modifier, as a hand-edited preferences file may hold it.
+    const Name bare(QStringLiteral("bare"));
+    const QString bareJson = QStringLiteral("{\"carbonKeyCode\":0,\"carbonModifiers\":0}");
+    platform.settings.setString(ShortcutStore::key(bare), bareJson);
+    // Alt+A where the hot-key service refuses Alt alone.
+    platform.hotKeys.optionOnlyRestricted = true;
+    const Name altOnly(QStringLiteral("altOnly"));
+    const QString altJson = QString::fromUtf8(Shortcut(Key::a, ModifierFlag::option).toJson());
+    platform.settings.setString(ShortcutStore::key(altOnly), altJson);
+    // F5 alone and Ctrl+A stay allowed.
+    const Name function(QStringLiteral("function"));
+    platform.settings.setString(ShortcutStore::key(function), QString::fromUtf8(Shortcut(Key::f5).toJson()));
+
+    CategoryMessages log("lattica.shortcuts");
+    int runs = 0;
+    for (const Name& name : {bare, altOnly, function}) {
+        shortcuts.onKeyDown(name, [&] { ++runs; });
+        shortcuts.onKeyUp(name, [&] { ++runs; });
+    }
+    ASSERT_EQ(platform.hotKeys.registrations().size(), 1) << "only F5 is grabbed";
+    EXPECT_EQ(platform.hotKeys.registrations().first().keyCode, static_cast<quint32>(Key::f5.rawValue()));
+    EXPECT_FALSE(shortcuts.shortcut(bare).has_value());
+    EXPECT_FALSE(shortcuts.isEnabled(altOnly));
+    press(platform.hotKeys, Shortcut(Key::a.rawValue(), 0));
+    EXPECT_TRUE(shortcuts.hotKeys().handleRawKeyEvent(Key::f5.rawValue(), 0, RawKeyEvent::keyDown));
+    EXPECT_FALSE(shortcuts.hotKeys().handleRawKeyEvent(Key::a.rawValue(), 0, RawKeyEvent::keyDown));
+    EXPECT_EQ(runs, 1);
+    EXPECT_EQ(log.messages.size(), 2) << log.messages.join(QLatin1Char('\n')).toStdString();
+    EXPECT_EQ(platform.settings.stringValue(ShortcutStore::key(bare)), bareJson) << "left as stored";
+    EXPECT_EQ(platform.settings.stringValue(ShortcutStore::key(altOnly)), altJson) << "left as stored";
+
+    // Recording a valid one replaces it as usual.
+    shortcuts.setShortcut(kControlCommandK, bare);
+    EXPECT_EQ(shortcuts.shortcut(bare), kControlCommandK);
+    EXPECT_EQ(platform.hotKeys.registrations().size(), 2);
+}
+
 TEST_F(HotKeyDispatchTest, NothingRunsWhilePaused) {
     const Name name(QStringLiteral("n"));
     shortcuts.setShortcut(kOptionF5, name);
