@@ -59,7 +59,7 @@ public:
     // Set while a recorder records: hot keys are released and fired shortcuts run nothing.
     bool isPaused() const { return m_paused; }
     void setPaused(bool paused);
-    // True while one of the application's menus is open.
+    // True while one of the application's menus or popups (the tray panel) is open.
     bool isMenuOpen() const { return m_menuOpen; }
 
     // Whether the shortcut is registered as a hot key.

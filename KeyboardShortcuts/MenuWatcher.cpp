@@ -2,7 +2,7 @@
 
 #include <QCoreApplication>
 #include <QEvent>
-#include <QMenu>
+#include <QWidget>
 
 namespace KeyboardShortcuts {
 
@@ -19,8 +19,8 @@ MenuWatcher::~MenuWatcher() {
 }
 
 bool MenuWatcher::isAnyMenuOpen() const {
-    for (const QPointer<QMenu>& menu : m_openMenus) {
-        if (menu && menu->isVisible()) {
+    for (const QPointer<QWidget>& popup : m_openPopups) {
+        if (popup && popup->isVisible()) {
             return true;
         }
     }
@@ -31,20 +31,21 @@ bool MenuWatcher::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() != QEvent::Show && event->type() != QEvent::Hide) {
         return false;
     }
-    auto* menu = qobject_cast<QMenu*>(watched);
-    if (menu == nullptr || !menu->isWindow()) {
+    // Menus are popups too.
+    auto* popup = qobject_cast<QWidget*>(watched);
+    if (popup == nullptr || !popup->isWindow() || popup->windowType() != Qt::Popup) {
         return false;
     }
-    const bool wasOpen = !m_openMenus.isEmpty();
-    m_openMenus.removeIf([](const QPointer<QMenu>& entry) { return entry.isNull(); });
+    const bool wasOpen = !m_openPopups.isEmpty();
+    m_openPopups.removeIf([](const QPointer<QWidget>& entry) { return entry.isNull(); });
     if (event->type() == QEvent::Show) {
-        if (!m_openMenus.contains(menu)) {
-            m_openMenus.append(menu);
+        if (!m_openPopups.contains(popup)) {
+            m_openPopups.append(popup);
         }
     } else {
-        m_openMenus.removeAll(menu);
+        m_openPopups.removeAll(popup);
     }
-    const bool isOpen = !m_openMenus.isEmpty();
+    const bool isOpen = !m_openPopups.isEmpty();
     if (isOpen != wasOpen) {
         m_onChange(isOpen);
     }

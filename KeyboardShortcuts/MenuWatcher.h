@@ -5,19 +5,21 @@
 #include <QPointer>
 #include <functional>
 
-class QMenu;
+class QWidget;
 
 namespace KeyboardShortcuts {
 
-// Tells when the application's menus open and close: the first menu shown begins tracking, the last one
-// hidden ends it. Watches the application object's events from construction, when one exists.
+// Tells when the application's menus and other popups (the tray panel, say) open and close: the first
+// one shown begins tracking, the last one hidden ends it. A popup holds the keyboard grabbed while it is
+// open, so hot keys cannot fire then. Watches the application object's events from construction, when
+// one exists.
 class MenuWatcher : public QObject {
     Q_OBJECT
 public:
     explicit MenuWatcher(std::function<void(bool isOpen)> onChange);
     ~MenuWatcher() override;
 
-    // Whether any of the application's menus is visible now.
+    // Whether any of the application's menus or popups is visible now.
     bool isAnyMenuOpen() const;
 
 protected:
@@ -25,7 +27,7 @@ protected:
 
 private:
     std::function<void(bool)> m_onChange;
-    QList<QPointer<QMenu>> m_openMenus;
+    QList<QPointer<QWidget>> m_openPopups;
 };
 
 }  // namespace KeyboardShortcuts

@@ -418,6 +418,32 @@ TEST_F(ShortcutsDesktopTest, WithOurMenuOpenShortcutRunsHandlerAndMenuDoesNotAct
     EXPECT_EQ(counter.ups, 2) << "the grab is back once the menu closed";
 }
 
+TEST_F(ShortcutsDesktopTest, WithOurPopupPanelOpenShortcutRunsHandler) {
+    const Name name(QStringLiteral("display.1"));
+    shortcuts->setShortcut(kControlOptionK, name);
+    Counter counter;
+    counter.attach(*shortcuts, name);
+
+    // Shown like the tray panel: a popup, which holds the keyboard grabbed while it is open.
+    QWidget panel(nullptr, Qt::Popup | Qt::FramelessWindowHint);
+    panel.resize(240, 160);
+    panel.move(100, 100);
+    panel.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&panel));
+    ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return keyboard.isKeyboardGrabbedByAnotherClient(); }, 5000));
+
+    keyboard.type(kControlAlt, XTestKeyboard::keyK);
+    EXPECT_TRUE(VirtualDesktop::waitUntil([&] { return counter.ups == 1; }, 5000));
+    EXPECT_EQ(counter.downs, 1);
+    EXPECT_TRUE(panel.isVisible());
+
+    panel.hide();
+    ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return !shortcuts->isMenuOpen(); }, 5000));
+    keyboard.type(kControlAlt, XTestKeyboard::keyK);
+    ASSERT_TRUE(settle());
+    EXPECT_EQ(counter.ups, 2) << "the grab is back once the popup closed";
+}
+
 TEST_F(ShortcutsDesktopTest, DisplayedCharacterFollowsLayoutWhileSamePhysicalKeyFires) {
     auto* layout = static_cast<X11KeyboardLayout*>(Platform::services().keyboardLayout);
     const Shortcut controlZ(Key::z, ModifierFlag::control | ModifierFlag::option);
