@@ -5,11 +5,7 @@
 #include <QKeySequence>
 #include <QMenu>
 #include <QMenuBar>
-#include <QTimer>
 
-#include "KeyboardShortcuts/KeyboardShortcuts.h"
-#include "KeyboardShortcuts/Notifications.h"
-#include "KeyboardShortcuts/ObjectAssociation.h"
 #include "KeyboardShortcuts/SpecialKey.h"
 #include "KeyboardShortcuts/Utilities.h"
 
@@ -53,12 +49,6 @@ QString keyEquivalentForQtKey(int key) {
     return QString();
 }
 
-// The observer token that an action keeps for its name binding.
-const ObjectAssociation<QMetaObject::Connection>& observerAssociation() {
-    static const ObjectAssociation<QMetaObject::Connection> association(AssociationPolicy::retainNonatomic);
-    return association;
-}
-
 void collectActions(QWidget* widget, QList<QAction*>* items) {
     for (QAction* action : widget->actions()) {
         if (!items->contains(action)) {
@@ -98,30 +88,6 @@ void setShortcut(QAction* item, const std::optional<Shortcut>& shortcut) {
     const QString equivalent = shortcut ? shortcut->nsMenuItemKeyEquivalent().value_or(QString()) : QString();
     const ModifierFlags mask = shortcut ? shortcut->modifiers() : ModifierFlags();
     item->setShortcut(keySequenceForKeyEquivalent(equivalent, mask));
-}
-
-void setShortcutFor(QAction* item, const std::optional<Name>& name) {
-    if (item == nullptr) {
-        return;
-    }
-    if (!name) {
-        setShortcut(item, std::optional<Shortcut>());
-        if (const std::optional<QMetaObject::Connection> token = observerAssociation().get(item)) {
-            QObject::disconnect(*token);
-        }
-        observerAssociation().set(item, std::nullopt);
-        return;
-    }
-    setShortcut(item, getShortcut(*name));
-    const Name observed = *name;
-    const QMetaObject::Connection token = QObject::connect(
-        &Notifications::shared(), &Notifications::shortcutByNameDidChange, item, [item, observed](const Name& changed) {
-            if (changed == observed) {
-                QTimer::singleShot(0, item, [item, observed] { setShortcut(item, getShortcut(observed)); });
-            }
-        });
-    // An earlier token is replaced but its observation stays registered.
-    observerAssociation().set(item, token);
 }
 
 QString keyEquivalent(const QAction* item) {

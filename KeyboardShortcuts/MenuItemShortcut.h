@@ -5,7 +5,6 @@
 #include <optional>
 
 #include "KeyboardShortcuts/ModifierFlags.h"
-#include "KeyboardShortcuts/Name.h"
 #include "KeyboardShortcuts/Shortcut.h"
 
 class QAction;
@@ -17,9 +16,6 @@ namespace KeyboardShortcuts {
 
 // Gives the action the shortcut's key equivalent and modifiers, or clears them.
 void setShortcut(QAction* item, const std::optional<Shortcut>& shortcut);
-// Binds the action to a name's stored shortcut and keeps it current; nothing unbinds it. Binding to
-// another name does not stop the earlier observation (only unbinding with nothing does).
-void setShortcutFor(QAction* item, const std::optional<Name>& name);
 
 // The key equivalent string of an action ("k", "↩", U+F704 for F1, ...); empty when it has none.
 QString keyEquivalent(const QAction* item);

@@ -8,18 +8,15 @@
 
 namespace KeyboardShortcuts {
 
-// A stable, application-chosen name of a global shortcut. Equality and hashing use the raw value only.
+// A stable, application-chosen name of a global shortcut, with the shortcut it has while nothing is
+// stored for it. A plain value: equality and hashing use the raw value only.
 class Name {
 public:
-    // Stores the default at once when nothing is stored under the name yet.
-    explicit Name(const QString& rawValue, std::optional<Shortcut> defaultShortcut = std::nullopt);
+    explicit Name(const QString& rawValue, std::optional<Shortcut> defaultShortcut = std::nullopt)
+        : m_rawValue(rawValue), m_defaultShortcut(defaultShortcut) {}
 
     const QString& rawValue() const { return m_rawValue; }
     const std::optional<Shortcut>& defaultShortcut() const { return m_defaultShortcut; }
-
-    // The stored shortcut (getShortcut) and its setter (setShortcut).
-    std::optional<Shortcut> shortcut() const;
-    void setShortcut(const std::optional<Shortcut>& shortcut) const;
 
     bool operator==(const Name& other) const { return m_rawValue == other.m_rawValue; }
 

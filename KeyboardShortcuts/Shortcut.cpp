@@ -6,8 +6,6 @@
 #include <limits>
 
 #include "KeyboardShortcuts/InputEvent.h"
-#include "KeyboardShortcuts/KeyboardShortcuts.h"
-#include "KeyboardShortcuts/Localization.h"
 #include "KeyboardShortcuts/SpecialKey.h"
 #include "KeyboardShortcuts/Utilities.h"
 
@@ -52,10 +50,6 @@ std::optional<Shortcut> Shortcut::fromEvent(const InputEvent& event) {
     ModifierFlags flags = event.modifierFlags();
     flags.setFlag(ModifierFlag::function, false);
     return Shortcut(*event.keyCode(), carbon(flags));
-}
-
-std::optional<Shortcut> Shortcut::forName(const Name& name) {
-    return getShortcut(name);
 }
 
 ModifierFlags Shortcut::modifiers() const {

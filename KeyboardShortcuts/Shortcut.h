@@ -12,7 +12,6 @@
 namespace KeyboardShortcuts {
 
 class InputEvent;
-class Name;
 
 // One physical key plus modifiers, in Carbon key codes and Carbon modifier bits. This is the value
 // that is stored, registered as a hot key and shown to the user.
@@ -26,8 +25,6 @@ public:
     // A shortcut from a key-down or key-up event; nothing for any other event or a key without a
     // Carbon code. The function flag is never captured from a typed event.
     static std::optional<Shortcut> fromEvent(const InputEvent& event);
-    // The shortcut stored for a name (same as getShortcut).
-    static std::optional<Shortcut> forName(const Name& name);
 
     int carbonKeyCode() const { return m_carbonKeyCode; }
     int carbonModifiers() const { return m_carbonModifiers; }

@@ -1,7 +1,5 @@
 #include "KeyboardShortcuts/SpecialKey.h"
 
-#include "KeyboardShortcuts/Localization.h"
-
 namespace KeyboardShortcuts {
 
 const QHash<Key, SpecialKey>& keyToSpecialKeyMapping() {
@@ -115,7 +113,7 @@ QString presentableDescription(SpecialKey key) {
         case SpecialKey::home:
             return QStringLiteral("Home");
         case SpecialKey::space:
-            return capitalized(localized("space_key"));
+            return QStringLiteral("Space");
         case SpecialKey::tab:
             return QStringLiteral("Tab");
         case SpecialKey::pageUp:
@@ -174,7 +172,7 @@ QString glyph(SpecialKey key) {
         case SpecialKey::home:
             return QStringLiteral("\u2196");
         case SpecialKey::space:
-            return capitalized(localized("space_key"));
+            return QStringLiteral("Space");
         case SpecialKey::tab:
             return QStringLiteral("\u21E5");
         case SpecialKey::pageUp:

@@ -40,6 +40,22 @@ std::optional<QString> keyToCharacter(Key key) {
     return text;
 }
 
+QString capitalized(const QString& text) {
+    QString result;
+    result.reserve(text.size());
+    bool startOfWord = true;
+    for (const QChar character : text) {
+        if (character.isSpace()) {
+            startOfWord = true;
+            result += character;
+            continue;
+        }
+        result += startOfWord ? character.toUpper() : character.toLower();
+        startOfWord = false;
+    }
+    return result;
+}
+
 void beep() {
     ++g_beepCount;
     QApplication::beep();

@@ -11,6 +11,9 @@ namespace KeyboardShortcuts {
 // keys, when there is no layout, or when the key does not produce exactly one character.
 std::optional<QString> keyToCharacter(Key key);
 
+// Capitalises each word: the first letter upper-case, the rest lower-case.
+QString capitalized(const QString& text);
+
 // Sounds the alert beep. Counted so that tests can tell a refusal happened.
 void beep();
 int beepCount();

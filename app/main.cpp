@@ -9,6 +9,7 @@
 #include <cstdio>
 
 #include "BuildConfig.h"
+#include "KeyboardShortcuts/ActionShortcuts.h"
 #include "app/commands/CommandClient.h"
 #include "app/commands/CommandLine.h"
 #include "app/commands/CommandService.h"
@@ -19,8 +20,7 @@
 #include "app/ui/LatticaApp.h"
 #include "app/ui/WindowPresenter.h"
 #include "app/update/UpdaterService.h"
-#include "platform/x11/X11DisplayProbe.h"
-#include "platform/x11/X11Platform.h"
+#include "platform/x11/X11DisplayProbe.h" #include "platform/x11/X11Platform.h"
 #include "platform/xdg/SessionBusAutoLaunch.h"
 
 namespace {
@@ -152,7 +152,9 @@ int runProgram(int argc, char** argv) {
     platform->install();
     quitOnTerminationSignals(application);
 
-    AppController controller;
+    // The global shortcuts outlive the controller that attaches its handlers to them.
+    KeyboardShortcuts::ActionShortcuts shortcuts;
+    AppController controller(shortcuts);
     WindowPresenter windows(controller, UpdaterService::shared().updater());
     LatticaApp app(controller, windows, platform->services().trayHost);
     const CommandService commands(controller.preferences());

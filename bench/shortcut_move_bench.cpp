@@ -12,7 +12,7 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "KeyboardShortcuts/KeyboardShortcuts.h"
+#include "KeyboardShortcuts/ActionShortcuts.h"
 #include "app/controller/AppController.h"
 #include "app/displays/ScreenSnapshotService.h"
 #include "platform/x11/X11Platform.h"
@@ -125,10 +125,10 @@ int main(int argc, char** argv) {
         return 1;
     }
     AppController controller;
-    KeyboardShortcuts::setShortcut(
+    controller.shortcuts().setShortcut(
         KeyboardShortcuts::Shortcut(kOneKeyCode, kControlOption),
         KeyboardShortcuts::Name(AppController::shortcutNameRawValue(displays[0].persistentID)));
-    KeyboardShortcuts::setShortcut(
+    controller.shortcuts().setShortcut(
         KeyboardShortcuts::Shortcut(kTwoKeyCode, kControlOption),
         KeyboardShortcuts::Name(AppController::shortcutNameRawValue(displays[1].persistentID)));
 
@@ -176,7 +176,7 @@ int main(int argc, char** argv) {
         }
     }
     client.exit();
-    KeyboardShortcuts::removeAllHandlers();
+    controller.shortcuts().removeAllHandlers();
 
     if (latencies.empty()) {
         std::printf("shortcut release -> window on target: no press arrived (%d missed)\n", missed);

@@ -3,14 +3,23 @@
 #include <QCoreApplication>
 #include <QThread>
 
+#include "KeyboardShortcuts/ActionShortcuts.h"
 #include "app/permissions/PermissionService.h"
-#include "app/update/UpdaterService.h"
-#include "platform/Autostart.h"
+#include "app/update/UpdaterService.h" #include "platform/Autostart.h"
 #include "platform/Monitors.h"
 #include "platform/Platform.h"
 #include "platform/TaskbarPresence.h"
 
-AppController::AppController(QObject* parent) : QObject(parent), m_preferences(*Platform::services().settings) {
+AppController::AppController(QObject* parent) : AppController(nullptr, parent) {}
+
+AppController::AppController(KeyboardShortcuts::ActionShortcuts& shortcuts, QObject* parent)
+    : AppController(&shortcuts, parent) {}
+
+AppController::AppController(KeyboardShortcuts::ActionShortcuts* shortcuts, QObject* parent)
+    : QObject(parent),
+      m_ownShortcuts(shortcuts == nullptr ? std::make_unique<KeyboardShortcuts::ActionShortcuts>() : nullptr),
+      m_shortcuts(shortcuts == nullptr ? *m_ownShortcuts : *shortcuts),
+      m_preferences(*Platform::services().settings) {
     const PlatformServices& platform = Platform::services();
 
     // 1. Both permission answers, screen recording first.

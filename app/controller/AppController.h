@@ -7,15 +7,18 @@
 #include <QSet>
 #include <QString>
 #include <QUuid>
-
+#include <memory>
 #include "app/controller/Preferences.h"
 #include "app/model/Models.h"
 
+namespace KeyboardShortcuts {
+class ActionShortcuts;
+}
 class UpdaterService;
 
 // The one controller at the centre of the program: it owns the published state that every view shows,
-// the preferences, the display refresh, every move command, the per-display shortcut records and the
-// program's windows. It lives on the main thread.
+// the preferences, the display refresh, every move command and the per-display shortcut records.
+// It lives on the main thread.
 //
 // Published properties announce a change with objectWillChange() before the new value is stored and
 // with their own change signal after it.
@@ -32,9 +35,11 @@ class AppController : public QObject {
                    setAdjustWindowSizeToTargetScreen NOTIFY adjustWindowSizeToTargetScreenChanged)
 
 public:
-    // Builds a controller from the installed platform services. main() owns the program's one
-    // controller; tests build their own.
-    explicit AppController(QObject* parent = nullptr);
+    // Builds a controller from the installed platform services around the program's global shortcuts.
+    // main() owns the program's one controller.
+    explicit AppController(KeyboardShortcuts::ActionShortcuts& shortcuts, QObject* parent = nullptr);
+    // The same with global shortcuts of its own (tests build one controller after another).    explicit
+    // AppController(QObject* parent = nullptr);
     ~AppController() override;
 
     // Published state.
@@ -91,7 +96,7 @@ public:
     QImage applicationIcon(pid_t pid) const;
 
     Preferences& preferences() { return m_preferences; }
-
+    KeyboardShortcuts::ActionShortcuts& shortcuts() const { return m_shortcuts; }
     // Visible for tests.
     QUuid previewLoadID() const { return m_previewLoadID; }
     const QList<ShortcutDisplayRecord>& shortcutDisplayRecords() const { return m_shortcutDisplayRecords; }
@@ -113,6 +118,9 @@ Q_SIGNALS:
     void permissionGuideRequested();
 
 private:
+    // Uses the given shortcuts, or makes its own when given none.
+    AppController(KeyboardShortcuts::ActionShortcuts* shortcuts, QObject* parent);
+
     // Announces, stores and signals one published property.
     template <typename T, typename Signal>
     void publish(T& field, const T& value, Signal changed) {
@@ -143,6 +151,8 @@ private:
     QList<ShortcutDisplayItem> m_disconnectedShortcutDisplays;
 
     // Plain fields.
+    std::unique_ptr<KeyboardShortcuts::ActionShortcuts> m_ownShortcuts;
+    KeyboardShortcuts::ActionShortcuts& m_shortcuts;
     Preferences m_preferences;
     UpdaterService* m_updaterService = nullptr;
     QUuid m_previewLoadID;

@@ -4,17 +4,17 @@
 #include <algorithm>
 #include <limits>
 
-#include "KeyboardShortcuts/KeyboardShortcuts.h"
+#include "KeyboardShortcuts/ActionShortcuts.h"
 #include "app/controller/AppController.h"
 #include "app/displays/ScreenSnapshotService.h"
 #include "app/displayshortcuts/ShortcutDisplayRecordCoding.h"
-
 QString AppController::shortcutNameRawValue(const QString& persistentID) {
     return QStringLiteral("moveFocusedWindowToDisplay.") + persistentID;
 }
 
 QList<ShortcutDisplayRecord> AppController::loadShortcutDisplayRecords() const {
-    return ShortcutDisplayRecordCoding::load(m_preferences.store(), Preferences::shortcutDisplayRecordsKey);}
+    return ShortcutDisplayRecordCoding::load(m_preferences.store(), Preferences::shortcutDisplayRecordsKey);
+}
 
 void AppController::saveShortcutDisplayRecords() {
     m_preferences.setShortcutDisplayRecords(ShortcutDisplayRecordCoding::encode(m_shortcutDisplayRecords));
@@ -80,11 +80,11 @@ void AppController::registerShortcutHandlersIfNeeded() {
         wanted.insert(record.id);
     }
     for (const QString& id : m_registeredShortcutDisplayIDs - wanted) {
-        KeyboardShortcuts::removeHandler(KeyboardShortcuts::Name(shortcutNameRawValue(id)));
+        m_shortcuts.removeHandler(KeyboardShortcuts::Name(shortcutNameRawValue(id)));
     }
     for (const QString& id : wanted - m_registeredShortcutDisplayIDs) {
         QPointer<AppController> weakSelf(this);
-        KeyboardShortcuts::onKeyUp(KeyboardShortcuts::Name(shortcutNameRawValue(id)), [weakSelf, id] {
+        m_shortcuts.onKeyUp(KeyboardShortcuts::Name(shortcutNameRawValue(id)), [weakSelf, id] {
             // The move runs after the key event has been handled, and only if the controller still exists.
             QMetaObject::invokeMethod(
                 QCoreApplication::instance(),
@@ -100,8 +100,8 @@ void AppController::registerShortcutHandlersIfNeeded() {
 }
 
 bool AppController::hasAssignedDisplayShortcuts() const {
-    return std::any_of(m_shortcutDisplayRecords.cbegin(), m_shortcutDisplayRecords.cend(), [](const auto& record) {
-        return KeyboardShortcuts::getShortcut(KeyboardShortcuts::Name(shortcutNameRawValue(record.id))).has_value();
+    return std::any_of(m_shortcutDisplayRecords.cbegin(), m_shortcutDisplayRecords.cend(), [this](const auto& record) {
+        return m_shortcuts.shortcut(KeyboardShortcuts::Name(shortcutNameRawValue(record.id))).has_value();
     });
 }
 
@@ -116,8 +116,8 @@ void AppController::deleteDisconnectedShortcutDisplay(const QString& persistentI
         [&persistentID](const ShortcutDisplayRecord& record) { return record.id == persistentID; });
     saveShortcutDisplayRecords();
     const KeyboardShortcuts::Name name(shortcutNameRawValue(persistentID));
-    KeyboardShortcuts::removeHandler(name);
-    KeyboardShortcuts::setShortcut(std::nullopt, name);
+    m_shortcuts.removeHandler(name);
+    m_shortcuts.setShortcut(std::nullopt, name);
     m_registeredShortcutDisplayIDs.remove(persistentID);
     refreshShortcutDisplays();
 }

@@ -6,7 +6,7 @@
 #include <QTest>
 #include <memory>
 
-#include "KeyboardShortcuts/Recorder.h"
+#include "KeyboardShortcuts/ShortcutRecorder.h"
 #include "app/controller/AppController.h"
 #include "app/ui/WindowPresenter.h"
 #include "app/ui/settings/SettingsBehaviorSection.h"

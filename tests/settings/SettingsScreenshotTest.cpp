@@ -6,6 +6,7 @@
 
 #include "KeyboardShortcuts/Name.h"
 #include "KeyboardShortcuts/Shortcut.h"
+#include "KeyboardShortcuts/ShortcutStore.h"
 #include "tests/settings/SettingsFixture.h"
 
 namespace {
@@ -54,8 +55,9 @@ protected:
         platform.settings.setData(
             QStringLiteral("shortcutDisplayRecords.v1"),
             QByteArrayLiteral(R"([{"id":"v30-m60-s90","lastKnownName":"LG UltraFine","lastKnownIndex":3}])"));
-        KeyboardShortcuts::Name(QStringLiteral("moveFocusedWindowToDisplay.") + studioID())
-            .setShortcut(KeyboardShortcuts::Shortcut(18 /* the 1 key */, 0x0100 | 0x0800 /* command, option */));
+        KeyboardShortcuts::ShortcutStore::write(
+            platform.settings, KeyboardShortcuts::Name(QStringLiteral("moveFocusedWindowToDisplay.") + studioID()),
+            KeyboardShortcuts::Shortcut(18 /* the 1 key */, 0x0100 | 0x0800 /* command, option */));
     }
 
     void TearDown() override {

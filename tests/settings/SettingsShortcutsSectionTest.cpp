@@ -2,10 +2,11 @@
 #include <QPointer>
 #include <QToolButton>
 
+#include "KeyboardShortcuts/ActionShortcuts.h"
 #include "KeyboardShortcuts/Name.h"
-#include "KeyboardShortcuts/Recorder.h"
-#include "KeyboardShortcuts/RecorderCocoa.h"
 #include "KeyboardShortcuts/Shortcut.h"
+#include "KeyboardShortcuts/ShortcutRecorder.h"
+#include "KeyboardShortcuts/ShortcutStore.h"
 #include "app/ui/settings/SettingsShortcutRow.h"
 #include "app/ui/settings/SettingsShortcutsSection.h"
 #include "tests/settings/SettingsFixture.h"
@@ -42,26 +43,26 @@ TEST_F(SettingsShortcutsSectionTest, EachRowHasARecorderForItsDisplaysShortcutNa
     ASSERT_EQ(section->connectedRows().size(), 2);
     const SettingsShortcutRow* studio = section->connectedRows()[1];
     ASSERT_NE(studio->recorder(), nullptr);
-    EXPECT_EQ(studio->recorder()->recorderCocoa()->shortcutName().rawValue(),
+    EXPECT_EQ(studio->recorder()->shortcutName().rawValue(),
               QStringLiteral("moveFocusedWindowToDisplay.") + studioID());
     EXPECT_TRUE(studio->recorder()->isVisible());
 }
 
 TEST_F(SettingsShortcutsSectionTest, RowsShowShortcutsAsLinuxDesktopsWriteThem) {
     platform.keyboardLayout.useUSLayout();
-    KeyboardShortcuts::Name(QStringLiteral("moveFocusedWindowToDisplay.") + studioID())
-        .setShortcut(KeyboardShortcuts::Shortcut(
-            KeyboardShortcuts::Key::two,
-            KeyboardShortcuts::ModifierFlag::control | KeyboardShortcuts::ModifierFlag::option));
+    KeyboardShortcuts::ShortcutStore::write(
+        platform.settings, KeyboardShortcuts::Name(QStringLiteral("moveFocusedWindowToDisplay.") + studioID()),
+        KeyboardShortcuts::Shortcut(KeyboardShortcuts::Key::two, KeyboardShortcuts::ModifierFlag::control |
+                                                                     KeyboardShortcuts::ModifierFlag::option));
     SettingsShortcutsSection* section = shortcuts();
     ASSERT_EQ(section->connectedRows().size(), 2);
-    EXPECT_EQ(section->connectedRows()[1]->recorder()->recorderCocoa()->text(), QStringLiteral("Ctrl+Alt+2"));
-    EXPECT_EQ(section->connectedRows()[0]->recorder()->recorderCocoa()->text(), QString());
-    KeyboardShortcuts::Name(QStringLiteral("moveFocusedWindowToDisplay.") + studioID())
-        .setShortcut(KeyboardShortcuts::Shortcut(
-            KeyboardShortcuts::Key::leftArrow,
-            KeyboardShortcuts::ModifierFlag::command | KeyboardShortcuts::ModifierFlag::shift));
-    EXPECT_EQ(section->connectedRows()[1]->recorder()->recorderCocoa()->text(), QStringLiteral("Super+Shift+Left"));
+    EXPECT_EQ(section->connectedRows()[1]->recorder()->text(), QStringLiteral("Ctrl+Alt+2"));
+    EXPECT_EQ(section->connectedRows()[0]->recorder()->text(), QString());
+    controller->shortcuts().setShortcut(
+        KeyboardShortcuts::Shortcut(KeyboardShortcuts::Key::leftArrow,
+                                    KeyboardShortcuts::ModifierFlag::command | KeyboardShortcuts::ModifierFlag::shift),
+        KeyboardShortcuts::Name(QStringLiteral("moveFocusedWindowToDisplay.") + studioID()));
+    EXPECT_EQ(section->connectedRows()[1]->recorder()->text(), QStringLiteral("Super+Shift+Left"));
 }
 
 TEST_F(SettingsShortcutsSectionTest, ConnectedRowsHaveNoDeleteButton) {
@@ -101,8 +102,7 @@ TEST_F(SettingsShortcutsSectionTest, UnpluggedDisplayMovesToTheDisconnectedGroup
     EXPECT_EQ(row->deleteButton()->toolTip(), QStringLiteral("Delete shortcut mapping for this disconnected screen"));
     EXPECT_FALSE(row->deleteButton()->icon().isNull());
     EXPECT_TRUE(section->disconnectedEmptyText().isEmpty());
-    EXPECT_EQ(row->recorder()->recorderCocoa()->shortcutName().rawValue(),
-              QStringLiteral("moveFocusedWindowToDisplay.") + studioID());
+    EXPECT_EQ(row->recorder()->shortcutName().rawValue(), QStringLiteral("moveFocusedWindowToDisplay.") + studioID());
 }
 
 TEST_F(SettingsShortcutsSectionTest, RememberedDisplayWithoutIndexIsLabelledByName) {
@@ -139,7 +139,7 @@ TEST_F(SettingsShortcutsSectionTest, UnchangedDisplaysKeepTheirRowsAndRecorders)
     SettingsShortcutsSection* section = shortcuts();
     const QList<SettingsShortcutRow*> before = section->connectedRows();
     ASSERT_EQ(before.size(), 2);
-    KeyboardShortcuts::Recorder* recorder = before[1]->recorder();
+    KeyboardShortcuts::ShortcutRecorder* recorder = before[1]->recorder();
     controller->refreshShortcutDisplays();
     controller->refreshForMenuOpen();
     EXPECT_EQ(section->connectedRows(), before);

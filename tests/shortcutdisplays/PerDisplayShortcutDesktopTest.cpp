@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <memory>
 
-#include "KeyboardShortcuts/KeyboardShortcuts.h"
+#include "KeyboardShortcuts/ActionShortcuts.h"
 #include "app/controller/AppController.h"
 #include "app/displays/ScreenSnapshotService.h"
 #include "platform/WindowControl.h"
@@ -29,10 +29,11 @@ protected:
         m_platform = X11Platform::connect();
         ASSERT_NE(m_platform, nullptr);
         m_platform->install();
+        m_shortcuts = std::make_unique<KeyboardShortcuts::ActionShortcuts>();
         ASSERT_TRUE(m_client.start());
     }
     void TearDown() override {
-        KeyboardShortcuts::removeAllHandlers();
+        m_shortcuts.reset();
         m_client.exit();
         Platform::install({});
     }
@@ -59,20 +60,21 @@ protected:
     // handler queued has run: everything typed before it, and any move queued for it, has been handled.
     bool settleWithKeysDown() {
         const Name sentinel(QStringLiteral("sentinel"));
-        KeyboardShortcuts::setShortcut(Shortcut(kF8KeyCode, kControlOption), sentinel);
+        m_shortcuts->setShortcut(Shortcut(kF8KeyCode, kControlOption), sentinel);
         const auto handled = std::make_shared<int>(0);
-        KeyboardShortcuts::onKeyDown(sentinel, [handled] {
+        m_shortcuts->onKeyDown(sentinel, [handled] {
             QMetaObject::invokeMethod(
                 QCoreApplication::instance(), [handled] { ++*handled; }, Qt::QueuedConnection);
         });
         xdotool({QStringLiteral("key"), QStringLiteral("F8")});
         const bool settled = VirtualDesktop::waitUntil([&] { return *handled > 0; });
-        KeyboardShortcuts::removeHandler(sentinel);
-        KeyboardShortcuts::setShortcut(std::nullopt, sentinel);
+        m_shortcuts->removeHandler(sentinel);
+        m_shortcuts->setShortcut(std::nullopt, sentinel);
         return settled;
     }
 
     std::unique_ptr<X11Platform> m_platform;
+    std::unique_ptr<KeyboardShortcuts::ActionShortcuts> m_shortcuts;
     TestClient m_client;
 };
 
@@ -86,9 +88,9 @@ TEST_F(PerDisplayShortcutDesktopTest, ReleasingADisplaysShortcutMovesTheFocusedW
     xdotool({QStringLiteral("windowactivate"), QStringLiteral("--sync"), QString::number(window)});
     ASSERT_TRUE(displays.at(0).bounds.contains(frame(window).center()));
 
-    AppController controller;
+    AppController controller(*m_shortcuts);
     const Name name(AppController::shortcutNameRawValue(target.persistentID));
-    KeyboardShortcuts::setShortcut(Shortcut(kTwoKeyCode, kControlOption), name);
+    m_shortcuts->setShortcut(Shortcut(kTwoKeyCode, kControlOption), name);
 
     // Nothing moves while the keys are down.
     pressShortcut();
@@ -130,7 +132,7 @@ TEST_F(PerDisplayShortcutDesktopTest, ReleasingADisplaysShortcutMovesTheFocusedW
     EXPECT_TRUE(std::any_of(connected.cbegin(), connected.cend(),
                             [&](const ShortcutDisplayItem& item) { return item.id == target.persistentID; }));
     EXPECT_EQ(controller.shortcutDisplayRecords().size(), displays.size());
-    EXPECT_EQ(KeyboardShortcuts::getShortcut(name), Shortcut(kTwoKeyCode, kControlOption));
+    EXPECT_EQ(m_shortcuts->shortcut(name), Shortcut(kTwoKeyCode, kControlOption));
     xdotool({QStringLiteral("windowactivate"), QStringLiteral("--sync"), QString::number(window)});
     pressShortcut();
     releaseShortcut();

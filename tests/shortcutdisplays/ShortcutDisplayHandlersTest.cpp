@@ -2,7 +2,7 @@
 
 #include <QCoreApplication>
 
-#include "KeyboardShortcuts/KeyboardShortcuts.h"
+#include "KeyboardShortcuts/ActionShortcuts.h"
 #include "app/controller/AppController.h"
 #include "platform/fake/FakePlatform.h"
 #include "tests/support/VirtualDesktop.h"
@@ -25,14 +25,11 @@ Name displayName(const QString& id) {
 class ShortcutDisplayHandlersTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        // Handler tables live for the whole process; start each test from none.
-        KeyboardShortcuts::removeAllHandlers();
         platform.monitors.setMonitors(
             {display(5, QStringLiteral("Main"), 1), display(9, QStringLiteral("Side"), 2, 1920)});
-        KeyboardShortcuts::setShortcut(Shortcut(18, kControlOption), displayName(QStringLiteral("v16-m32-s1")));
-        KeyboardShortcuts::setShortcut(Shortcut(19, kControlOption), displayName(QStringLiteral("v16-m32-s2")));
+        shortcuts.setShortcut(Shortcut(18, kControlOption), displayName(QStringLiteral("v16-m32-s1")));
+        shortcuts.setShortcut(Shortcut(19, kControlOption), displayName(QStringLiteral("v16-m32-s2")));
     }
-    void TearDown() override { KeyboardShortcuts::removeAllHandlers(); }
 
     // Presses and releases a key, then lets the queued move run.
     void tap(quint32 keyCode) {
@@ -42,16 +39,17 @@ protected:
     }
 
     FakePlatform platform;
+    KeyboardShortcuts::ActionShortcuts shortcuts;
 };
 
 TEST_F(ShortcutDisplayHandlersTest, FirstRunWithTwoDisplaysInstallsTwoHandlers) {
-    AppController controller;
+    AppController controller(shortcuts);
     EXPECT_EQ(platform.hotKeys.registrations().size(), 2);
     EXPECT_EQ(controller.registeredShortcutDisplayIDs().size(), 2);
 }
 
 TEST_F(ShortcutDisplayHandlersTest, RebuildingAgainInstallsNoSecondHandler) {
-    AppController controller;
+    AppController controller(shortcuts);
     controller.refreshShortcutDisplays();
     controller.refreshShortcutDisplays();
     int moves = 0;
@@ -63,7 +61,7 @@ TEST_F(ShortcutDisplayHandlersTest, RebuildingAgainInstallsNoSecondHandler) {
 }
 
 TEST_F(ShortcutDisplayHandlersTest, MoveHappensOnReleaseNotOnPress) {
-    AppController controller;
+    AppController controller(shortcuts);
     platform.hotKeys.press(19, kControlOption);
     QCoreApplication::processEvents();
     EXPECT_TRUE(controller.statusMessage().isEmpty());
@@ -75,7 +73,7 @@ TEST_F(ShortcutDisplayHandlersTest, MoveHappensOnReleaseNotOnPress) {
 }
 
 TEST_F(ShortcutDisplayHandlersTest, UnpluggedDisplaysShortcutSaysItIsNotConnected) {
-    AppController controller;
+    AppController controller(shortcuts);
     platform.monitors.changeMonitors({display(5, QStringLiteral("Main"), 1)});
     QCoreApplication::processEvents();
     ASSERT_EQ(controller.disconnectedShortcutDisplays().size(), 1);
@@ -84,22 +82,22 @@ TEST_F(ShortcutDisplayHandlersTest, UnpluggedDisplaysShortcutSaysItIsNotConnecte
 }
 
 TEST_F(ShortcutDisplayHandlersTest, DeletingADisconnectedDisplayForgetsItsKeyCombination) {
-    AppController controller;
+    AppController controller(shortcuts);
     platform.monitors.changeMonitors({display(5, QStringLiteral("Main"), 1)});
     QCoreApplication::processEvents();
     controller.deleteDisconnectedShortcutDisplay(QStringLiteral("v16-m32-s2"));
-    EXPECT_FALSE(KeyboardShortcuts::getShortcut(displayName(QStringLiteral("v16-m32-s2"))).has_value());
-    EXPECT_FALSE(KeyboardShortcuts::userDefaultsContains(displayName(QStringLiteral("v16-m32-s2"))));
+    EXPECT_FALSE(shortcuts.shortcut(displayName(QStringLiteral("v16-m32-s2"))).has_value());
+    EXPECT_FALSE(shortcuts.isStored(displayName(QStringLiteral("v16-m32-s2"))));
     EXPECT_EQ(platform.hotKeys.registrations().size(), 1);
     tap(19);
     EXPECT_TRUE(controller.statusMessage().isEmpty());
     // The connected display's shortcut still works.
-    EXPECT_TRUE(KeyboardShortcuts::getShortcut(displayName(QStringLiteral("v16-m32-s1"))).has_value());
+    EXPECT_TRUE(shortcuts.shortcut(displayName(QStringLiteral("v16-m32-s1"))).has_value());
 }
 
 TEST_F(ShortcutDisplayHandlersTest, HandlerOfADestroyedControllerDoesNothing) {
-    { AppController gone; }
-    AppController controller;
+    { AppController gone(shortcuts); }
+    AppController controller(shortcuts);
     int messages = 0;
     QObject::connect(&controller, &AppController::statusMessageChanged, [&] { ++messages; });
     tap(18);

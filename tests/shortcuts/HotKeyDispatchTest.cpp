@@ -3,18 +3,41 @@
 #include <QSignalSpy>
 #include <QTest>
 
-#include "KeyboardShortcuts/CarbonKeyboardShortcuts.h"
-#include "KeyboardShortcuts/KeyboardShortcuts.h"
-#include "KeyboardShortcuts/ViewModifiers.h"
+#include "KeyboardShortcuts/ActionShortcuts.h"
+#include "KeyboardShortcuts/ShortcutStore.h"
 #include "tests/shortcuts/ShortcutTestFixture.h"
 #include "tests/support/VirtualDesktop.h"
 
 using namespace KeyboardShortcuts;
-namespace Carbon = KeyboardShortcuts::CarbonKeyboardShortcuts;
 
 namespace {
 
 using HotKeyDispatchTest = ShortcutTest;
+
+// The messages of one logging category while it lives.
+class CategoryMessages {
+public:
+    explicit CategoryMessages(const char* category) {
+        s_category = category;
+        s_messages = &messages;
+        m_previous = qInstallMessageHandler(&CategoryMessages::handle);
+    }
+    ~CategoryMessages() {
+        qInstallMessageHandler(m_previous);
+        s_messages = nullptr;
+    }
+    QStringList messages;
+
+private:
+    static void handle(QtMsgType, const QMessageLogContext& context, const QString& message) {
+        if (s_messages != nullptr && context.category != nullptr && qstrcmp(context.category, s_category) == 0) {
+            s_messages->append(message);
+        }
+    }
+    static inline const char* s_category = nullptr;
+    static inline QStringList* s_messages = nullptr;
+    QtMessageHandler m_previous = nullptr;
+};
 
 const Shortcut kControlCommandK(Key::k, ModifierFlag::control | ModifierFlag::command);
 const Shortcut kOptionF5(Key::f5, ModifierFlag::option);
@@ -29,10 +52,10 @@ void release(FakeHotKeys& hotKeys, const Shortcut& shortcut) {
 
 TEST_F(HotKeyDispatchTest, KeyDownAndKeyUpHandlersRunOnPressAndRelease) {
     const Name name(QStringLiteral("display"));
-    setShortcut(kControlCommandK, name);
+    shortcuts.setShortcut(kControlCommandK, name);
     QStringList events;
-    onKeyDown(name, [&] { events.append(QStringLiteral("down")); });
-    onKeyUp(name, [&] { events.append(QStringLiteral("up")); });
+    shortcuts.onKeyDown(name, [&] { events.append(QStringLiteral("down")); });
+    shortcuts.onKeyUp(name, [&] { events.append(QStringLiteral("up")); });
     press(platform.hotKeys, kControlCommandK);
     release(platform.hotKeys, kControlCommandK);
     EXPECT_EQ(events, QStringList({QStringLiteral("down"), QStringLiteral("up")}));
@@ -40,10 +63,10 @@ TEST_F(HotKeyDispatchTest, KeyDownAndKeyUpHandlersRunOnPressAndRelease) {
 
 TEST_F(HotKeyDispatchTest, ActionsRunInTheOrderAdded) {
     const Name name(QStringLiteral("ordered"));
-    setShortcut(kOptionF5, name);
+    shortcuts.setShortcut(kOptionF5, name);
     QStringList order;
-    onKeyUp(name, [&] { order.append(QStringLiteral("first")); });
-    onKeyUp(name, [&] { order.append(QStringLiteral("second")); });
+    shortcuts.onKeyUp(name, [&] { order.append(QStringLiteral("first")); });
+    shortcuts.onKeyUp(name, [&] { order.append(QStringLiteral("second")); });
     press(platform.hotKeys, kOptionF5);
     release(platform.hotKeys, kOptionF5);
     EXPECT_EQ(order, QStringList({QStringLiteral("first"), QStringLiteral("second")}));
@@ -52,14 +75,14 @@ TEST_F(HotKeyDispatchTest, ActionsRunInTheOrderAdded) {
 TEST_F(HotKeyDispatchTest, TwoNamesWithSameShortcutShareOneHotKeyAndBothRun) {
     const Name first(QStringLiteral("first"));
     const Name second(QStringLiteral("second"));
-    setShortcut(kControlCommandK, first);
-    setShortcut(kControlCommandK, second);
+    shortcuts.setShortcut(kControlCommandK, first);
+    shortcuts.setShortcut(kControlCommandK, second);
     int firstRuns = 0;
     int secondRuns = 0;
-    onKeyUp(first, [&] { ++firstRuns; });
-    onKeyUp(second, [&] { ++secondRuns; });
+    shortcuts.onKeyUp(first, [&] { ++firstRuns; });
+    shortcuts.onKeyUp(second, [&] { ++secondRuns; });
     EXPECT_EQ(platform.hotKeys.registrations().size(), 1);
-    EXPECT_EQ(Carbon::hotKeyIds().size(), 1);
+    EXPECT_EQ(shortcuts.hotKeys().hotKeyIds().size(), 1);
     release(platform.hotKeys, kControlCommandK);
     EXPECT_EQ(firstRuns, 1);
     EXPECT_EQ(secondRuns, 1);
@@ -68,14 +91,14 @@ TEST_F(HotKeyDispatchTest, TwoNamesWithSameShortcutShareOneHotKeyAndBothRun) {
 TEST_F(HotKeyDispatchTest, ChangedShortcutNoLongerTriggersNameEvenBeforeUnregistering) {
     const Name changed(QStringLiteral("changed"));
     const Name unchanged(QStringLiteral("unchanged"));
-    setShortcut(kControlCommandK, changed);
-    setShortcut(kControlCommandK, unchanged);
+    shortcuts.setShortcut(kControlCommandK, changed);
+    shortcuts.setShortcut(kControlCommandK, unchanged);
     int changedRuns = 0;
     int unchangedRuns = 0;
-    onKeyDown(changed, [&] { ++changedRuns; });
-    onKeyDown(unchanged, [&] { ++unchangedRuns; });
+    shortcuts.onKeyDown(changed, [&] { ++changedRuns; });
+    shortcuts.onKeyDown(unchanged, [&] { ++unchangedRuns; });
     // The store changes behind the hot-key table's back: the old hot key stays registered.
-    platform.settings.setString(userDefaultsKey(changed), QString::fromUtf8(kOptionF5.toJson()));
+    platform.settings.setString(ShortcutStore::key(changed), QString::fromUtf8(kOptionF5.toJson()));
     ASSERT_EQ(platform.hotKeys.registrations().size(), 1);
     press(platform.hotKeys, kControlCommandK);
     EXPECT_EQ(changedRuns, 0);
@@ -84,39 +107,39 @@ TEST_F(HotKeyDispatchTest, ChangedShortcutNoLongerTriggersNameEvenBeforeUnregist
 
 TEST_F(HotKeyDispatchTest, SettingIsEnabledToSameValueDoesNothing) {
     const Name name(QStringLiteral("n"));
-    setShortcut(kOptionF5, name);
+    shortcuts.setShortcut(kOptionF5, name);
     const auto before = platform.hotKeys.registrations();
-    setEnabled(true);
+    shortcuts.setEnabled(true);
     ASSERT_EQ(platform.hotKeys.registrations().size(), before.size());
-    EXPECT_EQ(Carbon::lastHotKeyId(), 1);
-    EXPECT_TRUE(Carbon::isActive(1));
+    EXPECT_EQ(shortcuts.hotKeys().lastHotKeyId(), 1);
+    EXPECT_TRUE(shortcuts.hotKeys().isActive(1));
 }
 
 TEST_F(HotKeyDispatchTest, DisablingAndEnablingReRegistersEveryHotKeyWithItsOldId) {
     const Name a(QStringLiteral("a"));
     const Name b(QStringLiteral("b"));
-    setShortcut(kOptionF5, a);
-    setShortcut(kControlCommandK, b);
-    const QList<int> ids = Carbon::hotKeyIds();
+    shortcuts.setShortcut(kOptionF5, a);
+    shortcuts.setShortcut(kControlCommandK, b);
+    const QList<int> ids = shortcuts.hotKeys().hotKeyIds();
     ASSERT_EQ(ids, QList<int>({1, 2}));
     int runs = 0;
-    onKeyDown(a, [&] { ++runs; });
+    shortcuts.onKeyDown(a, [&] { ++runs; });
 
-    setEnabled(false);
+    shortcuts.setEnabled(false);
     EXPECT_TRUE(platform.hotKeys.registrations().isEmpty());
-    EXPECT_EQ(Carbon::hotKeyIds(), ids) << "suspended entries stay in the table";
-    EXPECT_FALSE(isEnabled(a));
+    EXPECT_EQ(shortcuts.hotKeys().hotKeyIds(), ids) << "suspended entries stay in the table";
+    EXPECT_FALSE(shortcuts.isEnabled(a));
     press(platform.hotKeys, kOptionF5);
     EXPECT_EQ(runs, 0);
 
-    setEnabled(true);
+    shortcuts.setEnabled(true);
     EXPECT_EQ(platform.hotKeys.registrations().size(), 2);
-    EXPECT_EQ(Carbon::hotKeyIds(), ids);
-    EXPECT_TRUE(Carbon::isActive(1));
-    EXPECT_TRUE(Carbon::isActive(2));
-    EXPECT_EQ(Carbon::shortcutForHotKey(1), kOptionF5);
-    EXPECT_EQ(Carbon::shortcutForHotKey(2), kControlCommandK);
-    EXPECT_EQ(Carbon::lastHotKeyId(), 2) << "no new ids were handed out";
+    EXPECT_EQ(shortcuts.hotKeys().hotKeyIds(), ids);
+    EXPECT_TRUE(shortcuts.hotKeys().isActive(1));
+    EXPECT_TRUE(shortcuts.hotKeys().isActive(2));
+    EXPECT_EQ(shortcuts.hotKeys().shortcutForHotKey(1), kOptionF5);
+    EXPECT_EQ(shortcuts.hotKeys().shortcutForHotKey(2), kControlCommandK);
+    EXPECT_EQ(shortcuts.hotKeys().lastHotKeyId(), 2) << "no new ids were handed out";
     press(platform.hotKeys, kOptionF5);
     EXPECT_EQ(runs, 1);
 }
@@ -126,17 +149,26 @@ TEST_F(HotKeyDispatchTest, FailedRegistrationConsumesIdAndPrintsErrorLine) {
     const Name taken(QStringLiteral("taken"));
     const Name free(QStringLiteral("free"));
     testing::internal::CaptureStdout();
-    setShortcut(kControlCommandK, taken);
+    shortcuts.setShortcut(kControlCommandK, taken);
     const std::string output = testing::internal::GetCapturedStdout();
     EXPECT_EQ(output, "Error registering hotkey Super+Ctrl+K: -9878\n");
-    EXPECT_EQ(Carbon::lastHotKeyId(), 1);
-    EXPECT_TRUE(Carbon::hotKeyIds().isEmpty()) << "a failed registration keeps nothing";
-    EXPECT_TRUE(isEnabled(taken)) << "it still counts as registered, without a hot key";
+    EXPECT_EQ(shortcuts.hotKeys().lastHotKeyId(), 1);
+    EXPECT_TRUE(shortcuts.hotKeys().hotKeyIds().isEmpty()) << "a failed registration keeps nothing";
+    EXPECT_TRUE(shortcuts.isEnabled(taken)) << "it still counts as registered, without a hot key";
     EXPECT_TRUE(platform.hotKeys.registrations().isEmpty());
-    EXPECT_EQ(getShortcut(taken), kControlCommandK) << "the value is stored anyway";
+    EXPECT_EQ(shortcuts.shortcut(taken), kControlCommandK) << "the value is stored anyway";
 
-    setShortcut(kOptionF5, free);
-    EXPECT_EQ(Carbon::hotKeyIds(), QList<int>({2}));
+    shortcuts.setShortcut(kOptionF5, free);
+    EXPECT_EQ(shortcuts.hotKeys().hotKeyIds(), QList<int>({2}));
+}
+
+TEST_F(HotKeyDispatchTest, RefusalIsAlsoLoggedInTheShortcutsCategory) {
+    platform.hotKeys.markTaken(40, 4352);
+    CategoryMessages log("lattica.shortcuts");
+    testing::internal::CaptureStdout();
+    shortcuts.setShortcut(kControlCommandK, Name(QStringLiteral("taken")));
+    testing::internal::GetCapturedStdout();
+    EXPECT_EQ(log.messages, QStringList({QStringLiteral("Error registering hotkey Super+Ctrl+K: -9878")}));
 }
 
 TEST_F(HotKeyDispatchTest, KeyOrModifierWithoutEquivalentPrintsInvalidHotKeyStatus) {
@@ -146,11 +178,11 @@ TEST_F(HotKeyDispatchTest, KeyOrModifierWithoutEquivalentPrintsInvalidHotKeyStat
     platform.hotKeys.refuse(static_cast<quint32>(kControlCommandK.carbonKeyCode()),
                             static_cast<quint32>(kControlCommandK.carbonModifiers()), {HotKeys::Error::unsupportedKey});
     testing::internal::CaptureStdout();
-    setShortcut(kOptionF5, name);
-    setShortcut(kControlCommandK, name);
+    shortcuts.setShortcut(kOptionF5, name);
+    shortcuts.setShortcut(kControlCommandK, name);
     EXPECT_EQ(testing::internal::GetCapturedStdout(),
               "Error registering hotkey Alt+F5: -9879\nError registering hotkey Super+Ctrl+K: -9879\n");
-    EXPECT_TRUE(Carbon::hotKeyIds().isEmpty());
+    EXPECT_TRUE(shortcuts.hotKeys().hotKeyIds().isEmpty());
 }
 
 TEST_F(HotKeyDispatchTest, OtherRefusalPrintsTheSystemsOwnCode) {
@@ -158,200 +190,184 @@ TEST_F(HotKeyDispatchTest, OtherRefusalPrintsTheSystemsOwnCode) {
     platform.hotKeys.refuse(static_cast<quint32>(kOptionF5.carbonKeyCode()),
                             static_cast<quint32>(kOptionF5.carbonModifiers()), {HotKeys::Error::other, 11});
     testing::internal::CaptureStdout();
-    setShortcut(kOptionF5, name);
+    shortcuts.setShortcut(kOptionF5, name);
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "Error registering hotkey Alt+F5: 11\n");
-    EXPECT_EQ(Carbon::lastHotKeyId(), 1);
+    EXPECT_EQ(shortcuts.hotKeys().lastHotKeyId(), 1);
     EXPECT_TRUE(platform.hotKeys.registrations().isEmpty());
 }
 
 TEST_F(HotKeyDispatchTest, IdsAreNeverReused) {
     const Name name(QStringLiteral("n"));
-    setShortcut(kOptionF5, name);
-    setShortcut(std::nullopt, name);
-    setShortcut(kOptionF5, name);
-    EXPECT_EQ(Carbon::hotKeyIds(), QList<int>({2}));
-    setShortcut(kControlCommandK, name);
-    EXPECT_EQ(Carbon::hotKeyIds(), QList<int>({3}));
+    shortcuts.setShortcut(kOptionF5, name);
+    shortcuts.setShortcut(std::nullopt, name);
+    shortcuts.setShortcut(kOptionF5, name);
+    EXPECT_EQ(shortcuts.hotKeys().hotKeyIds(), QList<int>({2}));
+    shortcuts.setShortcut(kControlCommandK, name);
+    EXPECT_EQ(shortcuts.hotKeys().hotKeyIds(), QList<int>({3}));
 }
 
 TEST_F(HotKeyDispatchTest, SoftRegisterRetriesSuspendedKeysAndReportsFailures) {
     const Name name(QStringLiteral("n"));
-    setShortcut(kOptionF5, name);
-    setEnabled(false);
+    shortcuts.setShortcut(kOptionF5, name);
+    shortcuts.setEnabled(false);
     platform.hotKeys.markTaken(static_cast<quint32>(kOptionF5.carbonKeyCode()),
                                static_cast<quint32>(kOptionF5.carbonModifiers()));
     testing::internal::CaptureStdout();
-    setEnabled(true);
+    shortcuts.setEnabled(true);
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "Error registering hotkey Alt+F5: -9878\n");
-    EXPECT_FALSE(Carbon::isActive(1));
+    EXPECT_FALSE(shortcuts.hotKeys().isActive(1));
     platform.hotKeys.markFree(static_cast<quint32>(kOptionF5.carbonKeyCode()),
                               static_cast<quint32>(kOptionF5.carbonModifiers()));
-    Carbon::softRegisterAll();
-    EXPECT_TRUE(Carbon::isActive(1));
+    shortcuts.setEnabled(false);
+    shortcuts.setEnabled(true);
+    EXPECT_TRUE(shortcuts.hotKeys().isActive(1));
+}
+
+TEST_F(HotKeyDispatchTest, RefusalAtResumeIsReportedOnceUntilItsRegistrationChanges) {
+    const Name name(QStringLiteral("n"));
+    shortcuts.setShortcut(kOptionF5, name);
+    shortcuts.onKeyUp(name, [] {});
+    ASSERT_TRUE(shortcuts.hotKeys().isActive(1));
+    const auto keyCode = static_cast<quint32>(kOptionF5.carbonKeyCode());
+    const auto modifiers = static_cast<quint32>(kOptionF5.carbonModifiers());
+    platform.hotKeys.markTaken(keyCode, modifiers);
+    // Each recording, each menu and the master switch end with a resume that asks for the key again.
+    const auto resumeTwiceEachWay = [this] {
+        for (int i = 0; i < 2; ++i) {
+            shortcuts.setPaused(true);
+            shortcuts.setPaused(false);
+            shortcuts.setEnabled(false);
+            shortcuts.setEnabled(true);
+        }
+    };
+    testing::internal::CaptureStdout();
+    resumeTwiceEachWay();
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "Error registering hotkey Alt+F5: -9878\n");
+    EXPECT_FALSE(shortcuts.hotKeys().isActive(1));
+
+    // Freed, the key is taken back at the next resume; refused again later, that is news again.
+    platform.hotKeys.markFree(keyCode, modifiers);
+    testing::internal::CaptureStdout();
+    resumeTwiceEachWay();
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
+    EXPECT_TRUE(shortcuts.hotKeys().isActive(1));
+    platform.hotKeys.markTaken(keyCode, modifiers);
+    testing::internal::CaptureStdout();
+    resumeTwiceEachWay();
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "Error registering hotkey Alt+F5: -9878\n");
+}
+
+TEST_F(HotKeyDispatchTest, StoredShortcutThatBreaksTheRecorderRulesIsIgnoredOnceAndKeptAsStored) {
+    // The letter A with no modifier, as a hand-edited preferences file may hold it.
+    const Name bare(QStringLiteral("bare"));
+    const QString bareJson = QStringLiteral("{\"carbonKeyCode\":0,\"carbonModifiers\":0}");
+    platform.settings.setString(ShortcutStore::key(bare), bareJson);
+    // Alt+A where the hot-key service refuses Alt alone.
+    platform.hotKeys.optionOnlyRestricted = true;
+    const Name altOnly(QStringLiteral("altOnly"));
+    const QString altJson = QString::fromUtf8(Shortcut(Key::a, ModifierFlag::option).toJson());
+    platform.settings.setString(ShortcutStore::key(altOnly), altJson);
+    // F5 alone and Ctrl+A stay allowed.
+    const Name function(QStringLiteral("function"));
+    platform.settings.setString(ShortcutStore::key(function), QString::fromUtf8(Shortcut(Key::f5).toJson()));
+
+    CategoryMessages log("lattica.shortcuts");
+    int runs = 0;
+    for (const Name& name : {bare, altOnly, function}) {
+        shortcuts.onKeyDown(name, [&] { ++runs; });
+        shortcuts.onKeyUp(name, [&] { ++runs; });
+    }
+    ASSERT_EQ(platform.hotKeys.registrations().size(), 1) << "only F5 is grabbed";
+    EXPECT_EQ(platform.hotKeys.registrations().first().keyCode, static_cast<quint32>(Key::f5.rawValue()));
+    EXPECT_FALSE(shortcuts.shortcut(bare).has_value());
+    EXPECT_FALSE(shortcuts.isEnabled(altOnly));
+    press(platform.hotKeys, Shortcut(Key::a.rawValue(), 0));
+    EXPECT_TRUE(shortcuts.hotKeys().handleRawKeyEvent(Key::f5.rawValue(), 0, RawKeyEvent::keyDown));
+    EXPECT_FALSE(shortcuts.hotKeys().handleRawKeyEvent(Key::a.rawValue(), 0, RawKeyEvent::keyDown));
+    EXPECT_EQ(runs, 1);
+    EXPECT_EQ(log.messages.size(), 2) << log.messages.join(QLatin1Char('\n')).toStdString();
+    EXPECT_EQ(platform.settings.stringValue(ShortcutStore::key(bare)), bareJson) << "left as stored";
+    EXPECT_EQ(platform.settings.stringValue(ShortcutStore::key(altOnly)), altJson) << "left as stored";
+
+    // Recording a valid one replaces it as usual.
+    shortcuts.setShortcut(kControlCommandK, bare);
+    EXPECT_EQ(shortcuts.shortcut(bare), kControlCommandK);
+    EXPECT_EQ(platform.hotKeys.registrations().size(), 2);
 }
 
 TEST_F(HotKeyDispatchTest, NothingRunsWhilePaused) {
     const Name name(QStringLiteral("n"));
-    setShortcut(kOptionF5, name);
+    shortcuts.setShortcut(kOptionF5, name);
     int runs = 0;
-    onKeyDown(name, [&] { ++runs; });
-    setPaused(true);
+    shortcuts.onKeyDown(name, [&] { ++runs; });
+    shortcuts.setPaused(true);
     EXPECT_TRUE(platform.hotKeys.registrations().isEmpty()) << "released so that a recorder gets the keys";
     press(platform.hotKeys, kOptionF5);
     EXPECT_EQ(runs, 0);
-    setPaused(false);
+    shortcuts.setPaused(false);
     EXPECT_EQ(platform.hotKeys.registrations().size(), 1);
     press(platform.hotKeys, kOptionF5);
     EXPECT_EQ(runs, 1);
-}
-
-TEST_F(HotKeyDispatchTest, RemoveHandlerUnregistersUnlessAStreamUsesIt) {
-    const Name name(QStringLiteral("n"));
-    setShortcut(kOptionF5, name);
-    int runs = 0;
-    onKeyDown(name, [&] { ++runs; });
-    {
-        EventStream stream(name);
-        removeHandler(name);
-        EXPECT_EQ(platform.hotKeys.registrations().size(), 1) << "the stream still uses it";
-        press(platform.hotKeys, kOptionF5);
-        EXPECT_EQ(runs, 0) << "the handler itself is gone";
-    }
-    QCoreApplication::processEvents();  // the ended stream leaves the tables on the main loop
-    onKeyDown(name, [&] { ++runs; });
-    removeHandler(name);
-    EXPECT_TRUE(platform.hotKeys.registrations().isEmpty());
-    EXPECT_FALSE(isEnabled(name));
-    EXPECT_EQ(getShortcut(name), kOptionF5) << "the stored shortcut stays";
 }
 
 TEST_F(HotKeyDispatchTest, OnKeyDownRegistersStoredShortcutThatIsNotRegistered) {
     const Name name(QStringLiteral("n"));
-    platform.settings.setString(userDefaultsKey(name), QString::fromUtf8(kOptionF5.toJson()));
-    EXPECT_FALSE(isEnabled(name));
-    onKeyDown(name, [] {});
-    EXPECT_TRUE(isEnabled(name));
+    platform.settings.setString(ShortcutStore::key(name), QString::fromUtf8(kOptionF5.toJson()));
+    EXPECT_FALSE(shortcuts.isEnabled(name));
+    shortcuts.onKeyDown(name, [] {});
+    EXPECT_TRUE(shortcuts.isEnabled(name));
     EXPECT_EQ(platform.hotKeys.registrations().size(), 1);
-}
-
-TEST_F(HotKeyDispatchTest, RemoveAllHandlersKeepsShortcutsOfStreams) {
-    const Name legacy(QStringLiteral("legacy"));
-    const Name streamed(QStringLiteral("streamed"));
-    setShortcut(kOptionF5, legacy);
-    setShortcut(kControlCommandK, streamed);
-    onKeyUp(legacy, [] {});
-    onKeyUp(streamed, [] {});
-    EventStream stream(streamed);
-    removeAllHandlers();
-    ASSERT_EQ(platform.hotKeys.registrations().size(), 1);
-    EXPECT_EQ(platform.hotKeys.registrations().first().keyCode, 40u);
 }
 
 TEST_F(HotKeyDispatchTest, DisableKeepsHandlersAndEnableRestores) {
     const Name name(QStringLiteral("n"));
-    setShortcut(kOptionF5, name);
+    shortcuts.setShortcut(kOptionF5, name);
     int runs = 0;
-    onKeyDown(name, [&] { ++runs; });
-    disable({name});
-    EXPECT_FALSE(isEnabled(name));
+    shortcuts.onKeyDown(name, [&] { ++runs; });
+    shortcuts.disable({name});
+    EXPECT_FALSE(shortcuts.isEnabled(name));
     EXPECT_TRUE(platform.hotKeys.registrations().isEmpty());
-    enable({name});
-    EXPECT_TRUE(isEnabled(name));
+    shortcuts.enable({name});
+    EXPECT_TRUE(shortcuts.isEnabled(name));
     press(platform.hotKeys, kOptionF5);
     EXPECT_EQ(runs, 1);
-}
-
-TEST_F(HotKeyDispatchTest, EventStreamDeliversBothTypesAndFilteredStreamOne) {
-    const Name name(QStringLiteral("n"));
-    setShortcut(kOptionF5, name);
-    EventStream all(name);
-    std::unique_ptr<EventStream> upsOnly(events(EventType::keyUp, name));
-    QList<EventType> allEvents;
-    QList<EventType> upEvents;
-    QObject::connect(&all, &EventStream::event, [&](EventType type) { allEvents.append(type); });
-    QObject::connect(upsOnly.get(), &EventStream::event, [&](EventType type) { upEvents.append(type); });
-    press(platform.hotKeys, kOptionF5);
-    release(platform.hotKeys, kOptionF5);
-    EXPECT_EQ(allEvents, QList<EventType>({EventType::keyDown, EventType::keyUp}));
-    EXPECT_EQ(upEvents, QList<EventType>({EventType::keyUp}));
-}
-
-TEST_F(HotKeyDispatchTest, DestroyedStreamUnregistersOnTheMainLoop) {
-    const Name name(QStringLiteral("n"));
-    platform.settings.setString(userDefaultsKey(name), QString::fromUtf8(kOptionF5.toJson()));
-    auto stream = std::make_unique<EventStream>(name);
-    EXPECT_TRUE(isEnabled(name));
-    int delivered = 0;
-    QObject::connect(stream.get(), &EventStream::keyDown, [&] { ++delivered; });
-    stream.reset();
-    press(platform.hotKeys, kOptionF5);
-    EXPECT_EQ(delivered, 0);
-    EXPECT_TRUE(VirtualDesktop::waitUntil([&] { return !isEnabled(name); }, 2000));
-    EXPECT_TRUE(platform.hotKeys.registrations().isEmpty());
-}
-
-TEST_F(HotKeyDispatchTest, OnKeyboardShortcutLivesAsLongAsItsOwner) {
-    const Name name(QStringLiteral("n"));
-    setShortcut(kOptionF5, name);
-    QList<EventType> seen;
-    auto owner = std::make_unique<QObject>();
-    onKeyboardShortcut(owner.get(), name, [&](EventType type) { seen.append(type); });
-    press(platform.hotKeys, kOptionF5);
-    owner.reset();
-    release(platform.hotKeys, kOptionF5);
-    EXPECT_EQ(seen, QList<EventType>({EventType::keyDown}));
-}
-
-TEST_F(HotKeyDispatchTest, NewlyInstalledPlatformStartsWithoutRegistrations) {
-    const Name name(QStringLiteral("n"));
-    setShortcut(kOptionF5, name);
-    ASSERT_EQ(platform.hotKeys.registrations().size(), 1);
-    FakePlatform second;  // installs itself
-    const Name other(QStringLiteral("other"));
-    setShortcut(kOptionF5, other);
-    ASSERT_EQ(second.hotKeys.registrations().size(), 1) << "registered with the service installed now";
-    int runs = 0;
-    onKeyDown(other, [&] { ++runs; });
-    press(second.hotKeys, kOptionF5);
-    EXPECT_EQ(runs, 1);
-    EXPECT_TRUE(platform.hotKeys.registrations().isEmpty()) << "the first service's hot key was released";
 }
 
 TEST_F(HotKeyDispatchTest, UnknownHotKeyIdIsNotHandled) {
-    EXPECT_FALSE(Carbon::handleHotKeyEvent(999, HotKeyEvent::pressed));
-    EXPECT_FALSE(Carbon::handleRawKeyEvent(40, 4352, RawKeyEvent::keyDown));
+    EXPECT_FALSE(shortcuts.hotKeys().handleHotKeyEvent(999, HotKeyEvent::pressed));
+    EXPECT_FALSE(shortcuts.hotKeys().handleRawKeyEvent(40, 4352, RawKeyEvent::keyDown));
 }
 
 TEST_F(HotKeyDispatchTest, HotKeyAndRawKeyEventsRunTheMatchingHandlers) {
     const Name name(QStringLiteral("n"));
-    setShortcut(kControlCommandK, name);
+    shortcuts.setShortcut(kControlCommandK, name);
     QStringList events;
-    onKeyDown(name, [&] { events.append(QStringLiteral("down")); });
-    onKeyUp(name, [&] { events.append(QStringLiteral("up")); });
-    ASSERT_EQ(Carbon::hotKeyIds(), QList<int>({1}));
-    EXPECT_TRUE(Carbon::handleHotKeyEvent(1, HotKeyEvent::released));
-    EXPECT_TRUE(Carbon::handleHotKeyEvent(1, HotKeyEvent::pressed));
-    EXPECT_TRUE(Carbon::handleRawKeyEvent(40, 4352, RawKeyEvent::probe)) << "a probe matches";
-    EXPECT_FALSE(Carbon::handleRawKeyEvent(40, 256, RawKeyEvent::probe)) << "other modifiers do not";
+    shortcuts.onKeyDown(name, [&] { events.append(QStringLiteral("down")); });
+    shortcuts.onKeyUp(name, [&] { events.append(QStringLiteral("up")); });
+    ASSERT_EQ(shortcuts.hotKeys().hotKeyIds(), QList<int>({1}));
+    EXPECT_TRUE(shortcuts.hotKeys().handleHotKeyEvent(1, HotKeyEvent::released));
+    EXPECT_TRUE(shortcuts.hotKeys().handleHotKeyEvent(1, HotKeyEvent::pressed));
+    EXPECT_TRUE(shortcuts.hotKeys().handleRawKeyEvent(40, 4352, RawKeyEvent::probe)) << "a probe matches";
+    EXPECT_FALSE(shortcuts.hotKeys().handleRawKeyEvent(40, 256, RawKeyEvent::probe)) << "other modifiers do not";
     EXPECT_EQ(events, QStringList({QStringLiteral("up"), QStringLiteral("down")})) << "a probe runs nothing";
-    EXPECT_TRUE(Carbon::handleRawKeyEvent(40, 4352, RawKeyEvent::keyDown));
-    EXPECT_TRUE(Carbon::handleRawKeyEvent(40, 4352, RawKeyEvent::keyUp));
+    EXPECT_TRUE(shortcuts.hotKeys().handleRawKeyEvent(40, 4352, RawKeyEvent::keyDown));
+    EXPECT_TRUE(shortcuts.hotKeys().handleRawKeyEvent(40, 4352, RawKeyEvent::keyUp));
     EXPECT_EQ(events, QStringList({QStringLiteral("up"), QStringLiteral("down"), QStringLiteral("down"),
                                    QStringLiteral("up")}));
 }
 
 TEST_F(HotKeyDispatchTest, SystemListsCandidatesHeldByOthers) {
     platform.hotKeys.markTaken(40, 4352);
-    EXPECT_EQ(Carbon::system({kControlCommandK, kOptionF5}), QList<Shortcut>({kControlCommandK}));
+    EXPECT_EQ(shortcuts.hotKeys().heldByOthers({kControlCommandK, kOptionF5}), QList<Shortcut>({kControlCommandK}));
 }
 
 TEST_F(HotKeyDispatchTest, OpeningAnyMenuSuspendsHotKeysAndKeysReachHandlersNotTheMenu) {
-    const Name name(QStringLiteral("menuKey"));  // creating a name starts watching menus
-    setShortcut(kControlCommandK, name);
+    const Name name(QStringLiteral("menuKey"));
+    shortcuts.setShortcut(kControlCommandK, name);
     int downs = 0;
     int ups = 0;
-    onKeyDown(name, [&] { ++downs; });
-    onKeyUp(name, [&] { ++ups; });
+    shortcuts.onKeyDown(name, [&] { ++downs; });
+    shortcuts.onKeyUp(name, [&] { ++ups; });
 
     QMenu menu;
     QAction* item = menu.addAction(QStringLiteral("Keep"));
@@ -360,9 +376,9 @@ TEST_F(HotKeyDispatchTest, OpeningAnyMenuSuspendsHotKeysAndKeysReachHandlersNotT
     QObject::connect(item, &QAction::triggered, [&] { triggered = true; });
     menu.popup(QPoint(10, 10));
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&menu));
-    EXPECT_TRUE(isMenuOpen());
+    EXPECT_TRUE(shortcuts.isMenuOpen());
     EXPECT_TRUE(platform.hotKeys.registrations().isEmpty()) << "hot keys are suspended while a menu is open";
-    EXPECT_TRUE(Carbon::isRawKeyMonitorActive());
+    EXPECT_TRUE(shortcuts.hotKeys().isRawKeyMonitorActive());
 
     QTest::keyPress(menu.windowHandle(), Qt::Key_K, Qt::ControlModifier | Qt::MetaModifier);
     QTest::keyRelease(menu.windowHandle(), Qt::Key_K, Qt::ControlModifier | Qt::MetaModifier);
@@ -374,11 +390,71 @@ TEST_F(HotKeyDispatchTest, OpeningAnyMenuSuspendsHotKeysAndKeysReachHandlersNotT
     // A key that is not a hot key still reaches the menu.
     QTest::keyClick(menu.windowHandle(), Qt::Key_Escape);
     EXPECT_TRUE(VirtualDesktop::waitUntil([&] { return !menu.isVisible(); }, 2000));
-    EXPECT_FALSE(isMenuOpen());
-    EXPECT_FALSE(Carbon::isRawKeyMonitorActive());
+    EXPECT_FALSE(shortcuts.isMenuOpen());
+    EXPECT_FALSE(shortcuts.hotKeys().isRawKeyMonitorActive());
     ASSERT_EQ(platform.hotKeys.registrations().size(), 1) << "closing the menu registers them again";
-    EXPECT_EQ(Carbon::hotKeyIds(), QList<int>({1}));
-    EXPECT_TRUE(Carbon::isActive(1)) << "under its old id";
+    EXPECT_EQ(shortcuts.hotKeys().hotKeyIds(), QList<int>({1}));
+    EXPECT_TRUE(shortcuts.hotKeys().isActive(1)) << "under its old id";
+}
+
+TEST_F(HotKeyDispatchTest, RemoveHandlerUnregistersAndKeepsTheStoredShortcut) {
+    const Name name(QStringLiteral("n"));
+    shortcuts.setShortcut(kOptionF5, name);
+    int runs = 0;
+    shortcuts.onKeyDown(name, [&] { ++runs; });
+    shortcuts.removeHandler(name);
+    EXPECT_TRUE(platform.hotKeys.registrations().isEmpty());
+    EXPECT_FALSE(shortcuts.isEnabled(name));
+    EXPECT_EQ(shortcuts.shortcut(name), kOptionF5) << "the stored shortcut stays";
+    shortcuts.onKeyDown(name, [&] { ++runs; });
+    press(platform.hotKeys, kOptionF5);
+    EXPECT_EQ(runs, 1) << "only the handler added after the removal runs";
+}
+
+TEST_F(HotKeyDispatchTest, RemoveAllHandlersUnregistersEveryHandledShortcut) {
+    const Name first(QStringLiteral("first"));
+    const Name second(QStringLiteral("second"));
+    const Name unhandled(QStringLiteral("unhandled"));
+    shortcuts.setShortcut(kOptionF5, first);
+    shortcuts.setShortcut(kControlCommandK, second);
+    shortcuts.setShortcut(Shortcut(Key::j, ModifierFlag::control), unhandled);
+    shortcuts.onKeyUp(first, [] {});
+    shortcuts.onKeyDown(second, [] {});
+    ASSERT_EQ(platform.hotKeys.registrations().size(), 3);
+    shortcuts.removeAllHandlers();
+    ASSERT_EQ(platform.hotKeys.registrations().size(), 1) << "a stored shortcut without handlers stays";
+    EXPECT_EQ(platform.hotKeys.registrations().first().keyCode,
+              static_cast<quint32>(Shortcut(Key::j, ModifierFlag::control).carbonKeyCode()));
+}
+
+TEST_F(HotKeyDispatchTest, EachInstanceHasItsOwnTableAndReleasesItsHotKeysWhenDestroyed) {
+    const Name name(QStringLiteral("n"));
+    shortcuts.setShortcut(kOptionF5, name);
+    int ownRuns = 0;
+    shortcuts.onKeyDown(name, [&] { ++ownRuns; });
+    {
+        ActionShortcuts other;
+        const Name otherName(QStringLiteral("other"));
+        int otherRuns = 0;
+        other.setShortcut(kControlCommandK, otherName);
+        other.onKeyDown(otherName, [&] { ++otherRuns; });
+        EXPECT_EQ(other.hotKeys().lastHotKeyId(), 1) << "ids count per instance";
+        press(platform.hotKeys, kControlCommandK);
+        EXPECT_EQ(otherRuns, 1);
+        EXPECT_EQ(ownRuns, 0);
+        EXPECT_EQ(platform.hotKeys.registrations().size(), 2);
+    }
+    ASSERT_EQ(platform.hotKeys.registrations().size(), 1) << "the destroyed instance released its hot key";
+    press(platform.hotKeys, kOptionF5);
+    EXPECT_EQ(ownRuns, 1);
+}
+
+TEST_F(HotKeyDispatchTest, NameIsAValueThatStoresNothing) {
+    const Name name(QStringLiteral("withDefault"), kOptionF5);
+    EXPECT_FALSE(platform.settings.contains(ShortcutStore::key(name))) << "constructing a name writes nothing";
+    EXPECT_FALSE(shortcuts.isStored(name));
+    EXPECT_EQ(shortcuts.shortcut(name), kOptionF5) << "the default is read while nothing is stored";
+    EXPECT_TRUE(platform.hotKeys.registrations().isEmpty());
 }
 
 }  // namespace

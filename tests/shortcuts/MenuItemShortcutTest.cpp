@@ -5,12 +5,8 @@
 #include <QTest>
 #include <QWidget>
 
-#include "KeyboardShortcuts/KeyboardShortcuts.h"
 #include "KeyboardShortcuts/LocalEventMonitor.h"
 #include "KeyboardShortcuts/MenuItemShortcut.h"
-#include "KeyboardShortcuts/Notifications.h"
-#include "KeyboardShortcuts/ObjectAssociation.h"
-#include "KeyboardShortcuts/ViewModifiers.h"
 #include "tests/shortcuts/ShortcutTestFixture.h"
 #include "tests/support/VirtualDesktop.h"
 
@@ -48,61 +44,6 @@ TEST_F(MenuItemShortcutTest, KeypadKeysHaveNoMenuKeyEquivalent) {
     EXPECT_TRUE(item.shortcut().isEmpty());
 }
 
-TEST_F(MenuItemShortcutTest, ItemBoundToNameFollowsChangesAsynchronously) {
-    const Name name(QStringLiteral("bound"));
-    setShortcut(kControlOptionK, name);
-    QAction item;
-    setShortcutFor(&item, name);
-    EXPECT_EQ(item.shortcut(), sequence(Qt::ControlModifier | Qt::AltModifier, Qt::Key_K));
-    setShortcut(kCommandShiftF2, name);
-    EXPECT_EQ(item.shortcut(), sequence(Qt::ControlModifier | Qt::AltModifier, Qt::Key_K))
-        << "applied on the main loop";
-    EXPECT_TRUE(VirtualDesktop::waitUntil(
-        [&] { return item.shortcut() == sequence(Qt::MetaModifier | Qt::ShiftModifier, Qt::Key_F2); }));
-}
-
-TEST_F(MenuItemShortcutTest, ItemBoundToNameWhoseShortcutIsRemovedShowsNoKeyEquivalent) {
-    const Name name(QStringLiteral("bound"));
-    setShortcut(kControlOptionK, name);
-    QAction item;
-    setShortcutFor(&item, name);
-    setShortcut(std::nullopt, name);
-    EXPECT_TRUE(VirtualDesktop::waitUntil([&] { return item.shortcut().isEmpty(); }));
-}
-
-TEST_F(MenuItemShortcutTest, BindingSecondNameKeepsFirstObservation) {
-    const Name first(QStringLiteral("first"));
-    const Name second(QStringLiteral("second"));
-    setShortcut(kControlOptionK, first);
-    setShortcut(kCommandShiftF2, second);
-    QAction item;
-    setShortcutFor(&item, first);
-    setShortcutFor(&item, second);
-    EXPECT_EQ(item.shortcut(), sequence(Qt::MetaModifier | Qt::ShiftModifier, Qt::Key_F2));
-    // A later change of the first name re-applies the first name's shortcut to the item.
-    setShortcut(Shortcut(Key::j, ModifierFlag::control), first);
-    EXPECT_TRUE(VirtualDesktop::waitUntil([&] { return item.shortcut() == sequence(Qt::ControlModifier, Qt::Key_J); }));
-}
-
-TEST_F(MenuItemShortcutTest, UnbindingRemovesOnlyTheObservationTheItemHolds) {
-    const Name first(QStringLiteral("first"));
-    const Name second(QStringLiteral("second"));
-    setShortcut(kControlOptionK, first);
-    setShortcut(kCommandShiftF2, second);
-    QAction item;
-    setShortcutFor(&item, first);
-    setShortcutFor(&item, second);
-    setShortcutFor(&item, std::nullopt);
-    EXPECT_TRUE(item.shortcut().isEmpty());
-    setShortcut(Shortcut(Key::f3), second);
-    QCoreApplication::processEvents();
-    QCoreApplication::processEvents();
-    EXPECT_TRUE(item.shortcut().isEmpty()) << "the second observation is gone";
-    setShortcut(Shortcut(Key::f4), first);
-    EXPECT_TRUE(VirtualDesktop::waitUntil([&] { return item.shortcut() == sequence(Qt::NoModifier, Qt::Key_F4); }))
-        << "the first one was never removed";
-}
-
 TEST_F(MenuItemShortcutTest, MatchingFindsItemsInSubmenusAndComparesMasks) {
     QMenu root;
     QMenu* sub = root.addMenu(QStringLiteral("Sub"));
@@ -118,25 +59,6 @@ TEST_F(MenuItemShortcutTest, MatchingFindsItemsInSubmenusAndComparesMasks) {
     EXPECT_EQ(menuItemWithMatchingShortcut(root.actions(), Shortcut(Key::k, ModifierFlag::command)), nullptr);
     platform.keyboardLayout.hasLayout = false;
     EXPECT_EQ(menuItemWithMatchingShortcut(root.actions(), kControlOptionK), nullptr) << "no layout character";
-}
-
-TEST_F(MenuItemShortcutTest, ViewLosesShortcutWhileAnyRecorderRecords) {
-    const Name name(QStringLiteral("view"));
-    setShortcut(kControlOptionK, name);
-    QPushButton button;
-    QAction action;
-    globalKeyboardShortcut(&button, name);
-    globalKeyboardShortcut(&action, name);
-    const QKeySequence expected = sequence(Qt::ControlModifier | Qt::AltModifier, Qt::Key_K);
-    EXPECT_EQ(button.shortcut(), expected);
-    EXPECT_EQ(action.shortcut(), expected);
-    Notifications::shared().postRecorderActiveStatusDidChange(true);
-    EXPECT_TRUE(button.shortcut().isEmpty());
-    EXPECT_TRUE(action.shortcut().isEmpty());
-    Notifications::shared().postRecorderActiveStatusDidChange(false);
-    EXPECT_EQ(button.shortcut(), expected);
-    setShortcut(Shortcut(Key::f6), name);
-    EXPECT_EQ(action.shortcut(), sequence(Qt::NoModifier, Qt::Key_F6));
 }
 
 TEST_F(MenuItemShortcutTest, LocalEventMonitorSwallowsOrPassesAndStops) {
@@ -158,21 +80,6 @@ TEST_F(MenuItemShortcutTest, LocalEventMonitorSwallowsOrPassesAndStops) {
     }
     QTest::keyClick(window.windowHandle(), Qt::Key_J);
     EXPECT_EQ(seen.size(), 1) << "releasing the monitor removed it";
-}
-
-TEST_F(MenuItemShortcutTest, ObjectAssociationIsOneSlotPerInstance) {
-    QObject object;
-    ObjectAssociation<int> first;
-    ObjectAssociation<QString> second(AssociationPolicy::copy);
-    EXPECT_FALSE(first.get(&object));
-    first.set(&object, 7);
-    second.set(&object, QStringLiteral("seven"));
-    EXPECT_EQ(first.get(&object), 7);
-    EXPECT_EQ(second.get(&object), QStringLiteral("seven"));
-    first.set(&object, std::nullopt);
-    EXPECT_FALSE(first.get(&object));
-    EXPECT_EQ(static_cast<unsigned int>(AssociationPolicy::retain), 0x301u);
-    EXPECT_EQ(static_cast<unsigned int>(AssociationPolicy::copy), 0x303u);
 }
 
 }  // namespace

@@ -1,6 +1,5 @@
 #include <QAction>
 #include <QApplication>
-#include <QLabel>
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QPushButton>
@@ -9,13 +8,10 @@
 #include <QToolButton>
 #include <QVBoxLayout>
 
-#include "KeyboardShortcuts/CarbonKeyboardShortcuts.h"
-#include "KeyboardShortcuts/KeyboardShortcuts.h"
-#include "KeyboardShortcuts/Notifications.h"
-#include "KeyboardShortcuts/Recorder.h"
-#include "KeyboardShortcuts/RecorderCocoa.h"
+#include "KeyboardShortcuts/ActionShortcuts.h"
+#include "KeyboardShortcuts/ShortcutRecorder.h"
+#include "KeyboardShortcuts/ShortcutStore.h"
 #include "KeyboardShortcuts/Utilities.h"
-#include "KeyboardShortcuts/ViewModifiers.h"
 #include "tests/shortcuts/ShortcutTestFixture.h"
 #include "tests/support/VirtualDesktop.h"
 
@@ -71,14 +67,12 @@ protected:
         other = new QPushButton(QStringLiteral("Other"));
         other->setFocusPolicy(Qt::StrongFocus);
         layout->addWidget(other);
-        recorder = new RecorderCocoa(name, [this](std::optional<Shortcut> shortcut) { changes.append(shortcut); });
+        recorder = new ShortcutRecorder(shortcuts, name,
+                                        [this](std::optional<Shortcut> shortcut) { changes.append(shortcut); });
         layout->addWidget(recorder);
         layout->setContentsMargins(20, 20, 20, 20);
         window.resize(300, 160);
-        m_activeConnection = QObject::connect(&Notifications::shared(), &Notifications::recorderActiveStatusDidChange,
-                                              [this](bool isActive) { activeStatuses.append(isActive); });
     }
-    ~RecorderTest() override { QObject::disconnect(m_activeConnection); }
 
     void showWindow() {
         window.show();
@@ -95,24 +89,20 @@ protected:
     void typeKey(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
         QTest::keyClick(window.windowHandle(), key, modifiers);
     }
-    std::optional<SettingValue> stored() const { return platform.settings.value(userDefaultsKey(name)); }
+    std::optional<SettingValue> stored() const { return platform.settings.value(ShortcutStore::key(name)); }
 
     Name name;
     QWidget window;
     QPushButton* other = nullptr;
-    RecorderCocoa* recorder = nullptr;
+    ShortcutRecorder* recorder = nullptr;
     QList<std::optional<Shortcut>> changes;
-    QList<bool> activeStatuses;
-
-private:
-    QMetaObject::Connection m_activeConnection;
 };
 
 TEST_F(RecorderTest, ShowsStoredShortcutOrPlaceholder) {
     EXPECT_EQ(recorder->text(), QString());
     EXPECT_EQ(recorder->placeholderText(), QStringLiteral("Record Shortcut"));
     EXPECT_FALSE(recorder->cancelButton()->isVisible());
-    setShortcut(Shortcut(Key::k, ModifierFlag::control | ModifierFlag::option), name);
+    shortcuts.setShortcut(Shortcut(Key::k, ModifierFlag::control | ModifierFlag::option), name);
     EXPECT_EQ(recorder->text(), QStringLiteral("Ctrl+Alt+K"));
     EXPECT_TRUE(recorder->cancelButton()->isVisible());
     EXPECT_EQ(recorder->sizeHint().width(), 130);
@@ -120,10 +110,10 @@ TEST_F(RecorderTest, ShowsStoredShortcutOrPlaceholder) {
 
 TEST_F(RecorderTest, ChangingTheNameShowsThatNamesShortcut) {
     const Name another(QStringLiteral("another"));
-    setShortcut(Shortcut(Key::f5), another);
+    shortcuts.setShortcut(Shortcut(Key::f5), another);
     recorder->setShortcutName(another);
     EXPECT_EQ(recorder->text(), QStringLiteral("F5"));
-    setShortcut(Shortcut(Key::f6), name);
+    shortcuts.setShortcut(Shortcut(Key::f6), name);
     EXPECT_EQ(recorder->text(), QStringLiteral("F5")) << "changes of the old name no longer show";
 }
 
@@ -132,15 +122,13 @@ TEST_F(RecorderTest, DoesNotStartRecordingWhenItsWindowOpens) {
     showWindow();
     QCoreApplication::processEvents();
     EXPECT_FALSE(recorder->isRecording());
-    EXPECT_FALSE(isPaused());
-    EXPECT_TRUE(activeStatuses.isEmpty());
+    EXPECT_FALSE(shortcuts.isPaused());
 }
 
-TEST_F(RecorderTest, ClickStartsRecordingPausesHotKeysAndAnnounces) {
+TEST_F(RecorderTest, ClickStartsRecordingAndPausesHotKeys) {
     startRecording();
     EXPECT_EQ(recorder->placeholderText(), QStringLiteral("Press Shortcut"));
-    EXPECT_TRUE(isPaused());
-    EXPECT_EQ(activeStatuses, QList<bool>({true}));
+    EXPECT_TRUE(shortcuts.isPaused());
     EXPECT_TRUE(recorder->isReadOnly()) << "no caret while recording";
 }
 
@@ -164,13 +152,12 @@ TEST_F(RecorderTest, LetterAloneBeepsAndKeepsRecording) {
 TEST_F(RecorderTest, FunctionKeyAloneIsAccepted) {
     startRecording();
     typeKey(Qt::Key_F5);
-    EXPECT_EQ(getShortcut(name), Shortcut(Key::f5));
+    EXPECT_EQ(shortcuts.shortcut(name), Shortcut(Key::f5));
     EXPECT_EQ(recorder->text(), QStringLiteral("F5"));
     EXPECT_FALSE(recorder->isRecording());
-    EXPECT_FALSE(isPaused());
+    EXPECT_FALSE(shortcuts.isPaused());
     ASSERT_EQ(changes.size(), 1);
     EXPECT_EQ(changes.first(), Shortcut(Key::f5));
-    EXPECT_EQ(activeStatuses, QList<bool>({true, false}));
 }
 
 TEST_F(RecorderTest, RecordedShortcutIsStoredAsJsonAndRegistered) {
@@ -194,7 +181,7 @@ TEST_F(RecorderTest, ShiftLetterIsRefused) {
 TEST_F(RecorderTest, OptionLetterIsAccepted) {
     startRecording();
     typeKey(Qt::Key_A, Qt::AltModifier);
-    EXPECT_EQ(getShortcut(name), Shortcut(Key::a, ModifierFlag::option));
+    EXPECT_EQ(shortcuts.shortcut(name), Shortcut(Key::a, ModifierFlag::option));
 }
 
 TEST_F(RecorderTest, OptionLetterIsDisallowedWhereSystemRestrictsIt) {
@@ -207,7 +194,7 @@ TEST_F(RecorderTest, OptionLetterIsDisallowedWhereSystemRestrictsIt) {
     EXPECT_FALSE(stored().has_value());
     EXPECT_TRUE(VirtualDesktop::waitUntil([this] { return recorder->isRecording(); })) << "recording resumes";
     typeKey(Qt::Key_A, Qt::AltModifier | Qt::ControlModifier);
-    EXPECT_EQ(getShortcut(name), Shortcut(Key::a, ModifierFlag::option | ModifierFlag::control));
+    EXPECT_EQ(shortcuts.shortcut(name), Shortcut(Key::a, ModifierFlag::option | ModifierFlag::control));
 }
 
 TEST_F(RecorderTest, ClickTwoPointsOutsideKeepsRecordingFourPointsOutsideEnds) {
@@ -219,7 +206,7 @@ TEST_F(RecorderTest, ClickTwoPointsOutsideKeepsRecordingFourPointsOutsideEnds) {
     QTest::mouseClick(window.windowHandle(), Qt::LeftButton, {}, QPoint(topLeft.x() - 4, middleY));
     EXPECT_FALSE(recorder->isRecording());
     EXPECT_FALSE(recorder->hasFocus());
-    EXPECT_FALSE(isPaused());
+    EXPECT_FALSE(shortcuts.isPaused());
 }
 
 TEST_F(RecorderTest, TabWithoutModifiersLeavesAndRecordsNothing) {
@@ -241,16 +228,16 @@ TEST_F(RecorderTest, ShiftTabIsRefusedByModifierRule) {
 }
 
 TEST_F(RecorderTest, EscapeEndsRecordingWithoutStoring) {
-    setShortcut(Shortcut(Key::f5), name);
+    shortcuts.setShortcut(Shortcut(Key::f5), name);
     startRecording();
     typeKey(Qt::Key_Escape);
     EXPECT_FALSE(recorder->isRecording());
     EXPECT_FALSE(recorder->hasFocus());
-    EXPECT_EQ(getShortcut(name), Shortcut(Key::f5));
+    EXPECT_EQ(shortcuts.shortcut(name), Shortcut(Key::f5));
 }
 
 TEST_F(RecorderTest, DeleteClearsShortcutAndKeepsRecording) {
-    setShortcut(Shortcut(Key::f5), name);
+    shortcuts.setShortcut(Shortcut(Key::f5), name);
     startRecording();
     typeKey(Qt::Key_Backspace);
     EXPECT_FALSE(stored().has_value());
@@ -266,12 +253,12 @@ TEST_F(RecorderTest, ClearButtonClearsAndStartsRecording) {
     recorder->setShortcutName(withDefault);
     showWindow();
     recorder->cancelButton()->trigger();
-    EXPECT_EQ(platform.settings.value(userDefaultsKey(withDefault)), SettingValue(false));
+    EXPECT_EQ(platform.settings.value(ShortcutStore::key(withDefault)), SettingValue(false));
     EXPECT_TRUE(VirtualDesktop::waitUntil([this] { return recorder->isRecording(); }));
 }
 
 TEST_F(RecorderTest, ClickingTheClearButtonClearsTheShortcut) {
-    setShortcut(Shortcut(Key::f5), name);
+    shortcuts.setShortcut(Shortcut(Key::f5), name);
     showWindow();
     QToolButton* clearButton = nullptr;
     for (QToolButton* button : recorder->findChildren<QToolButton*>()) {
@@ -282,7 +269,7 @@ TEST_F(RecorderTest, ClickingTheClearButtonClearsTheShortcut) {
     ASSERT_NE(clearButton, nullptr);
     ASSERT_TRUE(clearButton->isVisible());
     QTest::mouseClick(clearButton, Qt::LeftButton);
-    EXPECT_FALSE(getShortcut(name));
+    EXPECT_FALSE(shortcuts.shortcut(name));
     EXPECT_EQ(recorder->text(), QString());
     EXPECT_FALSE(recorder->cancelButton()->isVisible());
     ASSERT_EQ(changes.size(), 1);
@@ -295,7 +282,7 @@ TEST_F(RecorderTest, F12AloneIsNeverASystemConflict) {
     AlertAnswerer answer(QStringLiteral("OK"));
     typeKey(Qt::Key_F12);
     EXPECT_EQ(answer.shown, 0);
-    EXPECT_EQ(getShortcut(name), Shortcut(Key::f12));
+    EXPECT_EQ(shortcuts.shortcut(name), Shortcut(Key::f12));
 }
 
 TEST_F(RecorderTest, SystemConflictAlertRefusesUnlessForced) {
@@ -323,7 +310,7 @@ TEST_F(RecorderTest, ForceUseStoresShortcutTheSystemAlsoUses) {
     typeKey(Qt::Key_K, Qt::ControlModifier | Qt::AltModifier);
     const std::string output = testing::internal::GetCapturedStdout();
     EXPECT_EQ(answer.shown, 1);
-    EXPECT_EQ(getShortcut(name), taken);
+    EXPECT_EQ(shortcuts.shortcut(name), taken);
     EXPECT_EQ(output, "Error registering hotkey Ctrl+Alt+K: -9878\n") << "its registration then fails";
     EXPECT_FALSE(recorder->isRecording());
 }
@@ -348,27 +335,15 @@ TEST_F(RecorderTest, MenuItemConflictNamesTheItem) {
 
 TEST_F(RecorderTest, AssignedGlobalShortcutDoesNotFireWhileRecording) {
     const Name assigned(QStringLiteral("assigned"));
-    setShortcut(Shortcut(Key::j, ModifierFlag::control | ModifierFlag::option), assigned);
+    shortcuts.setShortcut(Shortcut(Key::j, ModifierFlag::control | ModifierFlag::option), assigned);
     int runs = 0;
-    onKeyDown(assigned, [&] { ++runs; });
+    shortcuts.onKeyDown(assigned, [&] { ++runs; });
     startRecording();
     platform.hotKeys.press(38, 0x1800);
     EXPECT_EQ(runs, 0);
     typeKey(Qt::Key_Escape);
     platform.hotKeys.press(38, 0x1800);
     EXPECT_EQ(runs, 1);
-}
-
-TEST_F(RecorderTest, ViewWithGlobalShortcutLosesItWhileRecordingAndRegainsIt) {
-    const Name viewName(QStringLiteral("view"));
-    setShortcut(Shortcut(Key::k, ModifierFlag::control | ModifierFlag::option), viewName);
-    globalKeyboardShortcut(other, viewName);
-    const QKeySequence expected(QKeyCombination(Qt::ControlModifier | Qt::AltModifier, Qt::Key_K));
-    EXPECT_EQ(other->shortcut(), expected);
-    startRecording();
-    EXPECT_TRUE(other->shortcut().isEmpty());
-    typeKey(Qt::Key_Escape);
-    EXPECT_EQ(other->shortcut(), expected);
 }
 
 TEST_F(RecorderTest, WindowLosingFocusEndsRecording) {
@@ -378,23 +353,7 @@ TEST_F(RecorderTest, WindowLosingFocusEndsRecording) {
     elsewhere.activateWindow();
     ASSERT_TRUE(QTest::qWaitForWindowActive(&elsewhere));
     EXPECT_FALSE(recorder->isRecording());
-    EXPECT_FALSE(isPaused());
-}
-
-TEST_F(RecorderTest, RecorderWithoutLabelIsTheBareControl) {
-    Recorder bare(name);
-    EXPECT_FALSE(bare.hasLabel());
-    EXPECT_EQ(bare.recorderCocoa()->shortcutName(), name);
-    Recorder labelled(QStringLiteral("1. Built-in Display"), name);
-    ASSERT_TRUE(labelled.hasLabel());
-    EXPECT_EQ(qobject_cast<QLabel*>(labelled.label())->text(), QStringLiteral("1. Built-in Display"));
-    Recorder custom(new QPushButton(QStringLiteral("custom")), name);
-    EXPECT_TRUE(qobject_cast<QPushButton*>(custom.label()) != nullptr);
-    setShortcut(Shortcut(Key::f9), name);
-    EXPECT_EQ(labelled.recorderCocoa()->text(), QStringLiteral("F9"));
-    const Name next(QStringLiteral("next"));
-    labelled.setName(next);
-    EXPECT_EQ(labelled.recorderCocoa()->shortcutName(), next);
+    EXPECT_FALSE(shortcuts.isPaused());
 }
 
 }  // namespace

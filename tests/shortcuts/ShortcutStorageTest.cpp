@@ -1,6 +1,6 @@
-#include "KeyboardShortcuts/CarbonKeyboardShortcuts.h"
-#include "KeyboardShortcuts/KeyboardShortcuts.h"
-#include "KeyboardShortcuts/Notifications.h"
+#include <QSignalSpy>
+
+#include "KeyboardShortcuts/ActionShortcuts.h"
 #include "tests/shortcuts/ShortcutTestFixture.h"
 
 using namespace KeyboardShortcuts;
@@ -12,11 +12,11 @@ using ShortcutStorageTest = ShortcutTest;
 const Shortcut kControlCommandK(Key::k, ModifierFlag::control | ModifierFlag::command);
 const Shortcut kOptionF5(Key::f5, ModifierFlag::option);
 
-// Records the names announced through the change notification.
+// Records the names announced through the change signal.
 class ChangeRecorder {
 public:
-    ChangeRecorder() {
-        m_connection = QObject::connect(&Notifications::shared(), &Notifications::shortcutByNameDidChange,
+    explicit ChangeRecorder(ActionShortcuts& shortcuts) {
+        m_connection = QObject::connect(&shortcuts, &ActionShortcuts::shortcutChanged,
                                         [this](const Name& name) { names.append(name.rawValue()); });
     }
     ~ChangeRecorder() { QObject::disconnect(m_connection); }
@@ -28,11 +28,10 @@ private:
 
 TEST_F(ShortcutStorageTest, SetShortcutStoresJsonStringUnderPrefixedKey) {
     const Name name(QStringLiteral("moveFocusedWindowToDisplay.v16-m32-s7"));
-    setShortcut(kControlCommandK, name);
+    shortcuts.setShortcut(kControlCommandK, name);
     EXPECT_EQ(platform.settings.value(QStringLiteral("KeyboardShortcuts_moveFocusedWindowToDisplay.v16-m32-s7")),
               SettingValue(QStringLiteral("{\"carbonKeyCode\":40,\"carbonModifiers\":4352}")));
-    EXPECT_EQ(getShortcut(name), kControlCommandK);
-    EXPECT_EQ(name.shortcut(), kControlCommandK);
+    EXPECT_EQ(shortcuts.shortcut(name), kControlCommandK);
 }
 
 TEST_F(ShortcutStorageTest, NamesCompareByRawValueOnly) {
@@ -43,10 +42,12 @@ TEST_F(ShortcutStorageTest, NamesCompareByRawValueOnly) {
     EXPECT_FALSE(plain == Name(QStringLiteral("other")));
 }
 
-TEST_F(ShortcutStorageTest, NameWithDefaultOnFreshSystemStoresAndRegistersDefault) {
+TEST_F(ShortcutStorageTest, NameWithDefaultOnFreshSystemReadsAndRegistersDefaultWithoutStoringIt) {
     const Name name(QStringLiteral("withDefault"), kControlCommandK);
-    EXPECT_EQ(platform.settings.value(QStringLiteral("KeyboardShortcuts_withDefault")),
-              SettingValue(QString::fromUtf8(kControlCommandK.toJson())));
+    EXPECT_FALSE(platform.settings.contains(QStringLiteral("KeyboardShortcuts_withDefault")));
+    EXPECT_EQ(shortcuts.shortcut(name), kControlCommandK);
+    EXPECT_TRUE(platform.hotKeys.registrations().isEmpty()) << "nothing is registered before a handler is added";
+    shortcuts.onKeyDown(name, [] {});
     ASSERT_EQ(platform.hotKeys.registrations().size(), 1);
     EXPECT_EQ(platform.hotKeys.registrations().first().keyCode, 40u);
     EXPECT_EQ(platform.hotKeys.registrations().first().modifiers, 4352u);
@@ -55,55 +56,54 @@ TEST_F(ShortcutStorageTest, NameWithDefaultOnFreshSystemStoresAndRegistersDefaul
 TEST_F(ShortcutStorageTest, NameWithDefaultAfterUserRemovedItKeepsFalseAndRegistersNothing) {
     {
         const Name name(QStringLiteral("withDefault"), kControlCommandK);
-        setShortcut(std::nullopt, name);
+        shortcuts.setShortcut(std::nullopt, name);
     }
     EXPECT_EQ(platform.settings.value(QStringLiteral("KeyboardShortcuts_withDefault")), SettingValue(false));
     EXPECT_TRUE(platform.hotKeys.registrations().isEmpty());
 
     const Name again(QStringLiteral("withDefault"), kControlCommandK);
     EXPECT_EQ(platform.settings.value(QStringLiteral("KeyboardShortcuts_withDefault")), SettingValue(false));
-    EXPECT_FALSE(getShortcut(again));
+    EXPECT_FALSE(shortcuts.shortcut(again));
     EXPECT_TRUE(platform.hotKeys.registrations().isEmpty());
-    EXPECT_TRUE(userDefaultsContains(again)) << "a stored false counts as contained";
+    EXPECT_TRUE(shortcuts.isStored(again)) << "a stored false counts as contained";
 }
 
 TEST_F(ShortcutStorageTest, RemovingShortcutWithoutDefaultRemovesKey) {
     const Name name(QStringLiteral("plain"));
-    setShortcut(kControlCommandK, name);
-    setShortcut(std::nullopt, name);
+    shortcuts.setShortcut(kControlCommandK, name);
+    shortcuts.setShortcut(std::nullopt, name);
     EXPECT_FALSE(platform.settings.value(QStringLiteral("KeyboardShortcuts_plain")).has_value());
-    EXPECT_FALSE(userDefaultsContains(name));
+    EXPECT_FALSE(shortcuts.isStored(name));
     EXPECT_TRUE(platform.hotKeys.registrations().isEmpty());
 }
 
 TEST_F(ShortcutStorageTest, SetNilOnEmptyNamePostsNoNotification) {
     const Name name(QStringLiteral("empty"));
-    ChangeRecorder changes;
-    setShortcut(std::nullopt, name);
+    ChangeRecorder changes(shortcuts);
+    shortcuts.setShortcut(std::nullopt, name);
     EXPECT_TRUE(changes.names.isEmpty());
-    setShortcut(kOptionF5, name);
-    setShortcut(std::nullopt, name);
+    shortcuts.setShortcut(kOptionF5, name);
+    shortcuts.setShortcut(std::nullopt, name);
     EXPECT_EQ(changes.names, QStringList({QStringLiteral("empty"), QStringLiteral("empty")}));
 }
 
 TEST_F(ShortcutStorageTest, NotificationCarriesTheName) {
     const Name name(QStringLiteral("announced"));
-    ChangeRecorder changes;
-    setShortcut(kOptionF5, name);
+    ChangeRecorder changes(shortcuts);
+    shortcuts.setShortcut(kOptionF5, name);
     EXPECT_EQ(changes.names, QStringList({QStringLiteral("announced")}));
-    EXPECT_STREQ(Notifications::shortcutByNameDidChangeName, "KeyboardShortcuts_shortcutByNameDidChange");
 }
 
 TEST_F(ShortcutStorageTest, SettingShortcutAnotherNameUsesKeepsOneRegistration) {
     const Name first(QStringLiteral("first"));
     const Name second(QStringLiteral("second"));
-    setShortcut(kControlCommandK, first);
-    setShortcut(kControlCommandK, second);
+    shortcuts.setShortcut(kControlCommandK, first);
+    shortcuts.setShortcut(kControlCommandK, second);
     EXPECT_EQ(platform.hotKeys.registrations().size(), 1);
     int firstRuns = 0;
     int secondRuns = 0;
-    onKeyDown(first, [&] { ++firstRuns; });
-    onKeyDown(second, [&] { ++secondRuns; });
+    shortcuts.onKeyDown(first, [&] { ++firstRuns; });
+    shortcuts.onKeyDown(second, [&] { ++secondRuns; });
     platform.hotKeys.press(40, 4352);
     EXPECT_EQ(firstRuns, 1);
     EXPECT_EQ(secondRuns, 1);
@@ -115,27 +115,27 @@ TEST_F(ShortcutStorageTest, StoredValuesThatAreNotStringsReadAsNoShortcut) {
          {SettingValue(false), SettingValue(true), SettingValue(qint64(40)),
           SettingValue(QByteArrayLiteral("{\"carbonKeyCode\":40,\"carbonModifiers\":4352}"))}) {
         platform.settings.setValue(QStringLiteral("KeyboardShortcuts_odd"), value);
-        EXPECT_FALSE(getShortcut(name)) << value.index();
+        EXPECT_FALSE(shortcuts.shortcut(name)) << value.index();
     }
 }
 
 TEST_F(ShortcutStorageTest, InvalidJsonReadsAsNoShortcut) {
     const Name name(QStringLiteral("broken"));
     platform.settings.setString(QStringLiteral("KeyboardShortcuts_broken"), QStringLiteral("{\"carbonKeyCode\":40,"));
-    EXPECT_FALSE(getShortcut(name));
+    EXPECT_FALSE(shortcuts.shortcut(name));
 }
 
 TEST_F(ShortcutStorageTest, JsonMissingAKeyReadsAsNoShortcut) {
     const Name name(QStringLiteral("half"));
     platform.settings.setString(QStringLiteral("KeyboardShortcuts_half"), QStringLiteral("{\"carbonKeyCode\":40}"));
-    EXPECT_FALSE(getShortcut(name));
+    EXPECT_FALSE(shortcuts.shortcut(name));
 }
 
 TEST_F(ShortcutStorageTest, NumbersOutside32BitsReadAsNoShortcut) {
     const Name name(QStringLiteral("huge"));
     platform.settings.setString(QStringLiteral("KeyboardShortcuts_huge"),
                                 QStringLiteral("{\"carbonKeyCode\":40,\"carbonModifiers\":99999999999}"));
-    EXPECT_FALSE(getShortcut(name));
+    EXPECT_FALSE(shortcuts.shortcut(name));
 }
 
 TEST_F(ShortcutStorageTest, NextSetOverwritesCorruptValue) {
@@ -145,56 +145,46 @@ TEST_F(ShortcutStorageTest, NextSetOverwritesCorruptValue) {
           SettingValue(QStringLiteral("{\"carbonModifiers\":1}")),
           SettingValue(QStringLiteral("{\"carbonKeyCode\":-4294967296,\"carbonModifiers\":0}"))}) {
         platform.settings.setValue(QStringLiteral("KeyboardShortcuts_corrupt"), corrupt);
-        setShortcut(kOptionF5, name);
+        shortcuts.setShortcut(kOptionF5, name);
         EXPECT_EQ(platform.settings.value(QStringLiteral("KeyboardShortcuts_corrupt")),
                   SettingValue(QString::fromUtf8(kOptionF5.toJson())));
-        EXPECT_EQ(getShortcut(name), kOptionF5);
-        setShortcut(std::nullopt, name);
+        EXPECT_EQ(shortcuts.shortcut(name), kOptionF5);
+        shortcuts.setShortcut(std::nullopt, name);
     }
 }
 
 TEST_F(ShortcutStorageTest, ResetRestoresDefaultOrRemoves) {
     const Name withDefault(QStringLiteral("withDefault"), kControlCommandK);
     const Name plain(QStringLiteral("plain"));
-    setShortcut(kOptionF5, withDefault);
-    setShortcut(kOptionF5, plain);
-    reset({withDefault, plain});
-    EXPECT_EQ(getShortcut(withDefault), kControlCommandK);
-    EXPECT_FALSE(userDefaultsContains(plain));
+    shortcuts.setShortcut(kOptionF5, withDefault);
+    shortcuts.setShortcut(kOptionF5, plain);
+    shortcuts.reset({withDefault, plain});
+    EXPECT_EQ(shortcuts.shortcut(withDefault), kControlCommandK);
+    EXPECT_FALSE(shortcuts.isStored(plain));
 }
 
 TEST_F(ShortcutStorageTest, ResetAllLeavesNoPrefixedKey) {
     const Name withDefault(QStringLiteral("withDefault"), kControlCommandK);
     const Name plain(QStringLiteral("plain"));
     const Name removed(QStringLiteral("removed"), kOptionF5);
-    setShortcut(Shortcut(Key::a, ModifierFlag::command), plain);
-    setShortcut(std::nullopt, removed);
+    shortcuts.setShortcut(Shortcut(Key::a, ModifierFlag::command), plain);
+    shortcuts.setShortcut(std::nullopt, removed);
     platform.settings.setInteger(QStringLiteral("KeyboardShortcuts_garbage"), 3);
     platform.settings.setBool(QStringLiteral("unrelated"), true);
-    resetAll();
+    shortcuts.resetAll();
     for (const QString& key : platform.settings.keys()) {
         EXPECT_FALSE(key.startsWith(QStringLiteral("KeyboardShortcuts_"))) << key.toStdString();
     }
     EXPECT_TRUE(platform.settings.contains(QStringLiteral("unrelated")));
     EXPECT_TRUE(platform.hotKeys.registrations().isEmpty());
-    // The default comes back only when the name is created again with it.
-    const Name recreated(QStringLiteral("withDefault"), kControlCommandK);
-    EXPECT_EQ(getShortcut(recreated), kControlCommandK);
-}
-
-TEST_F(ShortcutStorageTest, NameShortcutPropertyReadsAndWrites) {
-    const Name name(QStringLiteral("property"));
-    name.setShortcut(kOptionF5);
-    EXPECT_EQ(name.shortcut(), kOptionF5);
-    EXPECT_EQ(Shortcut::forName(name), kOptionF5);
-    name.setShortcut(std::nullopt);
-    EXPECT_FALSE(name.shortcut());
+    EXPECT_EQ(shortcuts.shortcut(withDefault), kControlCommandK) << "with nothing stored a name reads as its default";
+    EXPECT_EQ(shortcuts.shortcut(removed), kOptionF5) << "a removed default comes back once its stored false is gone";
 }
 
 TEST_F(ShortcutStorageTest, ChangingShortcutUnregistersTheOldHotKey) {
     const Name name(QStringLiteral("changing"));
-    setShortcut(kControlCommandK, name);
-    setShortcut(kOptionF5, name);
+    shortcuts.setShortcut(kControlCommandK, name);
+    shortcuts.setShortcut(kOptionF5, name);
     ASSERT_EQ(platform.hotKeys.registrations().size(), 1);
     EXPECT_EQ(platform.hotKeys.registrations().first().keyCode, static_cast<quint32>(Key::f5.rawValue()));
 }

@@ -2,17 +2,14 @@
 
 #include <gtest/gtest.h>
 
-#include "KeyboardShortcuts/HandlerTables.h"
+#include "KeyboardShortcuts/ActionShortcuts.h"
 #include "platform/fake/FakePlatform.h"
 
-// Every test starts with a fresh fake platform (US layout) and empty shortcut tables.
+// Every test starts with a fresh fake platform (US layout) and fresh global shortcuts on it.
 class ShortcutTest : public ::testing::Test {
 protected:
-    ShortcutTest() {
-        KeyboardShortcuts::resetForTesting();
-        platform.keyboardLayout.useUSLayout();
-    }
-    ~ShortcutTest() override { KeyboardShortcuts::resetForTesting(); }
+    ShortcutTest() { platform.keyboardLayout.useUSLayout(); }
 
     FakePlatform platform;
+    KeyboardShortcuts::ActionShortcuts shortcuts;
 };

@@ -13,10 +13,8 @@
 #include <QTest>
 #include <QVBoxLayout>
 
-#include "KeyboardShortcuts/CarbonKeyboardShortcuts.h"
-#include "KeyboardShortcuts/HandlerTables.h"
-#include "KeyboardShortcuts/KeyboardShortcuts.h"
-#include "KeyboardShortcuts/RecorderCocoa.h"
+#include "KeyboardShortcuts/ActionShortcuts.h"
+#include "KeyboardShortcuts/ShortcutRecorder.h"
 #include "platform/Platform.h"
 #include "platform/SettingsStore.h"
 #include "platform/x11/X11HotKeys.h"
@@ -57,7 +55,6 @@ protected:
         ASSERT_NE(s_platform, nullptr);
     }
     static void TearDownTestSuite() {
-        KeyboardShortcuts::resetForTesting();
         Platform::install({});
         delete s_platform;
         delete s_config;
@@ -67,15 +64,15 @@ protected:
         ASSERT_NE(s_platform, nullptr);
         ASSERT_TRUE(keyboard.isConnected());
         s_platform->install();
-        KeyboardShortcuts::resetForTesting();
         for (const QString& key : Platform::services().settings->keys()) {
             Platform::services().settings->remove(key);
         }
+        shortcuts = std::make_unique<ActionShortcuts>();
         // The sentinel: once it has fired, every key typed before it has been handled.
-        setShortcut(kControlOptionF8, sentinel);
-        onKeyUp(sentinel, [this] { ++sentinelCount; });
+        shortcuts->setShortcut(kControlOptionF8, sentinel);
+        shortcuts->onKeyUp(sentinel, [this] { ++sentinelCount; });
     }
-    void TearDown() override { KeyboardShortcuts::resetForTesting(); }
+    void TearDown() override { shortcuts.reset(); }
 
     X11HotKeys& hotKeys() { return *static_cast<X11HotKeys*>(Platform::services().hotKeys); }
 
@@ -97,6 +94,7 @@ protected:
     static QTemporaryDir* s_config;
     static X11Platform* s_platform;
     XTestKeyboard keyboard;
+    std::unique_ptr<ActionShortcuts> shortcuts;
     Name sentinel{QStringLiteral("sentinel")};
     int sentinelCount = 0;
 };
@@ -108,17 +106,17 @@ X11Platform* ShortcutsDesktopTest::s_platform = nullptr;
 struct Counter {
     int downs = 0;
     int ups = 0;
-    void attach(const Name& name) {
-        onKeyDown(name, [this] { ++downs; });
-        onKeyUp(name, [this] { ++ups; });
+    void attach(ActionShortcuts& shortcuts, const Name& name) {
+        shortcuts.onKeyDown(name, [this] { ++downs; });
+        shortcuts.onKeyUp(name, [this] { ++ups; });
     }
 };
 
 TEST_F(ShortcutsDesktopTest, RegisteredShortcutFiresOneKeyDownAndOneKeyUp) {
     const Name name(QStringLiteral("display.1"));
-    setShortcut(kControlOptionK, name);
+    shortcuts->setShortcut(kControlOptionK, name);
     Counter counter;
-    counter.attach(name);
+    counter.attach(*shortcuts, name);
     keyboard.type(kControlAlt, XTestKeyboard::keyK);
     ASSERT_TRUE(settle());
     EXPECT_EQ(counter.downs, 1);
@@ -130,9 +128,9 @@ TEST_F(ShortcutsDesktopTest, CommandShortcutFiresOnSuperKey) {
         GTEST_SKIP() << "IceWM grabs the Super keys itself (Win95Keys), so Super combinations never reach a client";
     }
     const Name name(QStringLiteral("display.1"));
-    setShortcut(kControlCommandK, name);
+    shortcuts->setShortcut(kControlCommandK, name);
     Counter counter;
-    counter.attach(name);
+    counter.attach(*shortcuts, name);
     keyboard.type(kControlSuper, XTestKeyboard::keyK);
     ASSERT_TRUE(settle());
     EXPECT_EQ(counter.downs, 1);
@@ -143,9 +141,9 @@ TEST_F(ShortcutsDesktopTest, FiresWithNumLockOn) {
     ASSERT_NE(hotKeys().numLockMask(), 0) << "NumLock sits on a real modifier";
     ASSERT_TRUE(setLock(XTestKeyboard::numLock, hotKeys().numLockMask(), true));
     const Name name(QStringLiteral("display.1"));
-    setShortcut(kControlOptionK, name);
+    shortcuts->setShortcut(kControlOptionK, name);
     Counter counter;
-    counter.attach(name);
+    counter.attach(*shortcuts, name);
     keyboard.type(kControlAlt, XTestKeyboard::keyK);
     const bool settled = settle();
     EXPECT_TRUE(setLock(XTestKeyboard::numLock, hotKeys().numLockMask(), false));
@@ -157,9 +155,9 @@ TEST_F(ShortcutsDesktopTest, FiresWithNumLockOn) {
 TEST_F(ShortcutsDesktopTest, FiresWithCapsLockOn) {
     ASSERT_TRUE(setLock(XTestKeyboard::capsLock, XCB_MOD_MASK_LOCK, true));
     const Name name(QStringLiteral("display.1"));
-    setShortcut(kControlOptionK, name);
+    shortcuts->setShortcut(kControlOptionK, name);
     Counter counter;
-    counter.attach(name);
+    counter.attach(*shortcuts, name);
     keyboard.type(kControlAlt, XTestKeyboard::keyK);
     const bool settled = settle();
     EXPECT_TRUE(setLock(XTestKeyboard::capsLock, XCB_MOD_MASK_LOCK, false));
@@ -172,9 +170,9 @@ TEST_F(ShortcutsDesktopTest, FiresWithNumLockAndCapsLockOn) {
     ASSERT_TRUE(setLock(XTestKeyboard::numLock, hotKeys().numLockMask(), true));
     ASSERT_TRUE(setLock(XTestKeyboard::capsLock, XCB_MOD_MASK_LOCK, true));
     const Name name(QStringLiteral("display.1"));
-    setShortcut(kControlOptionK, name);
+    shortcuts->setShortcut(kControlOptionK, name);
     Counter counter;
-    counter.attach(name);
+    counter.attach(*shortcuts, name);
     keyboard.type(kControlAlt, XTestKeyboard::keyK);
     const bool settled = settle();
     EXPECT_TRUE(setLock(XTestKeyboard::capsLock, XCB_MOD_MASK_LOCK, false));
@@ -187,9 +185,9 @@ TEST_F(ShortcutsDesktopTest, FiresWithNumLockAndCapsLockOn) {
 TEST_F(ShortcutsDesktopTest, HeldKeyThatAutoRepeatsFiresOneKeyUp) {
     EXPECT_TRUE(hotKeys().hasDetectableAutoRepeat());
     const Name name(QStringLiteral("display.1"));
-    setShortcut(kControlOptionK, name);
+    shortcuts->setShortcut(kControlOptionK, name);
     Counter counter;
-    counter.attach(name);
+    counter.attach(*shortcuts, name);
     const int repeatsBefore = hotKeys().suppressedRepeats();
     keyboard.press(XTestKeyboard::controlL);
     keyboard.press(XTestKeyboard::altL);
@@ -209,15 +207,15 @@ TEST_F(ShortcutsDesktopTest, HeldKeyThatAutoRepeatsFiresOneKeyUp) {
 TEST_F(ShortcutsDesktopTest, TwoNamesSharingShortcutShareOneGrabAndBothRun) {
     const Name first(QStringLiteral("display.1"));
     const Name second(QStringLiteral("display.2"));
-    setShortcut(kControlOptionK, first);
-    setShortcut(kControlOptionK, second);
+    shortcuts->setShortcut(kControlOptionK, first);
+    shortcuts->setShortcut(kControlOptionK, second);
     Counter firstCounter;
     Counter secondCounter;
-    firstCounter.attach(first);
-    secondCounter.attach(second);
+    firstCounter.attach(*shortcuts, first);
+    secondCounter.attach(*shortcuts, second);
     int hotKeysForK = 0;
-    for (const int id : CarbonKeyboardShortcuts::hotKeyIds()) {
-        hotKeysForK += CarbonKeyboardShortcuts::shortcutForHotKey(id) == kControlOptionK ? 1 : 0;
+    for (const int id : shortcuts->hotKeys().hotKeyIds()) {
+        hotKeysForK += shortcuts->hotKeys().shortcutForHotKey(id) == kControlOptionK ? 1 : 0;
     }
     EXPECT_EQ(hotKeysForK, 1);
     keyboard.type(kControlAlt, XTestKeyboard::keyK);
@@ -228,10 +226,10 @@ TEST_F(ShortcutsDesktopTest, TwoNamesSharingShortcutShareOneGrabAndBothRun) {
 
 TEST_F(ShortcutsDesktopTest, NameWhoseShortcutChangedNoLongerReactsToOldKey) {
     const Name name(QStringLiteral("display.1"));
-    setShortcut(kControlOptionK, name);
+    shortcuts->setShortcut(kControlOptionK, name);
     Counter counter;
-    counter.attach(name);
-    setShortcut(kControlOptionJ, name);
+    counter.attach(*shortcuts, name);
+    shortcuts->setShortcut(kControlOptionJ, name);
     keyboard.type(kControlAlt, XTestKeyboard::keyK);
     ASSERT_TRUE(settle());
     EXPECT_EQ(counter.ups, 0);
@@ -248,14 +246,15 @@ TEST_F(ShortcutsDesktopTest, ShortcutGrabbedByAnotherClientPrintsErrorLine) {
                              XTestKeyboard::keyL, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC);
     ASSERT_EQ(xcb_request_check(other.connection(), cookie), nullptr);
 
-    EXPECT_EQ(CarbonKeyboardShortcuts::system({kControlOptionL, kControlOptionK}), QList<Shortcut>({kControlOptionL}));
+    EXPECT_EQ(shortcuts->hotKeys().heldByOthers({kControlOptionL, kControlOptionK}),
+              QList<Shortcut>({kControlOptionL}));
     const Name name(QStringLiteral("display.1"));
     Counter counter;
-    counter.attach(name);
+    counter.attach(*shortcuts, name);
     testing::internal::CaptureStdout();
-    setShortcut(kControlOptionL, name);
+    shortcuts->setShortcut(kControlOptionL, name);
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "Error registering hotkey Ctrl+Alt+L: -9878\n");
-    EXPECT_EQ(getShortcut(name), kControlOptionL);
+    EXPECT_EQ(shortcuts->shortcut(name), kControlOptionL);
     keyboard.type(kControlAlt, XTestKeyboard::keyL);
     ASSERT_TRUE(settle());
     EXPECT_EQ(counter.ups, 0);
@@ -328,7 +327,7 @@ TEST_F(ShortcutsDesktopTest, RefusedLockVariantReleasesTheVariantsAlreadyGrabbed
               nullptr);
     const Name name(QStringLiteral("display.1"));
     testing::internal::CaptureStdout();
-    setShortcut(kControlOptionL, name);
+    shortcuts->setShortcut(kControlOptionL, name);
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "Error registering hotkey Ctrl+Alt+L: -9878\n");
     // The plain variant was grabbed first and must have been let go: the other client can take it.
     xcb_generic_error_t* error = xcb_request_check(
@@ -345,10 +344,10 @@ TEST_F(ShortcutsDesktopTest, ServerKeysCountAsSystemShortcuts) {
     QObject scope;  // ends the connection with the test
     QObject::connect(layout, &KeyboardLayout::layoutChanged, &scope, [&] { ++changes; });
     const Shortcut controlOptionF1(Key::f1, ModifierFlag::control | ModifierFlag::option);
-    EXPECT_TRUE(CarbonKeyboardShortcuts::system({controlOptionF1}).isEmpty()) << "srvrkeys:none frees them";
+    EXPECT_TRUE(shortcuts->hotKeys().heldByOthers({controlOptionF1}).isEmpty()) << "srvrkeys:none frees them";
     ASSERT_EQ(VirtualDesktop::run(QStringLiteral("setxkbmap"), {QStringLiteral("-option"), QString()}), 0);
     const bool reloaded = VirtualDesktop::waitUntil([&] { return changes > 0; }, 5000);
-    const QList<Shortcut> held = CarbonKeyboardShortcuts::system({controlOptionF1});
+    const QList<Shortcut> held = shortcuts->hotKeys().heldByOthers({controlOptionF1});
     VirtualDesktop::run(QStringLiteral("setxkbmap"), {QStringLiteral("-option"), QStringLiteral("srvrkeys:none")});
     ASSERT_TRUE(reloaded);
     EXPECT_EQ(held, QList<Shortcut>({controlOptionF1}));
@@ -356,14 +355,14 @@ TEST_F(ShortcutsDesktopTest, ServerKeysCountAsSystemShortcuts) {
 
 TEST_F(ShortcutsDesktopTest, NothingFiresWhileRecorderRecordsAndAssignedShortcutIsRecorded) {
     const Name name(QStringLiteral("display.1"));
-    setShortcut(kControlOptionK, name);
+    shortcuts->setShortcut(kControlOptionK, name);
     Counter counter;
-    counter.attach(name);
+    counter.attach(*shortcuts, name);
 
     QWidget window;
     auto* layout = new QVBoxLayout(&window);
     const Name recorded(QStringLiteral("display.2"));
-    auto* recorder = new RecorderCocoa(recorded);
+    auto* recorder = new ShortcutRecorder(*shortcuts, recorded);
     layout->addWidget(recorder);
     window.show();
     window.activateWindow();
@@ -371,11 +370,11 @@ TEST_F(ShortcutsDesktopTest, NothingFiresWhileRecorderRecordsAndAssignedShortcut
     ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return recorder->canBecomeKey(); }));
     QTest::mouseClick(recorder, Qt::LeftButton);
     ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return recorder->isRecording(); }));
-    EXPECT_TRUE(isPaused());
+    EXPECT_TRUE(shortcuts->isPaused());
 
     // The key of another display's shortcut reaches the recorder instead of firing.
     keyboard.type(kControlAlt, XTestKeyboard::keyK);
-    EXPECT_TRUE(VirtualDesktop::waitUntil([&] { return getShortcut(recorded) == kControlOptionK; }, 5000));
+    EXPECT_TRUE(VirtualDesktop::waitUntil([&] { return shortcuts->shortcut(recorded) == kControlOptionK; }, 5000));
     EXPECT_FALSE(recorder->isRecording());
     EXPECT_EQ(recorder->text(), QStringLiteral("Ctrl+Alt+K"));
     ASSERT_TRUE(settle());
@@ -384,7 +383,7 @@ TEST_F(ShortcutsDesktopTest, NothingFiresWhileRecorderRecordsAndAssignedShortcut
 
     // Recording is over: the hot key is back and both names react to it.
     Counter recordedCounter;
-    recordedCounter.attach(recorded);
+    recordedCounter.attach(*shortcuts, recorded);
     keyboard.type(kControlAlt, XTestKeyboard::keyK);
     ASSERT_TRUE(settle());
     EXPECT_EQ(recordedCounter.ups, 1);
@@ -392,9 +391,9 @@ TEST_F(ShortcutsDesktopTest, NothingFiresWhileRecorderRecordsAndAssignedShortcut
 
 TEST_F(ShortcutsDesktopTest, WithOurMenuOpenShortcutRunsHandlerAndMenuDoesNotAct) {
     const Name name(QStringLiteral("display.1"));
-    setShortcut(kControlOptionK, name);
+    shortcuts->setShortcut(kControlOptionK, name);
     Counter counter;
-    counter.attach(name);
+    counter.attach(*shortcuts, name);
 
     QMenu menu;
     QAction* item = menu.addAction(QStringLiteral("&Keep"));
@@ -403,8 +402,8 @@ TEST_F(ShortcutsDesktopTest, WithOurMenuOpenShortcutRunsHandlerAndMenuDoesNotAct
     QObject::connect(item, &QAction::triggered, [&] { triggered = true; });
     menu.popup(QPoint(100, 100));
     ASSERT_TRUE(QTest::qWaitForWindowExposed(&menu));
-    ASSERT_TRUE(VirtualDesktop::waitUntil([] { return isMenuOpen(); }));
-    EXPECT_TRUE(CarbonKeyboardShortcuts::isRawKeyMonitorActive());
+    ASSERT_TRUE(VirtualDesktop::waitUntil([this] { return shortcuts->isMenuOpen(); }));
+    EXPECT_TRUE(shortcuts->hotKeys().isRawKeyMonitorActive());
 
     keyboard.type(kControlAlt, XTestKeyboard::keyK);
     EXPECT_TRUE(VirtualDesktop::waitUntil([&] { return counter.ups == 1; }, 5000));
@@ -413,10 +412,36 @@ TEST_F(ShortcutsDesktopTest, WithOurMenuOpenShortcutRunsHandlerAndMenuDoesNotAct
     EXPECT_TRUE(menu.isVisible());
 
     keyboard.tap(XTestKeyboard::escape);
-    ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return !menu.isVisible() && !isMenuOpen(); }, 5000));
+    ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return !menu.isVisible() && !shortcuts->isMenuOpen(); }, 5000));
     keyboard.type(kControlAlt, XTestKeyboard::keyK);
     ASSERT_TRUE(settle());
     EXPECT_EQ(counter.ups, 2) << "the grab is back once the menu closed";
+}
+
+TEST_F(ShortcutsDesktopTest, WithOurPopupPanelOpenShortcutRunsHandler) {
+    const Name name(QStringLiteral("display.1"));
+    shortcuts->setShortcut(kControlOptionK, name);
+    Counter counter;
+    counter.attach(*shortcuts, name);
+
+    // Shown like the tray panel: a popup, which holds the keyboard grabbed while it is open.
+    QWidget panel(nullptr, Qt::Popup | Qt::FramelessWindowHint);
+    panel.resize(240, 160);
+    panel.move(100, 100);
+    panel.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&panel));
+    ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return keyboard.isKeyboardGrabbedByAnotherClient(); }, 5000));
+
+    keyboard.type(kControlAlt, XTestKeyboard::keyK);
+    EXPECT_TRUE(VirtualDesktop::waitUntil([&] { return counter.ups == 1; }, 5000));
+    EXPECT_EQ(counter.downs, 1);
+    EXPECT_TRUE(panel.isVisible());
+
+    panel.hide();
+    ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return !shortcuts->isMenuOpen(); }, 5000));
+    keyboard.type(kControlAlt, XTestKeyboard::keyK);
+    ASSERT_TRUE(settle());
+    EXPECT_EQ(counter.ups, 2) << "the grab is back once the popup closed";
 }
 
 TEST_F(ShortcutsDesktopTest, DisplayedCharacterFollowsLayoutWhileSamePhysicalKeyFires) {
@@ -434,9 +459,9 @@ TEST_F(ShortcutsDesktopTest, DisplayedCharacterFollowsLayoutWhileSamePhysicalKey
     const QString yKey = Shortcut(Key::y, ModifierFlag::command).presentableDescription();
 
     const Name name(QStringLiteral("display.1"));
-    setShortcut(controlZ, name);
+    shortcuts->setShortcut(controlZ, name);
     Counter counter;
-    counter.attach(name);
+    counter.attach(*shortcuts, name);
     keyboard.type(kControlAlt, XTestKeyboard::keyZ);
     const bool settled = settle();
     VirtualDesktop::run(QStringLiteral("setxkbmap"), {QStringLiteral("us")});
@@ -481,7 +506,7 @@ TEST_F(ShortcutsDesktopTest, DisplayedCharacterFollowsTheCurrentKeyboardGroup) {
 TEST_F(ShortcutsDesktopTest, RecorderDoesNotStartRecordingWhenItsWindowOpens) {
     QWidget window;
     auto* layout = new QVBoxLayout(&window);
-    auto* recorder = new RecorderCocoa(Name(QStringLiteral("display.2")));
+    auto* recorder = new ShortcutRecorder(*shortcuts, Name(QStringLiteral("display.2")));
     layout->addWidget(recorder);  // the window's only focusable widget
     window.show();
     window.activateWindow();
@@ -489,7 +514,7 @@ TEST_F(ShortcutsDesktopTest, RecorderDoesNotStartRecordingWhenItsWindowOpens) {
     ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return recorder->canBecomeKey(); }));
     QCoreApplication::processEvents();
     EXPECT_FALSE(recorder->isRecording());
-    EXPECT_FALSE(isPaused());
+    EXPECT_FALSE(shortcuts->isPaused());
     QTest::mouseClick(recorder, Qt::LeftButton);
     EXPECT_TRUE(VirtualDesktop::waitUntil([&] { return recorder->isRecording(); })) << "a click still starts it";
 }
@@ -498,9 +523,9 @@ TEST_F(ShortcutsDesktopTest, NumLockMovedToAnotherModifierIsFollowed) {
     const uint16_t original = hotKeys().numLockMask();
     ASSERT_EQ(original, XCB_MOD_MASK_2);
     const Name name(QStringLiteral("display.1"));
-    setShortcut(kControlOptionK, name);
+    shortcuts->setShortcut(kControlOptionK, name);
     Counter counter;
-    counter.attach(name);
+    counter.attach(*shortcuts, name);
     ASSERT_EQ(
         VirtualDesktop::run(QStringLiteral("xmodmap"), {QStringLiteral("-e"), QStringLiteral("clear mod2"),
                                                         QStringLiteral("-e"), QStringLiteral("add mod3 = Num_Lock")}),
@@ -522,9 +547,9 @@ TEST_F(ShortcutsDesktopTest, NumLockMovedToAnotherModifierIsFollowed) {
 // Prints how long a key press typed through XTEST takes to reach the handler.
 TEST_F(ShortcutsDesktopTest, PressToHandlerLatencyFigures) {
     const Name name(QStringLiteral("display.1"));
-    setShortcut(kControlOptionK, name);
+    shortcuts->setShortcut(kControlOptionK, name);
     Counter counter;
-    counter.attach(name);
+    counter.attach(*shortcuts, name);
     keyboard.press(XTestKeyboard::controlL);
     keyboard.press(XTestKeyboard::altL);
     constexpr int kPresses = 100;

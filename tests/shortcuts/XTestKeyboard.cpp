@@ -58,3 +58,17 @@ uint16_t XTestKeyboard::modifierState() {
     std::free(reply);
     return state;
 }
+
+bool XTestKeyboard::isKeyboardGrabbedByAnotherClient() {
+    xcb_grab_keyboard_reply_t* reply = xcb_grab_keyboard_reply(
+        m_connection,
+        xcb_grab_keyboard(m_connection, 0, m_root, XCB_CURRENT_TIME, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC),
+        nullptr);
+    const bool grabbed = reply != nullptr && reply->status == XCB_GRAB_STATUS_ALREADY_GRABBED;
+    if (reply != nullptr && reply->status == XCB_GRAB_STATUS_SUCCESS) {
+        xcb_ungrab_keyboard(m_connection, XCB_CURRENT_TIME);
+        xcb_flush(m_connection);
+    }
+    std::free(reply);
+    return grabbed;
+}

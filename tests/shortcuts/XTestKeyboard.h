@@ -37,6 +37,8 @@ public:
     void tap(xcb_keycode_t keycode);
     // Waits until the server has handled everything sent so far.
     void sync();
+    // Whether another client holds the keyboard grabbed (a popup of the program under test, say).
+    bool isKeyboardGrabbedByAnotherClient();
     // Whether a lock modifier (XCB_MOD_MASK_LOCK, or the NumLock mask) is on.
     uint16_t modifierState();
 

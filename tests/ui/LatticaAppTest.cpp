@@ -5,7 +5,7 @@
 #include <QTimer>
 #include <QtMath>
 
-#include "KeyboardShortcuts/KeyboardShortcuts.h"
+#include "KeyboardShortcuts/ActionShortcuts.h"
 #include "app/ui/LatticaApp.h"
 #include "app/ui/panel/PanelGeometry.h"
 #include "app/ui/panel/TrayPanelView.h"
@@ -154,10 +154,12 @@ TEST_F(LatticaAppWithoutTray, ClosingTheWindowKeepsTheProgramWhileADisplayShortc
     ASSERT_TRUE(waitUntil([&] { return app->panel() && app->panel()->isVisible(); }));
     ASSERT_FALSE(controller().connectedShortcutDisplays().isEmpty());
     const QString display = controller().connectedShortcutDisplays().first().id;
-    KeyboardShortcuts::setShortcut(KeyboardShortcuts::Shortcut(19 /* the 2 key */, 0x1000 | 0x0800 /* control, alt */),
-                                   KeyboardShortcuts::Name(AppController::shortcutNameRawValue(display)));
+    controller().shortcuts().setShortcut(
+        KeyboardShortcuts::Shortcut(19 /* the 2 key */, 0x1000 | 0x0800 /* control, alt */),
+        KeyboardShortcuts::Name(AppController::shortcutNameRawValue(display)));
     EXPECT_EQ(exitStatusAfterClosingThePanel(app->panel()), 7);
-    KeyboardShortcuts::setShortcut(std::nullopt, KeyboardShortcuts::Name(AppController::shortcutNameRawValue(display)));
+    controller().shortcuts().setShortcut(std::nullopt,
+                                         KeyboardShortcuts::Name(AppController::shortcutNameRawValue(display)));
 }
 
 TEST_F(LatticaAppWithoutTray, TrayMenuOffersSettingsAndQuit) {

@@ -13,6 +13,7 @@
 #include <QUrlQuery>
 #include <algorithm>
 
+#include "KeyboardShortcuts/ActionShortcuts.h"
 #include "KeyboardShortcuts/Name.h"
 #include "KeyboardShortcuts/Shortcut.h"
 #include "app/ui/LatticaApp.h"
@@ -151,8 +152,9 @@ protected:
     // A shortcut for the first display, so that the recorder shows one.
     void recordShortcutForFirstDisplay() {
         const QString id = controller().connectedShortcutDisplays().first().id;
-        KeyboardShortcuts::Name(AppController::shortcutNameRawValue(id))
-            .setShortcut(KeyboardShortcuts::Shortcut(19 /* the 2 key */, 0x1000 | 0x0800 /* control, option */));
+        controller().shortcuts().setShortcut(
+            KeyboardShortcuts::Shortcut(19 /* the 2 key */, 0x1000 | 0x0800 /* control, option */),
+            KeyboardShortcuts::Name(AppController::shortcutNameRawValue(id)));
     }
 
     // The settings window with every section shown once, the debug section included.

@@ -5,11 +5,10 @@
 #include <QToolButton>
 
 #include "KeyboardShortcuts/Name.h"
-#include "KeyboardShortcuts/Recorder.h"
+#include "KeyboardShortcuts/ShortcutRecorder.h"
 #include "app/controller/AppController.h"
 #include "app/ui/common/ViewStyle.h"
 #include "app/ui/settings/SettingsSymbols.h"
-
 namespace {
 constexpr int kDeleteButtonSize = 26;
 }
@@ -21,15 +20,16 @@ QString SettingsShortcutRow::labelText(const ShortcutDisplayItem& item) {
     return item.name;
 }
 
-SettingsShortcutRow::SettingsShortcutRow(const ShortcutDisplayItem& item, QWidget* parent)
+SettingsShortcutRow::SettingsShortcutRow(const ShortcutDisplayItem& item, KeyboardShortcuts::ActionShortcuts& shortcuts,
+                                         QWidget* parent)
     : QWidget(parent), m_item(item) {
     setObjectName(QStringLiteral("shortcutRow.") + item.id);
     m_label = ViewStyle::makeLabel(labelText(item), ViewStyle::bodyFont(), this);
     m_label->setObjectName(QStringLiteral("shortcutRowLabel"));
 
-    // Without a parent here: the layout adopts it, and a parent argument would make the call ambiguous.
-    m_recorder = new KeyboardShortcuts::Recorder(KeyboardShortcuts::Name(AppController::shortcutNameRawValue(item.id)),
-                                                 KeyboardShortcuts::RecorderCocoa::OnChange());
+    // The layout adopts it.
+    m_recorder = new KeyboardShortcuts::ShortcutRecorder(
+        shortcuts, KeyboardShortcuts::Name(AppController::shortcutNameRawValue(item.id)));
     m_recorder->setObjectName(QStringLiteral("shortcutRecorder"));
 
     auto* layout = new QHBoxLayout(this);

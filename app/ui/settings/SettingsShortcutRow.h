@@ -8,22 +8,24 @@ class QLabel;
 class QToolButton;
 
 namespace KeyboardShortcuts {
-class Recorder;
-}
+class ActionShortcuts;
+class ShortcutRecorder;
+}  // namespace KeyboardShortcuts
 
 // One display's shortcut row: its label, the recorder for its shortcut name, and for a display that is
 // not connected a button that forgets the mapping.
 class SettingsShortcutRow : public QWidget {
     Q_OBJECT
 public:
-    explicit SettingsShortcutRow(const ShortcutDisplayItem& item, QWidget* parent = nullptr);
+    SettingsShortcutRow(const ShortcutDisplayItem& item, KeyboardShortcuts::ActionShortcuts& shortcuts,
+                        QWidget* parent = nullptr);
 
     // "2. Studio Display" when the display has an index, the bare name otherwise.
     static QString labelText(const ShortcutDisplayItem& item);
 
     const ShortcutDisplayItem& item() const { return m_item; }
     QString labelShown() const;
-    KeyboardShortcuts::Recorder* recorder() const { return m_recorder; }
+    KeyboardShortcuts::ShortcutRecorder* recorder() const { return m_recorder; }
     // Null on connected rows.
     QToolButton* deleteButton() const { return m_deleteButton; }
 
@@ -33,6 +35,6 @@ Q_SIGNALS:
 private:
     ShortcutDisplayItem m_item;
     QLabel* m_label = nullptr;
-    KeyboardShortcuts::Recorder* m_recorder = nullptr;
+    KeyboardShortcuts::ShortcutRecorder* m_recorder = nullptr;
     QToolButton* m_deleteButton = nullptr;
 };

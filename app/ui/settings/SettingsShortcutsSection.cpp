@@ -71,7 +71,7 @@ QList<SettingsShortcutRow*> SettingsShortcutsSection::fill(SettingsCard* card, c
         return rows;
     }
     for (const ShortcutDisplayItem& item : items) {
-        auto* row = new SettingsShortcutRow(item, card);
+        auto* row = new SettingsShortcutRow(item, m_controller.shortcuts(), card);
         card->addRow(row);
         rows.append(row);
     }

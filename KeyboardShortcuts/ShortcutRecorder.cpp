@@ -1,4 +1,4 @@
-#include "KeyboardShortcuts/RecorderCocoa.h"
+#include "KeyboardShortcuts/ShortcutRecorder.h"
 
 #include <QAction>
 #include <QApplication>
@@ -8,17 +8,12 @@
 #include <QStyle>
 #include <QTimer>
 
-#include "KeyboardShortcuts/CarbonKeyboardShortcuts.h"
-#include "KeyboardShortcuts/HandlerTables.h"
+#include "KeyboardShortcuts/ActionShortcuts.h"
 #include "KeyboardShortcuts/InputEvent.h"
-#include "KeyboardShortcuts/KeyboardShortcuts.h"
 #include "KeyboardShortcuts/LocalEventMonitor.h"
-#include "KeyboardShortcuts/Localization.h"
 #include "KeyboardShortcuts/MenuItemShortcut.h"
-#include "KeyboardShortcuts/Notifications.h"
+#include "KeyboardShortcuts/ShortcutRules.h"
 #include "KeyboardShortcuts/Utilities.h"
-#include "platform/HotKeys.h"
-#include "platform/Platform.h"
 
 namespace KeyboardShortcuts {
 
@@ -28,8 +23,6 @@ namespace {
 constexpr unsigned int kAnyModifierMask = 0xFFDE0000;
 // Control, option, command (and help): shift, caps lock, numeric pad and fn alone are not enough.
 constexpr unsigned int kCommandLikeModifierMask = 0xFF5C0000;
-// fn, command, option, control and caps lock.
-constexpr unsigned int kOptionRuleMask = 0x9D0000;
 
 bool isTab(const InputEvent& event) {
     return event.keyCode() == Key::tab.rawValue() || event.qtKey() == Qt::Key_Tab || event.qtKey() == Qt::Key_Backtab;
@@ -44,10 +37,7 @@ bool isFunctionKey(const InputEvent& event) {
     if (event.qtKey() >= Qt::Key_F1 && event.qtKey() <= Qt::Key_F35) {
         return true;
     }
-    static const QList<Key> functionKeys = {Key::f1,  Key::f2,  Key::f3,  Key::f4,  Key::f5,  Key::f6,  Key::f7,
-                                            Key::f8,  Key::f9,  Key::f10, Key::f11, Key::f12, Key::f13, Key::f14,
-                                            Key::f15, Key::f16, Key::f17, Key::f18, Key::f19, Key::f20};
-    return event.keyCode() && functionKeys.contains(Key(*event.keyCode()));
+    return event.keyCode() && ShortcutRules::isFunctionKey(Key(*event.keyCode()));
 }
 
 QString withoutMnemonic(QString text) {
@@ -59,11 +49,11 @@ QString withoutMnemonic(QString text) {
 
 }  // namespace
 
-RecorderCocoa::RecorderCocoa(const Name& name, OnChange onChange, QWidget* parent)
-    : QLineEdit(parent), m_onChange(std::move(onChange)), m_shortcutName(name) {
+ShortcutRecorder::ShortcutRecorder(ActionShortcuts& shortcuts, const Name& name, OnChange onChange, QWidget* parent)
+    : QLineEdit(parent), m_shortcuts(shortcuts), m_onChange(std::move(onChange)), m_shortcutName(name) {
     // Typing never edits the text, and a read-only field draws no caret.
     setReadOnly(true);
-    setPlaceholderText(localized("record_shortcut"));
+    setPlaceholderText(QStringLiteral("Record Shortcut"));
     setAlignment(Qt::AlignCenter);
     setFocusPolicy(Qt::StrongFocus);
     setContextMenuPolicy(Qt::NoContextMenu);
@@ -73,19 +63,18 @@ RecorderCocoa::RecorderCocoa(const Name& name, OnChange onChange, QWidget* paren
     m_cancelButton->setObjectName(QStringLiteral("cancelButton"));
     connect(m_cancelButton, &QAction::triggered, this, [this] { clearShortcut(); });
     setStringValue(m_shortcutName);
-    m_shortcutsNameChangeObserver =
-        connect(&Notifications::shared(), &Notifications::shortcutByNameDidChange, this, [this](const Name& changed) {
-            if (changed == m_shortcutName) {
-                setStringValue(m_shortcutName);
-            }
-        });
+    connect(&m_shortcuts, &ActionShortcuts::shortcutChanged, this, [this](const Name& changed) {
+        if (changed == m_shortcutName) {
+            setStringValue(m_shortcutName);
+        }
+    });
 }
 
-RecorderCocoa::~RecorderCocoa() {
+ShortcutRecorder::~ShortcutRecorder() {
     endRecording();
 }
 
-void RecorderCocoa::setShortcutName(const Name& name) {
+void ShortcutRecorder::setShortcutName(const Name& name) {
     const bool changed = !(name == m_shortcutName);
     m_shortcutName = name;
     if (changed) {
@@ -93,37 +82,36 @@ void RecorderCocoa::setShortcutName(const Name& name) {
     }
 }
 
-bool RecorderCocoa::isRecording() const {
+bool ShortcutRecorder::isRecording() const {
     return m_eventMonitor != nullptr;
 }
 
-QSize RecorderCocoa::sizeHint() const {
+QSize ShortcutRecorder::sizeHint() const {
     return QSize(static_cast<int>(minimumWidth), QLineEdit::sizeHint().height());
 }
 
-QSize RecorderCocoa::minimumSizeHint() const {
+QSize ShortcutRecorder::minimumSizeHint() const {
     return sizeHint();
 }
 
-void RecorderCocoa::setStringValue(const Name& name) {
-    const std::optional<Shortcut> shortcut = getShortcut(name);
+void ShortcutRecorder::setStringValue(const Name& name) {
+    const std::optional<Shortcut> shortcut = m_shortcuts.shortcut(name);
     setText(shortcut ? shortcut->presentableDescription() : QString());
     updateCancelButton();
 }
 
-void RecorderCocoa::updateCancelButton() {
+void ShortcutRecorder::updateCancelButton() {
     m_cancelButton->setVisible(!text().isEmpty());
 }
 
-void RecorderCocoa::startRecording() {
+void ShortcutRecorder::startRecording() {
     if (isRecording()) {
         return;
     }
-    setPlaceholderText(localized("press_shortcut"));
+    setPlaceholderText(QStringLiteral("Press Shortcut"));
     updateCancelButton();
-    setPaused(true);
-    Notifications::shared().postRecorderActiveStatusDidChange(true);
-    QPointer<RecorderCocoa> self(this);
+    m_shortcuts.setPaused(true);
+    QPointer<ShortcutRecorder> self(this);
     m_eventMonitor = std::make_unique<LocalEventMonitor>(
         InputEvent::mask(InputEvent::keyDown) | InputEvent::mask(InputEvent::leftMouseUp) |
             InputEvent::mask(InputEvent::rightMouseUp),
@@ -131,18 +119,17 @@ void RecorderCocoa::startRecording() {
     m_eventMonitor->start();
 }
 
-void RecorderCocoa::endRecording() {
+void ShortcutRecorder::endRecording() {
     if (!isRecording()) {
         return;
     }
     m_eventMonitor.reset();
-    setPlaceholderText(localized("record_shortcut"));
+    setPlaceholderText(QStringLiteral("Record Shortcut"));
     updateCancelButton();
-    setPaused(false);
-    Notifications::shared().postRecorderActiveStatusDidChange(false);
+    m_shortcuts.setPaused(false);
 }
 
-void RecorderCocoa::giveUpFocus() {
+void ShortcutRecorder::giveUpFocus() {
     m_resuming = false;
     endRecording();
     if (hasFocus() || window()->focusWidget() == this) {
@@ -150,7 +137,7 @@ void RecorderCocoa::giveUpFocus() {
     }
 }
 
-void RecorderCocoa::resumeRecording() {
+void ShortcutRecorder::resumeRecording() {
     // The next focus, whatever brings it, starts recording again.
     m_resuming = true;
     if (isVisible() && !window()->isActiveWindow()) {
@@ -164,14 +151,14 @@ void RecorderCocoa::resumeRecording() {
     }
 }
 
-void RecorderCocoa::preventBecomingKey() {
+void ShortcutRecorder::preventBecomingKey() {
     m_canBecomeKey = false;
     QTimer::singleShot(0, this, [this] { m_canBecomeKey = true; });
 }
 
-void RecorderCocoa::clearShortcut() {
+void ShortcutRecorder::clearShortcut() {
     setText(QString());
-    setShortcut(std::nullopt, m_shortcutName);
+    m_shortcuts.setShortcut(std::nullopt, m_shortcutName);
     if (m_onChange) {
         m_onChange(std::nullopt);
     }
@@ -179,7 +166,7 @@ void RecorderCocoa::clearShortcut() {
     resumeRecording();
 }
 
-bool RecorderCocoa::event(QEvent* event) {
+bool ShortcutRecorder::event(QEvent* event) {
     switch (event->type()) {
         case QEvent::Show:
         case QEvent::WindowActivate:
@@ -203,7 +190,7 @@ bool RecorderCocoa::event(QEvent* event) {
     return QLineEdit::event(event);
 }
 
-void RecorderCocoa::focusInEvent(QFocusEvent* event) {
+void ShortcutRecorder::focusInEvent(QFocusEvent* event) {
     QLineEdit::focusInEvent(event);
     if (isRecording()) {
         return;
@@ -222,38 +209,38 @@ void RecorderCocoa::focusInEvent(QFocusEvent* event) {
     startRecording();
 }
 
-void RecorderCocoa::focusOutEvent(QFocusEvent* event) {
+void ShortcutRecorder::focusOutEvent(QFocusEvent* event) {
     QLineEdit::focusOutEvent(event);
     endRecording();
 }
 
-void RecorderCocoa::keyPressEvent(QKeyEvent* event) {
+void ShortcutRecorder::keyPressEvent(QKeyEvent* event) {
     // Keys are read by the event monitor while recording; otherwise they belong to the window.
     event->ignore();
 }
 
-void RecorderCocoa::mousePressEvent(QMouseEvent* event) {
+void ShortcutRecorder::mousePressEvent(QMouseEvent* event) {
     QLineEdit::mousePressEvent(event);
     if (hasFocus() && !isRecording()) {
         startRecording();
     }
 }
 
-int RecorderCocoa::runAlert(const QString& message, const QString& informativeText, bool offerForce) {
+int ShortcutRecorder::runAlert(const QString& message, const QString& informativeText, bool offerForce) {
     QWidget* host = window();
     QMessageBox alert(QMessageBox::Warning, QString(), message, QMessageBox::NoButton, host);
     alert.setObjectName(QStringLiteral("KeyboardShortcutsAlert"));
     alert.setInformativeText(informativeText);
-    QPushButton* ok = alert.addButton(localized("ok"), QMessageBox::AcceptRole);
+    QPushButton* ok = alert.addButton(QStringLiteral("OK"), QMessageBox::AcceptRole);
     QPushButton* force =
-        offerForce ? alert.addButton(localized("force_use_shortcut"), QMessageBox::DestructiveRole) : nullptr;
+        offerForce ? alert.addButton(QStringLiteral("Use Anyway"), QMessageBox::DestructiveRole) : nullptr;
     alert.setDefaultButton(ok);
     alert.setWindowModality(host != nullptr ? Qt::WindowModal : Qt::ApplicationModal);
     alert.exec();
     return force != nullptr && alert.clickedButton() == force ? forceUseResponse : forceUseResponse - 1;
 }
 
-bool RecorderCocoa::handleEvent(const InputEvent& event) {
+bool ShortcutRecorder::handleEvent(const InputEvent& event) {
     // 1. A click that ends outside the control (grown by 3 on every side) ends recording.
     if (event.type() == InputEvent::leftMouseUp || event.type() == InputEvent::rightMouseUp) {
         const QRectF bounds = QRectF(rect()).adjusted(-3, -3, 3, 3);
@@ -298,27 +285,34 @@ bool RecorderCocoa::handleEvent(const InputEvent& event) {
     if (!items.isEmpty()) {
         if (QAction* item = menuItemWithMatchingShortcut(items, *shortcut)) {
             giveUpFocus();
-            runAlert(localized("keyboard_shortcut_used_by_menu_item").arg(withoutMnemonic(item->text())), QString(),
-                     false);
+            runAlert(QStringLiteral(
+                         "This keyboard shortcut cannot be used as it\u2019s already used by the \u201C%1\u201D menu "
+                         "item.")
+                         .arg(withoutMnemonic(item->text())),
+                     QString(), false);
             resumeRecording();
             return false;
         }
     }
     // 9. Systems that refuse option-only hot keys.
-    HotKeys* hotKeys = Platform::services().hotKeys;
-    if (hotKeys != nullptr && hotKeys->restrictsOptionOnlyHotKeys() &&
-        (shortcut->modifiers().toInt() & kOptionRuleMask) == static_cast<unsigned int>(ModifierFlag::option)) {
+    if (m_shortcuts.hotKeys().restrictsOptionOnlyHotKeys() && ShortcutRules::isOptionOnly(*shortcut)) {
         giveUpFocus();
-        runAlert(localized("keyboard_shortcut_disallowed"), QString(), false);
+        runAlert(QStringLiteral("This keyboard shortcut cannot be used because it only uses the Alt key. "
+                                "Add Super, Ctrl or Shift to it."),
+                 QString(), false);
         resumeRecording();
         return false;
     }
     // 10. The system (or another program) holds it; F12 alone is exempt.
     const bool isPlainF12 = shortcut->carbonKeyCode() == Key::f12.rawValue() && shortcut->carbonModifiers() == 0;
-    if (!isPlainF12 && !CarbonKeyboardShortcuts::system({*shortcut}).isEmpty()) {
+    if (!isPlainF12 && !m_shortcuts.hotKeys().heldByOthers({*shortcut}).isEmpty()) {
         giveUpFocus();
-        const int response = runAlert(localized("keyboard_shortcut_used_by_system"),
-                                      localized("keyboard_shortcuts_can_be_changed"), true);
+        const int response = runAlert(
+            QStringLiteral(
+                "This keyboard shortcut cannot be used as it\u2019s already a system-wide keyboard shortcut."),
+            QStringLiteral("Most system-wide keyboard shortcuts can be changed in the settings of your desktop "
+                           "environment."),
+            true);
         resumeRecording();
         if (response != forceUseResponse) {
             return false;
@@ -327,7 +321,7 @@ bool RecorderCocoa::handleEvent(const InputEvent& event) {
     // 11. Accept.
     setText(shortcut->presentableDescription());
     updateCancelButton();
-    userDefaultsSet(m_shortcutName, *shortcut);
+    m_shortcuts.setShortcut(*shortcut, m_shortcutName);
     if (m_onChange) {
         m_onChange(*shortcut);
     }

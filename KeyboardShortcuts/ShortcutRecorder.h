@@ -12,13 +12,15 @@ class QAction;
 
 namespace KeyboardShortcuts {
 
+class ActionShortcuts;
 class InputEvent;
 class LocalEventMonitor;
 
 // The control that records a global shortcut for a name: it shows the stored shortcut, starts
 // recording when it receives focus, turns the next accepted key combination into the name's shortcut
-// and stops. Global hot keys are paused while it records.
-class RecorderCocoa : public QLineEdit {
+// and stops. Global hot keys are paused while it records. A Tab, Escape or a click elsewhere ends
+// recording; Delete or Backspace clears the shortcut.
+class ShortcutRecorder : public QLineEdit {
     Q_OBJECT
 public:
     using OnChange = std::function<void(std::optional<Shortcut>)>;
@@ -26,8 +28,8 @@ public:
     // The response of the system-conflict alert's second button.
     static constexpr int forceUseResponse = 1001;
 
-    explicit RecorderCocoa(const Name& name, OnChange onChange = {}, QWidget* parent = nullptr);
-    ~RecorderCocoa() override;
+    ShortcutRecorder(ActionShortcuts& shortcuts, const Name& name, OnChange onChange = {}, QWidget* parent = nullptr);
+    ~ShortcutRecorder() override;
 
     const Name& shortcutName() const { return m_shortcutName; }
     // Switching to another name shows that name's shortcut.
@@ -60,10 +62,10 @@ private:
     void clearShortcut();
     int runAlert(const QString& message, const QString& informativeText, bool offerForce);
 
+    ActionShortcuts& m_shortcuts;
     OnChange m_onChange;
     bool m_canBecomeKey = false;
     std::unique_ptr<LocalEventMonitor> m_eventMonitor;
-    QMetaObject::Connection m_shortcutsNameChangeObserver;
     Name m_shortcutName;
     QAction* m_cancelButton = nullptr;
     bool m_resuming = false;

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QList>
+#include <QObject>
+#include <QPointer>
+#include <functional>
+
+class QWidget;
+
+namespace KeyboardShortcuts {
+
+// Tells when the application's menus and other popups (the tray panel, say) open and close: the first
+// one shown begins tracking, the last one hidden ends it. A popup holds the keyboard grabbed while it is
+// open, so hot keys cannot fire then. Watches the application object's events from construction, when
+// one exists.
+class MenuWatcher : public QObject {
+    Q_OBJECT
+public:
+    explicit MenuWatcher(std::function<void(bool isOpen)> onChange);
+    ~MenuWatcher() override;
+
+    // Whether any of the application's menus or popups is visible now.
+    bool isAnyMenuOpen() const;
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    std::function<void(bool)> m_onChange;
+    QList<QPointer<QWidget>> m_openPopups;
+};
+
+}  // namespace KeyboardShortcuts
