@@ -20,7 +20,8 @@
 #include "app/ui/LatticaApp.h"
 #include "app/ui/WindowPresenter.h"
 #include "app/update/UpdaterService.h"
-#include "platform/x11/X11DisplayProbe.h" #include "platform/x11/X11Platform.h"
+#include "platform/x11/X11DisplayProbe.h"
+#include "platform/x11/X11Platform.h"
 #include "platform/xdg/SessionBusAutoLaunch.h"
 
 namespace {

@@ -5,7 +5,8 @@
 
 #include "KeyboardShortcuts/ActionShortcuts.h"
 #include "app/permissions/PermissionService.h"
-#include "app/update/UpdaterService.h" #include "platform/Autostart.h"
+#include "app/update/UpdaterService.h"
+#include "platform/Autostart.h"
 #include "platform/Monitors.h"
 #include "platform/Platform.h"
 #include "platform/TaskbarPresence.h"

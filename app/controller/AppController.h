@@ -8,12 +8,14 @@
 #include <QString>
 #include <QUuid>
 #include <memory>
+
 #include "app/controller/Preferences.h"
 #include "app/model/Models.h"
 
 namespace KeyboardShortcuts {
 class ActionShortcuts;
 }
+
 class UpdaterService;
 
 // The one controller at the centre of the program: it owns the published state that every view shows,
@@ -38,8 +40,8 @@ public:
     // Builds a controller from the installed platform services around the program's global shortcuts.
     // main() owns the program's one controller.
     explicit AppController(KeyboardShortcuts::ActionShortcuts& shortcuts, QObject* parent = nullptr);
-    // The same with global shortcuts of its own (tests build one controller after another).    explicit
-    // AppController(QObject* parent = nullptr);
+    // The same with global shortcuts of its own (tests build one controller after another).
+    explicit AppController(QObject* parent = nullptr);
     ~AppController() override;
 
     // Published state.
@@ -97,6 +99,7 @@ public:
 
     Preferences& preferences() { return m_preferences; }
     KeyboardShortcuts::ActionShortcuts& shortcuts() const { return m_shortcuts; }
+
     // Visible for tests.
     QUuid previewLoadID() const { return m_previewLoadID; }
     const QList<ShortcutDisplayRecord>& shortcutDisplayRecords() const { return m_shortcutDisplayRecords; }

@@ -8,6 +8,7 @@
 #include "app/controller/AppController.h"
 #include "app/displays/ScreenSnapshotService.h"
 #include "app/displayshortcuts/ShortcutDisplayRecordCoding.h"
+
 QString AppController::shortcutNameRawValue(const QString& persistentID) {
     return QStringLiteral("moveFocusedWindowToDisplay.") + persistentID;
 }
