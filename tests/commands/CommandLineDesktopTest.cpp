@@ -42,7 +42,7 @@ private:
     QString m_address;
 };
 
-struct Run {
+struct ProcessOutcome {
     int status = -1;
     QString out;
     QString err;
@@ -69,11 +69,11 @@ protected:
     }
 
     // Runs `lattica ARGS` to its end.
-    Run lattica(const QStringList& arguments) {
+    ProcessOutcome lattica(const QStringList& arguments) {
         QProcess process;
         process.setProcessEnvironment(environment);
         process.start(QStringLiteral(LATTICA_BINARY), arguments);
-        Run run;
+        ProcessOutcome run;
         if (process.waitForFinished(30000)) {
             run.status = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
         }
@@ -141,7 +141,7 @@ TEST_F(CommandLineDesktop, DisplaysJsonListsTheThreeMonitorsInProcessAndThroughT
         if (running) {
             ASSERT_TRUE(startProgram());
         }
-        const Run run = lattica({QStringLiteral("displays"), QStringLiteral("--json")});
+        const ProcessOutcome run = lattica({QStringLiteral("displays"), QStringLiteral("--json")});
         ASSERT_EQ(run.status, 0) << run.err.toStdString();
         const QJsonArray displays = QJsonDocument::fromJson(run.out.toUtf8()).array();
         ASSERT_EQ(displays.size(), 3) << run.out.toStdString();
@@ -167,31 +167,34 @@ TEST_F(CommandLineDesktop, MoveFocusedToNextWrapsFromTheLastMonitorToTheFirst) {
     ASSERT_TRUE(focus(window));
     ASSERT_EQ(monitorOf(window), 2);
 
-    const Run run = lattica({QStringLiteral("move-focused"), QStringLiteral("--to"), QStringLiteral("next")});
+    const ProcessOutcome run =
+        lattica({QStringLiteral("move-focused"), QStringLiteral("--to"), QStringLiteral("next")});
     EXPECT_EQ(run.status, 0) << run.err.toStdString();
     EXPECT_TRUE(run.out.startsWith(QStringLiteral("Moved focused window to "))) << run.out.toStdString();
     EXPECT_EQ(monitorOf(window), 0);
 
     // Left of the first monitor there is none: a bad target, and the window stays.
-    const Run left = lattica({QStringLiteral("move-focused"), QStringLiteral("--to"), QStringLiteral("left")});
+    const ProcessOutcome left =
+        lattica({QStringLiteral("move-focused"), QStringLiteral("--to"), QStringLiteral("left")});
     EXPECT_EQ(left.status, 2);
     EXPECT_TRUE(left.err.contains(QStringLiteral("There is no monitor to the left of"))) << left.err.toStdString();
     EXPECT_EQ(monitorOf(window), 0);
 
-    const Run right = lattica({QStringLiteral("move-focused"), QStringLiteral("--to"), QStringLiteral("right")});
+    const ProcessOutcome right =
+        lattica({QStringLiteral("move-focused"), QStringLiteral("--to"), QStringLiteral("right")});
     EXPECT_EQ(right.status, 0) << right.err.toStdString();
     EXPECT_EQ(monitorOf(window), 1);
 }
 
 TEST_F(CommandLineDesktop, BadTargetsAndArgumentsExitWithTwo) {
-    const Run monitor = lattica({QStringLiteral("move-all"), QStringLiteral("--from"), QStringLiteral("1"),
-                                 QStringLiteral("--to"), QStringLiteral("9")});
+    const ProcessOutcome monitor = lattica({QStringLiteral("move-all"), QStringLiteral("--from"), QStringLiteral("1"),
+                                            QStringLiteral("--to"), QStringLiteral("9")});
     EXPECT_EQ(monitor.status, 2);
     EXPECT_TRUE(monitor.err.contains(QStringLiteral("There is no monitor 9"))) << monitor.err.toStdString();
-    const Run command = lattica({QStringLiteral("teleport")});
+    const ProcessOutcome command = lattica({QStringLiteral("teleport")});
     EXPECT_EQ(command.status, 2);
     EXPECT_TRUE(command.err.contains(QStringLiteral("'teleport' is not a command")));
-    const Run help = lattica({QStringLiteral("--help")});
+    const ProcessOutcome help = lattica({QStringLiteral("--help")});
     EXPECT_EQ(help.status, 0);
     EXPECT_TRUE(help.out.contains(QStringLiteral("move-focused --to TARGET")));
 }
@@ -210,8 +213,8 @@ TEST_F(CommandLineDesktop, MoveAppBringsEveryWindowIncludingMinimisedOnesThrough
                                                               QStringLiteral("--sync"), QString::number(second)}),
               0);
 
-    const Run run = lattica({QStringLiteral("move-app"), QString::number(client.pid()), QStringLiteral("--to"),
-                             QStringLiteral("3"), QStringLiteral("--json")});
+    const ProcessOutcome run = lattica({QStringLiteral("move-app"), QString::number(client.pid()),
+                                        QStringLiteral("--to"), QStringLiteral("3"), QStringLiteral("--json")});
     ASSERT_EQ(run.status, 0) << run.err.toStdString() << run.out.toStdString();
     const QJsonObject result = QJsonDocument::fromJson(run.out.toUtf8()).object();
     EXPECT_EQ(result[QStringLiteral("moved")].toInt(), 2);
@@ -232,7 +235,7 @@ TEST_F(CommandLineDesktop, SecondLaunchOpensTheFirstsPanelAndWritesNoPreferences
     const QDateTime modified = QFileInfo(preferences).lastModified();
     file.close();
 
-    const Run second = lattica({});
+    const ProcessOutcome second = lattica({});
     EXPECT_EQ(second.status, 0) << second.err.toStdString();
     EXPECT_TRUE(second.out.contains(QStringLiteral("already running"))) << second.out.toStdString();
     EXPECT_TRUE(VirtualDesktop::waitUntil([] { return panelIsVisible(); }, 10000));
@@ -293,7 +296,7 @@ TEST_F(CommandLineDesktop, BusMethodsAnswerAndNameTheirErrors) {
 }
 
 TEST_F(CommandLineDesktop, PanelWithoutARunningInstanceSaysSo) {
-    const Run run = lattica({QStringLiteral("panel")});
+    const ProcessOutcome run = lattica({QStringLiteral("panel")});
     EXPECT_EQ(run.status, 1);
     EXPECT_TRUE(run.err.contains(QStringLiteral("Lattica is not running."))) << run.err.toStdString();
 }
