@@ -24,44 +24,47 @@ std::optional<Direction> directionNamed(const QString& word) {
     return std::nullopt;
 }
 
-// The nearest monitor whose centre lies on that side of `from`'s centre: nearest along the direction,
-// then least off to the side.
+// The nearest monitor that lies wholly on that side of `from` (its near edge at or beyond from's far edge),
+// preferring, at equal distance, the one that overlaps `from` most along the other axis.
 std::optional<DisplayDescriptor> neighbour(Direction direction, const DisplayDescriptor& from,
                                            const QList<DisplayDescriptor>& displays) {
-    const QPointF origin = from.bounds.center();
+    const QRectF& a = from.bounds;
     std::optional<DisplayDescriptor> best;
-    double bestAlong = std::numeric_limits<double>::max();
-    double bestAcross = std::numeric_limits<double>::max();
+    double bestGap = std::numeric_limits<double>::max();
+    double bestOverlap = -std::numeric_limits<double>::max();
     for (const DisplayDescriptor& display : displays) {
         if (display.persistentID == from.persistentID) {
             continue;
         }
-        const QPointF centre = display.bounds.center();
-        const double dx = centre.x() - origin.x();
-        const double dy = centre.y() - origin.y();
-        double along = 0;
-        double across = 0;
+        const QRectF& b = display.bounds;
+        double gap = 0;
+        double overlap = 0;
         switch (direction) {
             case Direction::Left:
-                along = -dx, across = std::fabs(dy);
+                gap = a.left() - b.right();
+                overlap = std::min(a.bottom(), b.bottom()) - std::max(a.top(), b.top());
                 break;
             case Direction::Right:
-                along = dx, across = std::fabs(dy);
+                gap = b.left() - a.right();
+                overlap = std::min(a.bottom(), b.bottom()) - std::max(a.top(), b.top());
                 break;
             case Direction::Up:
-                along = -dy, across = std::fabs(dx);
+                gap = a.top() - b.bottom();
+                overlap = std::min(a.right(), b.right()) - std::max(a.left(), b.left());
                 break;
             case Direction::Down:
-                along = dy, across = std::fabs(dx);
+                gap = b.top() - a.bottom();
+                overlap = std::min(a.right(), b.right()) - std::max(a.left(), b.left());
                 break;
         }
-        if (along <= 0) {
+        // Monitors that touch have a gap of 0; a little overlap from rounding still counts as beside.
+        if (gap < -1.0) {
             continue;
         }
-        if (along < bestAlong || (along == bestAlong && across < bestAcross)) {
+        if (gap < bestGap - 0.5 || (std::fabs(gap - bestGap) <= 0.5 && overlap > bestOverlap)) {
             best = display;
-            bestAlong = along;
-            bestAcross = across;
+            bestGap = gap;
+            bestOverlap = overlap;
         }
     }
     return best;
@@ -107,11 +110,11 @@ std::variant<DisplayDescriptor, MonitorTargets::NoSuchMonitor> MonitorTargets::r
             if (std::optional<DisplayDescriptor> found = neighbour(*direction, *from, displays)) {
                 return *found;
             }
-            return NoSuchMonitor{QStringLiteral("There is no monitor %1 of %2.")
-                                     .arg(*direction == Direction::Up     ? QStringLiteral("above")
-                                          : *direction == Direction::Down ? QStringLiteral("below")
-                                                                          : QStringLiteral("to the ") + word,
-                                          from->name)};
+            const QString where = *direction == Direction::Up ? QStringLiteral("above %1")
+                                  : *direction == Direction::Down
+                                      ? QStringLiteral("below %1")
+                                      : QStringLiteral("to the ") + word + QStringLiteral(" of %1");
+            return NoSuchMonitor{QStringLiteral("There is no monitor ") + where.arg(from->name) + QLatin1Char('.')};
         }
         QList<DisplayDescriptor> ordered = displays;
         std::stable_sort(ordered.begin(), ordered.end(),

@@ -229,6 +229,8 @@ TEST_F(CommandLineDesktop, SecondLaunchOpensTheFirstsPanelAndWritesNoPreferences
     ASSERT_TRUE(startProgram());
     const QString preferences = config.path() + QStringLiteral("/lattica/defaults.json");
     ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return QFile::exists(preferences); }, 10000));
+    // A call answered on the bus comes after the launch sequence, which writes the preferences it starts with.
+    ASSERT_EQ(call(QStringLiteral("Displays")).type(), QDBusMessage::ReplyMessage);
     QFile file(preferences);
     ASSERT_TRUE(file.open(QIODevice::ReadOnly));
     const QByteArray before = file.readAll();
