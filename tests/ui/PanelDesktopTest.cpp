@@ -15,6 +15,7 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "KeyboardShortcuts/ActionShortcuts.h"
 #include "app/controller/AppController.h"
 #include "app/ui/LatticaApp.h"
 #include "app/ui/WindowPresenter.h"
@@ -394,6 +395,36 @@ TEST_F(PanelOnDesktop, MoveButtonSendsTheMonitorsWindowsToTheTargetAndRefreshes)
     ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return previewsArrived(); }, 10000));
     EXPECT_EQ(app->panelContent()->cards()[0]->display().visibleWindowCount, 0);
     EXPECT_GE(app->panelContent()->cards()[1]->display().visibleWindowCount.value_or(0), 2);
+}
+
+TEST_F(PanelOnDesktop, DisplayShortcutMovesTheFocusedWindowWhileThePanelIsOpen) {
+    TestClient client;
+    ASSERT_TRUE(client.start());
+    const quint32 window = client.open(QStringLiteral("w"), QStringLiteral("x=300 y=200 w=640 h=400 title=Focused"));
+    ASSERT_NE(window, 0u);
+    ASSERT_EQ(VirtualDesktop::run(QStringLiteral("xdotool"), {QStringLiteral("windowactivate"),
+                                                              QStringLiteral("--sync"), QString::number(window)}),
+              0);
+    ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return monitorOf(frameOf(window)) == 0; }));
+    ASSERT_TRUE(openPanelByClick());
+    ASSERT_GE(controller->connectedShortcutDisplays().size(), 2);
+    const ShortcutDisplayItem target = controller->connectedShortcutDisplays().at(1);
+    controller->shortcuts().setShortcut(
+        KeyboardShortcuts::Shortcut(19 /* the 2 key */, 0x1000 | 0x0800 /* control, option */),
+        KeyboardShortcuts::Name(AppController::shortcutNameRawValue(target.id)));
+
+    // Control+Alt+2 typed on the keyboard while the panel is open (X keycodes 37, 64, 11).
+    for (const uint8_t key : {37, 64, 11}) {
+        xcb_test_fake_input(xcb(), XCB_KEY_PRESS, key, XCB_CURRENT_TIME, XCB_NONE, 0, 0, 0);
+    }
+    for (const uint8_t key : {11, 64, 37}) {
+        xcb_test_fake_input(xcb(), XCB_KEY_RELEASE, key, XCB_CURRENT_TIME, XCB_NONE, 0, 0, 0);
+    }
+    xcb_flush(xcb());
+    const QString moved = QStringLiteral("Moved focused window to ") + target.name + QLatin1Char('.');
+    ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return controller->statusMessage() == moved; }, 10000))
+        << qPrintable(controller->statusMessage());
+    EXPECT_NE(monitorOf(frameOf(window)), 0);
 }
 
 TEST_F(PanelOnDesktop, ApplicationMenuMovesOnlyThatApplicationsWindows) {
