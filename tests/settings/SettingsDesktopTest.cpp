@@ -10,10 +10,10 @@
 #include "app/controller/AppController.h"
 #include "app/ui/WindowPresenter.h"
 #include "app/ui/settings/SettingsBehaviorSection.h"
-#include "app/ui/settings/SettingsShortcutRow.h"
 #include "app/ui/settings/SettingsShortcutsSection.h"
 #include "app/ui/settings/SettingsToggle.h"
 #include "app/ui/settings/SettingsView.h"
+#include "app/ui/settings/ShortcutRecorderRow.h"
 #include "platform/TaskbarPresence.h"
 #include "platform/x11/X11Platform.h"
 #include "tests/support/VirtualDesktop.h"
@@ -71,7 +71,7 @@ TEST_F(SettingsDesktopTest, ShortcutRowsListEveryMonitorInOrder) {
     settings.setSelectedSection(SettingsSection::Shortcuts);
     auto* shortcuts = settings.findChild<SettingsShortcutsSection*>();
     ASSERT_NE(shortcuts, nullptr);
-    const QList<SettingsShortcutRow*> rows = shortcuts->connectedRows();
+    const QList<ShortcutRecorderRow*> rows = shortcuts->connectedRows();
     ASSERT_EQ(rows.size(), VirtualDesktop::layout().size());
     for (qsizetype i = 0; i < rows.size(); ++i) {
         EXPECT_TRUE(rows[i]->labelShown().startsWith(QStringLiteral("%1. ").arg(i + 1)))

@@ -7,8 +7,8 @@
 #include "KeyboardShortcuts/Shortcut.h"
 #include "KeyboardShortcuts/ShortcutRecorder.h"
 #include "KeyboardShortcuts/ShortcutStore.h"
-#include "app/ui/settings/SettingsShortcutRow.h"
 #include "app/ui/settings/SettingsShortcutsSection.h"
+#include "app/ui/settings/ShortcutRecorderRow.h"
 #include "tests/settings/SettingsFixture.h"
 
 namespace {
@@ -21,9 +21,9 @@ protected:
         return view->findChild<SettingsShortcutsSection*>();
     }
 
-    static QStringList labels(const QList<SettingsShortcutRow*>& rows) {
+    static QStringList labels(const QList<ShortcutRecorderRow*>& rows) {
         QStringList texts;
-        for (const SettingsShortcutRow* row : rows) {
+        for (const ShortcutRecorderRow* row : rows) {
             texts.append(row->labelShown());
         }
         return texts;
@@ -41,7 +41,7 @@ TEST_F(SettingsShortcutsSectionTest, ConnectedRowsAreLabelledWithIndexAndName) {
 TEST_F(SettingsShortcutsSectionTest, EachRowHasARecorderForItsDisplaysShortcutName) {
     SettingsShortcutsSection* section = shortcuts();
     ASSERT_EQ(section->connectedRows().size(), 2);
-    const SettingsShortcutRow* studio = section->connectedRows()[1];
+    const ShortcutRecorderRow* studio = section->connectedRows()[1];
     ASSERT_NE(studio->recorder(), nullptr);
     EXPECT_EQ(studio->recorder()->shortcutName().rawValue(),
               QStringLiteral("moveFocusedWindowToDisplay.") + studioID());
@@ -67,7 +67,7 @@ TEST_F(SettingsShortcutsSectionTest, RowsShowShortcutsAsLinuxDesktopsWriteThem) 
 
 TEST_F(SettingsShortcutsSectionTest, ConnectedRowsHaveNoDeleteButton) {
     SettingsShortcutsSection* section = shortcuts();
-    for (const SettingsShortcutRow* row : section->connectedRows()) {
+    for (const ShortcutRecorderRow* row : section->connectedRows()) {
         EXPECT_EQ(row->deleteButton(), nullptr);
         EXPECT_EQ(row->findChild<QToolButton*>(QStringLiteral("deleteShortcutMapping")), nullptr);
     }
@@ -96,7 +96,7 @@ TEST_F(SettingsShortcutsSectionTest, UnpluggedDisplayMovesToTheDisconnectedGroup
     platform.monitors.changeMonitors({mainDisplay()});
     ASSERT_TRUE(QTest::qWaitFor([section] { return section->disconnectedRows().size() == 1; }, 5000));
     EXPECT_EQ(labels(section->connectedRows()), QStringList{QStringLiteral("1. Built-in Display")});
-    const SettingsShortcutRow* row = section->disconnectedRows().first();
+    const ShortcutRecorderRow* row = section->disconnectedRows().first();
     EXPECT_EQ(row->labelShown(), QStringLiteral("2. Studio Display"));
     ASSERT_NE(row->deleteButton(), nullptr);
     EXPECT_EQ(row->deleteButton()->toolTip(), QStringLiteral("Delete shortcut mapping for this disconnected screen"));
@@ -111,9 +111,9 @@ TEST_F(SettingsShortcutsSectionTest, RememberedDisplayWithoutIndexIsLabelledByNa
     SettingsShortcutsSection* section = shortcuts();
     ASSERT_EQ(section->disconnectedRows().size(), 1);
     EXPECT_EQ(section->disconnectedRows().first()->labelShown(), QStringLiteral("Projector"));
-    EXPECT_EQ(SettingsShortcutRow::labelText({QStringLiteral("x"), QStringLiteral("Projector"), std::nullopt, false}),
+    EXPECT_EQ(ShortcutRecorderRow::labelText({QStringLiteral("x"), QStringLiteral("Projector"), std::nullopt, false}),
               QStringLiteral("Projector"));
-    EXPECT_EQ(SettingsShortcutRow::labelText({QStringLiteral("x"), QStringLiteral("Studio Display"), 2, true}),
+    EXPECT_EQ(ShortcutRecorderRow::labelText({QStringLiteral("x"), QStringLiteral("Studio Display"), 2, true}),
               QStringLiteral("2. Studio Display"));
 }
 
@@ -137,7 +137,7 @@ TEST_F(SettingsShortcutsSectionTest, DeleteButtonForgetsTheDisconnectedDisplay) 
 
 TEST_F(SettingsShortcutsSectionTest, UnchangedDisplaysKeepTheirRowsAndRecorders) {
     SettingsShortcutsSection* section = shortcuts();
-    const QList<SettingsShortcutRow*> before = section->connectedRows();
+    const QList<ShortcutRecorderRow*> before = section->connectedRows();
     ASSERT_EQ(before.size(), 2);
     KeyboardShortcuts::ShortcutRecorder* recorder = before[1]->recorder();
     controller->refreshShortcutDisplays();

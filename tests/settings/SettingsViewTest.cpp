@@ -2,10 +2,10 @@
 #include <QPushButton>
 
 #include "app/ui/settings/SettingsSectionPage.h"
-#include "app/ui/settings/SettingsShortcutRow.h"
 #include "app/ui/settings/SettingsShortcutsSection.h"
 #include "app/ui/settings/SettingsSidebar.h"
 #include "app/ui/settings/SettingsSidebarButton.h"
+#include "app/ui/settings/ShortcutRecorderRow.h"
 #include "tests/settings/SettingsFixture.h"
 
 namespace {

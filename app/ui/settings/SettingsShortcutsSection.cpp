@@ -6,7 +6,7 @@
 #include "app/controller/AppController.h"
 #include "app/ui/common/ViewStyle.h"
 #include "app/ui/settings/SettingsCard.h"
-#include "app/ui/settings/SettingsShortcutRow.h"
+#include "app/ui/settings/ShortcutRecorderRow.h"
 
 SettingsShortcutsSection::SettingsShortcutsSection(AppController& controller, QWidget* parent)
     : QWidget(parent), m_controller(controller) {
@@ -52,17 +52,17 @@ void SettingsShortcutsSection::rebuildDisconnected() {
     m_disconnectedShown = m_controller.disconnectedShortcutDisplays();
     m_disconnectedRows = fill(m_disconnectedCard, m_controller.disconnectedShortcutDisplays(),
                               QStringLiteral("No disconnected screens with saved shortcuts."), &m_disconnectedEmpty);
-    for (SettingsShortcutRow* row : std::as_const(m_disconnectedRows)) {
-        connect(row, &SettingsShortcutRow::deleteRequested, this,
+    for (ShortcutRecorderRow* row : std::as_const(m_disconnectedRows)) {
+        connect(row, &ShortcutRecorderRow::deleteRequested, this,
                 [this](const QString& id) { m_controller.deleteDisconnectedShortcutDisplay(id); });
     }
 }
 
-QList<SettingsShortcutRow*> SettingsShortcutsSection::fill(SettingsCard* card, const QList<ShortcutDisplayItem>& items,
+QList<ShortcutRecorderRow*> SettingsShortcutsSection::fill(SettingsCard* card, const QList<ShortcutDisplayItem>& items,
                                                            const QString& emptyText, QLabel** emptyLabel) {
     card->clearRows();
     *emptyLabel = nullptr;
-    QList<SettingsShortcutRow*> rows;
+    QList<ShortcutRecorderRow*> rows;
     if (items.isEmpty()) {
         QLabel* empty = ViewStyle::makeLabel(emptyText, ViewStyle::subheadlineFont(), card, true, true);
         empty->setObjectName(QStringLiteral("emptyText"));
@@ -71,7 +71,7 @@ QList<SettingsShortcutRow*> SettingsShortcutsSection::fill(SettingsCard* card, c
         return rows;
     }
     for (const ShortcutDisplayItem& item : items) {
-        auto* row = new SettingsShortcutRow(item, m_controller.shortcuts(), card);
+        auto* row = new ShortcutRecorderRow(item, m_controller.shortcuts(), card);
         card->addRow(row);
         rows.append(row);
     }

@@ -9,7 +9,7 @@
 class AppController;
 class QLabel;
 class SettingsCard;
-class SettingsShortcutRow;
+class ShortcutRecorderRow;
 
 // The per-display shortcuts: connected screens, and disconnected screens that keep a mapping.
 class SettingsShortcutsSection : public QWidget {
@@ -17,8 +17,8 @@ class SettingsShortcutsSection : public QWidget {
 public:
     explicit SettingsShortcutsSection(AppController& controller, QWidget* parent = nullptr);
 
-    QList<SettingsShortcutRow*> connectedRows() const { return m_connectedRows; }
-    QList<SettingsShortcutRow*> disconnectedRows() const { return m_disconnectedRows; }
+    QList<ShortcutRecorderRow*> connectedRows() const { return m_connectedRows; }
+    QList<ShortcutRecorderRow*> disconnectedRows() const { return m_disconnectedRows; }
     // The text shown in place of rows, or empty when the group has rows.
     QString connectedEmptyText() const;
     QString disconnectedEmptyText() const;
@@ -26,7 +26,7 @@ public:
 private:
     void rebuildConnected();
     void rebuildDisconnected();
-    QList<SettingsShortcutRow*> fill(SettingsCard* card, const QList<ShortcutDisplayItem>& items,
+    QList<ShortcutRecorderRow*> fill(SettingsCard* card, const QList<ShortcutDisplayItem>& items,
                                      const QString& emptyText, QLabel** emptyLabel);
 
     AppController& m_controller;
@@ -37,6 +37,6 @@ private:
     // What the rows show now; an unchanged list leaves the rows (and a recorder in use) alone.
     std::optional<QList<ShortcutDisplayItem>> m_connectedShown;
     std::optional<QList<ShortcutDisplayItem>> m_disconnectedShown;
-    QList<SettingsShortcutRow*> m_connectedRows;
-    QList<SettingsShortcutRow*> m_disconnectedRows;
+    QList<ShortcutRecorderRow*> m_connectedRows;
+    QList<ShortcutRecorderRow*> m_disconnectedRows;
 };

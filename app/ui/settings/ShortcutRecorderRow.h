@@ -14,10 +14,10 @@ class ShortcutRecorder;
 
 // One display's shortcut row: its label, the recorder for its shortcut name, and for a display that is
 // not connected a button that forgets the mapping.
-class SettingsShortcutRow : public QWidget {
+class ShortcutRecorderRow : public QWidget {
     Q_OBJECT
 public:
-    SettingsShortcutRow(const ShortcutDisplayItem& item, KeyboardShortcuts::ActionShortcuts& shortcuts,
+    ShortcutRecorderRow(const ShortcutDisplayItem& item, KeyboardShortcuts::ActionShortcuts& shortcuts,
                         QWidget* parent = nullptr);
 
     // "2. Studio Display" when the display has an index, the bare name otherwise.

@@ -1,4 +1,4 @@
-#include "app/ui/settings/SettingsShortcutRow.h"
+#include "app/ui/settings/ShortcutRecorderRow.h"
 
 #include <QHBoxLayout>
 #include <QLabel>
@@ -13,14 +13,14 @@ namespace {
 constexpr int kDeleteButtonSize = 26;
 }
 
-QString SettingsShortcutRow::labelText(const ShortcutDisplayItem& item) {
+QString ShortcutRecorderRow::labelText(const ShortcutDisplayItem& item) {
     if (item.index) {
         return QStringLiteral("%1. %2").arg(*item.index).arg(item.name);
     }
     return item.name;
 }
 
-SettingsShortcutRow::SettingsShortcutRow(const ShortcutDisplayItem& item, KeyboardShortcuts::ActionShortcuts& shortcuts,
+ShortcutRecorderRow::ShortcutRecorderRow(const ShortcutDisplayItem& item, KeyboardShortcuts::ActionShortcuts& shortcuts,
                                          QWidget* parent)
     : QWidget(parent), m_item(item) {
     setObjectName(QStringLiteral("shortcutRow.") + item.id);
@@ -55,6 +55,6 @@ SettingsShortcutRow::SettingsShortcutRow(const ShortcutDisplayItem& item, Keyboa
     }
 }
 
-QString SettingsShortcutRow::labelShown() const {
+QString ShortcutRecorderRow::labelShown() const {
     return m_label->text();
 }
