@@ -19,7 +19,7 @@
 #include "app/displays/ScreenSnapshotService.h"
 #include "app/ui/LatticaApp.h"
 #include "app/ui/WindowPresenter.h"
-#include "app/update/UpdaterService.h"
+#include "app/update/Updater.h"
 #include "platform/x11/X11DisplayProbe.h"
 #include "platform/x11/X11Platform.h"
 #include "platform/xdg/SessionBusAutoLaunch.h"
@@ -155,8 +155,9 @@ int runProgram(int argc, char** argv) {
 
     // The global shortcuts outlive the controller that attaches its handlers to them.
     KeyboardShortcuts::ActionShortcuts shortcuts;
-    AppController controller(shortcuts);
-    WindowPresenter windows(controller, UpdaterService::shared().updater());
+    Updater updater;
+    AppController controller(shortcuts, updater);
+    WindowPresenter windows(controller, &updater);
     LatticaApp app(controller, windows, platform->services().trayHost);
     const CommandService commands(controller.preferences());
     LatticaBusService bus(commands, {[&app] { app.openPanel(); }, [&windows] { windows.showSettingsWindow(); },

@@ -5,21 +5,23 @@
 
 #include "KeyboardShortcuts/ActionShortcuts.h"
 #include "app/permissions/PermissionService.h"
-#include "app/update/UpdaterService.h"
+#include "app/update/Updater.h"
 #include "platform/Autostart.h"
 #include "platform/Monitors.h"
 #include "platform/Platform.h"
 #include "platform/TaskbarPresence.h"
 
-AppController::AppController(QObject* parent) : AppController(nullptr, parent) {}
+AppController::AppController(QObject* parent) : AppController(nullptr, nullptr, parent) {}
 
-AppController::AppController(KeyboardShortcuts::ActionShortcuts& shortcuts, QObject* parent)
-    : AppController(&shortcuts, parent) {}
+AppController::AppController(KeyboardShortcuts::ActionShortcuts& shortcuts, Updater& updater, QObject* parent)
+    : AppController(&shortcuts, &updater, parent) {}
 
-AppController::AppController(KeyboardShortcuts::ActionShortcuts* shortcuts, QObject* parent)
+AppController::AppController(KeyboardShortcuts::ActionShortcuts* shortcuts, Updater* updater, QObject* parent)
     : QObject(parent),
       m_ownShortcuts(shortcuts == nullptr ? std::make_unique<KeyboardShortcuts::ActionShortcuts>() : nullptr),
       m_shortcuts(shortcuts == nullptr ? *m_ownShortcuts : *shortcuts),
+      m_ownUpdater(updater == nullptr ? std::make_unique<Updater>() : nullptr),
+      m_updater(updater == nullptr ? *m_ownUpdater : *updater),
       m_preferences(*Platform::services().settings) {
     const PlatformServices& platform = Platform::services();
 
@@ -29,7 +31,6 @@ AppController::AppController(KeyboardShortcuts::ActionShortcuts* shortcuts, QObj
     // 2. The other published properties start empty (see the member initialisers).
 
     // 3. Plain fields.
-    m_updaterService = &UpdaterService::shared();
     m_previewLoadID = QUuid::createUuid();
 
     // 4. Defaults of the keys that hold nothing.
@@ -44,7 +45,7 @@ AppController::AppController(KeyboardShortcuts::ActionShortcuts* shortcuts, QObj
     m_launchAtLoginEnabled = platform.autostart->status() == AutostartStatus::Enabled;
 
     // 7. The updater follows the preference.
-    m_updaterService->updater()->setAutomaticallyChecksForUpdates(m_autoCheckForUpdatesEnabled);
+    m_updater.setAutomaticallyChecksForUpdates(m_autoCheckForUpdatesEnabled);
 
     // 8.-9. The remembered displays, their lists and their hot-key handlers.
     m_shortcutDisplayRecords = loadShortcutDisplayRecords();
@@ -97,7 +98,7 @@ void AppController::setDockIconVisible(bool visible) {
 void AppController::setAutoCheckForUpdatesEnabled(bool enabled) {
     publish(m_autoCheckForUpdatesEnabled, enabled, &AppController::autoCheckForUpdatesEnabledChanged);
     m_preferences.setAutoCheckForUpdates(enabled);
-    m_updaterService->updater()->setAutomaticallyChecksForUpdates(enabled);
+    m_updater.setAutomaticallyChecksForUpdates(enabled);
 }
 
 QString AppController::launchAtLoginProgram() const {

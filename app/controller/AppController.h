@@ -16,7 +16,7 @@ namespace KeyboardShortcuts {
 class ActionShortcuts;
 }
 
-class UpdaterService;
+class Updater;
 
 // The one controller at the centre of the program: it owns the published state that every view shows,
 // the preferences, the display refresh, every move command and the per-display shortcut records.
@@ -39,8 +39,8 @@ class AppController : public QObject {
 public:
     // Builds a controller from the installed platform services around the program's global shortcuts.
     // main() owns the program's one controller.
-    explicit AppController(KeyboardShortcuts::ActionShortcuts& shortcuts, QObject* parent = nullptr);
-    // The same with global shortcuts of its own (tests build one controller after another).
+    AppController(KeyboardShortcuts::ActionShortcuts& shortcuts, Updater& updater, QObject* parent = nullptr);
+    // The same with global shortcuts and an updater of its own (tests build one controller after another).
     explicit AppController(QObject* parent = nullptr);
     ~AppController() override;
 
@@ -99,6 +99,7 @@ public:
 
     Preferences& preferences() { return m_preferences; }
     KeyboardShortcuts::ActionShortcuts& shortcuts() const { return m_shortcuts; }
+    Updater& updater() const { return m_updater; }
 
     // Visible for tests.
     QUuid previewLoadID() const { return m_previewLoadID; }
@@ -121,8 +122,8 @@ Q_SIGNALS:
     void permissionGuideRequested();
 
 private:
-    // Uses the given shortcuts, or makes its own when given none.
-    AppController(KeyboardShortcuts::ActionShortcuts* shortcuts, QObject* parent);
+    // Uses the given shortcuts and updater, or makes its own of those it is not given.
+    AppController(KeyboardShortcuts::ActionShortcuts* shortcuts, Updater* updater, QObject* parent);
 
     // Announces, stores and signals one published property.
     template <typename T, typename Signal>
@@ -156,8 +157,9 @@ private:
     // Plain fields.
     std::unique_ptr<KeyboardShortcuts::ActionShortcuts> m_ownShortcuts;
     KeyboardShortcuts::ActionShortcuts& m_shortcuts;
+    std::unique_ptr<Updater> m_ownUpdater;
+    Updater& m_updater;
     Preferences m_preferences;
-    UpdaterService* m_updaterService = nullptr;
     QUuid m_previewLoadID;
     QList<ShortcutDisplayRecord> m_shortcutDisplayRecords;
     QSet<QString> m_registeredShortcutDisplayIDs;

@@ -4,7 +4,7 @@
 
 #include "BuildConfig.h"
 #include "app/controller/AppController.h"
-#include "app/update/UpdaterService.h"
+#include "app/update/Updater.h"
 #include "platform/DesktopLauncher.h"
 #include "platform/Platform.h"
 #include "platform/RunningApplications.h"
@@ -25,7 +25,7 @@ void AppController::start() {
     refreshPermissions();
     refreshShortcutDisplays();
     if (m_autoCheckForUpdatesEnabled) {
-        m_updaterService->updater()->checkForUpdatesInBackground();
+        m_updater.checkForUpdatesInBackground();
     }
     if (!m_permissionState.bothGranted()) {
         Q_EMIT permissionGuideRequested();

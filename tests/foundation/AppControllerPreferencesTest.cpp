@@ -3,7 +3,7 @@
 #include <QSignalSpy>
 
 #include "app/controller/AppController.h"
-#include "app/update/UpdaterService.h"
+#include "app/update/Updater.h"
 #include "platform/fake/FakePlatform.h"
 
 namespace {
@@ -68,7 +68,7 @@ TEST_F(AppControllerPreferencesTest, ExistingValueOfAnotherTypeCountsAsPresent) 
 TEST_F(AppControllerPreferencesTest, UpdaterFollowsThePreferenceFromConstructionOn) {
     platform.settings.setBool(QStringLiteral("autoCheckForUpdatesOnLaunch"), false);
     AppController controller;
-    Updater* updater = UpdaterService::shared().updater();
+    Updater* updater = &controller.updater();
     EXPECT_FALSE(updater->automaticallyChecksForUpdates());
     controller.setAutoCheckForUpdatesEnabled(true);
     EXPECT_TRUE(updater->automaticallyChecksForUpdates());

@@ -5,7 +5,7 @@
 #include "app/ui/settings/SettingsUpdatesSection.h"
 #include "app/ui/update/UpdatePresenter.h"
 #include "app/ui/update/UpdateWindow.h"
-#include "app/update/UpdaterService.h"
+#include "app/update/Updater.h"
 #include "tests/settings/SettingsFixture.h"
 #include "tests/updater/AppcastFixtures.h"
 #include "tests/updater/LoopbackHttpServer.h"
@@ -15,22 +15,23 @@ namespace {
 class SettingsUpdatesSectionTest : public SettingsFixture {
 protected:
     void TearDown() override {
-        updater()->cancelCheck();
-        if (UpdateWindow* window = presenter.updateWindow()) {
-            window->hide();
+        if (controller) {
+            updater()->cancelCheck();
         }
+        presenter.reset();
         SettingsFixture::TearDown();
     }
 
     SettingsUpdatesSection* updates() {
         makeView();
+        // Shows the checks the section starts, as the program's window presenter does.
+        presenter = std::make_unique<UpdatePresenter>(controller->updater());
         view->setSelectedSection(SettingsSection::Updates);
         return view->findChild<SettingsUpdatesSection*>();
     }
-    static Updater* updater() { return UpdaterService::shared().updater(); }
+    Updater* updater() { return &controller->updater(); }
 
-    // Shows the checks the section starts, as the program's window presenter does.
-    UpdatePresenter presenter{*updater()};
+    std::unique_ptr<UpdatePresenter> presenter;
 };
 
 TEST_F(SettingsUpdatesSectionTest, ToggleShowsThePreference) {
@@ -82,7 +83,7 @@ TEST_F(SettingsUpdatesSectionTest, CheckButtonStartsAUserCheckWithProgressAndRes
 
     QSignalSpy finished(updater(), &Updater::checkFinished);
     QTest::mouseClick(section->checkButton(), Qt::LeftButton);
-    UpdateWindow* window = presenter.updateWindow();
+    UpdateWindow* window = presenter->updateWindow();
     ASSERT_NE(window, nullptr);
     EXPECT_TRUE(window->isVisible());
     EXPECT_EQ(window->state(), UpdateWindow::State::Checking);

@@ -97,7 +97,7 @@ TEST_F(UpdateAtLaunchDesktopTest, LaunchWithoutANewerReleaseShowsNothing) {
     ASSERT_TRUE(VirtualDesktop::waitUntil([this] { return m_server.requestedPaths().size() == 1; }, 10000));
     // The program compared its build number with the release's and found itself current (outcome 1 is
     // "up to date"). That such a background result opens no window is checked in-process by
-    // UpdaterServiceTest, where the check's own finished signal orders it.
+    // UpdaterTest, where the check's own finished signal orders it.
     EXPECT_TRUE(VirtualDesktop::waitUntil([this] { return log().contains("check finished with outcome 1"); }, 10000))
         << log().constData();
 }

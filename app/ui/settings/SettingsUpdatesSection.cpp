@@ -12,7 +12,7 @@
 #include "app/ui/settings/SettingsCard.h"
 #include "app/ui/settings/SettingsSymbols.h"
 #include "app/ui/settings/SettingsToggle.h"
-#include "app/update/UpdaterService.h"
+#include "app/update/Updater.h"
 
 SettingsUpdatesSection::SettingsUpdatesSection(AppController& controller, QWidget* parent)
     : QWidget(parent), m_controller(controller) {
@@ -46,7 +46,7 @@ SettingsUpdatesSection::SettingsUpdatesSection(AppController& controller, QWidge
         showValue();
     });
     connect(&m_controller, &AppController::autoCheckForUpdatesEnabledChanged, this, [this] { showValue(); });
-    connect(m_checkButton, &QPushButton::clicked, this, [] { UpdaterService::shared().updater()->checkForUpdates(); });
+    connect(m_checkButton, &QPushButton::clicked, this, [this] { m_controller.updater().checkForUpdates(); });
     showValue();
 }
 

@@ -2,7 +2,7 @@
 
 #include <QLoggingCategory>
 
-#include "app/update/UpdaterService.h"
+#include "app/update/Updater.h"
 #include "platform/DesktopLauncher.h"
 #include "platform/Platform.h"
 

@@ -1,4 +1,4 @@
-#include "app/update/UpdaterService.h"
+#include "app/update/Updater.h"
 
 #include <QLoggingCategory>
 #include <QSysInfo>
@@ -8,9 +8,8 @@
 // Debug lines only when asked for with QT_LOGGING_RULES="lattica.updates*.debug=true".
 Q_LOGGING_CATEGORY(lcUpdater, "lattica.updates", QtInfoMsg)
 
-Updater::Updater(UpdateFeed* delegate, QObject* parent)
+Updater::Updater(QObject* parent)
     : QObject(parent),
-      m_delegate(delegate),
       m_hostVersion(QString::fromLatin1(BuildConfig::kBuildNumber)),
       m_hostDisplayVersion(QString::fromLatin1(BuildConfig::kVersion)),
       m_systemVersion(runningSystemVersion()) {
@@ -87,7 +86,7 @@ void Updater::cancelCheck() {
 }
 
 QUrl Updater::feedURL() const {
-    return QUrl(m_delegate->feedURLString());
+    return QUrl(m_feed.feedURLString());
 }
 
 void Updater::setHostVersions(const QString& version, const QString& displayVersion) {
@@ -111,10 +110,3 @@ QString UpdateFeed::feedURLString() const {
     }
     return QString::fromLatin1(BuildConfig::kAppcastUrl);
 }
-
-UpdaterService& UpdaterService::shared() {
-    static UpdaterService* instance = new UpdaterService();
-    return *instance;
-}
-
-UpdaterService::UpdaterService() : m_updater(&m_feed) {}

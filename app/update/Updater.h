@@ -9,7 +9,12 @@
 
 #include "app/update/UpdateChecker.h"
 
-class UpdateFeed;
+// Supplies the update feed.
+class UpdateFeed {
+public:
+    // The feed's address: the build's appcast, or LATTICA_APPCAST_URL when that is set.
+    QString feedURLString() const;
+};
 
 // Checks the update feed for a newer release of the program. A check started while another runs
 // joins it; a user-initiated check makes the running one report its result.
@@ -24,7 +29,7 @@ public:
     // that time spent suspended counts.
     static constexpr std::chrono::minutes kSchedulePollInterval{30};
 
-    explicit Updater(UpdateFeed* delegate, QObject* parent = nullptr);
+    explicit Updater(QObject* parent = nullptr);
 
     bool automaticallyChecksForUpdates() const { return m_automaticallyChecksForUpdates; }
     void setAutomaticallyChecksForUpdates(bool enabled);
@@ -70,7 +75,7 @@ Q_SIGNALS:
 private:
     void startCheck(bool userInitiated);
 
-    UpdateFeed* m_delegate;
+    UpdateFeed m_feed;
     UpdateChecker m_checker;
     bool m_automaticallyChecksForUpdates = false;
     bool m_userInitiated = false;
@@ -80,25 +85,4 @@ private:
     QString m_hostVersion;
     QString m_hostDisplayVersion;
     QString m_systemVersion;
-};
-
-// Supplies the update feed.
-class UpdateFeed {
-public:
-    // The feed's address: the build's appcast, or LATTICA_APPCAST_URL when that is set.
-    QString feedURLString() const;
-};
-
-// The program's one update service.
-class UpdaterService : public QObject {
-    Q_OBJECT
-public:
-    static UpdaterService& shared();
-    UpdateFeed* feed() { return &m_feed; }
-    Updater* updater() { return &m_updater; }
-
-private:
-    UpdaterService();
-    UpdateFeed m_feed;
-    Updater m_updater;
 };

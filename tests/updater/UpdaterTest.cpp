@@ -4,10 +4,11 @@
 #include <QSignalSpy>
 
 #include "BuildConfig.h"
+#include "KeyboardShortcuts/ActionShortcuts.h"
 #include "app/controller/AppController.h"
 #include "app/ui/update/UpdatePresenter.h"
 #include "app/ui/update/UpdateWindow.h"
-#include "app/update/UpdaterService.h"
+#include "app/update/Updater.h"
 #include "platform/fake/FakePlatform.h"
 #include "tests/updater/AppcastFixtures.h"
 #include "tests/updater/LoopbackHttpServer.h"
@@ -17,7 +18,7 @@ using Outcome = UpdateCheckResult::Outcome;
 
 namespace {
 
-class UpdaterServiceTest : public ::testing::Test {
+class UpdaterTest : public ::testing::Test {
 protected:
     void SetUp() override {
         ASSERT_TRUE(server.isListening());
@@ -37,7 +38,7 @@ protected:
         qunsetenv("LATTICA_APPCAST_URL");
     }
 
-    static Updater* updater() { return UpdaterService::shared().updater(); }
+    Updater* updater() { return &m_updater; }
 
     void serveFeed(const QList<Release>& releases) {
         server.setRoute(QStringLiteral("/appcast.xml"), {200, AppcastFixtures::feed(releases)});
@@ -54,40 +55,42 @@ protected:
 
     FakePlatform platform;
     LoopbackHttpServer server;
-    UpdatePresenter presenter{*updater()};
+    Updater m_updater;
+    KeyboardShortcuts::ActionShortcuts shortcuts;
+    UpdatePresenter presenter{m_updater};
 };
 
-TEST_F(UpdaterServiceTest, FeedUrlIsTheBuildsAppcastUnlessTheEnvironmentOverridesIt) {
-    UpdateFeed delegate;
-    EXPECT_EQ(delegate.feedURLString(), server.url(QStringLiteral("/appcast.xml")).toString());
+TEST_F(UpdaterTest, FeedUrlIsTheBuildsAppcastUnlessTheEnvironmentOverridesIt) {
+    UpdateFeed feed;
+    EXPECT_EQ(feed.feedURLString(), server.url(QStringLiteral("/appcast.xml")).toString());
     qunsetenv("LATTICA_APPCAST_URL");
-    EXPECT_EQ(delegate.feedURLString(), QString::fromLatin1(BuildConfig::kAppcastUrl));
+    EXPECT_EQ(feed.feedURLString(), QString::fromLatin1(BuildConfig::kAppcastUrl));
 }
 
-TEST_F(UpdaterServiceTest, SharedUpdaterReadsTheFeedItsDelegateNames) {
+TEST_F(UpdaterTest, UpdaterReadsTheFeedTheEnvironmentNames) {
     EXPECT_EQ(updater()->feedURL(), server.url(QStringLiteral("/appcast.xml")));
     const QUrl elsewhere = server.url(QStringLiteral("/elsewhere.xml"));
     qputenv("LATTICA_APPCAST_URL", elsewhere.toString().toUtf8());
     EXPECT_EQ(updater()->feedURL(), elsewhere);
 }
 
-TEST_F(UpdaterServiceTest, PreferenceOffAtStartLeavesAutomaticChecksOff) {
+TEST_F(UpdaterTest, PreferenceOffAtStartLeavesAutomaticChecksOff) {
     platform.settings.setBool(QStringLiteral("autoCheckForUpdatesOnLaunch"), false);
     updater()->setAutomaticallyChecksForUpdates(true);
-    AppController appController;
+    AppController appController(shortcuts, m_updater);
     EXPECT_FALSE(appController.autoCheckForUpdatesEnabled());
     EXPECT_FALSE(updater()->automaticallyChecksForUpdates());
 }
 
-TEST_F(UpdaterServiceTest, PreferenceOnAtStartTurnsAutomaticChecksOn) {
+TEST_F(UpdaterTest, PreferenceOnAtStartTurnsAutomaticChecksOn) {
     updater()->setAutomaticallyChecksForUpdates(false);
-    AppController appController;
+    AppController appController(shortcuts, m_updater);
     EXPECT_TRUE(appController.autoCheckForUpdatesEnabled());
     EXPECT_TRUE(updater()->automaticallyChecksForUpdates());
 }
 
-TEST_F(UpdaterServiceTest, TogglingThePreferenceTakesEffectWithoutRestart) {
-    AppController appController;
+TEST_F(UpdaterTest, TogglingThePreferenceTakesEffectWithoutRestart) {
+    AppController appController(shortcuts, m_updater);
     QSignalSpy changed(updater(), &Updater::automaticallyChecksForUpdatesChanged);
     appController.setAutoCheckForUpdatesEnabled(false);
     EXPECT_FALSE(updater()->automaticallyChecksForUpdates());
@@ -106,7 +109,7 @@ struct ManualClock {
     }
 };
 
-TEST_F(UpdaterServiceTest, WhileOnAScheduledCheckRunsOnceADay) {
+TEST_F(UpdaterTest, WhileOnAScheduledCheckRunsOnceADay) {
     serveFeed({{QStringLiteral("100"), QStringLiteral("1.0.0"), {}}});
     ManualClock clock;
     updater()->setClock(clock.source());
@@ -133,12 +136,12 @@ TEST_F(UpdaterServiceTest, WhileOnAScheduledCheckRunsOnceADay) {
     EXPECT_EQ(server.requestedPaths().size(), 3);
 }
 
-TEST_F(UpdaterServiceTest, WithThePreferenceOffNoScheduledCheckRunsUntilItIsTurnedOn) {
+TEST_F(UpdaterTest, WithThePreferenceOffNoScheduledCheckRunsUntilItIsTurnedOn) {
     serveFeed({{QStringLiteral("100"), QStringLiteral("1.0.0"), {}}});
     ManualClock clock;
     updater()->setClock(clock.source());
     platform.settings.setBool(QStringLiteral("autoCheckForUpdatesOnLaunch"), false);
-    AppController appController;
+    AppController appController(shortcuts, m_updater);
     clock.now = clock.now.addDays(30);
     EXPECT_FALSE(updater()->scheduleTimer().isActive());
     EXPECT_FALSE(updater()->runScheduledCheckIfDue());
@@ -155,7 +158,7 @@ TEST_F(UpdaterServiceTest, WithThePreferenceOffNoScheduledCheckRunsUntilItIsTurn
     EXPECT_FALSE(updater()->scheduleTimer().isActive());
 }
 
-TEST_F(UpdaterServiceTest, TheScheduleTimerStartsTheCheckThatIsDue) {
+TEST_F(UpdaterTest, TheScheduleTimerStartsTheCheckThatIsDue) {
     serveFeed({{QStringLiteral("100"), QStringLiteral("1.0.0"), {}}});
     ManualClock clock;
     updater()->setClock(clock.source());
@@ -174,7 +177,7 @@ TEST_F(UpdaterServiceTest, TheScheduleTimerStartsTheCheckThatIsDue) {
     EXPECT_EQ(server.requestedPaths().size(), 2);
 }
 
-TEST_F(UpdaterServiceTest, BackgroundCheckWithoutNewerVersionShowsNothing) {
+TEST_F(UpdaterTest, BackgroundCheckWithoutNewerVersionShowsNothing) {
     serveFeed({{QStringLiteral("100"), QStringLiteral("1.0.0"), {}}});
     QSignalSpy finished(updater(), &Updater::checkFinished);
     updater()->checkForUpdatesInBackground();
@@ -183,7 +186,7 @@ TEST_F(UpdaterServiceTest, BackgroundCheckWithoutNewerVersionShowsNothing) {
     EXPECT_FALSE(windowVisible());
 }
 
-TEST_F(UpdaterServiceTest, BackgroundCheckThatFailsShowsNothing) {
+TEST_F(UpdaterTest, BackgroundCheckThatFailsShowsNothing) {
     QSignalSpy finished(updater(), &Updater::checkFinished);
     server.setRoute(QStringLiteral("/appcast.xml"), {404, QByteArray("gone"), "text/plain"});
     updater()->checkForUpdatesInBackground();
@@ -192,7 +195,7 @@ TEST_F(UpdaterServiceTest, BackgroundCheckThatFailsShowsNothing) {
     EXPECT_FALSE(windowVisible());
 }
 
-TEST_F(UpdaterServiceTest, BackgroundCheckWithNewerVersionShowsTheUpdate) {
+TEST_F(UpdaterTest, BackgroundCheckWithNewerVersionShowsTheUpdate) {
     serveFeed({{QStringLiteral("101"), QStringLiteral("1.0.1"), {}}});
     QSignalSpy finished(updater(), &Updater::checkFinished);
     updater()->checkForUpdatesInBackground();
@@ -206,7 +209,7 @@ TEST_F(UpdaterServiceTest, BackgroundCheckWithNewerVersionShowsTheUpdate) {
     EXPECT_EQ(window->releaseNotesText(), QStringLiteral("Notes for 101"));
 }
 
-TEST_F(UpdaterServiceTest, UserCheckShowsProgressThenUpToDate) {
+TEST_F(UpdaterTest, UserCheckShowsProgressThenUpToDate) {
     server.setRoute(QStringLiteral("/appcast.xml"), {200, AppcastFixtures::feed({{QStringLiteral("99"), {}, {}}})});
     QSignalSpy finished(updater(), &Updater::checkFinished);
     updater()->checkForUpdates();
@@ -221,7 +224,7 @@ TEST_F(UpdaterServiceTest, UserCheckShowsProgressThenUpToDate) {
     EXPECT_TRUE(window->isVisible());
 }
 
-TEST_F(UpdaterServiceTest, UserCheckShowsTheErrorOfA404) {
+TEST_F(UpdaterTest, UserCheckShowsTheErrorOfA404) {
     QSignalSpy finished(updater(), &Updater::checkFinished);
     server.setRoute(QStringLiteral("/appcast.xml"), {404, QByteArray("gone"), "text/plain"});
     updater()->checkForUpdates();
@@ -233,7 +236,7 @@ TEST_F(UpdaterServiceTest, UserCheckShowsTheErrorOfA404) {
               QStringLiteral("The update server answered with HTTP status 404."));
 }
 
-TEST_F(UpdaterServiceTest, UserCheckOfAServerThatNeverAnswersEndsInAnError) {
+TEST_F(UpdaterTest, UserCheckOfAServerThatNeverAnswersEndsInAnError) {
     updater()->setCheckTimeout(std::chrono::milliseconds(200));
     server.setRoute(QStringLiteral("/appcast.xml"), {200, {}, {}, true});
     QSignalSpy finished(updater(), &Updater::checkFinished);
@@ -244,7 +247,7 @@ TEST_F(UpdaterServiceTest, UserCheckOfAServerThatNeverAnswersEndsInAnError) {
     EXPECT_TRUE(presenter.updateWindow()->messageText().contains(QStringLiteral("did not answer")));
 }
 
-TEST_F(UpdaterServiceTest, DownloadButtonOpensTheReleasesDownload) {
+TEST_F(UpdaterTest, DownloadButtonOpensTheReleasesDownload) {
     serveFeed({{QStringLiteral("120"), QStringLiteral("1.2.0"), {}}});
     QSignalSpy finished(updater(), &Updater::checkFinished);
     updater()->checkForUpdates();
@@ -259,7 +262,7 @@ TEST_F(UpdaterServiceTest, DownloadButtonOpensTheReleasesDownload) {
     EXPECT_FALSE(window->isVisible());
 }
 
-TEST_F(UpdaterServiceTest, RemindMeLaterClosesWithoutOpeningAnything) {
+TEST_F(UpdaterTest, RemindMeLaterClosesWithoutOpeningAnything) {
     serveFeed({{QStringLiteral("120"), QStringLiteral("1.2.0"), {}}});
     QSignalSpy finished(updater(), &Updater::checkFinished);
     updater()->checkForUpdates();
@@ -271,7 +274,7 @@ TEST_F(UpdaterServiceTest, RemindMeLaterClosesWithoutOpeningAnything) {
     EXPECT_FALSE(window->isVisible());
 }
 
-TEST_F(UpdaterServiceTest, UserCheckOfAnUnusableFeedAddressShowsWhy) {
+TEST_F(UpdaterTest, UserCheckOfAnUnusableFeedAddressShowsWhy) {
     qputenv("LATTICA_APPCAST_URL", QByteArrayLiteral("http://updates.example.test/appcast.xml"));
     QSignalSpy finished(updater(), &Updater::checkFinished);
     updater()->checkForUpdates();
@@ -282,11 +285,11 @@ TEST_F(UpdaterServiceTest, UserCheckOfAnUnusableFeedAddressShowsWhy) {
     EXPECT_TRUE(server.requestedPaths().isEmpty());
 }
 
-TEST_F(UpdaterServiceTest, RunningSystemVersionIsKnown) {
+TEST_F(UpdaterTest, RunningSystemVersionIsKnown) {
     EXPECT_FALSE(Updater::runningSystemVersion().isEmpty());
 }
 
-TEST_F(UpdaterServiceTest, CancellingTheProgressStopsTheCheck) {
+TEST_F(UpdaterTest, CancellingTheProgressStopsTheCheck) {
     server.setRoute(QStringLiteral("/appcast.xml"), {200, {}, {}, true});
     updater()->checkForUpdates();
     ASSERT_TRUE(updater()->sessionInProgress());
@@ -295,7 +298,7 @@ TEST_F(UpdaterServiceTest, CancellingTheProgressStopsTheCheck) {
     EXPECT_FALSE(windowVisible());
 }
 
-TEST_F(UpdaterServiceTest, UserCheckDuringABackgroundCheckReportsItsResult) {
+TEST_F(UpdaterTest, UserCheckDuringABackgroundCheckReportsItsResult) {
     serveFeed({{QStringLiteral("100"), {}, {}}});
     QSignalSpy finished(updater(), &Updater::checkFinished);
     updater()->checkForUpdatesInBackground();
@@ -311,7 +314,7 @@ TEST_F(UpdaterServiceTest, UserCheckDuringABackgroundCheckReportsItsResult) {
 namespace {
 
 // The found-update window with notes and buttons, kept as an image when LATTICA_SCREENSHOT_DIR is set.
-TEST_F(UpdaterServiceTest, FoundUpdateWindowShowsNotesAndBothButtons) {
+TEST_F(UpdaterTest, FoundUpdateWindowShowsNotesAndBothButtons) {
     QByteArray feed = AppcastFixtures::feed({{QStringLiteral("130"), QStringLiteral("1.3.0"), {}}});
     feed.replace("<![CDATA[<p>Notes for 130</p>]]>",
                  "<![CDATA[<h3>What's new</h3><ul><li>Shortcuts for every display</li>"
