@@ -6,6 +6,7 @@
 
 #include "KeyboardShortcuts/ActionShortcuts.h"
 #include "app/controller/AppController.h"
+#include "app/update/Updater.h"
 #include "app/displays/ScreenSnapshotService.h"
 #include "platform/WindowControl.h"
 #include "platform/x11/X11Platform.h"
@@ -88,7 +89,8 @@ TEST_F(PerDisplayShortcutDesktopTest, ReleasingADisplaysShortcutMovesTheFocusedW
     xdotool({QStringLiteral("windowactivate"), QStringLiteral("--sync"), QString::number(window)});
     ASSERT_TRUE(displays.at(0).bounds.contains(frame(window).center()));
 
-    AppController controller(*m_shortcuts);
+    Updater updater;
+    AppController controller(*m_shortcuts, updater);
     const Name name(AppController::shortcutNameRawValue(target.persistentID));
     m_shortcuts->setShortcut(Shortcut(kTwoKeyCode, kControlOption), name);
 

@@ -4,6 +4,7 @@
 
 #include "KeyboardShortcuts/ActionShortcuts.h"
 #include "app/controller/AppController.h"
+#include "app/update/Updater.h"
 #include "platform/fake/FakePlatform.h"
 #include "tests/support/VirtualDesktop.h"
 
@@ -40,16 +41,17 @@ protected:
 
     FakePlatform platform;
     KeyboardShortcuts::ActionShortcuts shortcuts;
+    Updater updater;
 };
 
 TEST_F(ShortcutDisplayHandlersTest, FirstRunWithTwoDisplaysInstallsTwoHandlers) {
-    AppController controller(shortcuts);
+    AppController controller(shortcuts, updater);
     EXPECT_EQ(platform.hotKeys.registrations().size(), 2);
     EXPECT_EQ(controller.registeredShortcutDisplayIDs().size(), 2);
 }
 
 TEST_F(ShortcutDisplayHandlersTest, RebuildingAgainInstallsNoSecondHandler) {
-    AppController controller(shortcuts);
+    AppController controller(shortcuts, updater);
     controller.refreshShortcutDisplays();
     controller.refreshShortcutDisplays();
     int moves = 0;
@@ -61,7 +63,7 @@ TEST_F(ShortcutDisplayHandlersTest, RebuildingAgainInstallsNoSecondHandler) {
 }
 
 TEST_F(ShortcutDisplayHandlersTest, MoveHappensOnReleaseNotOnPress) {
-    AppController controller(shortcuts);
+    AppController controller(shortcuts, updater);
     platform.hotKeys.press(19, kControlOption);
     QCoreApplication::processEvents();
     EXPECT_TRUE(controller.statusMessage().isEmpty());
@@ -73,7 +75,7 @@ TEST_F(ShortcutDisplayHandlersTest, MoveHappensOnReleaseNotOnPress) {
 }
 
 TEST_F(ShortcutDisplayHandlersTest, UnpluggedDisplaysShortcutSaysItIsNotConnected) {
-    AppController controller(shortcuts);
+    AppController controller(shortcuts, updater);
     platform.monitors.changeMonitors({display(5, QStringLiteral("Main"), 1)});
     QCoreApplication::processEvents();
     ASSERT_EQ(controller.disconnectedShortcutDisplays().size(), 1);
@@ -82,7 +84,7 @@ TEST_F(ShortcutDisplayHandlersTest, UnpluggedDisplaysShortcutSaysItIsNotConnecte
 }
 
 TEST_F(ShortcutDisplayHandlersTest, DeletingADisconnectedDisplayForgetsItsKeyCombination) {
-    AppController controller(shortcuts);
+    AppController controller(shortcuts, updater);
     platform.monitors.changeMonitors({display(5, QStringLiteral("Main"), 1)});
     QCoreApplication::processEvents();
     controller.deleteDisconnectedShortcutDisplay(QStringLiteral("v16-m32-s2"));
@@ -96,8 +98,8 @@ TEST_F(ShortcutDisplayHandlersTest, DeletingADisconnectedDisplayForgetsItsKeyCom
 }
 
 TEST_F(ShortcutDisplayHandlersTest, HandlerOfADestroyedControllerDoesNothing) {
-    { AppController gone(shortcuts); }
-    AppController controller(shortcuts);
+    { AppController gone(shortcuts, updater); }
+    AppController controller(shortcuts, updater);
     int messages = 0;
     QObject::connect(&controller, &AppController::statusMessageChanged, [&] { ++messages; });
     tap(18);
