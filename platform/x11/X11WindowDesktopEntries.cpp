@@ -1,5 +1,6 @@
 #include "platform/x11/X11WindowDesktopEntries.h"
 
+#include <QBuffer>
 #include <QDirIterator>
 #include <QElapsedTimer>
 #include <QFile>
@@ -21,20 +22,15 @@ qint64 monotonicMilliseconds() {
     return clock.elapsed();
 }
 
-struct ParsedEntry {
-    QString name;
-    QString icon;
-    QString wmClass;
-    bool application = true;
-};
+}  // namespace
 
-ParsedEntry parse(const QString& path) {
-    ParsedEntry entry;
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Text)) {
-        return entry;
-    }
-    const QString locale = QLocale::system().name();  // e.g. "de_DE"
+X11WindowDesktopEntries::ParsedFile X11WindowDesktopEntries::parseFile(const QByteArray& contents,
+                                                                       const QString& locale) {
+    ParsedFile entry;
+    // Read as a text file is: line by line, carriage returns dropped.
+    QBuffer file;
+    file.setData(contents);
+    file.open(QIODevice::ReadOnly | QIODevice::Text);
     const QString language = locale.section(QLatin1Char('_'), 0, 0);
     QString localizedName;
     QString languageName;
@@ -74,6 +70,16 @@ ParsedEntry parse(const QString& path) {
         entry.name = languageName;
     }
     return entry;
+}
+
+namespace {
+
+X11WindowDesktopEntries::ParsedFile parseFileAt(const QString& path) {
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        return {};
+    }
+    return X11WindowDesktopEntries::parseFile(file.readAll(), QLocale::system().name());
 }
 
 }  // namespace
@@ -125,7 +131,7 @@ void X11WindowDesktopEntries::load() {
         QDirIterator it(directory, {QStringLiteral("*.desktop")}, QDir::Files, QDirIterator::Subdirectories);
         while (it.hasNext()) {
             const QString path = it.next();
-            const ParsedEntry parsed = parse(path);
+            const ParsedFile parsed = parseFileAt(path);
             if (!parsed.application || parsed.name.isEmpty()) {
                 continue;
             }

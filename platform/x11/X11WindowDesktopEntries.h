@@ -19,6 +19,16 @@ public:
         QString id;    // the desktop file id: its path below the directory, '/' as '-', without ".desktop"
     };
 
+    // What one desktop file says in its [Desktop Entry] group; the name is the one for the locale
+    // ("de_DE") when the file has it.
+    struct ParsedFile {
+        QString name;
+        QString icon;
+        QString wmClass;
+        bool application = true;
+    };
+    static ParsedFile parseFile(const QByteArray& contents, const QString& locale);
+
     // The data directories to search, most important first; empty means the XDG defaults.
     explicit X11WindowDesktopEntries(QStringList dataDirectories = {});
 

@@ -85,25 +85,14 @@ void FileSettingsStore::load() {
         keepDamagedFile(file.errorString());
         return;
     }
-    QJsonParseError error;
-    const QJsonDocument document = QJsonDocument::fromJson(file.readAll(), &error);
+    const Decoded decoded = decode(file.readAll());
     file.close();
-    if (error.error != QJsonParseError::NoError || !document.isObject()) {
-        keepDamagedFile(error.error != QJsonParseError::NoError ? error.errorString()
-                                                                : QStringLiteral("not a JSON object"));
+    if (!decoded.error.isEmpty()) {
+        keepDamagedFile(decoded.error);
         return;
     }
-    const QJsonObject object = document.object();
-    bool damaged = false;
-    for (auto it = object.begin(); it != object.end(); ++it) {
-        const std::optional<SettingValue> value = decodeValue(it.value());
-        if (value) {
-            m_values.insert(it.key(), *value);
-        } else {
-            damaged = true;
-        }
-    }
-    if (damaged) {
+    m_values = decoded.values;
+    if (decoded.partlyDamaged) {
         // Keep a copy of what could not be read before the next write drops it.
         const QString copy = m_path + QStringLiteral(".corrupt-") +
                              QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-hhmmss"));
@@ -111,6 +100,35 @@ void FileSettingsStore::load() {
         std::fprintf(stderr, "Lattica: some preferences in %s could not be read; a copy is kept at %s\n",
                      qPrintable(m_path), qPrintable(copy));
     }
+}
+
+FileSettingsStore::Decoded FileSettingsStore::decode(const QByteArray& contents) {
+    Decoded decoded;
+    QJsonParseError error;
+    const QJsonDocument document = QJsonDocument::fromJson(contents, &error);
+    if (error.error != QJsonParseError::NoError || !document.isObject()) {
+        decoded.error =
+            error.error != QJsonParseError::NoError ? error.errorString() : QStringLiteral("not a JSON object");
+        return decoded;
+    }
+    const QJsonObject object = document.object();
+    for (auto it = object.begin(); it != object.end(); ++it) {
+        const std::optional<SettingValue> value = decodeValue(it.value());
+        if (value) {
+            decoded.values.insert(it.key(), *value);
+        } else {
+            decoded.partlyDamaged = true;
+        }
+    }
+    return decoded;
+}
+
+QByteArray FileSettingsStore::encode(const QMap<QString, SettingValue>& values) {
+    QJsonObject object;
+    for (auto it = values.cbegin(); it != values.cend(); ++it) {
+        object.insert(it.key(), encodeValue(it.value()));
+    }
+    return QJsonDocument(object).toJson(QJsonDocument::Indented);
 }
 
 void FileSettingsStore::keepDamagedFile(const QString& reason) {
@@ -127,14 +145,9 @@ void FileSettingsStore::save() {
     if (m_path.isEmpty()) {
         return;
     }
-    QJsonObject object;
-    for (auto it = m_values.cbegin(); it != m_values.cend(); ++it) {
-        object.insert(it.key(), encodeValue(it.value()));
-    }
     QDir().mkpath(QFileInfo(m_path).absolutePath());
     QSaveFile file(m_path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(QJsonDocument(object).toJson(QJsonDocument::Indented)) < 0 ||
-        !file.commit()) {
+    if (!file.open(QIODevice::WriteOnly) || file.write(encode(m_values)) < 0 || !file.commit()) {
         std::fprintf(stderr, "Lattica: cannot write the preferences to %s: %s\n", qPrintable(m_path),
                      qPrintable(file.errorString()));
     }

@@ -18,6 +18,16 @@ public:
     static QString standardPath();
     const QString& path() const { return m_path; }
 
+    // What the bytes of a preferences file hold.
+    struct Decoded {
+        QMap<QString, SettingValue> values;  // every value that could be read
+        QString error;                       // why nothing could be read; empty when the file is an object
+        bool partlyDamaged = false;          // some values could not be read and are left out
+    };
+    static Decoded decode(const QByteArray& contents);
+    // The file's bytes for the values, which decode() reads back as the same values.
+    static QByteArray encode(const QMap<QString, SettingValue>& values);
+
     std::optional<SettingValue> value(const QString& key) const override;
     void setValue(const QString& key, const SettingValue& value) override;
     void remove(const QString& key) override;

@@ -148,6 +148,21 @@ TEST(X11WindowOwnersTest, AClientTheServerCannotNameIsOwnedByItsConnection) {
     EXPECT_EQ(first, sameClient);
     EXPECT_NE(first, otherClient);
     EXPECT_FALSE(X11WindowOwners::processStartTime(*first).has_value());
+TEST(X11DesktopFileTest, ParsesTheMainGroupFromBytesInTheGivenLocale) {
+    const QByteArray contents =
+        "[Other]\nName=Wrong\n"
+        "[Desktop Entry]\r\n# Name=Comment\r\nName = Viewer \r\nName[de]=Betrachter\r\n"
+        "Icon=/usr/share/icons/viewer.png\r\nStartupWMClass=org.example.Viewer\r\nType=Application\r\n"
+        "[Desktop Action new]\nName=New Window\nIcon=other\n";
+    const X11WindowDesktopEntries::ParsedFile german =
+        X11WindowDesktopEntries::parseFile(contents, QStringLiteral("de_AT"));
+    EXPECT_EQ(german.name, QStringLiteral("Betrachter"));
+    EXPECT_EQ(german.icon, QStringLiteral("/usr/share/icons/viewer.png"));
+    EXPECT_EQ(german.wmClass, QStringLiteral("org.example.Viewer"));
+    EXPECT_TRUE(german.application);
+    EXPECT_EQ(X11WindowDesktopEntries::parseFile(contents, QStringLiteral("fr_FR")).name, QStringLiteral("Viewer"));
+    EXPECT_FALSE(
+        X11WindowDesktopEntries::parseFile("[Desktop Entry]\nType=Link\nName=Home\n", QStringLiteral("C")).application);
 }
 
 }  // namespace

@@ -247,4 +247,32 @@ TEST_F(FileSettingsStoreTest, TypedReadsCoerceAsThePreferencesExpect) {
     EXPECT_EQ(store.dataValue(QStringLiteral("seven")), std::nullopt);
 }
 
+TEST(FileSettingsStoreDecodeTest, ReadsEveryTypeAndWritesItBackUnchanged) {
+    const FileSettingsStore::Decoded decoded = FileSettingsStore::decode(
+        R"({"flag":{"bool":true},"count":{"integer":-7},"name":{"string":"Zo\u00eb"},"blob":{"data":"AAFbXQ=="}})");
+    EXPECT_TRUE(decoded.error.isEmpty());
+    EXPECT_FALSE(decoded.partlyDamaged);
+    const QMap<QString, SettingValue> expected{{QStringLiteral("flag"), SettingValue(true)},
+                                               {QStringLiteral("count"), SettingValue(qint64(-7))},
+                                               {QStringLiteral("name"), SettingValue(QStringLiteral("Zoë"))},
+                                               {QStringLiteral("blob"), SettingValue(QByteArray("\x00\x01[]", 4))}};
+    EXPECT_EQ(decoded.values, expected);
+    const FileSettingsStore::Decoded again = FileSettingsStore::decode(FileSettingsStore::encode(decoded.values));
+    EXPECT_TRUE(again.error.isEmpty());
+    EXPECT_EQ(again.values, expected);
+}
+
+TEST(FileSettingsStoreDecodeTest, TellsAnUnreadableFileFromOneWithSomeBadValues) {
+    EXPECT_EQ(FileSettingsStore::decode("[]").error, QStringLiteral("not a JSON object"));
+    const FileSettingsStore::Decoded truncated = FileSettingsStore::decode(R"({"a":{"bool":tr)");
+    EXPECT_FALSE(truncated.error.isEmpty());
+    EXPECT_TRUE(truncated.values.isEmpty());
+
+    const FileSettingsStore::Decoded partly =
+        FileSettingsStore::decode(R"({"bad":{"bool":1},"fraction":{"integer":1.5},"good":{"bool":false}})");
+    EXPECT_TRUE(partly.error.isEmpty());
+    EXPECT_TRUE(partly.partlyDamaged);
+    EXPECT_EQ(partly.values, (QMap<QString, SettingValue>{{QStringLiteral("good"), SettingValue(false)}}));
+}
+
 }  // namespace
