@@ -21,9 +21,6 @@ std::optional<Shortcut> Shortcut::fromEvent(const InputEvent& event) {
     return Shortcut(*event.keyCode(), carbon(flags));
 }
 
-
-}
-
 QString Shortcut::presentableDescription() const {
     QStringList parts = modifierNames(modifiers());
     if (const std::optional<SpecialKey> special = specialKey(key())) {

@@ -148,6 +148,8 @@ TEST(X11WindowOwnersTest, AClientTheServerCannotNameIsOwnedByItsConnection) {
     EXPECT_EQ(first, sameClient);
     EXPECT_NE(first, otherClient);
     EXPECT_FALSE(X11WindowOwners::processStartTime(*first).has_value());
+}
+
 TEST(X11DesktopFileTest, ParsesTheMainGroupFromBytesInTheGivenLocale) {
     const QByteArray contents =
         "[Other]\nName=Wrong\n"
