@@ -10,7 +10,7 @@ PACKAGES=(
   libxcb-res0-dev libxcb-keysyms1-dev libxcb-icccm4-dev libxcb-ewmh-dev libxkbcommon-x11-dev libxkbcommon-dev
   libgtest-dev libgmock-dev libbenchmark-dev
   xvfb x11-xserver-utils x11-utils x11-apps xdotool wmctrl openbox icewm trayer imagemagick
-  x11-xkb-utils xauth dbus-x11 fonts-dejavu-core
+  x11-xkb-utils xauth dbus-x11 dbus-daemon fonts-dejavu-core
 )
 
 missing=()
