@@ -31,10 +31,8 @@ bool isManaged(const QString& window) {
     return list.contains(hex);
 }
 
-TEST(ProgramWithoutTrayHost, SaysSoAndShowsThePanelAsAnOrdinaryWindow) {
-    QTemporaryDir config;
-    ASSERT_TRUE(config.isValid());
-    QProcess lattica;
+// Starts the program with a configuration of its own and no update check over the network.
+void startLattica(QProcess& lattica, const QTemporaryDir& config) {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(QStringLiteral("XDG_CONFIG_HOME"), config.path());
     // A closed port on this machine: the update check at launch ends at once, without the network.
@@ -42,6 +40,13 @@ TEST(ProgramWithoutTrayHost, SaysSoAndShowsThePanelAsAnOrdinaryWindow) {
     lattica.setProcessEnvironment(environment);
     lattica.setProcessChannelMode(QProcess::SeparateChannels);
     lattica.start(QStringLiteral(LATTICA_BINARY), {});
+}
+
+TEST(ProgramWithoutTrayHost, SaysSoAndShowsThePanelAsAnOrdinaryWindow) {
+    QTemporaryDir config;
+    ASSERT_TRUE(config.isValid());
+    QProcess lattica;
+    startLattica(lattica, config);
     ASSERT_TRUE(lattica.waitForStarted(5000));
 
     QByteArray output;
@@ -65,16 +70,6 @@ TEST(ProgramWithoutTrayHost, SaysSoAndShowsThePanelAsAnOrdinaryWindow) {
     lattica.terminate();
     ASSERT_TRUE(lattica.waitForFinished(10000));
     EXPECT_EQ(lattica.exitCode(), 0);
-}
-
-// Starts the program with a configuration of its own and no update check over the network.
-void startLattica(QProcess& lattica, const QTemporaryDir& config) {
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("XDG_CONFIG_HOME"), config.path());
-    environment.insert(QStringLiteral("LATTICA_APPCAST_URL"), QStringLiteral("http://127.0.0.1:9/appcast.xml"));
-    lattica.setProcessEnvironment(environment);
-    lattica.setProcessChannelMode(QProcess::SeparateChannels);
-    lattica.start(QStringLiteral(LATTICA_BINARY), {});
 }
 
 // Whether the tray host holds one of the program's windows (its icon) somewhere below its own window.
