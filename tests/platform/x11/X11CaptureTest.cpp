@@ -1,0 +1,139 @@
+// Display pictures of a real desktop, through shared memory and through GetImage.
+#include <xcb/xcb.h>
+
+#include <QColor>
+#include <cstdlib>
+
+#include "platform/Monitors.h"
+#include "platform/Platform.h"
+#include "platform/x11/X11Capture.h"
+#include "platform/x11/X11Connection.h"
+#include "tests/support/VirtualDesktop.h"
+#include "tests/platform/x11/X11DesktopFixture.h"
+
+namespace {
+
+class X11CaptureTest : public X11DesktopFixture {
+protected:
+    // The display whose bounds are the monitor's, in the global space.
+    std::optional<MonitorId> displayFor(const QRect& monitor) {
+        for (const Monitor& candidate : Platform::services().monitors->monitors()) {
+            if (candidate.bounds == QRectF(monitor)) {
+                return candidate.id;
+            }
+        }
+        return std::nullopt;
+    }
+    // The client area of a window in root coordinates.
+    QRect clientRect(quint32 window) {
+        xcb_translate_coordinates_reply_t* position = xcb_translate_coordinates_reply(
+            xcb(), xcb_translate_coordinates(xcb(), window, platform->connection().root(), 0, 0), nullptr);
+        xcb_get_geometry_reply_t* geometry = xcb_get_geometry_reply(xcb(), xcb_get_geometry(xcb(), window), nullptr);
+        QRect rect;
+        if (position != nullptr && geometry != nullptr) {
+            rect = QRect(position->dst_x, position->dst_y, geometry->width, geometry->height);
+        }
+        std::free(position);
+        std::free(geometry);
+        return rect;
+    }
+};
+
+TEST_F(X11CaptureTest, KnownColourIsFoundAtTheWindowsPixelsOnTheRightMonitor) {
+    const QColor colour(0xff, 0x20, 0x40);
+    const quint32 window =
+        client.open(QStringLiteral("red"), placement(1, 300, 200, 400, 300) + QStringLiteral(" color=#ff2040"));
+    ASSERT_NE(window, 0u);
+    const QRect monitor = monitors().value(1);
+    const auto display = displayFor(monitor);
+    ASSERT_TRUE(display.has_value());
+    const QRect clientArea = clientRect(window).translated(-globalOrigin - monitor.topLeft());
+    ASSERT_FALSE(clientArea.isEmpty());
+    QImage image;
+    // The server paints the background when the window is exposed; look until it has.
+    EXPECT_TRUE(VirtualDesktop::waitUntil([&] {
+        image = Platform::services().monitors->capture(*display);
+        return !image.isNull() && QColor(image.pixel(clientArea.center())) == colour;
+    }));
+    ASSERT_FALSE(image.isNull());
+    EXPECT_EQ(image.size(), monitor.size());
+    for (const QPoint corner :
+         {clientArea.topLeft(), clientArea.bottomRight(), clientArea.topRight(), clientArea.bottomLeft()}) {
+        EXPECT_EQ(QColor(image.pixel(corner)), colour);
+    }
+    EXPECT_NE(QColor(image.pixel(clientArea.topLeft() - QPoint(1, 1))), colour);
+    // The same spot on the first monitor shows something else.
+    const auto first = displayFor(monitors().value(0));
+    ASSERT_TRUE(first.has_value());
+    const QImage other = Platform::services().monitors->capture(*first);
+    ASSERT_FALSE(other.isNull());
+    EXPECT_NE(QColor(other.pixel(clientArea.center())), colour);
+}
+
+TEST_F(X11CaptureTest, SharedMemoryAndGetImageGiveTheSamePicture) {
+    ASSERT_NE(client.open(QStringLiteral("a"), placement(1, 100, 100, 500, 400) + QStringLiteral(" color=#12ab34")),
+              0u);
+    ASSERT_NE(client.open(QStringLiteral("b"), placement(1, 400, 300, 600, 300) + QStringLiteral(" color=#3412ab")),
+              0u);
+    X11Capture capture(platform->connection().displayName());
+    ASSERT_TRUE(capture.hasSharedMemory());
+    const QRect rect = VirtualDesktop::layout().value(1);
+    // Compare once the screen stands still, so both methods see the same picture.
+    QImage shared;
+    QImage plain;
+    EXPECT_TRUE(VirtualDesktop::waitUntil([&] {
+        const QImage before = capture.capture(rect, X11Capture::Method::GetImage);
+        shared = capture.capture(rect, X11Capture::Method::SharedMemory);
+        plain = capture.capture(rect, X11Capture::Method::GetImage);
+        return !plain.isNull() && before == plain;
+    }));
+    ASSERT_FALSE(shared.isNull());
+    ASSERT_FALSE(plain.isNull());
+    EXPECT_EQ(shared.size(), rect.size());
+    EXPECT_EQ(shared.format(), plain.format());
+    EXPECT_TRUE(shared == plain);
+}
+
+TEST_F(X11CaptureTest, PicturesOutliveTheCaptureAndItsSegments) {
+    ASSERT_NE(client.open(QStringLiteral("a"), placement(0, 100, 100, 300, 200) + QStringLiteral(" color=#00ff00")),
+              0u);
+    const QRect rect = VirtualDesktop::layout().value(0);
+    QList<QImage> images;
+    QImage reference;
+    {
+        X11Capture capture(platform->connection().displayName());
+        // The window manager draws its decorations a moment after the window appears: wait for a still screen.
+        QImage previous;
+        ASSERT_TRUE(VirtualDesktop::waitUntil([&] {
+            reference = capture.capture(rect, X11Capture::Method::GetImage);
+            const bool still = !reference.isNull() && reference == previous;
+            previous = reference;
+            return still;
+        }));
+        for (int i = 0; i < 6; ++i) {
+            images.append(capture.capture(rect, X11Capture::Method::SharedMemory));
+        }
+    }
+    for (const QImage& image : images) {
+        ASSERT_FALSE(image.isNull());
+        EXPECT_TRUE(image == reference);
+    }
+}
+
+TEST_F(X11CaptureTest, NothingToCaptureGivesANullPicture) {
+    X11Capture capture(platform->connection().displayName());
+    EXPECT_TRUE(capture.capture(QRect()).isNull());
+    EXPECT_TRUE(capture.capture(QRect(-5000, -5000, 100, 100)).isNull());
+    EXPECT_TRUE(Platform::services().monitors->capture(0xdeadbeef).isNull());
+    // A rectangle partly off the screen is cut to what exists.
+    const QImage cut = capture.capture(QRect(-50, -50, 100, 100));
+    EXPECT_EQ(cut.size(), QSize(50, 50));
+}
+
+TEST_F(X11CaptureTest, NoServerGivesANullPicture) {
+    X11Capture capture(QByteArrayLiteral(":4321"));
+    EXPECT_FALSE(capture.hasSharedMemory());
+    EXPECT_TRUE(capture.capture(QRect(0, 0, 100, 100)).isNull());
+}
+
+}  // namespace
