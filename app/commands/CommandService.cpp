@@ -4,7 +4,7 @@
 #include <QJsonObject>
 
 #include "app/commands/MonitorTargets.h"
-#include "app/controller/Preferences.h"
+#include "app/model/Preferences.h"
 #include "app/displays/ScreenSnapshotService.h"
 #include "app/mover/WindowMoveStatus.h"
 #include "app/mover/WindowMover.h"

@@ -22,7 +22,8 @@ AppController::AppController(KeyboardShortcuts::ActionShortcuts* shortcuts, Upda
       m_shortcuts(shortcuts == nullptr ? *m_ownShortcuts : *shortcuts),
       m_ownUpdater(updater == nullptr ? std::make_unique<Updater>() : nullptr),
       m_updater(updater == nullptr ? *m_ownUpdater : *updater),
-      m_preferences(*Platform::services().settings) {
+      m_preferences(*Platform::services().settings),
+      m_displayShortcuts(m_preferences, m_shortcuts) {
     const PlatformServices& platform = Platform::services();
 
     // 1. Both permission answers, screen recording first.
@@ -48,7 +49,8 @@ AppController::AppController(KeyboardShortcuts::ActionShortcuts* shortcuts, Upda
     m_updater.setAutomaticallyChecksForUpdates(m_autoCheckForUpdatesEnabled);
 
     // 8.-9. The remembered displays, their lists and their hot-key handlers.
-    m_shortcutDisplayRecords = loadShortcutDisplayRecords();
+    m_displayShortcuts.load();
+    connect(&m_displayShortcuts, &DisplayShortcuts::moveRequested, this, &AppController::moveFocusedWindow);
     refreshShortcutDisplays();
 
     // 10. A display configuration change rebuilds only the shortcut lists.

@@ -9,8 +9,9 @@
 #include <QUuid>
 #include <memory>
 
-#include "app/controller/Preferences.h"
+#include "app/displayshortcuts/DisplayShortcuts.h"
 #include "app/model/Models.h"
+#include "app/model/Preferences.h"
 
 namespace KeyboardShortcuts {
 class ActionShortcuts;
@@ -103,8 +104,8 @@ public:
 
     // Visible for tests.
     QUuid previewLoadID() const { return m_previewLoadID; }
-    const QList<ShortcutDisplayRecord>& shortcutDisplayRecords() const { return m_shortcutDisplayRecords; }
-    const QSet<QString>& registeredShortcutDisplayIDs() const { return m_registeredShortcutDisplayIDs; }
+    const QList<ShortcutDisplayRecord>& shortcutDisplayRecords() const { return m_displayShortcuts.records(); }
+    const QSet<QString>& registeredShortcutDisplayIDs() const { return m_displayShortcuts.registeredIDs(); }
 
 Q_SIGNALS:
     void objectWillChange();
@@ -138,10 +139,6 @@ private:
     void setIsLoadingPreviews(bool loading);
     void applyCapturedSnapshots(const QList<DisplaySnapshot>& snapshots, const QUuid& token);
 
-    QList<ShortcutDisplayRecord> loadShortcutDisplayRecords() const;
-    void saveShortcutDisplayRecords();
-    void registerShortcutHandlersIfNeeded();
-
     // Published properties.
     PermissionState m_permissionState;
     QList<DisplaySnapshot> m_displays;
@@ -160,8 +157,7 @@ private:
     std::unique_ptr<Updater> m_ownUpdater;
     Updater& m_updater;
     Preferences m_preferences;
+    DisplayShortcuts m_displayShortcuts;
     QUuid m_previewLoadID;
-    QList<ShortcutDisplayRecord> m_shortcutDisplayRecords;
-    QSet<QString> m_registeredShortcutDisplayIDs;
     QMetaObject::Connection m_monitorsObserver;
 };

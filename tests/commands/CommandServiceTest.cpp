@@ -4,7 +4,7 @@
 #include <QJsonObject>
 
 #include "app/commands/CommandService.h"
-#include "app/controller/Preferences.h"
+#include "app/model/Preferences.h"
 #include "platform/fake/FakePlatform.h"
 
 namespace {

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "app/controller/Preferences.h"
+#include "app/model/Preferences.h"
 #include "platform/fake/FakeSettingsStore.h"
 
 namespace {

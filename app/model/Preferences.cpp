@@ -1,4 +1,4 @@
-#include "app/controller/Preferences.h"
+#include "app/model/Preferences.h"
 
 #include "platform/SettingsStore.h"
 
