@@ -147,10 +147,13 @@ TEST_F(SettingsDesktopTest, SettingsWindowHostsTheViewAtItsSizeAndIsReused) {
     // What the X server shows in the window once it has been painted: the sidebar's colour at its foot.
     QImage shown;
     const QRgb sidebarColour = settings->palette().color(QPalette::Base).rgb();
-    EXPECT_TRUE(VirtualDesktop::waitUntil([&] {
-        shown = window->screen()->grabWindow(window->winId()).toImage();
-        return !shown.isNull() && shown.pixel(4, shown.height() - 4) == sidebarColour;
-    }));
+    EXPECT_TRUE(VirtualDesktop::waitUntil(
+        [&] {
+            shown = window->screen()->grabWindow(window->winId()).toImage();
+            return !shown.isNull() && shown.pixel(4, shown.height() - 4) == sidebarColour;
+        },
+        10000))
+        << "last pixel " << std::hex << (shown.isNull() ? 0u : shown.pixel(4, shown.height() - 4));
     const QString directory = qEnvironmentVariable("LATTICA_SCREENSHOT_DIR");
     if (!directory.isEmpty()) {
         EXPECT_TRUE(shown.save(directory + QStringLiteral("/settings-x11-shortcuts.png")));
