@@ -19,13 +19,9 @@ QJsonObject readDefaults(const QString& path) {
     return QJsonDocument::fromJson(file.readAll()).object();
 }
 
-// Starts the program with its own configuration folder. The update feed points at a closed port on
-// this machine, so the launch-time check never leaves it.
+// Starts the program with its own configuration folder and no update check over the network.
 void startLattica(QProcess& lattica, const QString& configDirectory) {
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("XDG_CONFIG_HOME"), configDirectory);
-    environment.insert(QStringLiteral("LATTICA_APPCAST_URL"), QStringLiteral("http://127.0.0.1:9/appcast.xml"));
-    lattica.setProcessEnvironment(environment);
+    lattica.setProcessEnvironment(VirtualDesktop::programEnvironment(configDirectory));
     lattica.setProcessChannelMode(QProcess::ForwardedChannels);
     lattica.start(QStringLiteral(LATTICA_BINARY), {});
 }

@@ -53,11 +53,9 @@ protected:
     void SetUp() override {
         ASSERT_FALSE(bus.address().isEmpty()) << "dbus-daemon did not start";
         ASSERT_TRUE(config.isValid() && runtime.isValid());
-        environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(QStringLiteral("XDG_CONFIG_HOME"), config.path());
+        environment = VirtualDesktop::programEnvironment(config.path());
         environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), runtime.path());
         environment.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), bus.address());
-        environment.insert(QStringLiteral("LATTICA_APPCAST_URL"), QStringLiteral("http://127.0.0.1:9/appcast.xml"));
         monitors = VirtualDesktop::layout();
         ASSERT_EQ(monitors.size(), 3);
     }

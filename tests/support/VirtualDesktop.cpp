@@ -69,6 +69,13 @@ bool VirtualDesktop::waitUntil(const std::function<bool()>& predicate, int timeo
     return true;
 }
 
+QProcessEnvironment VirtualDesktop::programEnvironment(const QString& configDirectory) {
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("XDG_CONFIG_HOME"), configDirectory);
+    environment.insert(QStringLiteral("LATTICA_APPCAST_URL"), QStringLiteral("http://127.0.0.1:9/appcast.xml"));
+    return environment;
+}
+
 QString VirtualDesktop::sourcePath(const QString& relative) {
     return QStringLiteral(LATTICA_SOURCE_DIR "/") + relative;
 }

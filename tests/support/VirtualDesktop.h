@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QProcessEnvironment>
 #include <QRect>
 #include <QString>
 #include <QStringList>
@@ -18,6 +19,10 @@ int run(const QString& program, const QStringList& arguments, int timeoutMs = 10
 QString output(const QString& program, const QStringList& arguments, int timeoutMs = 10000);
 // Spins the Qt event loop until the predicate holds or the time limit passes.
 bool waitUntil(const std::function<bool()>& predicate, int timeoutMs = 5000);
+// The environment for running the real program in a test: the test's own environment, a configuration
+// folder of its own, and an update feed on a closed port of this machine, so that the check at launch
+// ends at once without the network.
+QProcessEnvironment programEnvironment(const QString& configDirectory);
 // Path of a file in the source tree.
 QString sourcePath(const QString& relative);
 

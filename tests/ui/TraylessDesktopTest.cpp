@@ -33,11 +33,7 @@ bool isManaged(const QString& window) {
 
 // Starts the program with a configuration of its own and no update check over the network.
 void startLattica(QProcess& lattica, const QTemporaryDir& config) {
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("XDG_CONFIG_HOME"), config.path());
-    // A closed port on this machine: the update check at launch ends at once, without the network.
-    environment.insert(QStringLiteral("LATTICA_APPCAST_URL"), QStringLiteral("http://127.0.0.1:9/appcast.xml"));
-    lattica.setProcessEnvironment(environment);
+    lattica.setProcessEnvironment(VirtualDesktop::programEnvironment(config.path()));
     lattica.setProcessChannelMode(QProcess::SeparateChannels);
     lattica.start(QStringLiteral(LATTICA_BINARY), {});
 }
