@@ -1,11 +1,28 @@
 #!/usr/bin/env bash
 # Installs what is needed, builds Lattica with its tests, and runs every test (unit tests against the
 # fake platform, integration tests each on a virtual desktop of its own). Warnings fail the build here.
-# Then a short run of every fuzz target (clang, libFuzzer).
+# Then the same suite built with AddressSanitizer and UndefinedBehaviorSanitizer (leak checking on; any
+# report fails the test that caused it), and a short run of every fuzz target (clang, libFuzzer).
+#   LATTICA_TEST_SANITIZED=0 skips the sanitized run (it doubles the build time).
 set -euo pipefail
 ROOT=$(cd "$(dirname "$0")/.." && pwd)
 BUILD_DIR=$ROOT/build-tests
+SANITIZED_BUILD_DIR=$ROOT/build-sanitized
 "$ROOT/scripts/install-deps.sh"
+
+stage() { echo "== $1 ($(date +%T))"; }
+
+stage "build and test"
 "$ROOT/scripts/build.sh" "$BUILD_DIR" -DLATTICA_BUILD_TESTS=ON -DLATTICA_WERROR=ON
 (cd "$BUILD_DIR" && ctest --output-on-failure --timeout 600 -j"$(nproc)")
+
+if [ "${LATTICA_TEST_SANITIZED:-1}" != 0 ]; then
+    stage "build and test with sanitizers"
+    "$ROOT/scripts/build.sh" "$SANITIZED_BUILD_DIR" -DLATTICA_BUILD_TESTS=ON -DLATTICA_BUILD_BENCHMARKS=OFF \
+        -DLATTICA_WERROR=ON -DLATTICA_SANITIZE=address,undefined
+    (cd "$SANITIZED_BUILD_DIR" && ctest --output-on-failure --timeout 600 -j"$(nproc)")
+fi
+
+stage "fuzz smoke"
 "$ROOT/scripts/fuzz.sh" 10
+stage "done"
