@@ -1,6 +1,5 @@
 #include "KeyboardShortcuts/ActionShortcuts.h"
 
-#include "KeyboardShortcuts/MenuWatcher.h"
 #include "KeyboardShortcuts/ShortcutRules.h"
 #include "KeyboardShortcuts/ShortcutStore.h"
 #include "KeyboardShortcuts/ShortcutsLog.h"
@@ -13,15 +12,7 @@ ActionShortcuts::ActionShortcuts(QObject* parent)
     : ActionShortcuts(Platform::services().hotKeys, Platform::services().settings, parent) {}
 
 ActionShortcuts::ActionShortcuts(HotKeys* hotKeys, SettingsStore* store, QObject* parent)
-    : QObject(parent), m_store(store), m_hotKeys(hotKeys) {
-    m_menuWatcher = std::make_unique<MenuWatcher>([this](bool open) {
-        if (m_menuOpen == open) {
-            return;
-        }
-        m_menuOpen = open;
-        updateListenMode();
-    });
-}
+    : QObject(parent), m_store(store), m_hotKeys(hotKeys) {}
 
 ActionShortcuts::~ActionShortcuts() = default;
 
@@ -213,6 +204,14 @@ void ActionShortcuts::setPaused(bool paused) {
         return;
     }
     m_paused = paused;
+    updateListenMode();
+}
+
+void ActionShortcuts::setMenuOpen(bool open) {
+    if (m_menuOpen == open) {
+        return;
+    }
+    m_menuOpen = open;
     updateListenMode();
 }
 

@@ -5,7 +5,6 @@
 #include <QObject>
 #include <QSet>
 #include <functional>
-#include <memory>
 #include <optional>
 
 #include "KeyboardShortcuts/HotKeyRegistry.h"
@@ -16,8 +15,6 @@ class HotKeys;
 class SettingsStore;
 
 namespace KeyboardShortcuts {
-
-class MenuWatcher;
 
 // The program's global shortcuts: each named action's stored shortcut, the handlers attached to the
 // names, and the hot keys that make them fire. One instance serves the program (main owns it); tests
@@ -59,8 +56,11 @@ public:
     // Set while a recorder records: hot keys are released and fired shortcuts run nothing.
     bool isPaused() const { return m_paused; }
     void setPaused(bool paused);
-    // True while one of the application's menus or popups (the tray panel) is open.
+    // True while one of the application's menus or popups (the tray panel) is open. A popup holds the
+    // keyboard grabbed, so hot keys cannot fire then; the shortcuts listen to raw keys instead. The
+    // interface's MenuWatcher tells it.
     bool isMenuOpen() const { return m_menuOpen; }
+    void setMenuOpen(bool open);
 
     // Whether the shortcut is registered as a hot key.
     bool isRegistered(const Shortcut& shortcut) const { return m_registered.contains(shortcut); }
@@ -86,7 +86,6 @@ private:
 
     SettingsStore* m_store = nullptr;
     HotKeyRegistry m_hotKeys;
-    std::unique_ptr<MenuWatcher> m_menuWatcher;
     bool m_enabled = true;
     bool m_paused = false;
     bool m_menuOpen = false;

@@ -1,6 +1,5 @@
 #include "KeyboardShortcuts/Utilities.h"
 
-#include <QApplication>
 #include <QTextBoundaryFinder>
 
 #include "KeyboardShortcuts/SpecialKey.h"
@@ -10,8 +9,6 @@
 namespace KeyboardShortcuts {
 
 namespace {
-int g_beepCount = 0;
-
 int graphemeCount(const QString& text) {
     QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, text);
     int count = 0;
@@ -54,15 +51,6 @@ QString capitalized(const QString& text) {
         startOfWord = false;
     }
     return result;
-}
-
-void beep() {
-    ++g_beepCount;
-    QApplication::beep();
-}
-
-int beepCount() {
-    return g_beepCount;
 }
 
 }  // namespace KeyboardShortcuts

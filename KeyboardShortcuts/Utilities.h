@@ -14,8 +14,4 @@ std::optional<QString> keyToCharacter(Key key);
 // Capitalises each word: the first letter upper-case, the rest lower-case.
 QString capitalized(const QString& text);
 
-// Sounds the alert beep. Counted so that tests can tell a refusal happened.
-void beep();
-int beepCount();
-
 }  // namespace KeyboardShortcuts

@@ -1,4 +1,4 @@
-#include "KeyboardShortcuts/MenuItemShortcut.h"
+#include "KeyboardShortcuts/widgets/MenuItemShortcut.h"
 
 #include <QAction>
 #include <QApplication>

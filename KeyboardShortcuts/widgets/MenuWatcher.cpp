@@ -1,12 +1,14 @@
-#include "KeyboardShortcuts/MenuWatcher.h"
+#include "KeyboardShortcuts/widgets/MenuWatcher.h"
 
 #include <QCoreApplication>
 #include <QEvent>
 #include <QWidget>
 
+#include "KeyboardShortcuts/ActionShortcuts.h"
+
 namespace KeyboardShortcuts {
 
-MenuWatcher::MenuWatcher(std::function<void(bool isOpen)> onChange) : m_onChange(std::move(onChange)) {
+MenuWatcher::MenuWatcher(ActionShortcuts& shortcuts) : m_shortcuts(shortcuts) {
     if (QCoreApplication::instance() != nullptr) {
         QCoreApplication::instance()->installEventFilter(this);
     }
@@ -47,7 +49,7 @@ bool MenuWatcher::eventFilter(QObject* watched, QEvent* event) {
     }
     const bool isOpen = !m_openPopups.isEmpty();
     if (isOpen != wasOpen) {
-        m_onChange(isOpen);
+        m_shortcuts.setMenuOpen(isOpen);
     }
     return false;
 }

@@ -1,4 +1,4 @@
-#include "KeyboardShortcuts/ShortcutRecorder.h"
+#include "KeyboardShortcuts/widgets/ShortcutRecorder.h"
 
 #include <QAction>
 #include <QApplication>
@@ -11,9 +11,9 @@
 #include "KeyboardShortcuts/ActionShortcuts.h"
 #include "KeyboardShortcuts/InputEvent.h"
 #include "KeyboardShortcuts/LocalEventMonitor.h"
-#include "KeyboardShortcuts/MenuItemShortcut.h"
 #include "KeyboardShortcuts/ShortcutRules.h"
-#include "KeyboardShortcuts/Utilities.h"
+#include "KeyboardShortcuts/widgets/Beep.h"
+#include "KeyboardShortcuts/widgets/MenuItemShortcut.h"
 
 namespace KeyboardShortcuts {
 

@@ -10,15 +10,19 @@
 #include <QtMath>
 #include <cstdio>
 
+#include "KeyboardShortcuts/widgets/MenuWatcher.h"
 #include "app/controller/AppController.h"
 #include "app/ui/WindowPresenter.h"
-#include "platform/TrayHost.h"
 #include "app/ui/common/SymbolIcons.h"
 #include "app/ui/panel/PanelGeometry.h"
 #include "app/ui/panel/TrayPanelView.h"
+#include "platform/TrayHost.h"
 
 LatticaApp::LatticaApp(AppController& controller, WindowPresenter& windows, TrayHost* trayHost)
-    : m_controller(controller), m_windows(windows), m_trayHost(trayHost) {}
+    : m_controller(controller),
+      m_menuWatcher(std::make_unique<KeyboardShortcuts::MenuWatcher>(controller.shortcuts())),
+      m_windows(windows),
+      m_trayHost(trayHost) {}
 
 LatticaApp::~LatticaApp() = default;
 

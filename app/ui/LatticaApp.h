@@ -12,6 +12,9 @@ class QMenu;
 class QWidget;
 class TrayHost;
 class WindowPresenter;
+namespace KeyboardShortcuts {
+class MenuWatcher;
+}
 
 // The program's presence on the desktop: the tray icon titled "Lattica" and the panel it opens.
 // A click on the icon opens the panel as a frameless popup next to the icon, sized from the
@@ -57,6 +60,8 @@ private:
     void placePanel();
 
     AppController& m_controller;
+    // Our menus and the panel hold the keyboard while open; this lets the shortcuts work meanwhile.
+    std::unique_ptr<KeyboardShortcuts::MenuWatcher> m_menuWatcher;
     WindowPresenter& m_windows;
     TrayHost* m_trayHost = nullptr;
     std::unique_ptr<QSystemTrayIcon> m_trayIcon;

@@ -5,6 +5,7 @@
 
 #include "KeyboardShortcuts/ActionShortcuts.h"
 #include "KeyboardShortcuts/ShortcutStore.h"
+#include "KeyboardShortcuts/widgets/MenuWatcher.h"
 #include "tests/KeyboardShortcuts/ShortcutTestFixture.h"
 #include "tests/support/VirtualDesktop.h"
 
@@ -368,6 +369,7 @@ TEST_F(HotKeyDispatchTest, OpeningAnyMenuSuspendsHotKeysAndKeysReachHandlersNotT
     int ups = 0;
     shortcuts.onKeyDown(name, [&] { ++downs; });
     shortcuts.onKeyUp(name, [&] { ++ups; });
+    const MenuWatcher menuWatcher(shortcuts);
 
     QMenu menu;
     QAction* item = menu.addAction(QStringLiteral("Keep"));

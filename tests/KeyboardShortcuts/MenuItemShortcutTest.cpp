@@ -6,7 +6,7 @@
 #include <QWidget>
 
 #include "KeyboardShortcuts/LocalEventMonitor.h"
-#include "KeyboardShortcuts/MenuItemShortcut.h"
+#include "KeyboardShortcuts/widgets/MenuItemShortcut.h"
 #include "tests/KeyboardShortcuts/ShortcutTestFixture.h"
 #include "tests/support/VirtualDesktop.h"
 

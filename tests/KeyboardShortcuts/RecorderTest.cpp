@@ -9,9 +9,9 @@
 #include <QVBoxLayout>
 
 #include "KeyboardShortcuts/ActionShortcuts.h"
-#include "KeyboardShortcuts/ShortcutRecorder.h"
 #include "KeyboardShortcuts/ShortcutStore.h"
-#include "KeyboardShortcuts/Utilities.h"
+#include "KeyboardShortcuts/widgets/Beep.h"
+#include "KeyboardShortcuts/widgets/ShortcutRecorder.h"
 #include "tests/KeyboardShortcuts/ShortcutTestFixture.h"
 #include "tests/support/VirtualDesktop.h"
 

@@ -14,7 +14,8 @@
 #include <QVBoxLayout>
 
 #include "KeyboardShortcuts/ActionShortcuts.h"
-#include "KeyboardShortcuts/ShortcutRecorder.h"
+#include "KeyboardShortcuts/widgets/MenuWatcher.h"
+#include "KeyboardShortcuts/widgets/ShortcutRecorder.h"
 #include "platform/Platform.h"
 #include "platform/SettingsStore.h"
 #include "platform/x11/X11HotKeys.h"
@@ -68,11 +69,16 @@ protected:
             Platform::services().settings->remove(key);
         }
         shortcuts = std::make_unique<ActionShortcuts>();
+        // As in the program: our menus and popups hold the keyboard, and the watcher tells the shortcuts.
+        menuWatcher = std::make_unique<MenuWatcher>(*shortcuts);
         // The sentinel: once it has fired, every key typed before it has been handled.
         shortcuts->setShortcut(kControlOptionF8, sentinel);
         shortcuts->onKeyUp(sentinel, [this] { ++sentinelCount; });
     }
-    void TearDown() override { shortcuts.reset(); }
+    void TearDown() override {
+        menuWatcher.reset();
+        shortcuts.reset();
+    }
 
     X11HotKeys& hotKeys() { return *static_cast<X11HotKeys*>(Platform::services().hotKeys); }
 
@@ -95,6 +101,7 @@ protected:
     static X11Platform* s_platform;
     XTestKeyboard keyboard;
     std::unique_ptr<ActionShortcuts> shortcuts;
+    std::unique_ptr<MenuWatcher> menuWatcher;
     Name sentinel{QStringLiteral("sentinel")};
     int sentinelCount = 0;
 };

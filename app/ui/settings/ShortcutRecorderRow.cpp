@@ -5,7 +5,7 @@
 #include <QToolButton>
 
 #include "KeyboardShortcuts/Name.h"
-#include "KeyboardShortcuts/ShortcutRecorder.h"
+#include "KeyboardShortcuts/widgets/ShortcutRecorder.h"
 #include "app/controller/AppController.h"
 #include "app/ui/common/ViewStyle.h"
 #include "app/ui/settings/SettingsSymbols.h"

@@ -6,7 +6,7 @@
 #include <QTest>
 #include <memory>
 
-#include "KeyboardShortcuts/ShortcutRecorder.h"
+#include "KeyboardShortcuts/widgets/ShortcutRecorder.h"
 #include "app/controller/AppController.h"
 #include "app/ui/WindowPresenter.h"
 #include "app/ui/settings/SettingsBehaviorSection.h"

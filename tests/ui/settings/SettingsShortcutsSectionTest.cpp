@@ -5,7 +5,7 @@
 #include "KeyboardShortcuts/ActionShortcuts.h"
 #include "KeyboardShortcuts/Name.h"
 #include "KeyboardShortcuts/Shortcut.h"
-#include "KeyboardShortcuts/ShortcutRecorder.h"
+#include "KeyboardShortcuts/widgets/ShortcutRecorder.h"
 #include "KeyboardShortcuts/ShortcutStore.h"
 #include "app/ui/settings/SettingsShortcutsSection.h"
 #include "app/ui/settings/ShortcutRecorderRow.h"
