@@ -397,6 +397,37 @@ TEST_F(PanelOnDesktop, MoveButtonSendsTheMonitorsWindowsToTheTargetAndRefreshes)
     EXPECT_GE(app->panelContent()->cards()[1]->display().visibleWindowCount.value_or(0), 2);
 }
 
+TEST_F(PanelOnDesktop, KeyboardAloneReachesAndPressesAMoveButton) {
+    TestClient client;
+    ASSERT_TRUE(client.start());
+    openWindows(client, QStringLiteral("k"), 0, 2, QStringLiteral("#3366cc"));
+    const quint32 first = client.window(QStringLiteral("k0"));
+    const quint32 second = client.window(QStringLiteral("k1"));
+    ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return monitorOf(frameOf(second)) == 0; }));
+
+    ASSERT_TRUE(openPanelByClick());
+    ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return previewsArrived(); }, 10000));
+    ASSERT_GE(app->panelContent()->cards().size(), 3);
+    const QList<QWidget*> controls = app->panelContent()->cards()[0]->keyboardControls();
+    ASSERT_GE(controls.size(), 3);
+    EXPECT_EQ(app->panelContent()->focusWidget(), controls[0]) << "the panel opens ready for the keyboard";
+
+    // Tab, then Space, typed on the keyboard (X keycodes 23 and 65): the first card's second button,
+    // which sends the windows to the third display.
+    const auto tap = [this](uint8_t key) {
+        xcb_test_fake_input(xcb(), XCB_KEY_PRESS, key, XCB_CURRENT_TIME, XCB_NONE, 0, 0, 0);
+        xcb_test_fake_input(xcb(), XCB_KEY_RELEASE, key, XCB_CURRENT_TIME, XCB_NONE, 0, 0, 0);
+        xcb_flush(xcb());
+    };
+    tap(23);
+    ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return app->panelContent()->focusWidget() == controls[1]; }));
+    tap(65);
+    ASSERT_TRUE(VirtualDesktop::waitUntil(
+        [&] { return controller->statusMessage().startsWith(QStringLiteral("Moved ")); }, 10000));
+    EXPECT_EQ(monitorOf(frameOf(first)), 2);
+    EXPECT_EQ(monitorOf(frameOf(second)), 2);
+}
+
 TEST_F(PanelOnDesktop, DisplayShortcutMovesTheFocusedWindowWhileThePanelIsOpen) {
     TestClient client;
     ASSERT_TRUE(client.start());

@@ -1,6 +1,8 @@
+#include <QAccessible>
 #include <QPushButton>
 #include <QSignalSpy>
 #include <QTimer>
+#include <QToolButton>
 
 #include "app/ui/panel/DisplayCardView.h"
 #include "app/ui/panel/TrayPanelView.h"
@@ -173,6 +175,49 @@ TEST_F(TrayPanel, SeveralDisplaysShowNoHint) {
     refreshAndWait();
     showPanel();
     EXPECT_FALSE(view->findChild<QWidget*>(QStringLiteral("singleDisplayHint"))->isVisible());
+}
+
+TEST_F(TrayPanel, KeyboardReachesEveryControlInReadingOrderStartingAtTheFirstCard) {
+    setDisplayCount(3);
+    makeController();
+    refreshAndWait();
+    showPanel();
+    ASSERT_EQ(view->cards().size(), 3);
+
+    QList<QWidget*> expected;
+    for (DisplayCardView* card : view->cards()) {
+        const QList<QPushButton*> moves = card->findChildren<QPushButton*>(QStringLiteral("moveTargetButton"));
+        ASSERT_EQ(moves.size(), 2) << "one move button per other display";
+        const QList<QWidget*> controls = card->keyboardControls();
+        ASSERT_EQ(controls.size(), 3);
+        EXPECT_EQ(controls.last(), card->findChild<QToolButton*>(QStringLiteral("appMenuButton")));
+        expected.append(controls);
+    }
+    expected.append(view->findChild<QPushButton*>(QStringLiteral("settingsButton")));
+    expected.append(view->findChild<QPushButton*>(QStringLiteral("quitButton")));
+    EXPECT_EQ(view->keyboardOrder(), expected);
+    EXPECT_EQ(view->focusWidget(), expected.first()) << "the panel opens with the first card's first button";
+}
+
+TEST_F(TrayPanel, ScreenReadersHearWhatEachControlOfACardDoes) {
+    makeController();
+    refreshAndWait();
+    showPanel();
+    ASSERT_EQ(view->cards().size(), 2);
+    DisplayCardView* card = view->cards().first();
+    const auto spoken = [](QWidget* widget, QAccessible::Text text = QAccessible::Name) {
+        QAccessibleInterface* accessible = QAccessible::queryAccessibleInterface(widget);
+        return accessible != nullptr ? accessible->text(text) : QStringLiteral("<no accessible interface>");
+    };
+    EXPECT_EQ(spoken(card), QStringLiteral("Display 1, Display 1"));
+    EXPECT_EQ(spoken(card, QAccessible::Description), QStringLiteral("0 visible windows"));
+    QPushButton* move = card->findChild<QPushButton*>(QStringLiteral("moveTargetButton"));
+    ASSERT_NE(move, nullptr);
+    EXPECT_EQ(move->text(), QStringLiteral("Display 2")) << "the visible text stays the display's name";
+    EXPECT_EQ(spoken(move), QStringLiteral("Move visible windows to Display 2"));
+    EXPECT_EQ(spoken(card->findChild<QToolButton*>(QStringLiteral("appMenuButton"))),
+              QStringLiteral("Move app windows from Display 1"));
+    EXPECT_EQ(spoken(card->findChild<QWidget*>(QStringLiteral("previewArea"))), QStringLiteral("Preview of Display 1"));
 }
 
 TEST_F(TrayPanel, SettingsClosesThePanelThenAsksForTheSettingsWindow) {

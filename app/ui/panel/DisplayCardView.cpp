@@ -115,6 +115,8 @@ DisplayCardView::DisplayCardView(AppController& controller, QWidget* parent)
     m_appMenuButton->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     m_appMenuButton->setPopupMode(QToolButton::InstantPopup);
     m_appMenuButton->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+    // Reachable with Tab like the move buttons; its menu opens with Space or Enter.
+    m_appMenuButton->setFocusPolicy(Qt::StrongFocus);
     layout->addWidget(m_appMenuButton);
     layout->addStretch(1);
 }
@@ -164,6 +166,10 @@ QList<DisplaySnapshot> DisplayCardView::targets() const {
 }
 
 void DisplayCardView::updateHeader() {
+    // What a screen reader says for the card and for controls whose text is only a display's name.
+    setAccessibleName(QStringLiteral("Display %1, %2").arg(m_display.index).arg(m_display.name));
+    m_previewArea->setAccessibleName(QStringLiteral("Preview of ") + m_display.name);
+    m_appMenuButton->setAccessibleName(QStringLiteral("Move app windows from ") + m_display.name);
     m_numberIcon->setSymbol(screenNumberSymbol(m_display.index));
     m_nameLabel->setToolTip(m_display.name);
     m_indexBadge->setText(QString::number(m_display.index));
@@ -207,11 +213,12 @@ void DisplayCardView::updateScaledPreview() {
 void DisplayCardView::updateWindowCount() {
     if (!m_display.visibleWindowCount.has_value()) {
         m_windowCountLabel->setText(QStringLiteral("Counting windows..."));
-        return;
+    } else {
+        const int count = *m_display.visibleWindowCount;
+        m_windowCountLabel->setText(QString::number(count) + QStringLiteral(" visible window") +
+                                    (count == 1 ? QString() : QStringLiteral("s")));
     }
-    const int count = *m_display.visibleWindowCount;
-    m_windowCountLabel->setText(QString::number(count) + QStringLiteral(" visible window") +
-                                (count == 1 ? QString() : QStringLiteral("s")));
+    setAccessibleDescription(m_windowCountLabel->text());
 }
 
 void DisplayCardView::rebuildMoveControls() {
@@ -248,6 +255,7 @@ void DisplayCardView::rebuildMoveControls() {
         button->setProperty("fullText", target.name);
         button->setProperty("targetDisplayID", target.id);
         button->setToolTip(target.name);
+        button->setAccessibleName(QStringLiteral("Move visible windows to ") + target.name);
         button->setIconSize(QSize(kTargetIconSize, kTargetIconSize));
         button->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
         button->installEventFilter(this);
@@ -308,6 +316,17 @@ void DisplayCardView::rebuildAppMenu() {
             });
         }
     }
+}
+
+QList<QWidget*> DisplayCardView::keyboardControls() const {
+    QList<QWidget*> controls;
+    for (int i = 0; i < m_moveControlsLayout->count(); ++i) {
+        if (auto* button = qobject_cast<QPushButton*>(m_moveControlsLayout->itemAt(i)->widget())) {
+            controls.append(button);
+        }
+    }
+    controls.append(m_appMenuButton);
+    return controls;
 }
 
 QRect DisplayCardView::previewRect() const {

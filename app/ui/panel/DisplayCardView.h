@@ -47,6 +47,9 @@ public:
     // The picture painted in the preview area, already at the area's size.
     const QPixmap& scaledPreview() const { return m_scaledPreview; }
     QRect previewRect() const;
+    // The card's buttons in reading order (the move buttons, then the application menu), for the
+    // panel's keyboard order.
+    QList<QWidget*> keyboardControls() const;
 
 protected:
     void paintEvent(QPaintEvent* event) override;

@@ -200,6 +200,8 @@ QWidget* TrayPanelView::makeFooter() {
     row->addWidget(settings);
     row->addStretch(1);
     row->addWidget(quit);
+    m_settingsButton = settings;
+    m_quitButton = quit;
     return footer;
 }
 
@@ -279,6 +281,48 @@ void TrayPanelView::layoutCards() {
         m_cards[i]->setFixedWidth(qRound(cardWidth));
         m_cards[i]->setDisplay(display, displays, previewHeight, loading);
     }
+    updateKeyboardOrder();
+}
+
+QList<QWidget*> TrayPanelView::keyboardOrder() const {
+    QList<QWidget*> order;
+    // Walks the focus chain, which updateKeyboardOrder keeps in reading order.
+    for (QWidget* widget = nextInFocusChain(); widget != this; widget = widget->nextInFocusChain()) {
+        if ((widget->focusPolicy() & Qt::TabFocus) != 0 && widget->isVisibleTo(this) && widget->isEnabled()) {
+            order.append(widget);
+        }
+    }
+    return order;
+}
+
+void TrayPanelView::updateKeyboardOrder() {
+    // Cards are made after the footer, so by default Tab would reach Quit before the first card.
+    QList<QWidget*> chain;
+    for (const DisplayCardView* card : std::as_const(m_cards)) {
+        chain.append(card->keyboardControls());
+    }
+    chain.append(m_settingsButton);
+    chain.append(m_quitButton);
+    for (qsizetype i = 1; i < chain.size(); ++i) {
+        QWidget::setTabOrder(chain[i - 1], chain[i]);
+    }
+    // A rebuilt card may have taken the focused button with it.
+    if (isVisible() && (focusWidget() == nullptr || !focusWidget()->isVisibleTo(this))) {
+        focusFirstControl();
+    }
+}
+
+void TrayPanelView::focusFirstControl() {
+    const QList<QWidget*> order = keyboardOrder();
+    if (!order.isEmpty()) {
+        order.first()->setFocus(Qt::PopupFocusReason);
+    }
+}
+
+void TrayPanelView::showEvent(QShowEvent* event) {
+    QWidget::showEvent(event);
+    // Opened from the tray by keyboard or mouse, the panel is ready for the keyboard at once.
+    focusFirstControl();
 }
 
 void TrayPanelView::resizeEvent(QResizeEvent* event) {

@@ -29,6 +29,9 @@ public:
     QList<DisplayCardView*> cards() const { return m_cards; }
     // Width the row of cards shares.
     int gridWidth() const;
+    // The controls Tab walks through, in reading order: each card's buttons from left to right, then
+    // Settings and Quit (or the permission buttons when those are shown).
+    QList<QWidget*> keyboardOrder() const;
 
 Q_SIGNALS:
     // The panel should close (the Settings button asks for it before opening the settings window).
@@ -38,6 +41,7 @@ Q_SIGNALS:
 
 protected:
     void resizeEvent(QResizeEvent* event) override;
+    void showEvent(QShowEvent* event) override;
 
 private:
     QWidget* makeBlockedPage();
@@ -50,6 +54,8 @@ private:
     void render();
     void updateCards();
     void layoutCards();
+    void updateKeyboardOrder();
+    void focusFirstControl();
 
     AppController& m_controller;
     State m_state = State::PermissionsRequired;
@@ -64,4 +70,6 @@ private:
     QHBoxLayout* m_cardRow = nullptr;
     QWidget* m_singleDisplayHint = nullptr;
     QList<DisplayCardView*> m_cards;
+    QPushButton* m_settingsButton = nullptr;
+    QPushButton* m_quitButton = nullptr;
 };
