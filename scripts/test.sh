@@ -18,8 +18,10 @@ stage "build and test"
 
 if [ "${LATTICA_TEST_SANITIZED:-1}" != 0 ]; then
     stage "build and test with sanitizers"
+    # Warnings are checked by the build above; with the sanitizers GCC warns of uninitialised values
+    # inside Qt's own containers that are not there.
     "$ROOT/scripts/build.sh" "$SANITIZED_BUILD_DIR" -DLATTICA_BUILD_TESTS=ON -DLATTICA_BUILD_BENCHMARKS=OFF \
-        -DLATTICA_WERROR=ON -DLATTICA_SANITIZE=address,undefined
+        -DLATTICA_SANITIZE=address,undefined
     (cd "$SANITIZED_BUILD_DIR" && ctest --output-on-failure --timeout 600 -j"$(nproc)")
 fi
 
