@@ -397,7 +397,7 @@ TEST_F(PanelOnDesktop, MoveButtonSendsTheMonitorsWindowsToTheTargetAndRefreshes)
     EXPECT_GE(app->panelContent()->cards()[1]->display().visibleWindowCount.value_or(0), 2);
 }
 
-TEST_F(PanelOnDesktop, KeyboardAloneReachesAndPressesAMoveButton) {
+TEST_F(PanelOnDesktop, KeyboardAloneReachesAndPressesAMoveButtonAndEscapeCloses) {
     TestClient client;
     ASSERT_TRUE(client.start());
     openWindows(client, QStringLiteral("k"), 0, 2, QStringLiteral("#3366cc"));
@@ -426,6 +426,11 @@ TEST_F(PanelOnDesktop, KeyboardAloneReachesAndPressesAMoveButton) {
         [&] { return controller->statusMessage().startsWith(QStringLiteral("Moved ")); }, 10000));
     EXPECT_EQ(monitorOf(frameOf(first)), 2);
     EXPECT_EQ(monitorOf(frameOf(second)), 2);
+
+    // Escape (keycode 9) closes the panel.
+    ASSERT_TRUE(app->panel()->isVisible());
+    tap(9);
+    EXPECT_TRUE(VirtualDesktop::waitUntil([&] { return !app->panel()->isVisible(); }));
 }
 
 TEST_F(PanelOnDesktop, DisplayShortcutMovesTheFocusedWindowWhileThePanelIsOpen) {

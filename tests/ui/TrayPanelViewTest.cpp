@@ -1,6 +1,7 @@
 #include <QAccessible>
 #include <QPushButton>
 #include <QSignalSpy>
+#include <QTest>
 #include <QTimer>
 #include <QToolButton>
 
@@ -200,6 +201,7 @@ TEST_F(TrayPanel, KeyboardReachesEveryControlInReadingOrderStartingAtTheFirstCar
 }
 
 TEST_F(TrayPanel, ScreenReadersHearWhatEachControlOfACardDoes) {
+    addApplication(100, QStringLiteral("Editor"), 0, {1, 2});
     makeController();
     refreshAndWait();
     showPanel();
@@ -210,14 +212,71 @@ TEST_F(TrayPanel, ScreenReadersHearWhatEachControlOfACardDoes) {
         return accessible != nullptr ? accessible->text(text) : QStringLiteral("<no accessible interface>");
     };
     EXPECT_EQ(spoken(card), QStringLiteral("Display 1, Display 1"));
-    EXPECT_EQ(spoken(card, QAccessible::Description), QStringLiteral("0 visible windows"));
+    EXPECT_EQ(spoken(card, QAccessible::Description), QStringLiteral("2 visible windows"));
     QPushButton* move = card->findChild<QPushButton*>(QStringLiteral("moveTargetButton"));
     ASSERT_NE(move, nullptr);
     EXPECT_EQ(move->text(), QStringLiteral("Display 2")) << "the visible text stays the display's name";
-    EXPECT_EQ(spoken(move), QStringLiteral("Move visible windows to Display 2"));
+    EXPECT_EQ(spoken(move), QStringLiteral("Move 2 windows from screen 1 to Display 2"));
     EXPECT_EQ(spoken(card->findChild<QToolButton*>(QStringLiteral("appMenuButton"))),
               QStringLiteral("Move app windows from Display 1"));
-    EXPECT_EQ(spoken(card->findChild<QWidget*>(QStringLiteral("previewArea"))), QStringLiteral("Preview of Display 1"));
+    QWidget* preview = card->findChild<QWidget*>(QStringLiteral("previewArea"));
+    EXPECT_EQ(spoken(preview), QStringLiteral("Preview of Display 1"));
+    EXPECT_EQ(spoken(preview, QAccessible::Description), QStringLiteral("Display 1, 2 visible windows"));
+}
+
+TEST_F(TrayPanel, EveryControlOfThePanelHasAnAccessibleName) {
+    setDisplayCount(3);
+    makeController();
+    refreshAndWait();
+    showPanel();
+    const QList<QWidget*> controls = view->keyboardOrder();
+    ASSERT_EQ(controls.size(), 3 * 3 + 2);
+    for (QWidget* control : controls) {
+        QAccessibleInterface* accessible = QAccessible::queryAccessibleInterface(control);
+        ASSERT_NE(accessible, nullptr) << qPrintable(control->objectName());
+        EXPECT_FALSE(accessible->text(QAccessible::Name).trimmed().isEmpty()) << qPrintable(control->objectName());
+    }
+}
+
+TEST_F(TrayPanel, ArrowKeysMoveBetweenCardsAndWithinACard) {
+    setDisplayCount(3);
+    makeController();
+    refreshAndWait();
+    showPanel();
+    const auto controlsOf = [&](int card) { return view->cards()[card]->keyboardControls(); };
+    ASSERT_EQ(view->focusWidget(), controlsOf(0)[0]);
+    const auto press = [&](Qt::Key key) { QTest::keyClick(view->focusWidget(), key); };
+    press(Qt::Key_Right);
+    EXPECT_EQ(view->focusWidget(), controlsOf(1)[0]);
+    press(Qt::Key_Down);
+    EXPECT_EQ(view->focusWidget(), controlsOf(1)[1]);
+    press(Qt::Key_Down);
+    EXPECT_EQ(view->focusWidget(), controlsOf(1)[2]) << "the application menu comes after the move buttons";
+    press(Qt::Key_Down);
+    EXPECT_EQ(view->focusWidget(), controlsOf(1)[2]) << "arrows stay inside the cards";
+    press(Qt::Key_Right);
+    EXPECT_EQ(view->focusWidget(), controlsOf(2)[2]);
+    press(Qt::Key_Right);
+    EXPECT_EQ(view->focusWidget(), controlsOf(2)[2]);
+    press(Qt::Key_Up);
+    press(Qt::Key_Left);
+    EXPECT_EQ(view->focusWidget(), controlsOf(1)[1]);
+}
+
+TEST_F(TrayPanel, DigitOnAFocusedCardMovesItsWindowsToThatDisplay) {
+    setDisplayCount(3);
+    addApplication(100, QStringLiteral("Editor"), 0, {1, 2});
+    makeController();
+    refreshAndWait();
+    showPanel();
+    ASSERT_EQ(view->focusWidget(), view->cards()[0]->keyboardControls()[0]);
+    QTest::keyClick(view->focusWidget(), Qt::Key_1);
+    EXPECT_TRUE(controller().statusMessage().isEmpty()) << "a card's own display is no target";
+    EXPECT_LT(platform.windowControl.currentFrame(1).x(), 1920);
+    QTest::keyClick(view->focusWidget(), Qt::Key_3);
+    EXPECT_EQ(controller().statusMessage(), QStringLiteral("Moved 2 of 2 windows."));
+    EXPECT_GE(platform.windowControl.currentFrame(1).x(), 3840);
+    EXPECT_GE(platform.windowControl.currentFrame(2).x(), 3840);
 }
 
 TEST_F(TrayPanel, SettingsClosesThePanelThenAsksForTheSettingsWindow) {

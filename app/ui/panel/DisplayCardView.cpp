@@ -219,6 +219,23 @@ void DisplayCardView::updateWindowCount() {
                                     (count == 1 ? QString() : QStringLiteral("s")));
     }
     setAccessibleDescription(m_windowCountLabel->text());
+    m_previewArea->setAccessibleDescription(m_display.name + QStringLiteral(", ") + m_windowCountLabel->text());
+    updateMoveButtonNames();
+}
+
+void DisplayCardView::updateMoveButtonNames() {
+    // The button shows only the target's name; a screen reader says the whole move.
+    const QString windows =
+        m_display.visibleWindowCount.has_value()
+            ? QString::number(*m_display.visibleWindowCount) +
+                  (*m_display.visibleWindowCount == 1 ? QStringLiteral(" window") : QStringLiteral(" windows"))
+            : QStringLiteral("the visible windows");
+    for (QPushButton* button : m_moveControls->findChildren<QPushButton*>(QStringLiteral("moveTargetButton"))) {
+        button->setAccessibleName(QStringLiteral("Move %1 from screen %2 to %3")
+                                      .arg(windows)
+                                      .arg(m_display.index)
+                                      .arg(button->property("fullText").toString()));
+    }
 }
 
 void DisplayCardView::rebuildMoveControls() {
@@ -255,7 +272,6 @@ void DisplayCardView::rebuildMoveControls() {
         button->setProperty("fullText", target.name);
         button->setProperty("targetDisplayID", target.id);
         button->setToolTip(target.name);
-        button->setAccessibleName(QStringLiteral("Move visible windows to ") + target.name);
         button->setIconSize(QSize(kTargetIconSize, kTargetIconSize));
         button->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
         button->installEventFilter(this);
@@ -265,6 +281,7 @@ void DisplayCardView::rebuildMoveControls() {
         });
         m_moveControlsLayout->addWidget(button);
     }
+    updateMoveButtonNames();
 }
 
 QIcon DisplayCardView::applicationIcon(pid_t pid) const {
@@ -327,6 +344,17 @@ QList<QWidget*> DisplayCardView::keyboardControls() const {
     }
     controls.append(m_appMenuButton);
     return controls;
+}
+
+bool DisplayCardView::moveToDisplayIndex(int index) {
+    for (const DisplaySnapshot& target : targets()) {
+        if (target.index == index) {
+            const DisplaySnapshot source = m_display;
+            m_controller.moveWindows(source, target);
+            return true;
+        }
+    }
+    return false;
 }
 
 QRect DisplayCardView::previewRect() const {

@@ -50,6 +50,9 @@ public:
     // The card's buttons in reading order (the move buttons, then the application menu), for the
     // panel's keyboard order.
     QList<QWidget*> keyboardControls() const;
+    // Moves the visible windows to the display with this panel index, as its button does. False when no
+    // button of this card leads there (its own index, or no such display).
+    bool moveToDisplayIndex(int index);
 
 protected:
     void paintEvent(QPaintEvent* event) override;
@@ -62,6 +65,7 @@ private:
     void updatePreviewState();
     void updateScaledPreview();
     void updateWindowCount();
+    void updateMoveButtonNames();
     void rebuildMoveControls();
     void rebuildAppMenu();
     void elideTexts();

@@ -2,6 +2,7 @@
 
 #include <QCoreApplication>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QProgressBar>
 #include <QPushButton>
@@ -301,6 +302,9 @@ void TrayPanelView::updateKeyboardOrder() {
     for (const DisplayCardView* card : std::as_const(m_cards)) {
         chain.append(card->keyboardControls());
     }
+    for (QWidget* control : std::as_const(chain)) {
+        control->installEventFilter(this);
+    }
     chain.append(m_settingsButton);
     chain.append(m_quitButton);
     for (qsizetype i = 1; i < chain.size(); ++i) {
@@ -317,6 +321,55 @@ void TrayPanelView::focusFirstControl() {
     if (!order.isEmpty()) {
         order.first()->setFocus(Qt::PopupFocusReason);
     }
+}
+
+bool TrayPanelView::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::KeyPress) {
+        const auto* key = static_cast<QKeyEvent*>(event);
+        auto* control = qobject_cast<QWidget*>(watched);
+        for (DisplayCardView* card : std::as_const(m_cards)) {
+            if (control != nullptr && card->isAncestorOf(control) &&
+                (key->modifiers() & ~Qt::KeypadModifier) == Qt::NoModifier) {
+                return handleCardKey(card, control, key->key());
+            }
+        }
+    }
+    return QWidget::eventFilter(watched, event);
+}
+
+bool TrayPanelView::handleCardKey(DisplayCardView* card, QWidget* control, int key) {
+    const qsizetype cardIndex = m_cards.indexOf(card);
+    const QList<QWidget*> controls = card->keyboardControls();
+    const qsizetype position = controls.indexOf(control);
+    if (key >= Qt::Key_1 && key <= Qt::Key_9) {
+        return card->moveToDisplayIndex(key - Qt::Key_0);
+    }
+    QWidget* next = nullptr;
+    switch (key) {
+        case Qt::Key_Up:
+            next = position > 0 ? controls[position - 1] : nullptr;
+            break;
+        case Qt::Key_Down:
+            next = position + 1 < controls.size() ? controls[position + 1] : nullptr;
+            break;
+        case Qt::Key_Left:
+        case Qt::Key_Right: {
+            // The control at the same place in the neighbouring card, or its last one.
+            const qsizetype neighbour = cardIndex + (key == Qt::Key_Left ? -1 : 1);
+            if (neighbour >= 0 && neighbour < m_cards.size()) {
+                const QList<QWidget*> theirs = m_cards[neighbour]->keyboardControls();
+                next = theirs.value(qMin(position, theirs.size() - 1));
+            }
+            break;
+        }
+        default:
+            return false;
+    }
+    if (next != nullptr) {
+        next->setFocus(Qt::TabFocusReason);
+    }
+    // Arrows never leave the cards, so they are used up even at an edge.
+    return true;
 }
 
 void TrayPanelView::showEvent(QShowEvent* event) {

@@ -42,6 +42,7 @@ Q_SIGNALS:
 protected:
     void resizeEvent(QResizeEvent* event) override;
     void showEvent(QShowEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     QWidget* makeBlockedPage();
@@ -56,6 +57,8 @@ private:
     void layoutCards();
     void updateKeyboardOrder();
     void focusFirstControl();
+    // Arrow keys between and within cards, digits for a card's target display.
+    bool handleCardKey(DisplayCardView* card, QWidget* control, int key);
 
     AppController& m_controller;
     State m_state = State::PermissionsRequired;
