@@ -133,6 +133,8 @@ int runProgram(int argc, char** argv) {
     QApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Lattica"));
     QApplication::setApplicationVersion(QString::fromLatin1(BuildConfig::kVersion));
+    // Ties the windows to the installed desktop entry (its name and icon in taskbars and switchers).
+    QGuiApplication::setDesktopFileName(QStringLiteral("app.lattica.Lattica"));
     QApplication::setQuitOnLastWindowClosed(false);
 
     SingleInstance instance;
