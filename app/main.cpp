@@ -135,6 +135,7 @@ int runProgram(int argc, char** argv) {
     QApplication::setApplicationVersion(QString::fromLatin1(BuildConfig::kVersion));
     // Ties the windows to the installed desktop entry (its name and icon in taskbars and switchers).
     QGuiApplication::setDesktopFileName(QStringLiteral("app.lattica.Lattica"));
+    QApplication::setWindowIcon(LatticaApp::programIcon());
     QApplication::setQuitOnLastWindowClosed(false);
 
     SingleInstance instance;

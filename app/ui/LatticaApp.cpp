@@ -12,10 +12,10 @@
 
 #include "app/controller/AppController.h"
 #include "app/ui/WindowPresenter.h"
-#include "platform/TrayHost.h"
 #include "app/ui/common/SymbolIcons.h"
 #include "app/ui/panel/PanelGeometry.h"
 #include "app/ui/panel/TrayPanelView.h"
+#include "platform/TrayHost.h"
 
 LatticaApp::LatticaApp(AppController& controller, WindowPresenter& windows, TrayHost* trayHost)
     : m_controller(controller), m_windows(windows), m_trayHost(trayHost) {}
@@ -23,7 +23,15 @@ LatticaApp::LatticaApp(AppController& controller, WindowPresenter& windows, Tray
 LatticaApp::~LatticaApp() = default;
 
 QIcon LatticaApp::programIcon() {
-    return SymbolIcons::drawnIcon(QStringLiteral("rectangle.on.rectangle.angled"));
+    // The icon installed with the program, as the desktop's theme has it; drawn here when none is installed
+    // (or the SVG icon engine is missing).
+    return QIcon::fromTheme(QStringLiteral("app.lattica.Lattica"),
+                            SymbolIcons::drawnIcon(QStringLiteral("rectangle.on.rectangle.angled")));
+}
+
+QIcon LatticaApp::trayIconImage() {
+    // A tray host that is given the name of a symbolic icon paints it in the colour of its own text.
+    return QIcon::fromTheme(QStringLiteral("app.lattica.Lattica-symbolic"), programIcon());
 }
 
 void LatticaApp::start() {
@@ -57,7 +65,7 @@ void LatticaApp::start() {
 }
 
 void LatticaApp::showTrayIcon() {
-    m_trayIcon = std::make_unique<QSystemTrayIcon>(programIcon());
+    m_trayIcon = std::make_unique<QSystemTrayIcon>(trayIconImage());
     m_trayIcon->setToolTip(QStringLiteral("Lattica"));
     m_trayIcon->setContextMenu(m_trayMenu.get());
     connect(m_trayIcon.get(), &QSystemTrayIcon::activated, this, [this](QSystemTrayIcon::ActivationReason reason) {
