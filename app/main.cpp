@@ -133,6 +133,9 @@ int runProgram(int argc, char** argv) {
     QApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Lattica"));
     QApplication::setApplicationVersion(QString::fromLatin1(BuildConfig::kVersion));
+    // Ties the windows to the installed desktop entry (its name and icon in taskbars and switchers).
+    QGuiApplication::setDesktopFileName(QStringLiteral("app.lattica.Lattica"));
+    QApplication::setWindowIcon(LatticaApp::programIcon());
     QApplication::setQuitOnLastWindowClosed(false);
 
     SingleInstance instance;
@@ -155,9 +158,10 @@ int runProgram(int argc, char** argv) {
 
     // The global shortcuts outlive the controller that attaches its handlers to them.
     KeyboardShortcuts::ActionShortcuts shortcuts;
-    Updater updater;
-    AppController controller(shortcuts, updater);
-    WindowPresenter windows(controller, &updater);
+    // Builds for distributions that update by package leave the update check out.
+    std::unique_ptr<Updater> updater = BuildConfig::kUpdateCheck ? std::make_unique<Updater>() : nullptr;
+    AppController controller(shortcuts, updater.get());
+    WindowPresenter windows(controller, updater.get());
     LatticaApp app(controller, windows, platform->services().trayHost);
     const CommandService commands(controller.preferences());
     LatticaBusService bus(commands, {[&app] { app.openPanel(); }, [&windows] { windows.showSettingsWindow(); },

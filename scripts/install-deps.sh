@@ -11,6 +11,7 @@ PACKAGES=(
   libgtest-dev libgmock-dev libbenchmark-dev
   xvfb x11-xserver-utils x11-utils x11-apps xdotool wmctrl openbox icewm trayer imagemagick
   x11-xkb-utils xauth dbus-x11 dbus-daemon fonts-dejavu-core
+  libqt6svg6 help2man desktop-file-utils appstream dpkg-dev file
 )
 
 missing=()

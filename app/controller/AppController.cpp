@@ -11,17 +11,21 @@
 #include "platform/Platform.h"
 #include "platform/TaskbarPresence.h"
 
-AppController::AppController(QObject* parent) : AppController(nullptr, nullptr, parent) {}
+AppController::AppController(QObject* parent) : AppController(nullptr, std::make_unique<Updater>(), nullptr, parent) {}
 
 AppController::AppController(KeyboardShortcuts::ActionShortcuts& shortcuts, Updater& updater, QObject* parent)
-    : AppController(&shortcuts, &updater, parent) {}
+    : AppController(&shortcuts, nullptr, &updater, parent) {}
 
-AppController::AppController(KeyboardShortcuts::ActionShortcuts* shortcuts, Updater* updater, QObject* parent)
+AppController::AppController(KeyboardShortcuts::ActionShortcuts& shortcuts, Updater* updater, QObject* parent)
+    : AppController(&shortcuts, nullptr, updater, parent) {}
+
+AppController::AppController(KeyboardShortcuts::ActionShortcuts* shortcuts, std::unique_ptr<Updater> ownUpdater,
+                             Updater* updater, QObject* parent)
     : QObject(parent),
       m_ownShortcuts(shortcuts == nullptr ? std::make_unique<KeyboardShortcuts::ActionShortcuts>() : nullptr),
       m_shortcuts(shortcuts == nullptr ? *m_ownShortcuts : *shortcuts),
-      m_ownUpdater(updater == nullptr ? std::make_unique<Updater>() : nullptr),
-      m_updater(updater == nullptr ? *m_ownUpdater : *updater),
+      m_ownUpdater(std::move(ownUpdater)),
+      m_updater(updater != nullptr ? updater : m_ownUpdater.get()),
       m_preferences(*Platform::services().settings),
       m_displayShortcuts(m_preferences, m_shortcuts) {
     const PlatformServices& platform = Platform::services();
@@ -46,7 +50,9 @@ AppController::AppController(KeyboardShortcuts::ActionShortcuts* shortcuts, Upda
     m_launchAtLoginEnabled = platform.autostart->status() == AutostartStatus::Enabled;
 
     // 7. The updater follows the preference.
-    m_updater.setAutomaticallyChecksForUpdates(m_autoCheckForUpdatesEnabled);
+    if (m_updater) {
+        m_updater->setAutomaticallyChecksForUpdates(m_autoCheckForUpdatesEnabled);
+    }
 
     // 8.-9. The remembered displays, their lists and their hot-key handlers.
     m_displayShortcuts.load();
@@ -100,7 +106,9 @@ void AppController::setDockIconVisible(bool visible) {
 void AppController::setAutoCheckForUpdatesEnabled(bool enabled) {
     publish(m_autoCheckForUpdatesEnabled, enabled, &AppController::autoCheckForUpdatesEnabledChanged);
     m_preferences.setAutoCheckForUpdates(enabled);
-    m_updater.setAutomaticallyChecksForUpdates(enabled);
+    if (m_updater) {
+        m_updater->setAutomaticallyChecksForUpdates(enabled);
+    }
 }
 
 QString AppController::launchAtLoginProgram() const {

@@ -41,6 +41,8 @@ public:
     // Builds a controller from the installed platform services around the program's global shortcuts.
     // main() owns the program's one controller.
     AppController(KeyboardShortcuts::ActionShortcuts& shortcuts, Updater& updater, QObject* parent = nullptr);
+    // The same, where a build without update checks gives no updater.
+    AppController(KeyboardShortcuts::ActionShortcuts& shortcuts, Updater* updater, QObject* parent = nullptr);
     // The same with global shortcuts and an updater of its own (tests build one controller after another).
     explicit AppController(QObject* parent = nullptr);
     ~AppController() override;
@@ -100,7 +102,8 @@ public:
 
     Preferences& preferences() { return m_preferences; }
     KeyboardShortcuts::ActionShortcuts& shortcuts() const { return m_shortcuts; }
-    Updater& updater() const { return m_updater; }
+    // The update checks; nothing in a build without them.
+    Updater* updater() const { return m_updater; }
 
     // Visible for tests.
     QUuid previewLoadID() const { return m_previewLoadID; }
@@ -123,8 +126,9 @@ Q_SIGNALS:
     void permissionGuideRequested();
 
 private:
-    // Uses the given shortcuts and updater, or makes its own of those it is not given.
-    AppController(KeyboardShortcuts::ActionShortcuts* shortcuts, Updater* updater, QObject* parent);
+    // Uses the given shortcuts, or makes its own; uses the given updater, else ownUpdater, else none.
+    AppController(KeyboardShortcuts::ActionShortcuts* shortcuts, std::unique_ptr<Updater> ownUpdater, Updater* updater,
+                  QObject* parent);
 
     // Announces, stores and signals one published property.
     template <typename T, typename Signal>
@@ -155,7 +159,7 @@ private:
     std::unique_ptr<KeyboardShortcuts::ActionShortcuts> m_ownShortcuts;
     KeyboardShortcuts::ActionShortcuts& m_shortcuts;
     std::unique_ptr<Updater> m_ownUpdater;
-    Updater& m_updater;
+    Updater* m_updater = nullptr;
     Preferences m_preferences;
     DisplayShortcuts m_displayShortcuts;
     QUuid m_previewLoadID;

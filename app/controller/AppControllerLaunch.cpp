@@ -24,8 +24,8 @@ void AppController::start() {
     Platform::services().taskbarPresence->setShownInTaskbar(m_dockIconVisible);
     refreshPermissions();
     refreshShortcutDisplays();
-    if (m_autoCheckForUpdatesEnabled) {
-        m_updater.checkForUpdatesInBackground();
+    if (m_updater && m_autoCheckForUpdatesEnabled) {
+        m_updater->checkForUpdatesInBackground();
     }
     if (!m_permissionState.bothGranted()) {
         Q_EMIT permissionGuideRequested();

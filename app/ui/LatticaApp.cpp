@@ -27,7 +27,15 @@ LatticaApp::LatticaApp(AppController& controller, WindowPresenter& windows, Tray
 LatticaApp::~LatticaApp() = default;
 
 QIcon LatticaApp::programIcon() {
-    return SymbolIcons::drawnIcon(QStringLiteral("rectangle.on.rectangle.angled"));
+    // The icon installed with the program, as the desktop's theme has it; drawn here when none is installed
+    // (or the SVG icon engine is missing).
+    return QIcon::fromTheme(QStringLiteral("app.lattica.Lattica"),
+                            SymbolIcons::drawnIcon(QStringLiteral("rectangle.on.rectangle.angled")));
+}
+
+QIcon LatticaApp::trayIconImage() {
+    // A tray host that is given the name of a symbolic icon paints it in the colour of its own text.
+    return QIcon::fromTheme(QStringLiteral("app.lattica.Lattica-symbolic"), programIcon());
 }
 
 void LatticaApp::start() {
@@ -61,7 +69,7 @@ void LatticaApp::start() {
 }
 
 void LatticaApp::showTrayIcon() {
-    m_trayIcon = std::make_unique<QSystemTrayIcon>(programIcon());
+    m_trayIcon = std::make_unique<QSystemTrayIcon>(trayIconImage());
     m_trayIcon->setToolTip(QStringLiteral("Lattica"));
     m_trayIcon->setContextMenu(m_trayMenu.get());
     connect(m_trayIcon.get(), &QSystemTrayIcon::activated, this, [this](QSystemTrayIcon::ActivationReason reason) {

@@ -41,8 +41,10 @@ public:
     QWidget* panel() const { return m_panel.get(); }
     TrayPanelView* panelContent() const { return m_content; }
 
-    // The program's symbol, drawn at whatever size is asked for.
+    // The program's icon from the icon theme (app.lattica.Lattica), else drawn at whatever size is asked for.
     static QIcon programIcon();
+    // The icon in the tray: the theme's monochrome app.lattica.Lattica-symbolic, else programIcon().
+    static QIcon trayIconImage();
 
 Q_SIGNALS:
     void panelShown();

@@ -55,7 +55,8 @@ X11Platform::X11Platform(std::unique_ptr<X11Connection> owned, X11Connection& co
     X11Connection& x11 = connection;
     m_owned->monitors = std::make_unique<X11Monitors>(x11);
     m_owned->settings = std::make_unique<FileSettingsStore>(FileSettingsStore::standardPath());
-    m_owned->autostart = std::make_unique<XdgAutostart>(XdgAutostart::standardPath());
+    m_owned->autostart =
+        std::make_unique<XdgAutostart>(XdgAutostart::standardPath(), XdgAutostart::legacyStandardPath());
     m_owned->sessionCheck = std::make_unique<X11SessionCheck>(x11);
     m_owned->desktopEntries = std::make_unique<X11WindowDesktopEntries>();
     // The window list, the running applications and the window control's reads share what they learn of

@@ -47,9 +47,57 @@ std::optional<QString> entryValue(const QString& entryPath, const QString& key) 
     return std::nullopt;
 }
 
+// Whether the entry at the path exists and would start the program at login.
+bool entryStarts(const QString& entryPath) {
+    QFile file(entryPath);
+    if (entryPath.isEmpty() || !file.open(QIODevice::ReadOnly)) {
+        return false;
+    }
+    // Desktop entries are simple "Key=value" lines; a hidden or disabled entry does not start.
+    while (!file.atEnd()) {
+        const QString line = QString::fromUtf8(file.readLine()).trimmed();
+        const qsizetype equals = line.indexOf(QLatin1Char('='));
+        if (equals < 0) {
+            continue;
+        }
+        const QString key = line.left(equals).trimmed();
+        const QString value = line.mid(equals + 1).trimmed().toLower();
+        if ((key == QLatin1String("Hidden") && value == QLatin1String("true")) ||
+            (key == QLatin1String("X-GNOME-Autostart-enabled") && value == QLatin1String("false"))) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool removeEntry(const QString& entryPath, QString* error) {
+    QFile file(entryPath);
+    if (entryPath.isEmpty() || !file.exists()) {
+        return true;
+    }
+    if (!file.remove()) {
+        *error = file.errorString();
+        return false;
+    }
+    return true;
+}
+
+QString autostartFolder() {
+    const QString base = XdgBaseDirectories::configHome();
+    return base.isEmpty() ? QString() : base + QStringLiteral("/autostart/");
+}
+
 }  // namespace
 
-XdgAutostart::XdgAutostart(QString entryPath) : m_entryPath(std::move(entryPath)) {}
+XdgAutostart::XdgAutostart(QString entryPath, QString legacyEntryPath)
+    : m_entryPath(std::move(entryPath)), m_legacyEntryPath(std::move(legacyEntryPath)) {}
+
+QString XdgAutostart::currentEntryPath() const {
+    if (m_legacyEntryPath.isEmpty() || QFile::exists(m_entryPath) || !QFile::exists(m_legacyEntryPath)) {
+        return m_entryPath;
+    }
+    return m_legacyEntryPath;
+}
 
 QString XdgAutostart::execCommand(const QString& runningBinary, const QString& searchPath) {
     const QString name = QStringLiteral("lattica");
@@ -89,7 +137,7 @@ QString XdgAutostart::execProgram(const QString& execValue) {
 }
 
 QString XdgAutostart::program() {
-    const std::optional<QString> exec = entryValue(m_entryPath, QStringLiteral("Exec"));
+    const std::optional<QString> exec = entryValue(currentEntryPath(), QStringLiteral("Exec"));
     if (exec && !exec->isEmpty()) {
         return execProgram(*exec);
     }
@@ -97,30 +145,18 @@ QString XdgAutostart::program() {
 }
 
 QString XdgAutostart::standardPath() {
-    const QString base = XdgBaseDirectories::configHome();
-    return base.isEmpty() ? QString() : base + QStringLiteral("/autostart/lattica.desktop");
+    const QString folder = autostartFolder();
+    return folder.isEmpty() ? QString() : folder + QStringLiteral("app.lattica.Lattica.desktop");
+}
+
+QString XdgAutostart::legacyStandardPath() {
+    const QString folder = autostartFolder();
+    return folder.isEmpty() ? QString() : folder + QStringLiteral("lattica.desktop");
 }
 
 AutostartStatus XdgAutostart::status() {
-    QFile file(m_entryPath);
-    if (!file.open(QIODevice::ReadOnly)) {
-        return AutostartStatus::Disabled;
-    }
-    // Desktop entries are simple "Key=value" lines; a hidden or disabled entry does not start.
-    while (!file.atEnd()) {
-        const QString line = QString::fromUtf8(file.readLine()).trimmed();
-        const qsizetype equals = line.indexOf(QLatin1Char('='));
-        if (equals < 0) {
-            continue;
-        }
-        const QString key = line.left(equals).trimmed();
-        const QString value = line.mid(equals + 1).trimmed().toLower();
-        if ((key == QLatin1String("Hidden") && value == QLatin1String("true")) ||
-            (key == QLatin1String("X-GNOME-Autostart-enabled") && value == QLatin1String("false"))) {
-            return AutostartStatus::Disabled;
-        }
-    }
-    return AutostartStatus::Enabled;
+    return entryStarts(m_entryPath) || entryStarts(m_legacyEntryPath) ? AutostartStatus::Enabled
+                                                                      : AutostartStatus::Disabled;
 }
 
 bool XdgAutostart::enable(QString* error) {
@@ -140,7 +176,7 @@ bool XdgAutostart::enable(QString* error) {
                                  "Name=Lattica\n"
                                  "Comment=Preview displays and move windows from one display to another\n"
                                  "Exec=%1\n"
-                                 "Icon=lattica\n"
+                                 "Icon=app.lattica.Lattica\n"
                                  "Terminal=false\n"
                                  "X-GNOME-Autostart-enabled=true\n")
                                  .arg(command)
@@ -150,17 +186,10 @@ bool XdgAutostart::enable(QString* error) {
         *error = file.errorString();
         return false;
     }
-    return true;
+    // The entry of an earlier version would start a second copy at login.
+    return removeEntry(m_legacyEntryPath, error);
 }
 
 bool XdgAutostart::disable(QString* error) {
-    QFile file(m_entryPath);
-    if (!file.exists()) {
-        return true;
-    }
-    if (!file.remove()) {
-        *error = file.errorString();
-        return false;
-    }
-    return true;
+    return removeEntry(m_entryPath, error) && removeEntry(m_legacyEntryPath, error);
 }

@@ -3,13 +3,17 @@
 #include "platform/Autostart.h"
 
 // Launch at login through an XDG autostart entry. Enabled means the entry exists and is not hidden.
+// Earlier versions wrote the entry under another file name; such an entry still counts, and enabling or
+// disabling removes it, so that the program never starts twice at login.
 class XdgAutostart : public Autostart {
 public:
-    explicit XdgAutostart(QString entryPath);
+    explicit XdgAutostart(QString entryPath, QString legacyEntryPath = {});
 
-    // autostart/lattica.desktop in the configuration folder of the XDG base-directory rules; empty when
-    // there is none.
+    // autostart/app.lattica.Lattica.desktop in the configuration folder of the XDG base-directory rules;
+    // empty when there is none.
     static QString standardPath();
+    // autostart/lattica.desktop, where earlier versions wrote the entry; empty when there is no folder.
+    static QString legacyStandardPath();
 
     // The Exec value that starts the given binary: the bare name "lattica" when that name, looked up
     // in the given PATH, finds this very binary (so that an updated installation keeps starting);
@@ -26,5 +30,9 @@ public:
     QString program() override;
 
 private:
+    // The entry in use: ours when it exists, else the one an earlier version wrote.
+    QString currentEntryPath() const;
+
     QString m_entryPath;
+    QString m_legacyEntryPath;
 };

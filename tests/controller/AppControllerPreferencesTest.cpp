@@ -68,7 +68,7 @@ TEST_F(AppControllerPreferencesTest, ExistingValueOfAnotherTypeCountsAsPresent) 
 TEST_F(AppControllerPreferencesTest, UpdaterFollowsThePreferenceFromConstructionOn) {
     platform.settings.setBool(QStringLiteral("autoCheckForUpdatesOnLaunch"), false);
     AppController controller;
-    Updater* updater = &controller.updater();
+    Updater* updater = controller.updater();
     EXPECT_FALSE(updater->automaticallyChecksForUpdates());
     controller.setAutoCheckForUpdatesEnabled(true);
     EXPECT_TRUE(updater->automaticallyChecksForUpdates());

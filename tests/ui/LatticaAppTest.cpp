@@ -1,7 +1,11 @@
 #include <QCoreApplication>
+#include <QDir>
+#include <QFile>
 #include <QKeyEvent>
 #include <QMenu>
 #include <QPushButton>
+#include <QSet>
+#include <QTemporaryDir>
 #include <QTimer>
 #include <QtMath>
 
@@ -205,7 +209,50 @@ TEST_F(LatticaAppWithoutTray, LaunchSequenceRunsOnceTheEventLoopRuns) {
     windows().permissionWindow()->close();
 }
 
-TEST(ProgramIcon, IsDrawnAtTheSizeTheTrayAsksFor) {
+// Icon themes looked up in a folder of the test's own, restored afterwards.
+class ProgramIcon : public ::testing::Test {
+protected:
+    void SetUp() override {
+        m_savedPaths = QIcon::themeSearchPaths();
+        m_savedTheme = QIcon::themeName();
+        QIcon::setThemeSearchPaths({m_themes.path()});
+        QIcon::setThemeName(QStringLiteral("hicolor"));
+    }
+    void TearDown() override {
+        QIcon::setThemeSearchPaths(m_savedPaths);
+        QIcon::setThemeName(m_savedTheme);
+    }
+
+    // The hicolor theme with the program's icons where the package installs them.
+    bool installIcons() const {
+        const QString theme = m_themes.filePath(QStringLiteral("hicolor"));
+        QFile index(theme + QStringLiteral("/index.theme"));
+        if (!QDir().mkpath(theme + QStringLiteral("/scalable/apps")) ||
+            !QDir().mkpath(theme + QStringLiteral("/symbolic/apps")) || !index.open(QIODevice::WriteOnly)) {
+            return false;
+        }
+        index.write(
+            "[Icon Theme]\nName=Hicolor\nDirectories=scalable/apps,symbolic/apps\n\n"
+            "[scalable/apps]\nSize=128\nMinSize=1\nMaxSize=256\nType=Scalable\n\n"
+            "[symbolic/apps]\nSize=16\nMinSize=8\nMaxSize=512\nType=Scalable\n");
+        index.close();
+        const QString icons = QStringLiteral(LATTICA_SOURCE_DIR "/packaging/icons/");
+        return QFile::copy(icons + QStringLiteral("app.lattica.Lattica.svg"),
+                           theme + QStringLiteral("/scalable/apps/app.lattica.Lattica.svg")) &&
+               QFile::copy(icons + QStringLiteral("app.lattica.Lattica-symbolic.svg"),
+                           theme + QStringLiteral("/symbolic/apps/app.lattica.Lattica-symbolic.svg"));
+    }
+
+private:
+    QTemporaryDir m_themes;
+    QStringList m_savedPaths;
+    QString m_savedTheme;
+};
+
+TEST_F(ProgramIcon, IsDrawnAtTheSizeTheTrayAsksFor) {
+    // No theme has the program's icons: both are the drawn symbol.
+    EXPECT_EQ(LatticaApp::programIcon().name(), QStringLiteral("rectangle.on.rectangle.angled"));
+    EXPECT_EQ(LatticaApp::trayIconImage().name(), QStringLiteral("rectangle.on.rectangle.angled"));
     for (const int size : {16, 22, 24, 48}) {
         const QImage image = LatticaApp::programIcon().pixmap(size, size).toImage();
         ASSERT_EQ(image.size(), QSize(size, size));
@@ -218,6 +265,35 @@ TEST(ProgramIcon, IsDrawnAtTheSizeTheTrayAsksFor) {
         }
         EXPECT_GT(blue, size * size / 8) << size;
     }
+}
+
+TEST_F(ProgramIcon, InstalledIconsComeFromTheThemeAndTheTrayGetsTheMonochromeOne) {
+    ASSERT_TRUE(installIcons());
+    EXPECT_EQ(LatticaApp::programIcon().name(), QStringLiteral("app.lattica.Lattica"));
+    const QIcon tray = LatticaApp::trayIconImage();
+    // The name is what a StatusNotifierItem host is given, and recolours.
+    EXPECT_EQ(tray.name(), QStringLiteral("app.lattica.Lattica-symbolic"));
+    for (const int size : {16, 22, 48}) {
+        const QImage image = tray.pixmap(size, size).toImage();
+        ASSERT_EQ(image.size(), QSize(size, size));
+        QSet<QRgb> colours;
+        int painted = 0;
+        for (int y = 0; y < size; ++y) {
+            for (int x = 0; x < size; ++x) {
+                const QColor colour = image.pixelColor(x, y);
+                if (colour.alpha() == 255) {
+                    colours.insert(colour.rgb());
+                    ++painted;
+                }
+            }
+        }
+        EXPECT_GT(painted, size * size / 4) << size;
+        EXPECT_EQ(colours.size(), 1) << size;
+    }
+    // The full-colour icon is not monochrome: its tile is blue, its monitors white.
+    const QImage full = LatticaApp::programIcon().pixmap(64, 64).toImage();
+    EXPECT_GT(full.pixelColor(32, 8).blue(), 200);
+    EXPECT_LT(full.pixelColor(32, 8).red(), 120);
 }
 
 }  // namespace

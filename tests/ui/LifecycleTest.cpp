@@ -149,7 +149,7 @@ protected:
         qputenv("LATTICA_APPCAST_URL", "http://127.0.0.1:9/appcast.xml");
     }
     void TearDown() override {
-        Updater* updater = &controller().updater();
+        Updater* updater = controller().updater();
         waitUntil([&] { return !updater->sessionInProgress(); });
         qunsetenv("LATTICA_APPCAST_URL");
         Lifecycle::TearDown();
@@ -159,7 +159,7 @@ protected:
 TEST_F(LifecycleUpdates, LaunchChecksForUpdatesInTheBackgroundWhenEnabled) {
     platform.settings.setBool(QStringLiteral("autoCheckForUpdatesOnLaunch"), true);
     makeController();
-    Updater* updater = &controller().updater();
+    Updater* updater = controller().updater();
     QSignalSpy finished(updater, &Updater::checkFinished);
     controller().start();
     ASSERT_TRUE(waitUntil([&] { return finished.count() == 1; }, 10000));
@@ -168,7 +168,7 @@ TEST_F(LifecycleUpdates, LaunchChecksForUpdatesInTheBackgroundWhenEnabled) {
 
 TEST_F(LifecycleUpdates, LaunchLeavesUpdatesAloneWhenDisabled) {
     makeController();
-    Updater* updater = &controller().updater();
+    Updater* updater = controller().updater();
     QSignalSpy finished(updater, &Updater::checkFinished);
     controller().start();
     EXPECT_FALSE(updater->sessionInProgress());

@@ -1,15 +1,29 @@
 #include "app/ui/settings/SettingsSection.h"
 
+#include "BuildConfig.h"
+
+namespace {
+
+// A build without update checks has no updates section.
+QList<SettingsSection> withoutLeftOut(QList<SettingsSection> sections) {
+    if (!BuildConfig::kUpdateCheck) {
+        sections.removeAll(SettingsSection::Updates);
+    }
+    return sections;
+}
+
+}  // namespace
+
 namespace SettingsSections {
 
 QList<SettingsSection> allCases() {
-    return {SettingsSection::Permissions, SettingsSection::Behavior, SettingsSection::Shortcuts,
-            SettingsSection::Updates,     SettingsSection::About,    SettingsSection::Debug};
+    return withoutLeftOut({SettingsSection::Permissions, SettingsSection::Behavior, SettingsSection::Shortcuts,
+                           SettingsSection::Updates, SettingsSection::About, SettingsSection::Debug});
 }
 
 QList<SettingsSection> sidebarSections() {
-    return {SettingsSection::Permissions, SettingsSection::Behavior, SettingsSection::Shortcuts,
-            SettingsSection::Updates, SettingsSection::About};
+    return withoutLeftOut({SettingsSection::Permissions, SettingsSection::Behavior, SettingsSection::Shortcuts,
+                           SettingsSection::Updates, SettingsSection::About});
 }
 
 QString rawValue(SettingsSection section) {

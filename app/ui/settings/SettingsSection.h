@@ -9,7 +9,7 @@ enum class SettingsSection { Permissions, Behavior, Shortcuts, Updates, About, D
 
 namespace SettingsSections {
 
-// Every case, in declared order.
+// Every case this build has, in declared order (a build without update checks has no Updates).
 QList<SettingsSection> allCases();
 // The sections the sidebar lists; "debug" is deliberately not among them.
 QList<SettingsSection> sidebarSections();

@@ -46,7 +46,11 @@ SettingsUpdatesSection::SettingsUpdatesSection(AppController& controller, QWidge
         showValue();
     });
     connect(&m_controller, &AppController::autoCheckForUpdatesEnabledChanged, this, [this] { showValue(); });
-    connect(m_checkButton, &QPushButton::clicked, this, [this] { m_controller.updater().checkForUpdates(); });
+    connect(m_checkButton, &QPushButton::clicked, this, [this] {
+        if (Updater* updater = m_controller.updater()) {
+            updater->checkForUpdates();
+        }
+    });
     showValue();
 }
 

@@ -16,7 +16,15 @@ namespace {
 class XdgAutostartTest : public ::testing::Test {
 protected:
     QTemporaryDir directory;
-    QString entryPath() const { return directory.filePath(QStringLiteral("autostart/lattica.desktop")); }
+    QString entryPath() const { return directory.filePath(QStringLiteral("autostart/app.lattica.Lattica.desktop")); }
+    // Where earlier versions wrote the entry.
+    QString legacyEntryPath() const { return directory.filePath(QStringLiteral("autostart/lattica.desktop")); }
+
+    bool writeLegacyEntry(const QByteArray& contents) const {
+        QDir().mkpath(directory.filePath(QStringLiteral("autostart")));
+        QFile file(legacyEntryPath());
+        return file.open(QIODevice::WriteOnly) && file.write(contents) == contents.size();
+    }
 };
 
 TEST_F(XdgAutostartTest, NoEntryIsNotRegistered) {
@@ -34,6 +42,7 @@ TEST_F(XdgAutostartTest, RegisterWritesAnAutostartEntryAndUnregisterRemovesIt) {
     const QByteArray contents = file.readAll();
     EXPECT_TRUE(contents.startsWith("[Desktop Entry]\n"));
     EXPECT_TRUE(contents.contains("\nExec=\""));
+    EXPECT_TRUE(contents.contains("\nIcon=app.lattica.Lattica\n"));
     ASSERT_TRUE(items.disable(&error));
     EXPECT_EQ(items.status(), AutostartStatus::Disabled);
     EXPECT_FALSE(QFile::exists(entryPath()));
@@ -159,6 +168,49 @@ TEST_F(XdgAutostartTest, UnwritableAutostartFolderGivesTheStatusMessageAndFalse)
     EXPECT_FALSE(controller.launchAtLoginEnabled());
     EXPECT_TRUE(controller.statusMessage().startsWith(QStringLiteral("Unable to update login item: ")));
     EXPECT_GT(controller.statusMessage().size(), QStringLiteral("Unable to update login item: ").size());
+}
+
+TEST_F(XdgAutostartTest, EntryOfAnEarlierVersionStillCountsAsEnabled) {
+    ASSERT_TRUE(writeLegacyEntry("[Desktop Entry]\nType=Application\nExec=/opt/lattica/bin/lattica\n"));
+    XdgAutostart items(entryPath(), legacyEntryPath());
+    EXPECT_EQ(items.status(), AutostartStatus::Enabled);
+    EXPECT_EQ(items.program(), QStringLiteral("/opt/lattica/bin/lattica"));
+    // Without the earlier name to look at, the same folder has no entry.
+    EXPECT_EQ(XdgAutostart(entryPath()).status(), AutostartStatus::Disabled);
+}
+
+TEST_F(XdgAutostartTest, HiddenEntryOfAnEarlierVersionIsNotEnabled) {
+    ASSERT_TRUE(writeLegacyEntry("[Desktop Entry]\nType=Application\nExec=lattica\nHidden=true\n"));
+    XdgAutostart items(entryPath(), legacyEntryPath());
+    EXPECT_EQ(items.status(), AutostartStatus::Disabled);
+}
+
+TEST_F(XdgAutostartTest, EnablingReplacesTheEntryOfAnEarlierVersion) {
+    ASSERT_TRUE(writeLegacyEntry("[Desktop Entry]\nType=Application\nExec=lattica\n"));
+    XdgAutostart items(entryPath(), legacyEntryPath());
+    QString error;
+    ASSERT_TRUE(items.enable(&error)) << qPrintable(error);
+    EXPECT_TRUE(QFile::exists(entryPath()));
+    EXPECT_FALSE(QFile::exists(legacyEntryPath()));
+    EXPECT_EQ(QDir(directory.filePath(QStringLiteral("autostart"))).entryList(QDir::Files).size(), 1);
+    EXPECT_EQ(items.status(), AutostartStatus::Enabled);
+}
+
+TEST_F(XdgAutostartTest, DisablingRemovesTheEntriesUnderBothNames) {
+    ASSERT_TRUE(writeLegacyEntry("[Desktop Entry]\nType=Application\nExec=lattica\n"));
+    XdgAutostart items(entryPath(), legacyEntryPath());
+    QString error;
+    ASSERT_TRUE(items.disable(&error)) << qPrintable(error);
+    EXPECT_FALSE(QFile::exists(legacyEntryPath()));
+    EXPECT_EQ(items.status(), AutostartStatus::Disabled);
+
+    // Both present (an earlier version run again after the new one enabled its entry): both go.
+    ASSERT_TRUE(items.enable(&error)) << qPrintable(error);
+    ASSERT_TRUE(writeLegacyEntry("[Desktop Entry]\nType=Application\nExec=lattica\n"));
+    ASSERT_TRUE(items.disable(&error)) << qPrintable(error);
+    EXPECT_FALSE(QFile::exists(entryPath()));
+    EXPECT_FALSE(QFile::exists(legacyEntryPath()));
+    EXPECT_EQ(items.status(), AutostartStatus::Disabled);
 }
 
 }  // namespace

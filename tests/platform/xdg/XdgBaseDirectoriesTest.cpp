@@ -52,7 +52,8 @@ TEST_F(XdgBaseDirectoriesTest, AbsoluteConfigHomeIsUsed) {
     set("XDG_CONFIG_HOME", QByteArray("/srv/config"));
     EXPECT_EQ(XdgBaseDirectories::configHome(), QStringLiteral("/srv/config"));
     EXPECT_EQ(FileSettingsStore::standardPath(), QStringLiteral("/srv/config/lattica/defaults.json"));
-    EXPECT_EQ(XdgAutostart::standardPath(), QStringLiteral("/srv/config/autostart/lattica.desktop"));
+    EXPECT_EQ(XdgAutostart::standardPath(), QStringLiteral("/srv/config/autostart/app.lattica.Lattica.desktop"));
+    EXPECT_EQ(XdgAutostart::legacyStandardPath(), QStringLiteral("/srv/config/autostart/lattica.desktop"));
 }
 
 TEST_F(XdgBaseDirectoriesTest, RelativeConfigHomeIsIgnored) {
@@ -60,7 +61,9 @@ TEST_F(XdgBaseDirectoriesTest, RelativeConfigHomeIsIgnored) {
     set("XDG_CONFIG_HOME", QByteArray("relative/config"));
     EXPECT_EQ(XdgBaseDirectories::configHome(), QStringLiteral("/home/someone/.config"));
     EXPECT_EQ(FileSettingsStore::standardPath(), QStringLiteral("/home/someone/.config/lattica/defaults.json"));
-    EXPECT_EQ(XdgAutostart::standardPath(), QStringLiteral("/home/someone/.config/autostart/lattica.desktop"));
+    EXPECT_EQ(XdgAutostart::standardPath(),
+              QStringLiteral("/home/someone/.config/autostart/app.lattica.Lattica.desktop"));
+    EXPECT_EQ(XdgAutostart::legacyStandardPath(), QStringLiteral("/home/someone/.config/autostart/lattica.desktop"));
 }
 
 TEST_F(XdgBaseDirectoriesTest, EmptyConfigHomeMeansTheDefault) {

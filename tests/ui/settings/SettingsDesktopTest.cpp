@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <QDir>
 #include <QFile>
 #include <QScreen>
 #include <QTemporaryDir>
@@ -58,7 +59,11 @@ protected:
                                                                 QStringLiteral("_NET_WM_STATE")});
     }
 
-    QString autostartEntry() const { return m_config.path() + QStringLiteral("/autostart/lattica.desktop"); }
+    QString autostartEntry() const {
+        return m_config.path() + QStringLiteral("/autostart/app.lattica.Lattica.desktop");
+    }
+    // The entry as earlier versions named it.
+    QString legacyAutostartEntry() const { return m_config.path() + QStringLiteral("/autostart/lattica.desktop"); }
 
     QTemporaryDir m_config;
     std::unique_ptr<X11Platform> m_platform;
@@ -122,6 +127,29 @@ TEST_F(SettingsDesktopTest, LaunchAtLoginWritesAndRemovesTheAutostartEntry) {
     QTest::mouseClick(behavior->launchAtLoginToggle(), Qt::LeftButton);
     EXPECT_FALSE(QFile::exists(autostartEntry()));
     EXPECT_FALSE(behavior->launchAtLoginToggle()->isChecked());
+}
+
+TEST_F(SettingsDesktopTest, LaunchAtLoginSetByAnEarlierVersionStaysOnAndIsReplacedNotDuplicated) {
+    ASSERT_TRUE(QDir().mkpath(m_config.path() + QStringLiteral("/autostart")));
+    QFile legacy(legacyAutostartEntry());
+    ASSERT_TRUE(legacy.open(QIODevice::WriteOnly));
+    legacy.write("[Desktop Entry]\nType=Application\nName=Lattica\nExec=lattica\nIcon=lattica\n");
+    legacy.close();
+
+    SettingsView& settings = showSettings();
+    settings.setSelectedSection(SettingsSection::Behavior);
+    auto* behavior = settings.findChild<SettingsBehaviorSection*>();
+    ASSERT_NE(behavior, nullptr);
+    EXPECT_TRUE(m_controller->launchAtLoginEnabled());
+    EXPECT_TRUE(behavior->launchAtLoginToggle()->isChecked());
+
+    // Off removes the earlier entry; on again writes only the new one.
+    QTest::mouseClick(behavior->launchAtLoginToggle(), Qt::LeftButton);
+    EXPECT_FALSE(QFile::exists(legacyAutostartEntry()));
+    EXPECT_FALSE(behavior->launchAtLoginToggle()->isChecked());
+    QTest::mouseClick(behavior->launchAtLoginToggle(), Qt::LeftButton);
+    EXPECT_TRUE(QFile::exists(autostartEntry()));
+    EXPECT_FALSE(QFile::exists(legacyAutostartEntry()));
 }
 
 TEST_F(SettingsDesktopTest, SettingsWindowHostsTheViewAtItsSizeAndIsReused) {

@@ -25,11 +25,11 @@ protected:
     SettingsUpdatesSection* updates() {
         makeView();
         // Shows the checks the section starts, as the program's window presenter does.
-        presenter = std::make_unique<UpdatePresenter>(controller->updater());
+        presenter = std::make_unique<UpdatePresenter>(*controller->updater());
         view->setSelectedSection(SettingsSection::Updates);
         return view->findChild<SettingsUpdatesSection*>();
     }
-    Updater* updater() { return &controller->updater(); }
+    Updater* updater() { return controller->updater(); }
 
     std::unique_ptr<UpdatePresenter> presenter;
 };

@@ -1,0 +1,31 @@
+# `cpack -G DEB` in the build folder makes lattica_VERSION-BUILD_ARCH.deb from what `cmake --install` installs.
+set(CPACK_PACKAGE_NAME lattica)
+set(CPACK_PACKAGE_VENDOR "The Lattica developers")
+set(CPACK_PACKAGE_CONTACT "The Lattica developers <${LATTICA_SUPPORT_EMAIL}>")
+set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
+set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "preview your monitors and move windows between them")
+set(CPACK_PACKAGE_HOMEPAGE_URL ${LATTICA_PROJECT_URL})
+set(CPACK_RESOURCE_FILE_LICENSE ${PROJECT_SOURCE_DIR}/LICENSE)
+set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
+set(CPACK_STRIP_FILES ON)
+set(CPACK_GENERATOR DEB)
+
+set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_RELEASE ${LATTICA_BUILD_NUMBER})
+set(CPACK_DEBIAN_PACKAGE_SECTION x11)
+set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
+set(CPACK_DEBIAN_PACKAGE_DESCRIPTION "${CPACK_PACKAGE_DESCRIPTION_SUMMARY}
+Lattica is a tray utility for people who work with several monitors. Its panel
+shows one card per monitor with a live preview, the number of visible windows
+and the applications that have windows there; from a card, all windows of the
+monitor, or those of one application, move to another monitor. Each monitor
+can have a global keyboard shortcut that moves the focused window to it. The
+same moves are available from the command line and over D-Bus.
+.
+Lattica works on X11 desktops with an EWMH window manager.")
+# The libraries the program links are found by dpkg-shlibdeps. Plugins that Qt loads at run time are not
+# linked, so they are named here: the SVG icon engine draws the installed icons.
+set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_DEPENDS "libqt6svg6")
+
+include(CPack)

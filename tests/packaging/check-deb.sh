@@ -1,0 +1,76 @@
+#!/usr/bin/env bash
+# Builds the Debian package from a build folder whose targets are built and checks it: the control fields,
+# dependencies found by dpkg-shlibdeps rather than written by hand, every installed file, and that the
+# packaged program runs. Usage: check-deb.sh BUILD_DIR. Exits 77 (skipped) without dpkg-deb.
+set -euo pipefail
+BUILD_DIR=$1
+for tool in dpkg-deb dpkg-shlibdeps cpack; do
+    command -v "$tool" >/dev/null || { echo "check-deb: $tool is missing (Debian packages dpkg-dev, cmake)"; exit 77; }
+done
+
+WORK=$(mktemp -d /tmp/lattica-deb.XXXXXX)
+trap 'rm -rf "$WORK"' EXIT
+failures=0
+fail() {
+    echo "check-deb: $*"
+    failures=$((failures + 1))
+}
+
+if ! cpack --config "$BUILD_DIR/CPackConfig.cmake" -G DEB -B "$WORK" >"$WORK/cpack.log" 2>&1; then
+    cat "$WORK/cpack.log"
+    echo "check-deb: cpack failed"
+    exit 1
+fi
+debs=("$WORK"/lattica_*.deb)
+[ -f "${debs[0]}" ] || { ls -l "$WORK"; echo "check-deb: no lattica_*.deb was made"; exit 1; }
+deb=${debs[0]}
+echo "check-deb: made $(basename "$deb")"
+
+field() { dpkg-deb -f "$deb" "$1"; }
+[ "$(field Package)" = lattica ] || fail "Package is '$(field Package)'"
+[[ "$(field Version)" =~ ^[0-9]+\.[0-9]+\.[0-9]+-[0-9]+$ ]] || fail "Version is '$(field Version)'"
+[ "$(field Architecture)" = "$(dpkg --print-architecture)" ] || fail "Architecture is '$(field Architecture)'"
+[ -n "$(field Maintainer)" ] || fail "there is no Maintainer"
+[ -n "$(field Description)" ] || fail "there is no Description"
+[ -n "$(field Homepage)" ] || fail "there is no Homepage"
+
+# Depends: the libraries the binary links, each with the version dpkg-shlibdeps worked out, and the SVG
+# icon engine, which Qt loads at run time.
+depends=$(field Depends)
+echo "check-deb: Depends: $depends"
+listed() { [[ ", $depends," == *", $1 "* || ", $depends," == *", $1,"* ]]; }
+for library in libc6 libstdc++6 libqt6core6 libqt6gui6 libqt6widgets6 libqt6dbus6 libqt6network6 libxcb1 \
+    libxcb-randr0 libxkbcommon0 libqt6svg6; do
+    listed "$library" || fail "Depends lacks $library"
+done
+# The versions come from the symbols the binary uses, so nobody wrote them.
+for library in libc6 libqt6core6 libqt6widgets6; do
+    [[ ", $depends," == *", $library (>= "[0-9]* ]] || fail "Depends has no computed version of $library"
+done
+
+contents=$(dpkg-deb -c "$deb" | awk '{ print $NF }')
+for path in \
+    ./usr/bin/lattica \
+    ./usr/share/applications/app.lattica.Lattica.desktop \
+    ./usr/share/metainfo/app.lattica.Lattica.metainfo.xml \
+    ./usr/share/icons/hicolor/scalable/apps/app.lattica.Lattica.svg \
+    ./usr/share/icons/hicolor/symbolic/apps/app.lattica.Lattica-symbolic.svg \
+    ./usr/share/man/man1/lattica.1.gz \
+    ./usr/share/bash-completion/completions/lattica \
+    ./usr/share/dbus-1/interfaces/app.lattica.Lattica1.xml \
+    ./usr/share/doc/lattica/copyright; do
+    grep -qxF "$path" <<<"$contents" || fail "the package lacks $path"
+done
+
+# The packaged program is stripped and still answers.
+dpkg-deb -x "$deb" "$WORK/root"
+version=$("$WORK/root/usr/bin/lattica" --version) || fail "the packaged lattica --version failed"
+[[ $version == "Lattica "* ]] || fail "the packaged lattica --version printed '$version'"
+file "$WORK/root/usr/bin/lattica" 2>/dev/null | grep -q "not stripped" && fail "the packaged binary is not stripped"
+zcat "$WORK/root/usr/share/man/man1/lattica.1.gz" | grep -q '^\.SH DESCRIPTION' || fail "the manual page has no DESCRIPTION"
+
+if ((failures > 0)); then
+    echo "check-deb: $failures problem(s)"
+    exit 1
+fi
+echo "check-deb: the package has every file and computed dependencies"
