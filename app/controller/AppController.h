@@ -34,6 +34,7 @@ class AppController : public QObject {
     Q_PROPERTY(bool launchAtLoginEnabled READ launchAtLoginEnabled NOTIFY launchAtLoginEnabledChanged)
     Q_PROPERTY(bool dockIconVisible READ dockIconVisible NOTIFY dockIconVisibleChanged)
     Q_PROPERTY(bool autoCheckForUpdatesEnabled READ autoCheckForUpdatesEnabled NOTIFY autoCheckForUpdatesEnabledChanged)
+    Q_PROPERTY(QString unsavedPreferencesNotice READ unsavedPreferencesNotice NOTIFY unsavedPreferencesNoticeChanged)
     Q_PROPERTY(bool adjustWindowSizeToTargetScreen READ adjustWindowSizeToTargetScreen WRITE
                    setAdjustWindowSizeToTargetScreen NOTIFY adjustWindowSizeToTargetScreenChanged)
 
@@ -54,6 +55,8 @@ public:
     bool dockIconVisible() const { return m_dockIconVisible; }
     bool autoCheckForUpdatesEnabled() const { return m_autoCheckForUpdatesEnabled; }
     bool adjustWindowSizeToTargetScreen() const { return m_adjustWindowSizeToTargetScreen; }
+    // Said once when a change the user made could not be stored; empty while everything is stored.
+    const QString& unsavedPreferencesNotice() const { return m_unsavedPreferencesNotice; }
     const QList<ShortcutDisplayItem>& connectedShortcutDisplays() const { return m_connectedShortcutDisplays; }
     const QList<ShortcutDisplayItem>& disconnectedShortcutDisplays() const { return m_disconnectedShortcutDisplays; }
 
@@ -117,6 +120,7 @@ Q_SIGNALS:
     void dockIconVisibleChanged();
     void autoCheckForUpdatesEnabledChanged();
     void adjustWindowSizeToTargetScreenChanged();
+    void unsavedPreferencesNoticeChanged();
     void connectedShortcutDisplaysChanged();
     void disconnectedShortcutDisplaysChanged();
     // The launch found a permission missing: the guide should be shown.
@@ -138,6 +142,9 @@ private:
     void setDisplays(const QList<DisplaySnapshot>& displays);
     void setIsLoadingPreviews(bool loading);
     void applyCapturedSnapshots(const QList<DisplaySnapshot>& snapshots, const QUuid& token);
+    // After a write of the preferences: a user's change that was not stored raises the notice, any
+    // successful write clears it.
+    void reviewPreferencesWrite(bool userChange);
 
     // Published properties.
     PermissionState m_permissionState;
@@ -148,6 +155,7 @@ private:
     bool m_dockIconVisible = false;
     bool m_autoCheckForUpdatesEnabled = true;
     bool m_adjustWindowSizeToTargetScreen = false;
+    QString m_unsavedPreferencesNotice;
     QList<ShortcutDisplayItem> m_connectedShortcutDisplays;
     QList<ShortcutDisplayItem> m_disconnectedShortcutDisplays;
 
