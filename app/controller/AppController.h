@@ -74,6 +74,9 @@ public:
     // Display refresh cycle.
     void refreshPermissions();
     void refreshForMenuOpen();
+    // Whether a view shows the preview pictures (the panel is open). While none does, the pictures are let
+    // go, and captures (a move's refresh, one still running) keep none: the next opening takes new ones.
+    void setPreviewsShown(bool shown);
 
     // Move commands; each reports its outcome in statusMessage.
     void moveWindows(const DisplaySnapshot& source, const DisplaySnapshot& destination);
@@ -167,5 +170,6 @@ private:
     Preferences m_preferences;
     DisplayShortcuts m_displayShortcuts;
     QUuid m_previewLoadID;
+    bool m_previewsShown = true;
     QMetaObject::Connection m_monitorsObserver;
 };
