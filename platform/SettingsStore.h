@@ -25,6 +25,9 @@ public:
     virtual void remove(const QString& key) = 0;
     // Every key that holds a value.
     virtual QStringList keys() const = 0;
+    // Why the values last changed did not reach storage (a read-only folder, a full disk), in words for the
+    // user; empty once a write has succeeded. The values stay in memory either way.
+    virtual QString writeFailure() const { return {}; }
 
     bool contains(const QString& key) const { return value(key).has_value(); }
 

@@ -58,6 +58,9 @@ AppController::AppController(KeyboardShortcuts::ActionShortcuts* shortcuts, std:
     m_displayShortcuts.load();
     connect(&m_displayShortcuts, &DisplayShortcuts::moveRequested, this, &AppController::moveFocusedWindow);
     refreshShortcutDisplays();
+    // A recorded shortcut is a change of the preferences too.
+    connect(&m_shortcuts, &KeyboardShortcuts::ActionShortcuts::shortcutChanged, this,
+            [this] { reviewPreferencesWrite(true); });
 
     // 10. A display configuration change rebuilds only the shortcut lists.
     QPointer<AppController> weakSelf(this);
@@ -83,6 +86,25 @@ void AppController::setStatusMessage(const QString& message) {
 void AppController::setAdjustWindowSizeToTargetScreen(bool adjust) {
     publish(m_adjustWindowSizeToTargetScreen, adjust, &AppController::adjustWindowSizeToTargetScreenChanged);
     m_preferences.setAdjustWindowSize(adjust);
+    reviewPreferencesWrite(true);
+}
+
+void AppController::reviewPreferencesWrite(bool userChange) {
+    const QString failure = m_preferences.writeFailure();
+    QString notice;
+    if (!failure.isEmpty()) {
+        if (!userChange && m_unsavedPreferencesNotice.isEmpty()) {
+            return;  // nothing the user changed is at stake
+        }
+        notice = QStringLiteral(
+                     "Your changes could not be saved: %1. They stay in effect until Lattica quits, and "
+                     "saving is tried again with your next change.")
+                     .arg(failure);
+    }
+    // The same notice again is not news: it is shown once, until a write succeeds.
+    if (notice.isEmpty() != m_unsavedPreferencesNotice.isEmpty()) {
+        publish(m_unsavedPreferencesNotice, notice, &AppController::unsavedPreferencesNoticeChanged);
+    }
 }
 
 void AppController::setPermissionState(const PermissionState& state) {
@@ -100,12 +122,14 @@ void AppController::setIsLoadingPreviews(bool loading) {
 void AppController::setDockIconVisible(bool visible) {
     publish(m_dockIconVisible, visible, &AppController::dockIconVisibleChanged);
     m_preferences.setTaskbarIconVisible(visible);
+    reviewPreferencesWrite(true);
     Platform::services().taskbarPresence->setShownInTaskbar(m_dockIconVisible);
 }
 
 void AppController::setAutoCheckForUpdatesEnabled(bool enabled) {
     publish(m_autoCheckForUpdatesEnabled, enabled, &AppController::autoCheckForUpdatesEnabledChanged);
     m_preferences.setAutoCheckForUpdates(enabled);
+    reviewPreferencesWrite(true);
     if (m_updater) {
         m_updater->setAutomaticallyChecksForUpdates(enabled);
     }

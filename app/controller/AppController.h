@@ -34,6 +34,7 @@ class AppController : public QObject {
     Q_PROPERTY(bool launchAtLoginEnabled READ launchAtLoginEnabled NOTIFY launchAtLoginEnabledChanged)
     Q_PROPERTY(bool dockIconVisible READ dockIconVisible NOTIFY dockIconVisibleChanged)
     Q_PROPERTY(bool autoCheckForUpdatesEnabled READ autoCheckForUpdatesEnabled NOTIFY autoCheckForUpdatesEnabledChanged)
+    Q_PROPERTY(QString unsavedPreferencesNotice READ unsavedPreferencesNotice NOTIFY unsavedPreferencesNoticeChanged)
     Q_PROPERTY(bool adjustWindowSizeToTargetScreen READ adjustWindowSizeToTargetScreen WRITE
                    setAdjustWindowSizeToTargetScreen NOTIFY adjustWindowSizeToTargetScreenChanged)
 
@@ -56,6 +57,8 @@ public:
     bool dockIconVisible() const { return m_dockIconVisible; }
     bool autoCheckForUpdatesEnabled() const { return m_autoCheckForUpdatesEnabled; }
     bool adjustWindowSizeToTargetScreen() const { return m_adjustWindowSizeToTargetScreen; }
+    // Said once when a change the user made could not be stored; empty while everything is stored.
+    const QString& unsavedPreferencesNotice() const { return m_unsavedPreferencesNotice; }
     const QList<ShortcutDisplayItem>& connectedShortcutDisplays() const { return m_connectedShortcutDisplays; }
     const QList<ShortcutDisplayItem>& disconnectedShortcutDisplays() const { return m_disconnectedShortcutDisplays; }
 
@@ -73,6 +76,9 @@ public:
     // Display refresh cycle.
     void refreshPermissions();
     void refreshForMenuOpen();
+    // Whether a view shows the preview pictures (the panel is open). While none does, the pictures are let
+    // go, and captures (a move's refresh, one still running) keep none: the next opening takes new ones.
+    void setPreviewsShown(bool shown);
 
     // Move commands; each reports its outcome in statusMessage.
     void moveWindows(const DisplaySnapshot& source, const DisplaySnapshot& destination);
@@ -120,6 +126,7 @@ Q_SIGNALS:
     void dockIconVisibleChanged();
     void autoCheckForUpdatesEnabledChanged();
     void adjustWindowSizeToTargetScreenChanged();
+    void unsavedPreferencesNoticeChanged();
     void connectedShortcutDisplaysChanged();
     void disconnectedShortcutDisplaysChanged();
     // The launch found a permission missing: the guide should be shown.
@@ -142,6 +149,9 @@ private:
     void setDisplays(const QList<DisplaySnapshot>& displays);
     void setIsLoadingPreviews(bool loading);
     void applyCapturedSnapshots(const QList<DisplaySnapshot>& snapshots, const QUuid& token);
+    // After a write of the preferences: a user's change that was not stored raises the notice, any
+    // successful write clears it.
+    void reviewPreferencesWrite(bool userChange);
 
     // Published properties.
     PermissionState m_permissionState;
@@ -152,6 +162,7 @@ private:
     bool m_dockIconVisible = false;
     bool m_autoCheckForUpdatesEnabled = true;
     bool m_adjustWindowSizeToTargetScreen = false;
+    QString m_unsavedPreferencesNotice;
     QList<ShortcutDisplayItem> m_connectedShortcutDisplays;
     QList<ShortcutDisplayItem> m_disconnectedShortcutDisplays;
 
@@ -163,5 +174,6 @@ private:
     Preferences m_preferences;
     DisplayShortcuts m_displayShortcuts;
     QUuid m_previewLoadID;
+    bool m_previewsShown = true;
     QMetaObject::Connection m_monitorsObserver;
 };

@@ -1,9 +1,21 @@
 #include <QCoreApplication>
 #include <QThreadPool>
+#include <algorithm>
 
 #include "app/controller/AppController.h"
 #include "app/displays/ScreenSnapshotService.h"
 #include "app/permissions/PermissionService.h"
+
+namespace {
+
+QList<DisplaySnapshot> withoutPreviews(QList<DisplaySnapshot> displays) {
+    for (DisplaySnapshot& display : displays) {
+        display.previewImage.reset();
+    }
+    return displays;
+}
+
+}  // namespace
 
 void AppController::refreshPermissions() {
     setPermissionState(PermissionService::currentState());
@@ -65,6 +77,22 @@ void AppController::applyCapturedSnapshots(const QList<DisplaySnapshot>& snapsho
     if (m_previewLoadID != token) {
         return;
     }
-    setDisplays(snapshots);
+    if (m_previewsShown) {
+        setDisplays(snapshots);
+    } else {
+        setDisplays(withoutPreviews(snapshots));
+    }
     setIsLoadingPreviews(false);
+}
+
+void AppController::setPreviewsShown(bool shown) {
+    m_previewsShown = shown;
+    if (shown) {
+        return;
+    }
+    const bool holdsPictures = std::any_of(m_displays.cbegin(), m_displays.cend(),
+                                           [](const DisplaySnapshot& display) { return display.previewImage; });
+    if (holdsPictures) {
+        setDisplays(withoutPreviews(m_displays));
+    }
 }

@@ -11,6 +11,7 @@ void AppController::refreshShortcutDisplays() {
             &AppController::connectedShortcutDisplaysChanged);
     publish(m_disconnectedShortcutDisplays, m_displayShortcuts.disconnected(),
             &AppController::disconnectedShortcutDisplaysChanged);
+    reviewPreferencesWrite(false);
 }
 
 bool AppController::hasAssignedDisplayShortcuts() const {
@@ -20,5 +21,6 @@ bool AppController::hasAssignedDisplayShortcuts() const {
 void AppController::deleteDisconnectedShortcutDisplay(const QString& persistentID) {
     if (m_displayShortcuts.forgetDisconnected(persistentID)) {
         refreshShortcutDisplays();
+        reviewPreferencesWrite(true);
     }
 }

@@ -45,3 +45,7 @@ std::optional<QByteArray> Preferences::shortcutDisplayRecords() const {
 void Preferences::setShortcutDisplayRecords(const QByteArray& encoded) {
     m_store.setData(shortcutDisplayRecordsKey, encoded);
 }
+
+QString Preferences::writeFailure() const {
+    return m_store.writeFailure();
+}

@@ -31,6 +31,10 @@ public:
     std::optional<QByteArray> shortcutDisplayRecords() const;
     void setShortcutDisplayRecords(const QByteArray& encoded);
 
+    // Why the last change is not stored (a read-only folder, a full disk); empty once a write succeeds.
+    // The changed values stay in effect in memory, and the next change writes them all again.
+    QString writeFailure() const;
+
     SettingsStore& store() const { return m_store; }
 
 private:

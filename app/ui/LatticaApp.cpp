@@ -49,6 +49,8 @@ void LatticaApp::start() {
 
     connect(&m_controller, &AppController::permissionStateChanged, this, &LatticaApp::resizePanel);
     connect(&m_controller, &AppController::displaysChanged, this, &LatticaApp::resizePanel);
+    // Until the panel opens nothing shows previews, so a move's refresh keeps no pictures.
+    m_controller.setPreviewsShown(false);
 
     if (m_trayHost) {
         connect(m_trayHost, &TrayHost::availabilityChanged, this, [this](bool available) {
@@ -152,6 +154,7 @@ void LatticaApp::openPanel() {
     ensurePanel(true);
     m_anchorIcon = m_trayIcon ? m_trayIcon->geometry() : QRect();
     m_anchorPointer = QCursor::pos();
+    m_controller.setPreviewsShown(true);
     m_controller.refreshForMenuOpen();
     resizePanel();
     if (m_panelIsPopup) {
@@ -180,6 +183,11 @@ void LatticaApp::togglePanel() {
 
 bool LatticaApp::eventFilter(QObject* watched, QEvent* event) {
     if (m_panel && watched == m_panel.get()) {
+        // However the panel went (Escape, a click outside, a move), its pictures are not needed until the
+        // next opening takes new ones.
+        if (event->type() == QEvent::Hide) {
+            m_controller.setPreviewsShown(false);
+        }
         if (event->type() == QEvent::KeyPress && static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape) {
             closePanel();
             return true;

@@ -14,9 +14,13 @@ public:
     void setValue(const QString& key, const SettingValue& value) override { m_values.insert(key, value); }
     void remove(const QString& key) override { m_values.remove(key); }
     QStringList keys() const override { return m_values.keys(); }
+    QString writeFailure() const override { return m_writeFailure; }
 
     void clear() { m_values.clear(); }
+    // Every later write is reported as failing for this reason (values are still kept); empty: writes succeed.
+    void setWriteFailure(const QString& reason) { m_writeFailure = reason; }
 
 private:
     QMap<QString, SettingValue> m_values;
+    QString m_writeFailure;
 };

@@ -5,15 +5,12 @@
 #include <sys/shm.h>
 #include <xcb/shm.h>
 
-#include <QList>
+#include <QAtomicInt>
 #include <cstdlib>
 #include <cstring>
 #include <optional>
 
 namespace {
-
-// Segments kept for reuse once their pictures are gone; more would only hold memory.
-constexpr qsizetype kMaxIdleSegments = 4;
 
 struct Segment {
     xcb_shm_seg_t id = 0;
@@ -36,41 +33,28 @@ int bitsPerPixel(xcb_connection_t* connection, uint8_t depth) {
 
 // The shared-memory segments of one connection. A picture holds its segment until the image is
 // destroyed, then hands it back here, which may happen on any thread and after the capture is gone.
+// A segment handed back is let go at once: pictures are taken only when the panel opens, and a full
+// set of them is tens of megabytes that an idle program should not keep.
 class X11Capture::SegmentPool {
 public:
     explicit SegmentPool(xcb_connection_t* connection) : m_connection(connection) {}
 
     // A segment of at least the size, attached to the server; nothing when shared memory fails.
-    std::optional<Segment> take(size_t size) {
-        {
-            QMutexLocker lock(&m_mutex);
-            for (qsizetype i = 0; i < m_idle.size(); ++i) {
-                if (m_idle[i].size >= size) {
-                    return m_idle.takeAt(i);
-                }
-            }
-        }
-        return create(size);
-    }
+    std::optional<Segment> take(size_t size) { return create(size); }
 
     void give(const Segment& segment) {
         QMutexLocker lock(&m_mutex);
-        if (m_connection == nullptr || m_idle.size() >= kMaxIdleSegments) {
-            destroy(segment);
-            return;
-        }
-        m_idle.append(segment);
+        destroy(segment);
     }
 
-    // The connection is about to close: let go of every idle segment and of the connection.
+    // The connection is about to close: segments handed back later are only detached from this process.
     void close() {
         QMutexLocker lock(&m_mutex);
-        for (const Segment& segment : m_idle) {
-            destroy(segment);
-        }
-        m_idle.clear();
         m_connection = nullptr;
     }
+
+    // Segments attached and not yet handed back, across every pool.
+    static int attachedCount() { return s_attached.loadRelaxed(); }
 
 private:
     std::optional<Segment> create(size_t size) {
@@ -101,6 +85,7 @@ private:
             shmdt(address);
             return std::nullopt;
         }
+        s_attached.ref();
         return segment;
     }
 
@@ -110,11 +95,12 @@ private:
             xcb_flush(m_connection);
         }
         shmdt(segment.address);
+        s_attached.deref();
     }
 
+    static inline QAtomicInt s_attached;
     QMutex m_mutex;
     xcb_connection_t* m_connection;
-    QList<Segment> m_idle;
 };
 
 namespace {
@@ -177,6 +163,10 @@ bool X11Capture::ensureConnected() {
     }
     m_pool = std::make_shared<SegmentPool>(m_connection);
     return m_screen != nullptr;
+}
+
+int X11Capture::attachedSegments() {
+    return SegmentPool::attachedCount();
 }
 
 bool X11Capture::hasSharedMemory() {

@@ -9,7 +9,7 @@
 
 // Takes pictures of parts of the root window on a connection of its own, so that it can run on a
 // background thread while the main thread uses the shared connection. Pictures come through MIT-SHM
-// straight into shared memory that the returned image keeps (no copy), or through plain GetImage
+// straight into shared memory that the returned image keeps (no copy) and lets go with it, or through plain GetImage
 // when shared memory is unavailable.
 class X11Capture {
 public:
@@ -25,6 +25,9 @@ public:
     QImage capture(const QRect& rootRect, Method method = Method::Automatic);
     // Whether the server offers shared-memory pictures to this process (connects when needed).
     bool hasSharedMemory();
+    // Shared-memory segments this process holds for pictures still alive, over every capture object.
+    // Nothing else keeps one: a segment goes when its picture goes.
+    static int attachedSegments();
 
     class SegmentPool;
 

@@ -14,6 +14,8 @@
 
 namespace {
 
+const char* const kNoFolder = "there is no folder for the preferences (neither HOME nor XDG_CONFIG_HOME names one)";
+
 std::optional<SettingValue> decodeValue(const QJsonValue& stored) {
     if (!stored.isObject() || stored.toObject().size() != 1) {
         return std::nullopt;
@@ -71,10 +73,8 @@ QString FileSettingsStore::standardPath() {
 
 void FileSettingsStore::load() {
     if (m_path.isEmpty()) {
-        std::fputs(
-            "Lattica: no folder for the preferences (neither HOME nor XDG_CONFIG_HOME names one); "
-            "changes are kept until the program ends\n",
-            stderr);
+        m_writeFailure = QString::fromLatin1(kNoFolder);
+        std::fprintf(stderr, "Lattica: %s; changes are kept until the program ends\n", kNoFolder);
         return;
     }
     QFile file(m_path);
@@ -142,15 +142,40 @@ void FileSettingsStore::keepDamagedFile(const QString& reason) {
 }
 
 void FileSettingsStore::save() {
+    QString failure;
     if (m_path.isEmpty()) {
-        return;
+        failure = QString::fromLatin1(kNoFolder);
+    } else {
+        QDir().mkpath(QFileInfo(m_path).absolutePath());
+        // QSaveFile writes a new file and renames it over the old one only when every byte is written,
+        // so a failure here never leaves a shortened or empty preferences file.
+        QSaveFile file(m_path);
+        const QByteArray contents = encode(m_values);
+        // Unbuffered, so that write() reports what reached the file: a buffered write succeeds in full and a
+        // later flush that stops part-way is not reported at all.
+        if (!file.open(QIODevice::WriteOnly | QIODevice::Unbuffered)) {
+            failure = file.errorString();
+        } else if (const qint64 written = file.write(contents); written != contents.size()) {
+            // A full disk may take part of the bytes and report no error: a short file must never
+            // replace the whole one.
+            failure = written < 0 || file.error() != QFileDevice::NoError
+                          ? file.errorString()
+                          : QStringLiteral("only %1 of %2 bytes could be written").arg(written).arg(contents.size());
+            file.cancelWriting();
+        } else if (!file.commit()) {
+            failure = file.errorString();
+        }
+        if (!failure.isEmpty()) {
+            failure = QStringLiteral("cannot write %1: %2").arg(m_path, failure);
+        }
     }
-    QDir().mkpath(QFileInfo(m_path).absolutePath());
-    QSaveFile file(m_path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(encode(m_values)) < 0 || !file.commit()) {
-        std::fprintf(stderr, "Lattica: cannot write the preferences to %s: %s\n", qPrintable(m_path),
-                     qPrintable(file.errorString()));
+    // One line when writing starts to fail and one when it works again, not one per change.
+    if (!failure.isEmpty() && m_writeFailure.isEmpty()) {
+        std::fprintf(stderr, "Lattica: the preferences are not saved: %s\n", qPrintable(failure));
+    } else if (failure.isEmpty() && !m_writeFailure.isEmpty()) {
+        std::fprintf(stderr, "Lattica: the preferences are saved again in %s\n", qPrintable(m_path));
     }
+    m_writeFailure = failure;
 }
 
 std::optional<SettingValue> FileSettingsStore::value(const QString& key) const {

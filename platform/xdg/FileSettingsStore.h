@@ -8,6 +8,8 @@
 // {"bool": true}, {"integer": 3}, {"string": "text"}, {"data": "<base64>"}.
 // Every change rewrites the file atomically (a new file renamed over the old one).
 // A file that cannot be read is kept beside the store as "<name>.corrupt-<time>", never overwritten.
+// A write that fails (read-only folder, full disk) leaves the file as it was and the values in memory;
+// the next change writes them all again.
 class FileSettingsStore : public SettingsStore {
 public:
     // An empty path keeps the values in memory only.
@@ -32,6 +34,7 @@ public:
     void setValue(const QString& key, const SettingValue& value) override;
     void remove(const QString& key) override;
     QStringList keys() const override;
+    QString writeFailure() const override { return m_writeFailure; }
 
 private:
     void load();
@@ -40,4 +43,5 @@ private:
 
     QString m_path;
     QMap<QString, SettingValue> m_values;
+    QString m_writeFailure;
 };

@@ -46,6 +46,31 @@ TEST_F(AppControllerPreferencesTest, StartAsksForTheGuideOnlyWhenAPermissionIsMi
     EXPECT_EQ(guide.count(), 1) << "both granted: no guide";
 }
 
+TEST_F(AppControllerPreferencesTest, AChangeThatCannotBeSavedIsKeptAndAnnouncedOnceUntilAWriteSucceeds) {
+    AppController controller;
+    QSignalSpy notice(&controller, &AppController::unsavedPreferencesNoticeChanged);
+    platform.settings.setWriteFailure(QStringLiteral("cannot write /config/lattica/defaults.json: Permission denied"));
+    // A write of the program's own (the remembered displays) is no change of the user's.
+    controller.refreshShortcutDisplays();
+    EXPECT_TRUE(controller.unsavedPreferencesNotice().isEmpty());
+
+    controller.setDockIconVisible(true);
+    EXPECT_TRUE(controller.dockIconVisible());
+    EXPECT_EQ(notice.count(), 1);
+    EXPECT_TRUE(controller.unsavedPreferencesNotice().contains(QStringLiteral("Permission denied")))
+        << qPrintable(controller.unsavedPreferencesNotice());
+    controller.setAdjustWindowSizeToTargetScreen(true);
+    controller.setAutoCheckForUpdatesEnabled(false);
+    EXPECT_EQ(notice.count(), 1) << "told once, not at every change";
+    EXPECT_TRUE(controller.adjustWindowSizeToTargetScreen());
+    EXPECT_FALSE(controller.autoCheckForUpdatesEnabled());
+
+    platform.settings.setWriteFailure({});
+    controller.setAdjustWindowSizeToTargetScreen(false);
+    EXPECT_TRUE(controller.unsavedPreferencesNotice().isEmpty());
+    EXPECT_EQ(notice.count(), 2);
+}
+
 TEST_F(AppControllerPreferencesTest, StoredFalseForUpdateChecksSurvivesARestart) {
     {
         AppController first;

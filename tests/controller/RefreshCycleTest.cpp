@@ -1,4 +1,5 @@
 #include <QThreadPool>
+#include <algorithm>
 #include <utility>
 
 #include "tests/controller/ControllerFixture.h"
@@ -188,6 +189,43 @@ TEST_F(RefreshCycle, CaptureFinishingAfterControllerIsGoneIsDiscarded) {
     // The capture ran to its end; its hand-over found no controller and did nothing.
     EXPECT_EQ(platform.windowList.queryCount(), 1);
     EXPECT_EQ(platform.monitors.captureCount(), 2);
+}
+
+}  // namespace
+
+namespace {
+
+bool holdsPictures(const QList<DisplaySnapshot>& displays) {
+    return std::any_of(displays.cbegin(), displays.cend(),
+                       [](const DisplaySnapshot& display) { return display.previewImage.has_value(); });
+}
+
+TEST_F(RefreshCycle, ClosingThePanelLetsThePicturesGoAndKeepsTheCounts) {
+    controller().refreshForMenuOpen();
+    ASSERT_TRUE(waitUntil([&] { return captured(controller().displays()); }));
+    ASSERT_TRUE(holdsPictures(controller().displays()));
+
+    controller().setPreviewsShown(false);
+    EXPECT_FALSE(holdsPictures(controller().displays()));
+    ASSERT_EQ(controller().displays().size(), 2);
+    EXPECT_TRUE(controller().displays()[0].visibleWindowCount.has_value());
+
+    // The next opening takes new pictures.
+    controller().setPreviewsShown(true);
+    controller().refreshForMenuOpen();
+    ASSERT_TRUE(waitUntil([&] { return captured(controller().displays()); }));
+    EXPECT_TRUE(holdsPictures(controller().displays()));
+}
+
+TEST_F(RefreshCycle, ACaptureThatEndsAfterThePanelClosedKeepsNoPictures) {
+    holdNextCapture();
+    controller().refreshForMenuOpen();
+    ASSERT_TRUE(heldCaptureStarted());
+    controller().setPreviewsShown(false);
+    release();
+    ASSERT_TRUE(waitUntil([&] { return !controller().isLoadingPreviews(); }));
+    ASSERT_TRUE(captured(controller().displays()));
+    EXPECT_FALSE(holdsPictures(controller().displays()));
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include <QTemporaryDir>
 #include <QTimer>
 #include <QtMath>
+#include <algorithm>
 
 #include "KeyboardShortcuts/ActionShortcuts.h"
 #include "app/ui/LatticaApp.h"
@@ -74,6 +75,30 @@ TEST_F(LatticaAppWithoutTray, EveryOpeningRunsTheRefresh) {
     EXPECT_TRUE(controller().isLoadingPreviews());
     finishBackgroundWork();
     EXPECT_EQ(platform.monitors.captureCount(), captures + 2);
+}
+
+TEST_F(LatticaAppWithoutTray, ClosingThePanelLetsThePreviewPicturesGo) {
+    makeController();
+    start();
+    ASSERT_TRUE(waitUntil([&] { return app->panel() && app->panel()->isVisible(); }));
+    finishBackgroundWork();
+    auto pictures = [&] {
+        return std::count_if(controller().displays().cbegin(), controller().displays().cend(),
+                             [](const DisplaySnapshot& display) { return display.previewImage.has_value(); });
+    };
+    const qsizetype displays = controller().displays().size();
+    ASSERT_GT(displays, 0);
+    ASSERT_EQ(pictures(), displays);
+    app->closePanel();
+    EXPECT_EQ(pictures(), 0);
+    EXPECT_EQ(controller().displays().size(), displays);
+    // A move's refresh while the panel is closed keeps none either; the next opening takes them again.
+    controller().refreshForMenuOpen();
+    finishBackgroundWork();
+    EXPECT_EQ(pictures(), 0);
+    app->openPanel();
+    finishBackgroundWork();
+    EXPECT_EQ(pictures(), displays);
 }
 
 TEST_F(LatticaAppWithoutTray, PanelResizesWhenTheStateChangesTheFormulas) {

@@ -60,9 +60,17 @@ SettingsView::SettingsView(AppController& controller, QWidget* parent) : QWidget
     m_statusLabel->setContentsMargins(24, 6, 24, 12);
     m_statusLabel->setTextInteractionFlags(Qt::TextSelectableByMouse);
 
+    // Above the section, where the change that could not be saved was just made.
+    m_unsavedPreferencesLabel = ViewStyle::makeLabel(QString(), ViewStyle::captionFont(), this, false, true);
+    m_unsavedPreferencesLabel->setObjectName(QStringLiteral("unsavedPreferencesNotice"));
+    m_unsavedPreferencesLabel->setContentsMargins(24, 12, 24, 0);
+    m_unsavedPreferencesLabel->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    m_unsavedPreferencesLabel->setAccessibleName(QStringLiteral("Changes not saved"));
+
     auto* detail = new QVBoxLayout();
     detail->setContentsMargins(0, 0, 0, 0);
     detail->setSpacing(0);
+    detail->addWidget(m_unsavedPreferencesLabel);
     detail->addWidget(m_pages, 1);
     detail->addWidget(m_statusLabel);
 
@@ -81,6 +89,12 @@ SettingsView::SettingsView(AppController& controller, QWidget* parent) : QWidget
     };
     connect(&m_controller, &AppController::statusMessageChanged, this, showStatus);
     showStatus();
+    auto showUnsavedPreferences = [this] {
+        m_unsavedPreferencesLabel->setText(m_controller.unsavedPreferencesNotice());
+        m_unsavedPreferencesLabel->setVisible(!m_controller.unsavedPreferencesNotice().isEmpty());
+    };
+    connect(&m_controller, &AppController::unsavedPreferencesNoticeChanged, this, showUnsavedPreferences);
+    showUnsavedPreferences();
 
     setSelectedSection(SettingsSections::allCases().first());
 }
@@ -102,6 +116,10 @@ SettingsSectionPage* SettingsView::pageFor(SettingsSection section) const {
 
 QString SettingsView::statusText() const {
     return m_statusLabel->isHidden() ? QString() : m_statusLabel->text();
+}
+
+QString SettingsView::unsavedPreferencesText() const {
+    return m_unsavedPreferencesLabel->isHidden() ? QString() : m_unsavedPreferencesLabel->text();
 }
 
 void SettingsView::showEvent(QShowEvent* event) {

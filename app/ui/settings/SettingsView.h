@@ -28,6 +28,8 @@ public:
     SettingsSectionPage* pageFor(SettingsSection section) const;
     // The controller's status message as shown, empty while there is none.
     QString statusText() const;
+    // The notice that the user's changes could not be saved, as shown; empty while there is none.
+    QString unsavedPreferencesText() const;
 
 protected:
     // Every time the window appears the permission badges and the shortcut rows are brought up to date.
@@ -39,4 +41,5 @@ private:
     SettingsSidebar* m_sidebar = nullptr;
     QStackedWidget* m_pages = nullptr;
     QLabel* m_statusLabel = nullptr;
+    QLabel* m_unsavedPreferencesLabel = nullptr;
 };

@@ -2,14 +2,15 @@
 #include <xcb/xcb.h>
 
 #include <QColor>
+#include <QFile>
 #include <cstdlib>
 
 #include "platform/Monitors.h"
 #include "platform/Platform.h"
 #include "platform/x11/X11Capture.h"
 #include "platform/x11/X11Connection.h"
-#include "tests/support/VirtualDesktop.h"
 #include "tests/platform/x11/X11DesktopFixture.h"
+#include "tests/support/VirtualDesktop.h"
 
 namespace {
 
@@ -115,6 +116,38 @@ TEST_F(X11CaptureTest, PicturesOutliveTheCaptureAndItsSegments) {
         EXPECT_TRUE(images[i] == copies[i]) << "picture " << i;
         EXPECT_EQ(images[i].pixel(150, 150), copies[i].pixel(150, 150));
     }
+}
+
+// System V shared-memory segments mapped into this process.
+int mappedSegments() {
+    QFile maps(QStringLiteral("/proc/self/maps"));
+    if (!maps.open(QIODevice::ReadOnly)) {
+        return -1;
+    }
+    return int(maps.readAll().count("SYSV"));
+}
+
+TEST_F(X11CaptureTest, SegmentsGoWithTheirPicturesWhileTheCaptureStays) {
+    const QRect rect = VirtualDesktop::layout().value(0);
+    X11Capture capture(platform->connection().displayName());
+    ASSERT_TRUE(capture.hasSharedMemory());
+    const int before = mappedSegments();
+    ASSERT_GE(before, 0);
+    {
+        QList<QImage> pictures;
+        for (int i = 0; i < 3; ++i) {
+            pictures.append(capture.capture(rect, X11Capture::Method::SharedMemory));
+            ASSERT_FALSE(pictures.last().isNull());
+        }
+        EXPECT_EQ(mappedSegments(), before + 3);
+        EXPECT_EQ(X11Capture::attachedSegments(), 3);
+    }
+    // The capture lives on, as it does for the program's whole run: it holds no memory for pictures gone.
+    EXPECT_EQ(mappedSegments(), before);
+    EXPECT_EQ(X11Capture::attachedSegments(), 0);
+    // And it still takes pictures afterwards.
+    EXPECT_FALSE(capture.capture(rect, X11Capture::Method::SharedMemory).isNull());
+    EXPECT_EQ(mappedSegments(), before);
 }
 
 TEST_F(X11CaptureTest, NothingToCaptureGivesANullPicture) {

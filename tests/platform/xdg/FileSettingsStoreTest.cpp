@@ -6,10 +6,12 @@
 #include <limits>
 
 #include <signal.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include "platform/xdg/FileSettingsStore.h"
+#include "tests/support/ReadOnlyFolder.h"
 
 namespace {
 
@@ -129,6 +131,99 @@ TEST_F(FileSettingsStoreTest, UnreadableFileIsMovedAside) {
     FileSettingsStore store(path());
     EXPECT_TRUE(store.keys().isEmpty());
     EXPECT_EQ(keptCopies().size(), 1);
+}
+
+TEST_F(FileSettingsStoreTest, ReadOnlyFolderKeepsTheChangeInMemoryAndTheFileUntouchedUntilAWriteSucceeds) {
+    writeFile(R"({"a": {"bool": true}})");
+    QByteArray before;
+    {
+        FileSettingsStore store(path());
+        EXPECT_TRUE(store.writeFailure().isEmpty());
+        QFile file(path());
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        before = file.readAll();
+    }
+    FileSettingsStore store(path());
+    ReadOnlyFolder folder(directory.filePath(QStringLiteral("lattica")));
+    ASSERT_TRUE(folder.refusesWrites());
+
+    store.setBool(QStringLiteral("a"), false);
+    EXPECT_EQ(store.value(QStringLiteral("a")), SettingValue(false));
+    EXPECT_TRUE(store.writeFailure().contains(path())) << qPrintable(store.writeFailure());
+    store.setInteger(QStringLiteral("b"), 2);
+    EXPECT_FALSE(store.writeFailure().isEmpty());
+    {
+        QFile file(path());
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        EXPECT_EQ(file.readAll(), before);
+    }
+    EXPECT_EQ(QDir(directory.filePath(QStringLiteral("lattica"))).entryList(QDir::Files),
+              QStringList{QStringLiteral("defaults.json")});
+
+    // Once the folder can be written, the next change stores every value changed meanwhile.
+    folder.restore();
+    store.setString(QStringLiteral("c"), QStringLiteral("later"));
+    EXPECT_TRUE(store.writeFailure().isEmpty());
+    FileSettingsStore reread(path());
+    EXPECT_EQ(reread.value(QStringLiteral("a")), SettingValue(false));
+    EXPECT_EQ(reread.value(QStringLiteral("b")), SettingValue(qint64(2)));
+    EXPECT_EQ(reread.value(QStringLiteral("c")), SettingValue(QStringLiteral("later")));
+}
+
+// Stands in for a full disk: a write past the limit fails as it would with no space left (EFBIG instead of
+// ENOSPC), and the store cannot tell the two apart.
+class FileSizeLimit {
+public:
+    explicit FileSizeLimit(rlim_t bytes) {
+        ::getrlimit(RLIMIT_FSIZE, &m_saved);
+        m_previousHandler = ::signal(SIGXFSZ, SIG_IGN);
+        rlimit limit = m_saved;
+        limit.rlim_cur = bytes;
+        ::setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    ~FileSizeLimit() {
+        ::setrlimit(RLIMIT_FSIZE, &m_saved);
+        ::signal(SIGXFSZ, m_previousHandler);
+    }
+
+private:
+    rlimit m_saved{};
+    sighandler_t m_previousHandler = SIG_DFL;
+};
+
+TEST_F(FileSettingsStoreTest, FullDiskKeepsTheChangeInMemoryAndTheFileUntouched) {
+    writeFile(R"({"a": {"bool": true}})");
+    FileSettingsStore store(path());
+    QByteArray before;
+    {
+        QFile file(path());
+        ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+        before = file.readAll();
+    }
+    {
+        const FileSizeLimit full(8);
+        store.setString(QStringLiteral("b"), QStringLiteral("a value longer than what the disk has room for"));
+        EXPECT_FALSE(store.writeFailure().isEmpty());
+    }
+    EXPECT_EQ(store.value(QStringLiteral("b")),
+              SettingValue(QStringLiteral("a value longer than what the disk has room for")));
+    QFile file(path());
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_EQ(file.readAll(), before);
+    EXPECT_EQ(QDir(directory.filePath(QStringLiteral("lattica"))).entryList(QDir::Files),
+              QStringList{QStringLiteral("defaults.json")})
+        << "no partial file is left behind";
+
+    store.setBool(QStringLiteral("a"), false);
+    EXPECT_TRUE(store.writeFailure().isEmpty());
+    EXPECT_EQ(FileSettingsStore(path()).value(QStringLiteral("b")),
+              SettingValue(QStringLiteral("a value longer than what the disk has room for")));
+}
+
+TEST_F(FileSettingsStoreTest, WithoutAPathEveryChangeIsReportedAsNotSaved) {
+    FileSettingsStore store{QString()};
+    store.setBool(QStringLiteral("flag"), true);
+    EXPECT_FALSE(store.writeFailure().isEmpty());
 }
 
 TEST_F(FileSettingsStoreTest, EveryWriteReplacesTheFileAtomically) {
