@@ -4,8 +4,8 @@
 #include <QJsonObject>
 
 #include "app/commands/MonitorTargets.h"
-#include "app/model/Preferences.h"
 #include "app/displays/ScreenSnapshotService.h"
+#include "app/model/Preferences.h"
 #include "app/mover/WindowMoveStatus.h"
 #include "app/mover/WindowMover.h"
 #include "app/permissions/PermissionService.h"
@@ -200,18 +200,13 @@ CommandResult CommandService::moveApplication(const QString& application, const 
         return *error;
     }
     const DisplayDescriptor& destination = std::get<DisplayDescriptor>(target);
-    WindowMoveResult total;
+    QList<WindowMover::MoveLeg> legs;
     for (const DisplayDescriptor& source : displays) {
-        if (source.persistentID == destination.persistentID) {
-            continue;
+        if (source.persistentID != destination.persistentID) {
+            legs.append({DisplaySnapshot::placeholder(source), DisplaySnapshot::placeholder(destination)});
         }
-        const WindowMoveResult moved =
-            WindowMover::moveWindows(DisplaySnapshot::placeholder(source), DisplaySnapshot::placeholder(destination),
-                                     adjusts(size), QSet<pid_t>{found->pid}, true)
-                .counts;
-        total.movedCount += moved.movedCount;
-        total.attemptedCount += moved.attemptedCount;
     }
+    const WindowMoveResult total = WindowMover::moveWindows(legs, adjusts(size), QSet<pid_t>{found->pid}, true).counts;
     const QString name = found->name.value_or(application);
     return CommandResult::moves(total.movedCount, total.attemptedCount,
                                 WindowMoveStatus::applicationWindows(total, name));

@@ -115,6 +115,13 @@ TEST_F(CommandServiceTest, MoveApplicationGathersItsWindowsFromEveryMonitor) {
     }
 }
 
+TEST_F(CommandServiceTest, MoveApplicationReadsTheWindowListOnceForAllMonitors) {
+    addWindow(100, QStringLiteral("Editor"), 13, QRectF(4600, 100, 400, 300));
+    const int queries = platform.windowList.queryCount();
+    commands.moveApplication(QStringLiteral("Editor"), QStringLiteral("2"), SizeMode::Keep);
+    EXPECT_EQ(platform.windowList.queryCount(), queries + 1);
+}
+
 TEST_F(CommandServiceTest, UnknownApplicationAndMonitorAreBadArguments) {
     EXPECT_EQ(commands.moveApplication(QStringLiteral("Nothing"), QStringLiteral("2"), SizeMode::Keep).errorName,
               CommandErrors::noSuchApplication);
