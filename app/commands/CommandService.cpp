@@ -211,3 +211,29 @@ CommandResult CommandService::moveApplication(const QString& application, const 
     return CommandResult::moves(total.movedCount, total.attemptedCount,
                                 WindowMoveStatus::applicationWindows(total, name));
 }
+
+CommandResult CommandService::swap(const QString& first, const QString& second, SizeMode size) const {
+    if (std::optional<CommandResult> refused = unavailable()) {
+        return *refused;
+    }
+    const QList<DisplayDescriptor> displays = ScreenSnapshotService::currentDisplayDescriptors();
+    const std::optional<DisplayDescriptor> focused = focusedMonitor(displays);
+    const auto one = resolved(first, displays, focused);
+    if (const auto* error = std::get_if<CommandResult>(&one)) {
+        return *error;
+    }
+    const auto other = resolved(second, displays, focused);
+    if (const auto* error = std::get_if<CommandResult>(&other)) {
+        return *error;
+    }
+    const DisplaySnapshot a = DisplaySnapshot::placeholder(std::get<DisplayDescriptor>(one));
+    const DisplaySnapshot b = DisplaySnapshot::placeholder(std::get<DisplayDescriptor>(other));
+    if (a.persistentID == b.persistentID) {
+        return CommandResult::error(
+            CommandResult::Kind::BadArguments, CommandErrors::invalidArgument,
+            QStringLiteral("\"%1\" and \"%2\" are the same monitor, %3.").arg(first, second, a.name));
+    }
+    const WindowMoveResult moved =
+        WindowMover::moveWindows({{a, b}, {b, a}}, adjusts(size), std::nullopt, false).counts;
+    return CommandResult::moves(moved.movedCount, moved.attemptedCount, WindowMoveStatus::allWindows(moved));
+}

@@ -10,6 +10,9 @@ const CommandTable::Parameter kApplication{Field::Application, QStringLiteral("a
 const CommandTable::Parameter kFrom{Field::From, QStringLiteral("from")};
 const CommandTable::Parameter kTo{Field::To, QStringLiteral("to")};
 const CommandTable::Parameter kSize{Field::Size, QStringLiteral("size")};
+// swap takes its two monitors in the From and To fields.
+const CommandTable::Parameter kFirst{Field::From, QStringLiteral("first")};
+const CommandTable::Parameter kSecond{Field::To, QStringLiteral("second")};
 
 QList<Command> describeCommands() {
     return {
@@ -54,6 +57,18 @@ QList<Command> describeCommands() {
          .run =
              [](const CommandService& service, const CommandArguments& arguments) {
                  return service.moveApplication(arguments.application, arguments.to, arguments.size);
+             }},
+        {.word = QStringLiteral("swap"),
+         .method = QStringLiteral("Swap"),
+         .parameters = {kFirst, kSecond, kSize},
+         .reply = Reply::Moves,
+         .positional = {Field::From, Field::To},
+         .positionalNeed = QStringLiteral("two monitors: swap TARGET TARGET"),
+         .usage = QStringLiteral("swap TARGET TARGET"),
+         .summary = QStringLiteral("Exchange the windows of two monitors."),
+         .run =
+             [](const CommandService& service, const CommandArguments& arguments) {
+                 return service.swap(arguments.from, arguments.to, arguments.size);
              }},
         {.word = QStringLiteral("panel"),
          .method = QStringLiteral("OpenPanel"),
