@@ -15,6 +15,7 @@
 #include "app/commands/CommandService.h"
 #include "app/commands/CommandTable.h"
 #include "app/commands/LatticaBusService.h"
+#include "app/commands/MoveShortcuts.h"
 #include "app/commands/SingleInstance.h"
 #include "app/controller/AppController.h"
 #include "app/displays/ScreenSnapshotService.h"
@@ -155,6 +156,13 @@ int runProgram(int argc, char** argv) {
     if (instance.ownsBusName()) {
         bus.exportOn(QDBusConnection::sessionBus());
     }
+    // The moves' own shortcuts; their status shows in the panel like every other move's.
+    MoveShortcuts moveShortcuts(shortcuts, commands, [&app] { app.openPanel(); });
+    QObject::connect(&moveShortcuts, &MoveShortcuts::moveFinished, &controller,
+                     [&controller](const CommandResult& result) { controller.setStatusMessage(result.message); });
+    QObject::connect(&controller, &AppController::connectedShortcutDisplaysChanged, &moveShortcuts,
+                     [&] { moveShortcuts.refresh(controller.connectedShortcutDisplays()); });
+    moveShortcuts.refresh(controller.connectedShortcutDisplays());
     app.start();
     // The windows of the desktop are read once in the background now, so that the first opening of the
     // panel only has to ask about what changed since.

@@ -8,8 +8,21 @@
 #include "app/ui/settings/SettingsCard.h"
 #include "app/ui/settings/ShortcutRecorderRow.h"
 
+namespace {
+
+QList<MoveShortcuts::Action> moveActions(const QList<ShortcutDisplayItem>& connected) {
+    QList<MoveShortcuts::Action> actions = MoveShortcuts::focusedWindowActions();
+    actions.append(MoveShortcuts::swapActions(connected));
+    actions.append(MoveShortcuts::openPanelAction());
+    return actions;
+}
+
+}  // namespace
+
 SettingsShortcutsSection::SettingsShortcutsSection(AppController& controller, QWidget* parent)
     : QWidget(parent), m_controller(controller) {
+    m_movesCard = new SettingsCard(QStringLiteral("Moves"), this);
+    m_movesCard->setObjectName(QStringLiteral("group.moves"));
     m_connectedCard = new SettingsCard(QStringLiteral("Connected screens"), this);
     m_connectedCard->setObjectName(QStringLiteral("group.connected"));
     m_disconnectedCard = new SettingsCard(QStringLiteral("Disconnected screens"), this);
@@ -19,12 +32,17 @@ SettingsShortcutsSection::SettingsShortcutsSection(AppController& controller, QW
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(14);
     layout->addWidget(m_connectedCard);
+    layout->addWidget(m_movesCard);
     layout->addWidget(m_disconnectedCard);
 
-    connect(&m_controller, &AppController::connectedShortcutDisplaysChanged, this, [this] { rebuildConnected(); });
+    connect(&m_controller, &AppController::connectedShortcutDisplaysChanged, this, [this] {
+        rebuildConnected();
+        rebuildMoves();
+    });
     connect(&m_controller, &AppController::disconnectedShortcutDisplaysChanged, this,
             [this] { rebuildDisconnected(); });
     rebuildConnected();
+    rebuildMoves();
     rebuildDisconnected();
 }
 
@@ -34,6 +52,21 @@ QString SettingsShortcutsSection::connectedEmptyText() const {
 
 QString SettingsShortcutsSection::disconnectedEmptyText() const {
     return m_disconnectedEmpty ? m_disconnectedEmpty->text() : QString();
+}
+
+void SettingsShortcutsSection::rebuildMoves() {
+    const QList<MoveShortcuts::Action> actions = moveActions(m_controller.connectedShortcutDisplays());
+    if (m_movesShown == actions) {
+        return;
+    }
+    m_movesShown = actions;
+    m_movesCard->clearRows();
+    m_moveRows.clear();
+    for (const MoveShortcuts::Action& action : actions) {
+        auto* row = new ShortcutRecorderRow(action.label, action.name, m_controller.shortcuts(), m_movesCard);
+        m_movesCard->addRow(row);
+        m_moveRows.append(row);
+    }
 }
 
 void SettingsShortcutsSection::rebuildConnected() {

@@ -4,6 +4,7 @@
 #include <QWidget>
 #include <optional>
 
+#include "app/commands/MoveShortcuts.h"
 #include "app/model/Models.h"
 
 class AppController;
@@ -11,12 +12,14 @@ class QLabel;
 class SettingsCard;
 class ShortcutRecorderRow;
 
-// The per-display shortcuts: connected screens, and disconnected screens that keep a mapping.
+// The global shortcuts: the moves that are not tied to one display, connected screens, and disconnected
+// screens that keep a mapping.
 class SettingsShortcutsSection : public QWidget {
     Q_OBJECT
 public:
     explicit SettingsShortcutsSection(AppController& controller, QWidget* parent = nullptr);
 
+    QList<ShortcutRecorderRow*> moveRows() const { return m_moveRows; }
     QList<ShortcutRecorderRow*> connectedRows() const { return m_connectedRows; }
     QList<ShortcutRecorderRow*> disconnectedRows() const { return m_disconnectedRows; }
     // The text shown in place of rows, or empty when the group has rows.
@@ -24,19 +27,23 @@ public:
     QString disconnectedEmptyText() const;
 
 private:
+    void rebuildMoves();
     void rebuildConnected();
     void rebuildDisconnected();
     QList<ShortcutRecorderRow*> fill(SettingsCard* card, const QList<ShortcutDisplayItem>& items,
                                      const QString& emptyText, QLabel** emptyLabel);
 
     AppController& m_controller;
+    SettingsCard* m_movesCard = nullptr;
     SettingsCard* m_connectedCard = nullptr;
     SettingsCard* m_disconnectedCard = nullptr;
     QLabel* m_connectedEmpty = nullptr;
     QLabel* m_disconnectedEmpty = nullptr;
     // What the rows show now; an unchanged list leaves the rows (and a recorder in use) alone.
+    std::optional<QList<MoveShortcuts::Action>> m_movesShown;
     std::optional<QList<ShortcutDisplayItem>> m_connectedShown;
     std::optional<QList<ShortcutDisplayItem>> m_disconnectedShown;
+    QList<ShortcutRecorderRow*> m_moveRows;
     QList<ShortcutRecorderRow*> m_connectedRows;
     QList<ShortcutRecorderRow*> m_disconnectedRows;
 };

@@ -1,5 +1,10 @@
+#include <QElapsedTimer>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QLabel>
 #include <QPointer>
+#include <QPushButton>
 #include <QToolButton>
 
 #include "KeyboardShortcuts/ActionShortcuts.h"
@@ -154,6 +159,30 @@ TEST_F(SettingsShortcutsSectionTest, RenamedDisplayGetsItsNewLabel) {
     controller->refreshShortcutDisplays();
     EXPECT_EQ(labels(section->connectedRows()),
               (QStringList{QStringLiteral("1. Built-in Display"), QStringLiteral("2. Studio Display XDR")}));
+}
+
+TEST_F(SettingsShortcutsSectionTest, MovesHaveRowsStoredUnderTheirOwnNames) {
+    SettingsShortcutsSection* section = shortcuts();
+    QStringList names;
+    for (const ShortcutRecorderRow* row : section->moveRows()) {
+        names.append(row->recorder()->shortcutName().rawValue());
+    }
+    EXPECT_EQ(
+        names,
+        (QStringList{
+            QStringLiteral("moveFocusedWindowToNextDisplay"), QStringLiteral("moveFocusedWindowToPreviousDisplay"),
+            QStringLiteral("moveFocusedWindowToLeftDisplay"), QStringLiteral("moveFocusedWindowToRightDisplay"),
+            QStringLiteral("swapWindowsOfDisplays.%1.%2").arg(mainID(), studioID()), QStringLiteral("openPanel")}));
+    EXPECT_EQ(labels(section->moveRows()),
+              (QStringList{QStringLiteral("Move focused window to next monitor"),
+                           QStringLiteral("Move focused window to previous monitor"),
+                           QStringLiteral("Move focused window to left monitor"),
+                           QStringLiteral("Move focused window to right monitor"),
+                           QStringLiteral("Swap windows of monitors 1 and 2"), QStringLiteral("Open panel")}));
+    // With one monitor there is no pair to swap.
+    platform.monitors.setMonitors({mainDisplay()});
+    controller->refreshShortcutDisplays();
+    EXPECT_EQ(section->moveRows().size(), 5);
 }
 
 TEST_F(SettingsShortcutsSectionTest, ReconnectedDisplayReturnsToTheConnectedGroup) {
