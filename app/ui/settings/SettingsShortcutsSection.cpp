@@ -1,6 +1,7 @@
 #include "app/ui/settings/SettingsShortcutsSection.h"
 
 #include <QLabel>
+#include <QPushButton>
 #include <QVBoxLayout>
 
 #include "app/controller/AppController.h"
@@ -27,6 +28,10 @@ SettingsShortcutsSection::SettingsShortcutsSection(AppController& controller, QW
     m_connectedCard->setObjectName(QStringLiteral("group.connected"));
     m_disconnectedCard = new SettingsCard(QStringLiteral("Disconnected screens"), this);
     m_disconnectedCard->setObjectName(QStringLiteral("group.disconnected"));
+    m_showMore = new QPushButton(this);
+    m_showMore->setObjectName(QStringLiteral("showMoreScreens"));
+    m_showMore->hide();
+    connect(m_showMore, &QPushButton::clicked, this, [this] { showMoreDisconnected(); });
 
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -34,6 +39,7 @@ SettingsShortcutsSection::SettingsShortcutsSection(AppController& controller, QW
     layout->addWidget(m_connectedCard);
     layout->addWidget(m_movesCard);
     layout->addWidget(m_disconnectedCard);
+    layout->addWidget(m_showMore, 0, Qt::AlignLeft);
 
     connect(&m_controller, &AppController::connectedShortcutDisplaysChanged, this, [this] {
         rebuildConnected();
@@ -83,12 +89,37 @@ void SettingsShortcutsSection::rebuildDisconnected() {
         return;
     }
     m_disconnectedShown = m_controller.disconnectedShortcutDisplays();
-    m_disconnectedRows = fill(m_disconnectedCard, m_controller.disconnectedShortcutDisplays(),
+    const QList<ShortcutDisplayItem>& all = *m_disconnectedShown;
+    m_disconnectedRows = fill(m_disconnectedCard, all.mid(0, kRowsPerBatch),
                               QStringLiteral("No disconnected screens with saved shortcuts."), &m_disconnectedEmpty);
     for (ShortcutRecorderRow* row : std::as_const(m_disconnectedRows)) {
         connect(row, &ShortcutRecorderRow::deleteRequested, this,
                 [this](const QString& id) { m_controller.deleteDisconnectedShortcutDisplay(id); });
     }
+    updateShowMore();
+}
+
+void SettingsShortcutsSection::showMoreDisconnected() {
+    if (!m_disconnectedShown) {
+        return;
+    }
+    const QList<ShortcutDisplayItem> next = m_disconnectedShown->mid(m_disconnectedRows.size(), kRowsPerBatch);
+    for (const ShortcutDisplayItem& item : next) {
+        auto* row = new ShortcutRecorderRow(item, m_controller.shortcuts(), m_disconnectedCard);
+        m_disconnectedCard->addRow(row);
+        connect(row, &ShortcutRecorderRow::deleteRequested, this,
+                [this](const QString& id) { m_controller.deleteDisconnectedShortcutDisplay(id); });
+        m_disconnectedRows.append(row);
+    }
+    updateShowMore();
+}
+
+void SettingsShortcutsSection::updateShowMore() {
+    const qsizetype remaining = m_disconnectedShown ? m_disconnectedShown->size() - m_disconnectedRows.size() : 0;
+    m_showMore->setVisible(remaining > 0);
+    m_showMore->setText(QStringLiteral("Show %1 more screens (%2 not shown)")
+                            .arg(std::min<qsizetype>(remaining, kRowsPerBatch))
+                            .arg(remaining));
 }
 
 QList<ShortcutRecorderRow*> SettingsShortcutsSection::fill(SettingsCard* card, const QList<ShortcutDisplayItem>& items,
