@@ -13,7 +13,9 @@
 #include "app/commands/CommandClient.h"
 #include "app/commands/CommandLine.h"
 #include "app/commands/CommandService.h"
+#include "app/commands/CommandTable.h"
 #include "app/commands/LatticaBusService.h"
+#include "app/commands/MoveShortcuts.h"
 #include "app/commands/SingleInstance.h"
 #include "app/controller/AppController.h"
 #include "app/displays/ScreenSnapshotService.h"
@@ -92,8 +94,8 @@ int runCommand(int argc, char** argv, const CommandLine::Request& request) {
     if (std::optional<CommandResult> answer = CommandClient::call(method, arguments)) {
         return printed(CommandLine::print(request, *answer));
     }
-    if (request.command == QLatin1String("panel") || request.command == QLatin1String("settings") ||
-        request.command == QLatin1String("quit")) {
+    const CommandTable::Command* command = CommandTable::withWord(request.command);
+    if (!command || !command->run) {
         CommandResult notRunning = CommandResult::moves(0, 0, QStringLiteral("Lattica is not running."));
         return printed(CommandLine::print(request, notRunning));
     }
@@ -108,18 +110,7 @@ int runCommand(int argc, char** argv, const CommandLine::Request& request) {
     platform->install();
     const Preferences preferences(*platform->services().settings);
     const CommandService commands(preferences);
-    CommandResult result;
-    if (request.command == QLatin1String("displays")) {
-        result = commands.displays();
-    } else if (request.command == QLatin1String("windows")) {
-        result = commands.windows();
-    } else if (request.command == QLatin1String("move-focused")) {
-        result = commands.moveFocused(request.to, request.size);
-    } else if (request.command == QLatin1String("move-all")) {
-        result = commands.moveAll(request.from, request.to, request.size);
-    } else {
-        result = commands.moveApplication(request.application, request.to, request.size);
-    }
+    const CommandResult result = command->run(commands, request);
     return printed(CommandLine::print(request, result));
 }
 
@@ -167,9 +158,15 @@ int runProgram(int argc, char** argv) {
     LatticaBusService bus(commands, {[&app] { app.openPanel(); }, [&windows] { windows.showSettingsWindow(); },
                                      [] { QCoreApplication::quit(); }});
     if (instance.ownsBusName()) {
-        QDBusConnection::sessionBus().registerObject(LatticaBusService::objectPath, &bus,
-                                                     QDBusConnection::ExportScriptableSlots);
+        bus.exportOn(QDBusConnection::sessionBus());
     }
+    // The moves' own shortcuts; their status shows in the panel like every other move's.
+    MoveShortcuts moveShortcuts(shortcuts, commands, [&app] { app.openPanel(); });
+    QObject::connect(&moveShortcuts, &MoveShortcuts::moveFinished, &controller,
+                     [&controller](const CommandResult& result) { controller.setStatusMessage(result.message); });
+    QObject::connect(&controller, &AppController::connectedShortcutDisplaysChanged, &moveShortcuts,
+                     [&] { moveShortcuts.refresh(controller.connectedShortcutDisplays()); });
+    moveShortcuts.refresh(controller.connectedShortcutDisplays());
     app.start();
     // The windows of the desktop are read once in the background now, so that the first opening of the
     // panel only has to ask about what changed since.

@@ -11,7 +11,7 @@ XDG_CONFIG_HOME=$(mktemp -d)
 export XDG_CONFIG_HOME
 trap 'rm -rf "$XDG_CONFIG_HOME"' EXIT
 export LATTICA_APPCAST_URL=http://127.0.0.1:9/appcast.xml
-for bench in inventory_bench capture_bench refresh_bench mover_bench shortcut_move_bench; do
+for bench in inventory_bench capture_bench refresh_bench mover_bench shortcut_move_bench command_bench; do
     program="$build/bench/$bench"
     if [ ! -x "$program" ]; then
         echo "run-benchmarks: $bench is not built in $build; skipped" >&2

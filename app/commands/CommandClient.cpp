@@ -1,7 +1,6 @@
 #include "app/commands/CommandClient.h"
 
 #include <QDBusConnection>
-#include <QDBusConnectionInterface>
 #include <QDBusMessage>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -23,25 +22,24 @@ CommandResult::Kind kindOfError(const QString& name) {
 
 }  // namespace
 
-bool CommandClient::instanceIsRunning() {
-    QDBusConnection bus = QDBusConnection::sessionBus();
-    return bus.isConnected() && bus.interface()->isServiceRegistered(LatticaBusService::serviceName).value();
-}
-
+// A call to a name nobody owns fails at once with ServiceUnknown, so no separate question about the
+// name's owner is asked first: that would cost a second round trip on every command.
 std::optional<CommandResult> CommandClient::call(const QString& method, const QVariantList& arguments) {
-    if (!instanceIsRunning()) {
+    if (!QDBusConnection::sessionBus().isConnected()) {
         return std::nullopt;
     }
     QDBusMessage message = QDBusMessage::createMethodCall(LatticaBusService::serviceName, LatticaBusService::objectPath,
                                                           LatticaBusService::interfaceName, method);
     message.setArguments(arguments);
+    message.setAutoStartService(false);
     const QDBusMessage reply = QDBusConnection::sessionBus().call(message, QDBus::Block, 60000);
     if (reply.type() == QDBusMessage::ErrorMessage) {
         const QString name = reply.errorName();
         if (name.startsWith(QLatin1String("app.lattica.Error."))) {
             return CommandResult::error(kindOfError(name), name, reply.errorMessage());
         }
-        // The instance went away or does not answer: the command runs here instead.
+        // No instance owns the name (ServiceUnknown), or it went away or does not answer: the command runs
+        // here instead.
         return std::nullopt;
     }
     const QVariantList values = reply.arguments();

@@ -8,9 +8,6 @@
 // Calls the running instance's bus interface for the command line.
 namespace CommandClient {
 
-// Whether an instance answers on the session bus.
-bool instanceIsRunning();
-
 // Calls a method with its arguments. Nothing when no instance answers (then the caller does the work
 // itself); a result carrying the instance's error when it refused.
 std::optional<CommandResult> call(const QString& method, const QVariantList& arguments);

@@ -9,23 +9,22 @@
 
 namespace {
 
-const QStringList kCommands = {QStringLiteral("displays"), QStringLiteral("windows"),  QStringLiteral("move-focused"),
-                               QStringLiteral("move-all"), QStringLiteral("move-app"), QStringLiteral("panel"),
-                               QStringLiteral("settings"), QStringLiteral("quit")};
-
-const char* kCommandHelp =
-    "\nCommands:\n"
-    "  displays                          List the monitors.\n"
-    "  windows                           List the windows, front to back.\n"
-    "  move-focused --to TARGET          Move the focused window.\n"
-    "  move-all --from TARGET --to TARGET  Move every window of one monitor.\n"
-    "  move-app APP --to TARGET          Move every window of an application (name or process id).\n"
-    "  panel                             Open the panel of the running Lattica.\n"
-    "  settings                          Open the settings of the running Lattica.\n"
-    "  quit                              End the running Lattica.\n"
-    "\nTARGET is a monitor's number as the panel shows it, its name, or next, previous, left, right,\n"
-    "up or down from the focused window's monitor.\n"
-    "Exit status: 0 done, 1 nothing to do or partly done, 2 bad arguments, 3 the session does not allow it.\n";
+// The command list of --help, from the command table.
+QString commandHelp() {
+    constexpr int kUsageWidth = 36;
+    QString text = QStringLiteral("\nCommands:\n");
+    for (const CommandTable::Command& command : CommandTable::commands()) {
+        const QString usage = QStringLiteral("  ") + command.usage;
+        text += usage.size() < kUsageWidth ? usage.leftJustified(kUsageWidth) : usage + QLatin1String("  ");
+        text += command.summary + QLatin1Char('\n');
+    }
+    return text +
+           QStringLiteral(
+               "\nTARGET is a monitor's number as the panel shows it, its name, or next, previous, left, right,\n"
+               "up or down from the focused window's monitor.\n"
+               "Exit status: 0 done, 1 nothing to do or partly done, 2 bad arguments, 3 the session does not "
+               "allow it.\n");
+}
 
 CommandLine::Request badArguments(const QString& message) {
     CommandLine::Request request;
@@ -102,7 +101,7 @@ struct Parser {
 
 QString CommandLine::helpText() {
     Parser options;
-    return options.parser.helpText() + QString::fromLatin1(kCommandHelp);
+    return options.parser.helpText() + commandHelp();
 }
 
 CommandLine::Request CommandLine::parse(const QStringList& arguments) {
@@ -135,7 +134,8 @@ CommandLine::Request CommandLine::parse(const QStringList& arguments) {
     }
     request.kind = Request::Kind::Command;
     request.command = positional.first();
-    if (!kCommands.contains(request.command)) {
+    const CommandTable::Command* command = CommandTable::withWord(request.command);
+    if (!command) {
         return badArguments(QStringLiteral("'%1' is not a command.").arg(request.command));
     }
     if (parser.isSet(adjust) && parser.isSet(keep)) {
@@ -146,66 +146,58 @@ CommandLine::Request CommandLine::parse(const QStringList& arguments) {
     request.to = parser.value(to);
     request.from = parser.value(from);
 
-    const bool moves = request.command.startsWith(QLatin1String("move-"));
-    const qsizetype expectedPositional = request.command == QLatin1String("move-app") ? 2 : 1;
-    if (positional.size() != expectedPositional) {
-        return request.command == QLatin1String("move-app")
-                   ? badArguments(QStringLiteral("move-app needs the application's name or process id."))
-                   : badArguments(QStringLiteral("'%1' takes no further arguments.").arg(request.command));
+    if (positional.size() != 1 + command->positional.size()) {
+        return command->positional.isEmpty()
+                   ? badArguments(QStringLiteral("'%1' takes no further arguments.").arg(request.command))
+                   : badArguments(QStringLiteral("%1 needs %2.").arg(request.command, command->positionalNeed));
     }
-    if (expectedPositional == 2) {
-        request.application = positional[1];
+    for (qsizetype i = 0; i < command->positional.size(); ++i) {
+        const QString& word = positional[i + 1];
+        switch (command->positional[i]) {
+            case CommandTable::Field::Application:
+                request.application = word;
+                break;
+            case CommandTable::Field::From:
+                request.from = word;
+                break;
+            case CommandTable::Field::To:
+                request.to = word;
+                break;
+            case CommandTable::Field::Size:
+                break;
+        }
     }
-    if (moves && request.to.isEmpty()) {
+    if (command->takesOption(CommandTable::Field::To) && request.to.isEmpty()) {
         return badArguments(QStringLiteral("%1 needs --to TARGET.").arg(request.command));
     }
-    if (request.command == QLatin1String("move-all") && request.from.isEmpty()) {
-        return badArguments(QStringLiteral("move-all needs --from TARGET."));
+    if (command->takesOption(CommandTable::Field::From) && request.from.isEmpty()) {
+        return badArguments(QStringLiteral("%1 needs --from TARGET.").arg(request.command));
     }
-    if (!moves && (parser.isSet(to) || parser.isSet(adjust) || parser.isSet(keep))) {
+    if (!command->moves() && (parser.isSet(to) || parser.isSet(from) || parser.isSet(adjust) || parser.isSet(keep))) {
         return badArguments(QStringLiteral("'%1' does not move windows.").arg(request.command));
     }
-    if (request.command != QLatin1String("move-all") && parser.isSet(from)) {
-        return badArguments(QStringLiteral("only move-all takes --from."));
+    if (parser.isSet(from) && !command->takesOption(CommandTable::Field::From)) {
+        return badArguments(QStringLiteral("'%1' takes no --from.").arg(request.command));
+    }
+    if (parser.isSet(to) && !command->takesOption(CommandTable::Field::To)) {
+        return badArguments(QStringLiteral("'%1' takes no --to.").arg(request.command));
     }
     return request;
 }
 
 std::pair<QString, QVariantList> CommandLine::busCall(const Request& request) {
-    const QString size = request.size == SizeMode::Adjust ? QStringLiteral("adjust")
-                         : request.size == SizeMode::Keep ? QStringLiteral("keep")
-                                                          : QString();
-    if (request.command == QLatin1String("displays")) {
-        return {QStringLiteral("Displays"), {}};
+    const CommandTable::Command* command = CommandTable::withWord(request.command);
+    if (!command) {
+        return {};
     }
-    if (request.command == QLatin1String("windows")) {
-        return {QStringLiteral("Windows"), {}};
-    }
-    if (request.command == QLatin1String("move-focused")) {
-        return {QStringLiteral("MoveFocused"), {request.to, size}};
-    }
-    if (request.command == QLatin1String("move-all")) {
-        return {QStringLiteral("MoveAll"), {request.from, request.to, size}};
-    }
-    if (request.command == QLatin1String("move-app")) {
-        return {QStringLiteral("MoveApplication"), {request.application, request.to, size}};
-    }
-    if (request.command == QLatin1String("panel")) {
-        return {QStringLiteral("OpenPanel"), {}};
-    }
-    if (request.command == QLatin1String("settings")) {
-        return {QStringLiteral("OpenSettings"), {}};
-    }
-    if (request.command == QLatin1String("quit")) {
-        return {QStringLiteral("Quit"), {}};
-    }
-    return {};
+    return {command->method, CommandTable::busArguments(*command, request)};
 }
 
 CommandLine::Printed CommandLine::print(const Request& request, const CommandResult& result) {
     Printed printed;
     printed.exitStatus = result.exitStatus();
-    const bool listing = request.command == QLatin1String("displays") || request.command == QLatin1String("windows");
+    const CommandTable::Command* command = CommandTable::withWord(request.command);
+    const bool listing = command && command->reply == CommandTable::Reply::Listing;
     if (request.json) {
         QJsonDocument document;
         if (listing && result.errorName.isEmpty()) {
@@ -214,7 +206,7 @@ CommandLine::Printed CommandLine::print(const Request& request, const CommandRes
             QJsonObject object{{QStringLiteral("status"), result.message}};
             if (!result.errorName.isEmpty()) {
                 object.insert(QStringLiteral("error"), result.errorName);
-            } else if (request.command.startsWith(QLatin1String("move-"))) {
+            } else if (command && command->moves()) {
                 object.insert(QStringLiteral("moved"), result.moved);
                 object.insert(QStringLiteral("attempted"), result.attempted);
             }

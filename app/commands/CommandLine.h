@@ -5,13 +5,14 @@
 
 #include "app/commands/CommandResult.h"
 #include "app/commands/CommandService.h"
+#include "app/commands/CommandTable.h"
 
 // The program's command line: `lattica` starts the tray program, `lattica COMMAND` does one thing and
 // exits. Commands go to the running instance over the session bus, or run in this process when none runs.
 namespace CommandLine {
 
 // What the arguments ask for.
-struct Request {
+struct Request : CommandArguments {
     enum class Kind {
         StartProgram,  // no command: the tray program
         Command,       // one of the commands below
@@ -20,12 +21,8 @@ struct Request {
         BadArguments,  // the text is in `output`
     };
     Kind kind = Kind::StartProgram;
-    // "displays", "windows", "move-focused", "move-all", "move-app", "panel", "settings" or "quit".
+    // The command's word, as the command table lists it.
     QString command;
-    QString from;
-    QString to;
-    QString application;
-    SizeMode size = SizeMode::Preference;
     bool json = false;
     QString output;
 };

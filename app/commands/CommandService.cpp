@@ -4,8 +4,8 @@
 #include <QJsonObject>
 
 #include "app/commands/MonitorTargets.h"
-#include "app/model/Preferences.h"
 #include "app/displays/ScreenSnapshotService.h"
+#include "app/model/Preferences.h"
 #include "app/mover/WindowMoveStatus.h"
 #include "app/mover/WindowMover.h"
 #include "app/permissions/PermissionService.h"
@@ -200,19 +200,40 @@ CommandResult CommandService::moveApplication(const QString& application, const 
         return *error;
     }
     const DisplayDescriptor& destination = std::get<DisplayDescriptor>(target);
-    WindowMoveResult total;
+    QList<WindowMover::MoveLeg> legs;
     for (const DisplayDescriptor& source : displays) {
-        if (source.persistentID == destination.persistentID) {
-            continue;
+        if (source.persistentID != destination.persistentID) {
+            legs.append({DisplaySnapshot::placeholder(source), DisplaySnapshot::placeholder(destination)});
         }
-        const WindowMoveResult moved =
-            WindowMover::moveWindows(DisplaySnapshot::placeholder(source), DisplaySnapshot::placeholder(destination),
-                                     adjusts(size), QSet<pid_t>{found->pid}, true)
-                .counts;
-        total.movedCount += moved.movedCount;
-        total.attemptedCount += moved.attemptedCount;
     }
+    const WindowMoveResult total = WindowMover::moveWindows(legs, adjusts(size), QSet<pid_t>{found->pid}, true).counts;
     const QString name = found->name.value_or(application);
     return CommandResult::moves(total.movedCount, total.attemptedCount,
                                 WindowMoveStatus::applicationWindows(total, name));
+}
+
+CommandResult CommandService::swap(const QString& first, const QString& second, SizeMode size) const {
+    if (std::optional<CommandResult> refused = unavailable()) {
+        return *refused;
+    }
+    const QList<DisplayDescriptor> displays = ScreenSnapshotService::currentDisplayDescriptors();
+    const std::optional<DisplayDescriptor> focused = focusedMonitor(displays);
+    const auto one = resolved(first, displays, focused);
+    if (const auto* error = std::get_if<CommandResult>(&one)) {
+        return *error;
+    }
+    const auto other = resolved(second, displays, focused);
+    if (const auto* error = std::get_if<CommandResult>(&other)) {
+        return *error;
+    }
+    const DisplaySnapshot a = DisplaySnapshot::placeholder(std::get<DisplayDescriptor>(one));
+    const DisplaySnapshot b = DisplaySnapshot::placeholder(std::get<DisplayDescriptor>(other));
+    if (a.persistentID == b.persistentID) {
+        return CommandResult::error(
+            CommandResult::Kind::BadArguments, CommandErrors::invalidArgument,
+            QStringLiteral("\"%1\" and \"%2\" are the same monitor, %3.").arg(first, second, a.name));
+    }
+    const WindowMoveResult moved =
+        WindowMover::moveWindows({{a, b}, {b, a}}, adjusts(size), std::nullopt, false).counts;
+    return CommandResult::moves(moved.movedCount, moved.attemptedCount, WindowMoveStatus::allWindows(moved));
 }

@@ -30,6 +30,9 @@ public:
     // Every window of the application (named as the panel names it, or by process id) on any other
     // monitor, minimised ones shown again.
     CommandResult moveApplication(const QString& application, const QString& to, SizeMode size) const;
+    // Exchanges the visible windows of two monitors, each landing in its relative place on the other. The
+    // windows are chosen before the first moves, so a window moved to the second is not moved back.
+    CommandResult swap(const QString& first, const QString& second, SizeMode size) const;
 
     // The size mode's word on the command line and the bus: "", "adjust" or "keep"; nothing for others.
     static std::optional<SizeMode> sizeModeNamed(const QString& word);

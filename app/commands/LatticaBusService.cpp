@@ -1,81 +1,103 @@
 #include "app/commands/LatticaBusService.h"
 
+#include <QDBusConnection>
+#include <QDBusMessage>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QTimer>
 
 #include "app/commands/CommandService.h"
 
-LatticaBusService::LatticaBusService(const CommandService& commands, Actions actions, QObject* parent)
-    : QObject(parent), m_commands(commands), m_actions(std::move(actions)) {}
+namespace {
 
-int LatticaBusService::answer(const CommandResult& result, int& attempted, QString& status) {
-    attempted = result.attempted;
-    status = result.message;
-    if (!result.errorName.isEmpty() && calledFromDBus()) {
-        sendErrorReply(result.errorName, result.message);
+QDBusMessage invalidArgument(const QDBusMessage& call, const QString& text) {
+    return call.createErrorReply(CommandErrors::invalidArgument, text);
+}
+
+// The call's arguments in the command's fields; a message saying what is wrong when they do not fit.
+std::variant<CommandArguments, QString> argumentsOf(const CommandTable::Command& command, const QDBusMessage& call) {
+    const QVariantList values = call.arguments();
+    if (values.size() != command.parameters.size()) {
+        return QStringLiteral("%1 takes %2 arguments, not %3.")
+            .arg(command.method)
+            .arg(command.parameters.size())
+            .arg(values.size());
     }
-    return result.moved;
-}
-
-CommandResult LatticaBusService::invalidSize(const QString& size) {
-    return CommandResult::error(CommandResult::Kind::BadArguments, CommandErrors::invalidArgument,
-                                QStringLiteral("size is \"\", \"adjust\" or \"keep\", not \"%1\".").arg(size));
-}
-
-QString LatticaBusService::listing(const CommandResult& result) {
-    if (!result.errorName.isEmpty()) {
-        if (calledFromDBus()) {
-            sendErrorReply(result.errorName, result.message);
+    CommandArguments arguments;
+    for (qsizetype i = 0; i < values.size(); ++i) {
+        if (values[i].metaType() != QMetaType::fromType<QString>()) {
+            return QStringLiteral("%1 takes only strings.").arg(command.method);
         }
-        return {};
+        const QString value = values[i].toString();
+        switch (command.parameters[i].field) {
+            case CommandTable::Field::Application:
+                arguments.application = value;
+                break;
+            case CommandTable::Field::From:
+                arguments.from = value;
+                break;
+            case CommandTable::Field::To:
+                arguments.to = value;
+                break;
+            case CommandTable::Field::Size: {
+                const std::optional<SizeMode> mode = CommandService::sizeModeNamed(value);
+                if (!mode) {
+                    return QStringLiteral("size is \"\", \"adjust\" or \"keep\", not \"%1\".").arg(value);
+                }
+                arguments.size = *mode;
+                break;
+            }
+        }
     }
-    return QString::fromUtf8(QJsonDocument(result.data.toArray()).toJson(QJsonDocument::Compact));
+    return arguments;
 }
 
-QString LatticaBusService::Displays() {
-    return listing(m_commands.displays());
+}  // namespace
+
+LatticaBusService::LatticaBusService(const CommandService& commands, InstanceActions actions, QObject* parent)
+    : QDBusVirtualObject(parent), m_commands(commands), m_actions(std::move(actions)) {}
+
+bool LatticaBusService::exportOn(QDBusConnection connection) {
+    return connection.registerVirtualObject(objectPath, this, QDBusConnection::SingleNode);
 }
 
-QString LatticaBusService::Windows() {
-    return listing(m_commands.windows());
+QString LatticaBusService::introspect(const QString&) const {
+    return CommandTable::interfaceXml(interfaceName);
 }
 
-int LatticaBusService::MoveFocused(const QString& to, const QString& size, int& attempted, QString& status) {
-    const std::optional<SizeMode> mode = CommandService::sizeModeNamed(size);
-    if (!mode) {
-        return answer(invalidSize(size), attempted, status);
+bool LatticaBusService::handleMessage(const QDBusMessage& message, const QDBusConnection& connection) {
+    if (message.interface() != interfaceName && !message.interface().isEmpty()) {
+        return false;
     }
-    return answer(m_commands.moveFocused(to, *mode), attempted, status);
+    QDBusConnection(connection).send(answer(message));
+    return true;
 }
 
-int LatticaBusService::MoveAll(const QString& from, const QString& to, const QString& size, int& attempted,
-                               QString& status) {
-    const std::optional<SizeMode> mode = CommandService::sizeModeNamed(size);
-    if (!mode) {
-        return answer(invalidSize(size), attempted, status);
+QDBusMessage LatticaBusService::answer(const QDBusMessage& call) {
+    const CommandTable::Command* command = CommandTable::withMethod(call.member());
+    if (!command) {
+        return call.createErrorReply(QDBusError::UnknownMethod,
+                                     QStringLiteral("%1 has no method %2.").arg(interfaceName, call.member()));
     }
-    return answer(m_commands.moveAll(from, to, *mode), attempted, status);
-}
-
-int LatticaBusService::MoveApplication(const QString& application, const QString& to, const QString& size,
-                                       int& attempted, QString& status) {
-    const std::optional<SizeMode> mode = CommandService::sizeModeNamed(size);
-    if (!mode) {
-        return answer(invalidSize(size), attempted, status);
+    const auto arguments = argumentsOf(*command, call);
+    if (const auto* problem = std::get_if<QString>(&arguments)) {
+        return invalidArgument(call, *problem);
     }
-    return answer(m_commands.moveApplication(application, to, *mode), attempted, status);
-}
-
-// The actions run after the reply has gone out, so a caller never waits on the user interface.
-void LatticaBusService::OpenPanel() {
-    QTimer::singleShot(0, this, [this] { m_actions.openPanel(); });
-}
-
-void LatticaBusService::OpenSettings() {
-    QTimer::singleShot(0, this, [this] { m_actions.openSettings(); });
-}
-
-void LatticaBusService::Quit() {
-    QTimer::singleShot(0, this, [this] { m_actions.quit(); });
+    if (command->action) {
+        // The action runs after the reply has gone out, so a caller never waits on the user interface.
+        QTimer::singleShot(0, this, [this, action = command->action] {
+            if (const std::function<void()>& run = m_actions.*action) {
+                run();
+            }
+        });
+        return call.createReply();
+    }
+    const CommandResult result = command->run(m_commands, std::get<CommandArguments>(arguments));
+    if (!result.errorName.isEmpty()) {
+        return call.createErrorReply(result.errorName, result.message);
+    }
+    if (command->reply == CommandTable::Reply::Listing) {
+        return call.createReply(QString::fromUtf8(QJsonDocument(result.data.toArray()).toJson(QJsonDocument::Compact)));
+    }
+    return call.createReply(QVariantList{result.moved, result.attempted, result.message});
 }

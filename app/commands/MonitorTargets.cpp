@@ -131,6 +131,12 @@ std::variant<DisplayDescriptor, MonitorTargets::NoSuchMonitor> MonitorTargets::r
             return display;
         }
     }
+    // The identifier `lattica displays` lists, which stays the same when the monitors are renumbered.
+    for (const DisplayDescriptor& display : displays) {
+        if (display.persistentID == target.trimmed()) {
+            return display;
+        }
+    }
     QStringList names;
     for (const DisplayDescriptor& display : displays) {
         names.append(QStringLiteral("%1 (%2)").arg(display.index).arg(display.name));

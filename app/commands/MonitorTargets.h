@@ -15,7 +15,8 @@ struct NoSuchMonitor {
     QString message;
 };
 
-// TARGET is a 1-based index as the panel shows it, a monitor's name (any case), or one of "next",
+// TARGET is a 1-based index as the panel shows it, a monitor's name (any case), its persistent identifier,
+// or one of "next",
 // "previous", "left", "right", "up" and "down", taken from `from` (the focused window's monitor).
 // "next" and "previous" follow the indexes and wrap around; the four directions follow the monitors'
 // positions and never wrap.

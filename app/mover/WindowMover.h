@@ -117,6 +117,12 @@ std::optional<FocusedWindowContext> focusedWindowContext(pid_t application, cons
 
 // ---- Moves ----
 
+// One source and destination of a move over several displays.
+struct MoveLeg {
+    DisplaySnapshot source;
+    DisplaySnapshot destination;
+};
+
 // Writes "[WindowMoveDiag] " and the message as one line on standard output.
 void moveDiagLog(const QString& message);
 
@@ -126,6 +132,12 @@ void moveDiagLog(const QString& message);
 WindowMoveReport moveWindows(const DisplaySnapshot& source, const DisplaySnapshot& destination,
                              bool adjustSizeToDestination, const std::optional<QSet<pid_t>>& targetPIDs,
                              bool revealMovedWindows);
+// The same over several legs in one pass: the window list, the running applications and their windows
+// are read once, before the first window moves, so a window moved onto another leg's source stays where
+// it was put. A window goes with the first leg whose source the window list places it on, else the first
+// whose source its frame overlaps. Used to gather an application from every display, or to swap two.
+WindowMoveReport moveWindows(const QList<MoveLeg>& legs, bool adjustSizeToDestination,
+                             const std::optional<QSet<pid_t>>& targetPIDs, bool revealMovedWindows);
 
 // The window that has keyboard focus, whichever application owns it.
 std::optional<FocusedWindowContext> focusedWindowContext();

@@ -156,25 +156,48 @@ QString displayLabel(const DisplaySnapshot& display) {
     return QStringLiteral("%1#%2").arg(display.name).arg(display.index);
 }
 
+// One source and destination of the move, with the window numbers the window list places on the source.
+struct LegContext {
+    DisplaySnapshot sourceDisplay;
+    DisplaySnapshot destinationDisplay;
+    QHash<pid_t, QSet<qint64>> sourceIDs;
+};
+
 // What every window of one move shares.
 struct MoveContext {
     QHash<QString, QRectF> frames;
-    QHash<pid_t, QSet<qint64>> sourceIDs;
-    QRectF source;
-    QRectF destination;
+    QList<LegContext> legs;
     bool adjustSize = false;
 };
 
 // A window's frame and where it came from: the window control, else the window list mirrored inside
 // the source.
 std::optional<std::pair<QRectF, FrameSource>> windowFrame(const WindowBeforeMove& window, pid_t pid,
-                                                          const MoveContext& move) {
+                                                          const MoveContext& move, const QRectF& source) {
     if (const std::optional<QRectF> read = WindowMover::usableFrame(window.frame)) {
         return std::pair{*read, FrameSource::WindowControl};
     }
     const auto found = move.frames.constFind(WindowMover::windowListKey(pid, window.window));
     if (found != move.frames.cend()) {
-        return std::pair{WindowMover::convertedWindowListFrame(*found, move.source), FrameSource::WindowList};
+        return std::pair{WindowMover::convertedWindowListFrame(*found, source), FrameSource::WindowList};
+    }
+    return std::nullopt;
+}
+
+// The leg a window goes with: the first whose source the window list places it on, else the first
+// whose source its frame overlaps; nothing when it is on no leg's source.
+std::optional<qsizetype> legOf(const WindowBeforeMove& window, pid_t pid, const MoveContext& move) {
+    for (qsizetype i = 0; i < move.legs.size(); ++i) {
+        if (move.legs[i].sourceIDs.value(pid).contains(window.window)) {
+            return i;
+        }
+    }
+    for (qsizetype i = 0; i < move.legs.size(); ++i) {
+        const QRectF& source = move.legs[i].sourceDisplay.bounds;
+        const auto frame = windowFrame(window, pid, move, source);
+        if (frame && Geometry::intersects(frame->first, source)) {
+            return i;
+        }
     }
     return std::nullopt;
 }
@@ -202,69 +225,94 @@ std::optional<ApplicationSkipReason> skipReason(const RunningApplication& applic
     return std::nullopt;
 }
 
-// Moves the application's windows that are on the source display, adding what it did to the report.
-void moveApplicationWindows(const RunningApplication& application, const MoveContext& move, bool revealMovedWindows,
-                            WindowMoveReport& report) {
+// An application's windows and their frames, read before anything moves.
+struct ApplicationToMove {
+    pid_t pid = 0;
+    QString label;
+    QList<WindowBeforeMove> windows;
+};
+
+// Reads the application's windows; nothing (and a skip record) when it has none.
+std::optional<ApplicationToMove> readApplicationWindows(const RunningApplication& application,
+                                                        WindowMoveReport& report) {
     const pid_t pid = application.pid;
     const QString label = applicationLabel(application);
     const MovableWindows movable = WindowMover::movableWindows(pid, label);
-    const std::optional<QList<WindowId>>& windows = movable.windows;
-    if (!windows) {
+    if (!movable.windows) {
         qCDebug(lcMover).noquote() << label + QStringLiteral(": no accessible windows returned");
         report.skippedApplications.append(
             {pid, ApplicationSkipReason::NoWindows, movable.visibleList, movable.includingMinimisedList});
+        return std::nullopt;
+    }
+    return ApplicationToMove{pid, label, readFrames(*movable.windows)};
+}
+
+// Moves one window from its leg's source to the leg's destination, filling its record. Counts it as
+// attempted; the record's outcome says whether it moved.
+void moveWindow(const WindowBeforeMove& window, const ApplicationToMove& application, const QRectF& frame,
+                FrameSource frameSource, const LegContext& leg, bool adjustSize, WindowMoveRecord& record) {
+    const QString& label = application.label;
+    const QString windowIDText = QString::number(window.window);
+    const QRectF& S = leg.sourceDisplay.bounds;
+    if (!(S.width() > 0 && S.height() > 0)) {
+        qCDebug(lcMover).noquote() << label + QStringLiteral(": invalid source bounds, skipping resize/move");
+        record.outcome = WindowMoveOutcome::SkippedInvalidSourceBounds;
         return;
     }
-    const QSet<qint64> sourceSet = move.sourceIDs.value(pid);
+    const NormalizedRect n = WindowMover::normalizedRect(frame, S);
+    const QPointF center = WindowMover::normalizedCenter(frame, S);
+    const MovePlan plan{
+        label, windowIDText, frame, S, leg.destinationDisplay.bounds, center, WindowMover::isCenterLike(center)};
+    WindowMover::moveDiagLog(
+        QStringLiteral("START app=%1, windowID=%2, frameSource=%3, centerLike=%4, adjustSize=%5, frame=%6, "
+                       "normalizedCenter=%7, normalizedRect=(%8,%9,%10,%11)")
+            .arg(label, windowIDText, frameSourceName(frameSource), boolean(plan.centerLike), boolean(adjustSize),
+                 describe(frame), centerText(center), fraction(n.x), fraction(n.y), fraction(n.width),
+                 fraction(n.height)));
+    if (adjustSize) {
+        moveAdjustingSize(window.window, plan, record);
+    } else {
+        moveKeepingSize(window.window, plan, record);
+    }
+}
+
+// Moves the application's windows that are on a leg's source, adding what it did to the report.
+void moveApplicationWindows(const ApplicationToMove& application, const MoveContext& move, bool revealMovedWindows,
+                            WindowMoveReport& report) {
+    const pid_t pid = application.pid;
+    const QString& label = application.label;
+    qsizetype sourceCount = 0;
+    for (const LegContext& leg : move.legs) {
+        sourceCount += leg.sourceIDs.value(pid).size();
+    }
     qCDebug(lcMover).noquote() << QStringLiteral("%1: mergedAXWindows=%2, sourceWindowIDs=%3")
-                                      .arg(label, QString::number(windows->size()), QString::number(sourceSet.size()));
-    const QRectF& S = move.source;
+                                      .arg(label, QString::number(application.windows.size()),
+                                           QString::number(sourceCount));
 
     WindowMoveResult counts;
     QList<WindowId> moved;
-    for (const WindowBeforeMove& window : readFrames(*windows)) {
-        const QString windowIDText = QString::number(window.window);
+    for (const WindowBeforeMove& window : application.windows) {
         WindowMoveRecord& record = report.windows.emplace_back();
         record.pid = pid;
         record.window = window.window;
-        const auto frameAndSource = windowFrame(window, pid, move);
+        const std::optional<qsizetype> leg = legOf(window, pid, move);
+        const QRectF& measuredBy = move.legs[leg.value_or(0)].sourceDisplay.bounds;
+        const auto frameAndSource = windowFrame(window, pid, move, measuredBy);
         if (!frameAndSource) {
-            qCDebug(lcMover).noquote()
-                << QStringLiteral("%1: skip window without frame, windowID=%2").arg(label, windowIDText);
+            qCDebug(lcMover).noquote() << QStringLiteral("%1: skip window without frame, windowID=%2")
+                                              .arg(label, QString::number(window.window));
             record.outcome = WindowMoveOutcome::SkippedWithoutFrame;
             continue;
         }
         const auto& [frame, frameSource] = *frameAndSource;
         record.frameSource = frameSource;
         record.frameBefore = frame;
-
-        const bool listedOnSource = sourceSet.contains(window.window);
-        if (!listedOnSource && !Geometry::intersects(frame, S)) {
+        if (!leg) {
             record.outcome = WindowMoveOutcome::NotOnSourceDisplay;
             continue;
         }
         ++counts.attemptedCount;
-        if (!(S.width() > 0 && S.height() > 0)) {
-            qCDebug(lcMover).noquote() << label + QStringLiteral(": invalid source bounds, skipping resize/move");
-            record.outcome = WindowMoveOutcome::SkippedInvalidSourceBounds;
-            continue;
-        }
-
-        const NormalizedRect n = WindowMover::normalizedRect(frame, S);
-        const QPointF center = WindowMover::normalizedCenter(frame, S);
-        const MovePlan plan{label, windowIDText, frame, S, move.destination, center, WindowMover::isCenterLike(center)};
-        WindowMover::moveDiagLog(
-            QStringLiteral("START app=%1, windowID=%2, frameSource=%3, centerLike=%4, adjustSize=%5, frame=%6, "
-                           "normalizedCenter=%7, normalizedRect=(%8,%9,%10,%11)")
-                .arg(label, windowIDText, frameSourceName(frameSource), boolean(plan.centerLike),
-                     boolean(move.adjustSize), describe(frame), centerText(center), fraction(n.x), fraction(n.y),
-                     fraction(n.width), fraction(n.height)));
-
-        if (move.adjustSize) {
-            moveAdjustingSize(window.window, plan, record);
-        } else {
-            moveKeepingSize(window.window, plan, record);
-        }
+        moveWindow(window, application, frame, frameSource, move.legs[*leg], move.adjustSize, record);
         if (record.outcome == WindowMoveOutcome::Moved) {
             ++counts.movedCount;
             moved.append(window.window);
@@ -282,39 +330,60 @@ void moveApplicationWindows(const RunningApplication& application, const MoveCon
     report.counts.attemptedCount += counts.attemptedCount;
 }
 
+void logLegStart(const LegContext& leg, const std::optional<QSet<pid_t>>& targetPIDs) {
+    qsizetype sourceWindowCount = 0;
+    for (const QSet<qint64>& ids : leg.sourceIDs) {
+        sourceWindowCount += ids.size();
+    }
+    qCDebug(lcMover).noquote() << QStringLiteral(
+                                      "moveAllWindows start: source=%1 -> destination=%2, sourceWindowIDsAcrossApps=%3")
+                                      .arg(displayLabel(leg.sourceDisplay), displayLabel(leg.destinationDisplay),
+                                           QString::number(sourceWindowCount));
+    WindowMover::moveDiagLog(
+        QStringLiteral("BEGIN source=%1 sourceAX=%2 sourceCG=%2 destination=%3 destAX=%4 destCG=%4 "
+                       "targetPIDs=%5")
+            .arg(displayLabel(leg.sourceDisplay), describe(leg.sourceDisplay.bounds),
+                 displayLabel(leg.destinationDisplay), describe(leg.destinationDisplay.bounds),
+                 targetPIDList(targetPIDs)));
+}
+
 }  // namespace
 
 WindowMoveReport WindowMover::moveWindows(const DisplaySnapshot& source, const DisplaySnapshot& destination,
                                           bool adjustSizeToDestination, const std::optional<QSet<pid_t>>& targetPIDs,
                                           bool revealMovedWindows) {
-    // Both look-ups read one copy of the window list: listing is the costly part with many windows.
+    return moveWindows(QList<MoveLeg>{{source, destination}}, adjustSizeToDestination, targetPIDs, revealMovedWindows);
+}
+
+WindowMoveReport WindowMover::moveWindows(const QList<MoveLeg>& legs, bool adjustSizeToDestination,
+                                          const std::optional<QSet<pid_t>>& targetPIDs, bool revealMovedWindows) {
+    WindowMoveReport report;
+    if (legs.isEmpty()) {
+        return report;
+    }
+    // Every look-up reads one copy of the window list: listing is the costly part with many windows.
     const std::optional<QList<WindowEntry>> windowList = windowListIncludingOffscreen();
     MoveContext move;
     move.frames = allWindowFramesByOwnerAndWindowID(windowList);
-    move.sourceIDs = sourceWindowIDsByOwnerPID(source.bounds, windowList);
-    move.source = source.bounds;
-    move.destination = destination.bounds;
     move.adjustSize = adjustSizeToDestination;
-
-    qsizetype sourceWindowCount = 0;
-    for (const QSet<qint64>& ids : move.sourceIDs) {
-        sourceWindowCount += ids.size();
+    for (const MoveLeg& leg : legs) {
+        move.legs.append({leg.source, leg.destination, sourceWindowIDsByOwnerPID(leg.source.bounds, windowList)});
+        logLegStart(move.legs.constLast(), targetPIDs);
     }
-    qCDebug(lcMover).noquote() << QStringLiteral(
-                                      "moveAllWindows start: source=%1 -> destination=%2, sourceWindowIDsAcrossApps=%3")
-                                      .arg(displayLabel(source), displayLabel(destination),
-                                           QString::number(sourceWindowCount));
-    moveDiagLog(QStringLiteral("BEGIN source=%1 sourceAX=%2 sourceCG=%2 destination=%3 destAX=%4 destCG=%4 "
-                               "targetPIDs=%5")
-                    .arg(displayLabel(source), describe(move.source), displayLabel(destination),
-                         describe(move.destination), targetPIDList(targetPIDs)));
 
-    WindowMoveReport report;
+    // Every window is read before the first one moves, so that the set is fixed: a window moved onto
+    // another leg's source is not taken along a second time.
+    QList<ApplicationToMove> applications;
     for (const RunningApplication& application : Platform::services().runningApplications->runningApplications()) {
         if (const std::optional<ApplicationSkipReason> reason = skipReason(application, targetPIDs)) {
             report.skippedApplications.append({application.pid, *reason});
             continue;
         }
+        if (std::optional<ApplicationToMove> windows = readApplicationWindows(application, report)) {
+            applications.append(std::move(*windows));
+        }
+    }
+    for (const ApplicationToMove& application : applications) {
         moveApplicationWindows(application, move, revealMovedWindows, report);
     }
 

@@ -114,6 +114,21 @@ protected:
         }
         return -1;
     }
+    // The window's centre as fractions of the monitor's width and height.
+    static QPointF relativeCentre(quint32 window, const QRect& monitor) {
+        const QString text = VirtualDesktop::output(QStringLiteral("xdotool"),
+                                                    {QStringLiteral("getwindowgeometry"), QString::number(window)});
+        const QRegularExpressionMatch position =
+            QRegularExpression(QStringLiteral("Position: (-?\\d+),(-?\\d+)")).match(text);
+        const QRegularExpressionMatch size = QRegularExpression(QStringLiteral("Geometry: (\\d+)x(\\d+)")).match(text);
+        if (!position.hasMatch() || !size.hasMatch()) {
+            return {-1, -1};
+        }
+        const QRectF frame(position.captured(1).toDouble(), position.captured(2).toDouble(),
+                           size.captured(1).toDouble(), size.captured(2).toDouble());
+        return {(frame.center().x() - monitor.x()) / monitor.width(),
+                (frame.center().y() - monitor.y()) / monitor.height()};
+    }
     bool focus(quint32 window) {
         return VirtualDesktop::run(QStringLiteral("xdotool"), {QStringLiteral("windowactivate"),
                                                                QStringLiteral("--sync"), QString::number(window)}) == 0;
@@ -286,7 +301,7 @@ TEST_F(CommandLineDesktop, BusMethodsAnswerAndNameTheirErrors) {
     for (auto it = methods.globalMatch(xml); it.hasNext();) {
         keptMethods.append(it.next().captured(1));
     }
-    ASSERT_EQ(keptMethods.size(), 8);
+    ASSERT_EQ(keptMethods.size(), 9);
     for (const QString& method : keptMethods) {
         EXPECT_TRUE(live.contains(QStringLiteral("<method name=\"%1\">").arg(method))) << method.toStdString();
     }
@@ -294,6 +309,40 @@ TEST_F(CommandLineDesktop, BusMethodsAnswerAndNameTheirErrors) {
     EXPECT_EQ(call(QStringLiteral("Quit")).type(), QDBusMessage::ReplyMessage);
     ASSERT_TRUE(program.waitForFinished(10000));
     EXPECT_EQ(program.exitCode(), 0);
+}
+
+TEST_F(CommandLineDesktop, SwapExchangesTheWindowsOfTwoMonitorsOfDifferentSizesEachInItsRelativePlace) {
+    TestClient client;
+    ASSERT_TRUE(client.start());
+    const QRect first = monitors[0];
+    const QRect second = monitors[1];
+    ASSERT_NE(first.size(), second.size());
+    const quint32 a = client.open(
+        QStringLiteral("a"),
+        QStringLiteral("x=%1 y=%2 w=400 h=300").arg(first.x() + first.width() / 8).arg(first.y() + first.height() / 4));
+    const quint32 b = client.open(QStringLiteral("b"), QStringLiteral("x=%1 y=%2 w=500 h=400")
+                                                           .arg(second.x() + second.width() / 2)
+                                                           .arg(second.y() + second.height() / 2));
+    ASSERT_NE(a, 0u);
+    ASSERT_NE(b, 0u);
+    ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return monitorOf(a) == 0 && monitorOf(b) == 1; }));
+    const QPointF placeOfA = relativeCentre(a, first);
+    const QPointF placeOfB = relativeCentre(b, second);
+
+    const ProcessOutcome run =
+        lattica({QStringLiteral("swap"), QStringLiteral("1"), QStringLiteral("2"), QStringLiteral("--keep-size")});
+    EXPECT_EQ(run.status, 0) << run.err.toStdString();
+    // Run in this process, the mover's diagnostic lines come first.
+    EXPECT_TRUE(run.out.endsWith(QStringLiteral("\nMoved 2 of 2 windows.\n"))) << run.out.toStdString();
+    // The window manager confirms the moves in its own time.
+    EXPECT_TRUE(VirtualDesktop::waitUntil([&] { return monitorOf(a) == 1 && monitorOf(b) == 0; }))
+        << monitorOf(a) << " " << monitorOf(b);
+    const QPointF nowA = relativeCentre(a, second);
+    const QPointF nowB = relativeCentre(b, first);
+    EXPECT_NEAR(nowA.x(), placeOfA.x(), 0.02);
+    EXPECT_NEAR(nowA.y(), placeOfA.y(), 0.03);
+    EXPECT_NEAR(nowB.x(), placeOfB.x(), 0.02);
+    EXPECT_NEAR(nowB.y(), placeOfB.y(), 0.03);
 }
 
 TEST_F(CommandLineDesktop, PanelWithoutARunningInstanceSaysSo) {

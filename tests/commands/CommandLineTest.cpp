@@ -55,6 +55,18 @@ TEST(CommandLine, MovesTakeTheirTargetsAndSizeMode) {
                                                 {QStringLiteral("Firefox"), QStringLiteral("2"), QString()}}));
 }
 
+TEST(CommandLine, SwapTakesTwoMonitorsAsWords) {
+    const CommandLine::Request swap = parsed({"swap", "1", "HDMI-1", "--adjust-size"});
+    ASSERT_EQ(swap.kind, Kind::Command) << swap.output.toStdString();
+    EXPECT_EQ(CommandLine::busCall(swap),
+              (std::pair<QString, QVariantList>{
+                  QStringLiteral("Swap"), {QStringLiteral("1"), QStringLiteral("HDMI-1"), QStringLiteral("adjust")}}));
+    EXPECT_TRUE(parsed({"swap", "1"}).output.contains(QStringLiteral("swap needs two monitors")));
+    EXPECT_TRUE(parsed({"swap", "1", "2", "3"}).output.contains(QStringLiteral("swap needs two monitors")));
+    EXPECT_TRUE(parsed({"swap", "1", "2", "--to", "3"}).output.contains(QStringLiteral("'swap' takes no --to")));
+    EXPECT_TRUE(CommandLine::helpText().contains(QStringLiteral("swap TARGET TARGET")));
+}
+
 TEST(CommandLine, BadArgumentsSayWhatIsWrong) {
     const auto message = [](std::initializer_list<const char*> words) {
         const CommandLine::Request request = parsed(words);

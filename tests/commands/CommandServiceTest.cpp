@@ -115,6 +115,34 @@ TEST_F(CommandServiceTest, MoveApplicationGathersItsWindowsFromEveryMonitor) {
     }
 }
 
+TEST_F(CommandServiceTest, MoveApplicationReadsTheWindowListOnceForAllMonitors) {
+    addWindow(100, QStringLiteral("Editor"), 13, QRectF(4600, 100, 400, 300));
+    const int queries = platform.windowList.queryCount();
+    commands.moveApplication(QStringLiteral("Editor"), QStringLiteral("2"), SizeMode::Keep);
+    EXPECT_EQ(platform.windowList.queryCount(), queries + 1);
+}
+
+TEST_F(CommandServiceTest, SwapExchangesTheWindowsOfTwoMonitorsEachInItsRelativePlace) {
+    addWindow(300, QStringLiteral("Viewer"), 31, QRectF(1920 + 640, 360, 1280, 720));  // centred on Middle
+    const CommandResult result = commands.swap(QStringLiteral("1"), QStringLiteral("Middle"), SizeMode::Keep);
+    EXPECT_EQ(result.kind, CommandResult::Kind::Done) << result.message.toStdString();
+    EXPECT_EQ(result.message, QStringLiteral("Moved 3 of 3 windows."));
+    EXPECT_EQ(platform.windowControl.currentFrame(31), QRectF(320, 180, 1280, 720));
+    // Editor's two windows were on Left: each keeps its relative centre on Middle.
+    EXPECT_EQ(platform.windowControl.currentFrame(11), QRectF(1920 + 800, 450, 960, 540));
+    for (qint64 window : {11, 12, 31}) {
+        EXPECT_EQ(platform.windowControl.requests(window, FakeWindowControl::Change::Move).size(), 1) << window;
+    }
+}
+
+TEST_F(CommandServiceTest, SwapWithItselfIsABadArgument) {
+    const CommandResult result = commands.swap(QStringLiteral("1"), QStringLiteral("left"), SizeMode::Keep);
+    EXPECT_EQ(result.kind, CommandResult::Kind::BadArguments);
+    const CommandResult same = commands.swap(QStringLiteral("2"), QStringLiteral("Middle"), SizeMode::Keep);
+    EXPECT_EQ(same.errorName, CommandErrors::invalidArgument);
+    EXPECT_TRUE(platform.windowControl.requests().isEmpty());
+}
+
 TEST_F(CommandServiceTest, UnknownApplicationAndMonitorAreBadArguments) {
     EXPECT_EQ(commands.moveApplication(QStringLiteral("Nothing"), QStringLiteral("2"), SizeMode::Keep).errorName,
               CommandErrors::noSuchApplication);

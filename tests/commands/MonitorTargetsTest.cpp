@@ -46,6 +46,11 @@ TEST(MonitorTargets, NamesMatchInAnyCase) {
     EXPECT_TRUE(missing.contains(QStringLiteral("1 (Middle)"))) << "the message lists the monitors";
 }
 
+TEST(MonitorTargets, PersistentIdentifiersNameTheirMonitor) {
+    EXPECT_EQ(resolvedName(QStringLiteral("id-2")), QStringLiteral("Right"));
+    EXPECT_EQ(resolvedName(QStringLiteral(" id-4 ")), QStringLiteral("Below"));
+}
+
 TEST(MonitorTargets, NextAndPreviousFollowIndexesAndWrap) {
     EXPECT_EQ(resolvedName(QStringLiteral("next"), kDisplays[0]), QStringLiteral("Right"));
     EXPECT_EQ(resolvedName(QStringLiteral("next"), kDisplays[3]), QStringLiteral("Middle")) << "wraps to 1";

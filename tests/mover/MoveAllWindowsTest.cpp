@@ -505,15 +505,16 @@ TEST_F(MoveDiagnosticLines, TraceTellsEveryApplicationAndWindowItSkipsOrFailsToM
               (QStringList{
                   QStringLiteral("moveAllWindows start: source=Left#1 -> destination=Right#2, "
                                  "sourceWindowIDsAcrossApps=1"),
+                  // Every application's windows are read before the first window moves.
+                  QStringLiteral("Mail [pid:200]: AXWindows error=noValue"),
+                  QStringLiteral("Mail [pid:200]: AXAllWindows error=noValue"),
+                  QStringLiteral("Mail [pid:200]: no movable windows after filtering (primary=0, all=0)"),
+                  QStringLiteral("Mail [pid:200]: no accessible windows returned"),
                   QStringLiteral("Editor [pid:100]: mergedAXWindows=2, sourceWindowIDs=1"),
                   QStringLiteral("Editor [pid:100]: failed setPosition (keep size) windowID=11, "
                                  "error=cannotComplete, frame=(480.0, 270.0, 960.0, 540.0), target=(2720.0, 450.0)"),
                   QStringLiteral("Editor [pid:100]: skip window without frame, windowID=12"),
                   QStringLiteral("Editor [pid:100]: attempted=1, moved=0"),
-                  QStringLiteral("Mail [pid:200]: AXWindows error=noValue"),
-                  QStringLiteral("Mail [pid:200]: AXAllWindows error=noValue"),
-                  QStringLiteral("Mail [pid:200]: no movable windows after filtering (primary=0, all=0)"),
-                  QStringLiteral("Mail [pid:200]: no accessible windows returned"),
                   QStringLiteral("moveAllWindows done: attempted=1, moved=0"),
               }));
 }

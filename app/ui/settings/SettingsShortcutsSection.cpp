@@ -1,6 +1,7 @@
 #include "app/ui/settings/SettingsShortcutsSection.h"
 
 #include <QLabel>
+#include <QPushButton>
 #include <QVBoxLayout>
 
 #include "app/controller/AppController.h"
@@ -8,23 +9,46 @@
 #include "app/ui/settings/SettingsCard.h"
 #include "app/ui/settings/ShortcutRecorderRow.h"
 
+namespace {
+
+QList<MoveShortcuts::Action> moveActions(const QList<ShortcutDisplayItem>& connected) {
+    QList<MoveShortcuts::Action> actions = MoveShortcuts::focusedWindowActions();
+    actions.append(MoveShortcuts::swapActions(connected));
+    actions.append(MoveShortcuts::openPanelAction());
+    return actions;
+}
+
+}  // namespace
+
 SettingsShortcutsSection::SettingsShortcutsSection(AppController& controller, QWidget* parent)
     : QWidget(parent), m_controller(controller) {
+    m_movesCard = new SettingsCard(QStringLiteral("Moves"), this);
+    m_movesCard->setObjectName(QStringLiteral("group.moves"));
     m_connectedCard = new SettingsCard(QStringLiteral("Connected screens"), this);
     m_connectedCard->setObjectName(QStringLiteral("group.connected"));
     m_disconnectedCard = new SettingsCard(QStringLiteral("Disconnected screens"), this);
     m_disconnectedCard->setObjectName(QStringLiteral("group.disconnected"));
+    m_showMore = new QPushButton(this);
+    m_showMore->setObjectName(QStringLiteral("showMoreScreens"));
+    m_showMore->hide();
+    connect(m_showMore, &QPushButton::clicked, this, [this] { showMoreDisconnected(); });
 
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(14);
     layout->addWidget(m_connectedCard);
+    layout->addWidget(m_movesCard);
     layout->addWidget(m_disconnectedCard);
+    layout->addWidget(m_showMore, 0, Qt::AlignLeft);
 
-    connect(&m_controller, &AppController::connectedShortcutDisplaysChanged, this, [this] { rebuildConnected(); });
+    connect(&m_controller, &AppController::connectedShortcutDisplaysChanged, this, [this] {
+        rebuildConnected();
+        rebuildMoves();
+    });
     connect(&m_controller, &AppController::disconnectedShortcutDisplaysChanged, this,
             [this] { rebuildDisconnected(); });
     rebuildConnected();
+    rebuildMoves();
     rebuildDisconnected();
 }
 
@@ -34,6 +58,21 @@ QString SettingsShortcutsSection::connectedEmptyText() const {
 
 QString SettingsShortcutsSection::disconnectedEmptyText() const {
     return m_disconnectedEmpty ? m_disconnectedEmpty->text() : QString();
+}
+
+void SettingsShortcutsSection::rebuildMoves() {
+    const QList<MoveShortcuts::Action> actions = moveActions(m_controller.connectedShortcutDisplays());
+    if (m_movesShown == actions) {
+        return;
+    }
+    m_movesShown = actions;
+    m_movesCard->clearRows();
+    m_moveRows.clear();
+    for (const MoveShortcuts::Action& action : actions) {
+        auto* row = new ShortcutRecorderRow(action.label, action.name, m_controller.shortcuts(), m_movesCard);
+        m_movesCard->addRow(row);
+        m_moveRows.append(row);
+    }
 }
 
 void SettingsShortcutsSection::rebuildConnected() {
@@ -50,12 +89,37 @@ void SettingsShortcutsSection::rebuildDisconnected() {
         return;
     }
     m_disconnectedShown = m_controller.disconnectedShortcutDisplays();
-    m_disconnectedRows = fill(m_disconnectedCard, m_controller.disconnectedShortcutDisplays(),
+    const QList<ShortcutDisplayItem>& all = *m_disconnectedShown;
+    m_disconnectedRows = fill(m_disconnectedCard, all.mid(0, kRowsPerBatch),
                               QStringLiteral("No disconnected screens with saved shortcuts."), &m_disconnectedEmpty);
     for (ShortcutRecorderRow* row : std::as_const(m_disconnectedRows)) {
         connect(row, &ShortcutRecorderRow::deleteRequested, this,
                 [this](const QString& id) { m_controller.deleteDisconnectedShortcutDisplay(id); });
     }
+    updateShowMore();
+}
+
+void SettingsShortcutsSection::showMoreDisconnected() {
+    if (!m_disconnectedShown) {
+        return;
+    }
+    const QList<ShortcutDisplayItem> next = m_disconnectedShown->mid(m_disconnectedRows.size(), kRowsPerBatch);
+    for (const ShortcutDisplayItem& item : next) {
+        auto* row = new ShortcutRecorderRow(item, m_controller.shortcuts(), m_disconnectedCard);
+        m_disconnectedCard->addRow(row);
+        connect(row, &ShortcutRecorderRow::deleteRequested, this,
+                [this](const QString& id) { m_controller.deleteDisconnectedShortcutDisplay(id); });
+        m_disconnectedRows.append(row);
+    }
+    updateShowMore();
+}
+
+void SettingsShortcutsSection::updateShowMore() {
+    const qsizetype remaining = m_disconnectedShown ? m_disconnectedShown->size() - m_disconnectedRows.size() : 0;
+    m_showMore->setVisible(remaining > 0);
+    m_showMore->setText(QStringLiteral("Show %1 more screens (%2 not shown)")
+                            .arg(std::min<qsizetype>(remaining, kRowsPerBatch))
+                            .arg(remaining));
 }
 
 QList<ShortcutRecorderRow*> SettingsShortcutsSection::fill(SettingsCard* card, const QList<ShortcutDisplayItem>& items,

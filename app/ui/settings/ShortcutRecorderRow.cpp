@@ -24,20 +24,7 @@ ShortcutRecorderRow::ShortcutRecorderRow(const ShortcutDisplayItem& item, Keyboa
                                          QWidget* parent)
     : QWidget(parent), m_item(item) {
     setObjectName(QStringLiteral("shortcutRow.") + item.id);
-    m_label = ViewStyle::makeLabel(labelText(item), ViewStyle::bodyFont(), this);
-    m_label->setObjectName(QStringLiteral("shortcutRowLabel"));
-
-    // The layout adopts it.
-    m_recorder = new KeyboardShortcuts::ShortcutRecorder(
-        shortcuts, KeyboardShortcuts::Name(AppController::shortcutNameRawValue(item.id)));
-    m_recorder->setObjectName(QStringLiteral("shortcutRecorder"));
-
-    auto* layout = new QHBoxLayout(this);
-    layout->setContentsMargins(0, 2, 0, 2);
-    layout->setSpacing(8);
-    layout->addWidget(m_label, 1);
-    layout->addWidget(m_recorder);
-
+    QHBoxLayout* layout = build(labelText(item), AppController::shortcutNameRawValue(item.id), shortcuts);
     if (!item.isConnected) {
         m_deleteButton = new QToolButton(this);
         m_deleteButton->setObjectName(QStringLiteral("deleteShortcutMapping"));
@@ -53,6 +40,31 @@ ShortcutRecorderRow::ShortcutRecorderRow(const ShortcutDisplayItem& item, Keyboa
         // Keeps the recorders of both groups in one column.
         layout->addSpacing(kDeleteButtonSize + layout->spacing());
     }
+}
+
+ShortcutRecorderRow::ShortcutRecorderRow(const QString& label, const QString& shortcutName,
+                                         KeyboardShortcuts::ActionShortcuts& shortcuts, QWidget* parent)
+    : QWidget(parent), m_item{shortcutName, label, std::nullopt, true} {
+    setObjectName(QStringLiteral("shortcutRow.") + shortcutName);
+    QHBoxLayout* layout = build(label, shortcutName, shortcuts);
+    layout->addSpacing(kDeleteButtonSize + layout->spacing());
+}
+
+QHBoxLayout* ShortcutRecorderRow::build(const QString& label, const QString& shortcutName,
+                                        KeyboardShortcuts::ActionShortcuts& shortcuts) {
+    m_label = ViewStyle::makeLabel(label, ViewStyle::bodyFont(), this);
+    m_label->setObjectName(QStringLiteral("shortcutRowLabel"));
+
+    // The layout adopts it.
+    m_recorder = new KeyboardShortcuts::ShortcutRecorder(shortcuts, KeyboardShortcuts::Name(shortcutName));
+    m_recorder->setObjectName(QStringLiteral("shortcutRecorder"));
+
+    auto* layout = new QHBoxLayout(this);
+    layout->setContentsMargins(0, 2, 0, 2);
+    layout->setSpacing(8);
+    layout->addWidget(m_label, 1);
+    layout->addWidget(m_recorder);
+    return layout;
 }
 
 QString ShortcutRecorderRow::labelShown() const {

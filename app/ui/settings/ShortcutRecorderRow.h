@@ -12,13 +12,16 @@ class ActionShortcuts;
 class ShortcutRecorder;
 }  // namespace KeyboardShortcuts
 
-// One display's shortcut row: its label, the recorder for its shortcut name, and for a display that is
-// not connected a button that forgets the mapping.
+// One shortcut's row: its label and the recorder for its shortcut name. A display's row records the
+// display's shortcut and, for a display that is not connected, has a button that forgets the mapping.
 class ShortcutRecorderRow : public QWidget {
     Q_OBJECT
 public:
     ShortcutRecorderRow(const ShortcutDisplayItem& item, KeyboardShortcuts::ActionShortcuts& shortcuts,
                         QWidget* parent = nullptr);
+    // A row for a named action that is not a display's, e.g. "Open panel".
+    ShortcutRecorderRow(const QString& label, const QString& shortcutName,
+                        KeyboardShortcuts::ActionShortcuts& shortcuts, QWidget* parent = nullptr);
 
     // "2. Studio Display" when the display has an index, the bare name otherwise.
     static QString labelText(const ShortcutDisplayItem& item);
@@ -33,6 +36,10 @@ Q_SIGNALS:
     void deleteRequested(const QString& persistentID);
 
 private:
+    // The label and recorder every row has; the layout is returned for what a row adds.
+    class QHBoxLayout* build(const QString& label, const QString& shortcutName,
+                             KeyboardShortcuts::ActionShortcuts& shortcuts);
+
     ShortcutDisplayItem m_item;
     QLabel* m_label = nullptr;
     KeyboardShortcuts::ShortcutRecorder* m_recorder = nullptr;

@@ -1,5 +1,9 @@
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QLabel>
 #include <QPointer>
+#include <QPushButton>
 #include <QToolButton>
 
 #include "KeyboardShortcuts/ActionShortcuts.h"
@@ -154,6 +158,73 @@ TEST_F(SettingsShortcutsSectionTest, RenamedDisplayGetsItsNewLabel) {
     controller->refreshShortcutDisplays();
     EXPECT_EQ(labels(section->connectedRows()),
               (QStringList{QStringLiteral("1. Built-in Display"), QStringLiteral("2. Studio Display XDR")}));
+}
+
+TEST_F(SettingsShortcutsSectionTest, TenThousandRememberedScreensGetRowsOneBatchAtATime) {
+    constexpr int kRemembered = 10000;
+    QJsonArray records;
+    for (int i = 0; i < kRemembered; ++i) {
+        records.append(QJsonObject{{QStringLiteral("id"), QStringLiteral("v9-m9-s%1").arg(i)},
+                                   {QStringLiteral("lastKnownName"), QStringLiteral("Screen %1").arg(i)}});
+    }
+    platform.settings.setData(QStringLiteral("shortcutDisplayRecords.v1"),
+                              QJsonDocument(records).toJson(QJsonDocument::Compact));
+    SettingsShortcutsSection* section = shortcuts();
+    ASSERT_NE(section, nullptr);
+    ASSERT_EQ(controller->disconnectedShortcutDisplays().size(), kRemembered);
+    EXPECT_TRUE(view->isVisible());
+
+    // Only a batch of rows exists, whatever the number of records.
+    const int batch = SettingsShortcutsSection::kRowsPerBatch;
+    EXPECT_EQ(section->disconnectedRows().size(), batch);
+    EXPECT_LE(view->findChildren<ShortcutRecorderRow*>().size(),
+              batch + section->connectedRows().size() + section->moveRows().size());
+    ASSERT_TRUE(section->showMoreButton()->isVisible());
+    EXPECT_EQ(section->showMoreButton()->text(),
+              QStringLiteral("Show %1 more screens (%2 not shown)").arg(batch).arg(kRemembered - batch));
+
+    // The window answers at once: a posted event is handled on the next turn of the event loop.
+    bool answered = false;
+    QMetaObject::invokeMethod(
+        view.get(), [&answered] { answered = true; }, Qt::QueuedConnection);
+    EXPECT_TRUE(QTest::qWaitFor([&answered] { return answered; }, 5000));
+
+    QTest::mouseClick(section->showMoreButton(), Qt::LeftButton);
+    EXPECT_EQ(section->disconnectedRows().size(), 2 * batch);
+    EXPECT_EQ(section->disconnectedRows().last()->item().id,
+              controller->disconnectedShortcutDisplays().at(2 * batch - 1).id);
+}
+
+TEST_F(SettingsShortcutsSectionTest, FewRememberedScreensNeedNoShowMoreButton) {
+    SettingsShortcutsSection* section = shortcuts();
+    platform.monitors.setMonitors({mainDisplay()});
+    controller->refreshShortcutDisplays();
+    ASSERT_EQ(section->disconnectedRows().size(), 1);
+    EXPECT_FALSE(section->showMoreButton()->isVisible());
+}
+
+TEST_F(SettingsShortcutsSectionTest, MovesHaveRowsStoredUnderTheirOwnNames) {
+    SettingsShortcutsSection* section = shortcuts();
+    QStringList names;
+    for (const ShortcutRecorderRow* row : section->moveRows()) {
+        names.append(row->recorder()->shortcutName().rawValue());
+    }
+    EXPECT_EQ(
+        names,
+        (QStringList{
+            QStringLiteral("moveFocusedWindowToNextDisplay"), QStringLiteral("moveFocusedWindowToPreviousDisplay"),
+            QStringLiteral("moveFocusedWindowToLeftDisplay"), QStringLiteral("moveFocusedWindowToRightDisplay"),
+            QStringLiteral("swapWindowsOfDisplays.%1.%2").arg(mainID(), studioID()), QStringLiteral("openPanel")}));
+    EXPECT_EQ(labels(section->moveRows()),
+              (QStringList{QStringLiteral("Move focused window to next monitor"),
+                           QStringLiteral("Move focused window to previous monitor"),
+                           QStringLiteral("Move focused window to left monitor"),
+                           QStringLiteral("Move focused window to right monitor"),
+                           QStringLiteral("Swap windows of monitors 1 and 2"), QStringLiteral("Open panel")}));
+    // With one monitor there is no pair to swap.
+    platform.monitors.setMonitors({mainDisplay()});
+    controller->refreshShortcutDisplays();
+    EXPECT_EQ(section->moveRows().size(), 5);
 }
 
 TEST_F(SettingsShortcutsSectionTest, ReconnectedDisplayReturnsToTheConnectedGroup) {

@@ -1,0 +1,274 @@
+// `lattica move-focused --to next` as a whole process, from its start to the window manager's
+// confirmation of the move, against `xdotool getactivewindow windowmove` and `wmctrl -r :ACTIVE: -e`
+// doing the same move (neither waits for any confirmation), and the bus call alone. The command runs
+// once against a running instance on a private session bus, and once with none (in its own process).
+// Run on a virtual desktop: bench/run-benchmarks.sh.
+#include <xcb/xcb.h>
+
+#include <QCoreApplication>
+#include <QDBusConnection>
+#include <QDBusConnectionInterface>
+#include <QDBusMessage>
+#include <QElapsedTimer>
+#include <QProcess>
+#include <cstdio>
+#include <cstdlib>
+
+#include "app/displays/ScreenSnapshotService.h"
+#include "bench/BenchTable.h"
+#include "platform/x11/X11Platform.h"
+#include "tests/testclient/TestClient.h"
+
+namespace {
+
+constexpr int kRepetitions = 20;
+constexpr int kConfirmTimeoutMs = 5000;
+
+// Watches a window's frame on a connection of its own and tells when the window manager has put it
+// on a monitor.
+class FrameWatch {
+public:
+    explicit FrameWatch(xcb_window_t window) : m_connection(xcb_connect(nullptr, nullptr)) {
+        xcb_screen_t* screen = xcb_setup_roots_iterator(xcb_get_setup(m_connection)).data;
+        m_root = screen->root;
+        m_frame = topLevelOf(window);
+        const uint32_t mask = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
+        xcb_change_window_attributes(m_connection, m_frame, XCB_CW_EVENT_MASK, &mask);
+        xcb_flush(m_connection);
+    }
+    ~FrameWatch() { xcb_disconnect(m_connection); }
+    FrameWatch(const FrameWatch&) = delete;
+    FrameWatch& operator=(const FrameWatch&) = delete;
+
+    void drain() {
+        while (xcb_generic_event_t* event = xcb_poll_for_event(m_connection)) {
+            std::free(event);
+        }
+    }
+    // True once a ConfigureNotify shows the frame's centre inside the monitor.
+    bool arrived(const QRect& monitor) {
+        bool inside = false;
+        while (xcb_generic_event_t* event = xcb_poll_for_event(m_connection)) {
+            if ((event->response_type & 0x7f) == XCB_CONFIGURE_NOTIFY) {
+                auto* configure = reinterpret_cast<xcb_configure_notify_event_t*>(event);
+                const QRect rect(configure->x, configure->y, configure->width, configure->height);
+                inside = inside || (configure->window == m_frame && monitor.contains(rect.center()));
+            }
+            std::free(event);
+        }
+        return inside;
+    }
+
+private:
+    xcb_window_t topLevelOf(xcb_window_t window) {
+        for (;;) {
+            xcb_query_tree_reply_t* tree =
+                xcb_query_tree_reply(m_connection, xcb_query_tree(m_connection, window), nullptr);
+            if (tree == nullptr) {
+                return window;
+            }
+            const xcb_window_t parent = tree->parent;
+            std::free(tree);
+            if (parent == m_root || parent == XCB_NONE) {
+                return window;
+            }
+            window = parent;
+        }
+    }
+
+    xcb_connection_t* m_connection;
+    xcb_window_t m_root = XCB_NONE;
+    xcb_window_t m_frame = XCB_NONE;
+};
+
+// A session bus for the benchmark alone.
+struct PrivateBus {
+    QProcess daemon;
+    QString address;
+
+    bool start() {
+        daemon.start(QStringLiteral("dbus-daemon"),
+                     {QStringLiteral("--session"), QStringLiteral("--nofork"), QStringLiteral("--print-address=1")});
+        if (daemon.waitForStarted(5000) && daemon.waitForReadyRead(5000)) {
+            address = QString::fromUtf8(daemon.readLine()).trimmed();
+        }
+        return !address.isEmpty();
+    }
+    ~PrivateBus() {
+        daemon.terminate();
+        daemon.waitForFinished(5000);
+    }
+};
+
+bool waitFor(const std::function<bool()>& condition, int timeoutMs) {
+    QElapsedTimer timer;
+    timer.start();
+    while (!condition()) {
+        if (timer.elapsed() > timeoutMs) {
+            return false;
+        }
+        QCoreApplication::processEvents(QEventLoop::AllEvents, 1);
+    }
+    return true;
+}
+
+// The moves' times: to the confirmation (or, for tools that confirm nothing, to their exit).
+struct Timing {
+    std::vector<double> times;
+    int missed = 0;
+};
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    QCoreApplication application(argc, argv);
+    std::unique_ptr<X11Platform> platform = X11Platform::connect();
+    if (!platform) {
+        std::fputs("command_bench: no X server\n", stderr);
+        return 1;
+    }
+    platform->install();
+    QList<QRect> monitors;
+    for (const DisplayDescriptor& display : ScreenSnapshotService::currentDisplayDescriptors()) {
+        monitors.append(display.bounds.toRect());
+    }
+    if (monitors.size() < 2) {
+        std::fputs("command_bench: needs two monitors\n", stderr);
+        return 1;
+    }
+    TestClient client;
+    const quint32 window =
+        client.start() ? client.open(QStringLiteral("w"), QStringLiteral("x=200 y=200 w=640 h=400")) : 0;
+    if (window == 0 ||
+        QProcess::execute(QStringLiteral("xdotool"),
+                          {QStringLiteral("windowactivate"), QStringLiteral("--sync"), QString::number(window)}) != 0) {
+        std::fputs("command_bench: the test client's window did not open or take focus\n", stderr);
+        return 1;
+    }
+    FrameWatch watch(window);
+    int monitor = 0;  // where the window is now
+
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    // Runs one move to the next monitor, confirmed by the window manager or ended with the process.
+    const auto moveOnce = [&](const QString& program, const QStringList& arguments, bool confirmed, Timing& timing) {
+        const int next = (monitor + 1) % monitors.size();
+        QStringList filled = arguments;
+        for (QString& argument : filled) {
+            argument.replace(QStringLiteral("%X"), QString::number(monitors[next].x() + 100));
+            argument.replace(QStringLiteral("%Y"), QString::number(monitors[next].y() + 100));
+        }
+        watch.drain();
+        QProcess process;
+        process.setProcessEnvironment(environment);
+        process.setStandardOutputFile(QProcess::nullDevice());
+        process.setStandardErrorFile(QProcess::nullDevice());
+        QElapsedTimer timer;
+        timer.start();
+        process.start(program, filled);
+        bool arrived = false;
+        const bool done = waitFor(
+            [&] {
+                arrived = arrived || watch.arrived(monitors[next]);
+                return confirmed ? arrived : process.state() == QProcess::NotRunning;
+            },
+            kConfirmTimeoutMs);
+        const double elapsed = static_cast<double>(timer.nsecsElapsed()) / 1e6;
+        process.waitForFinished(kConfirmTimeoutMs);
+        // The tools that confirm nothing: the next move starts from where the window really is.
+        waitFor([&] { return arrived || (arrived = watch.arrived(monitors[next])); }, kConfirmTimeoutMs);
+        if (done && arrived && process.exitCode() == 0) {
+            timing.times.push_back(elapsed);
+            monitor = next;
+        } else {
+            ++timing.missed;
+            if (arrived) {
+                monitor = next;
+            }
+        }
+    };
+    const QString lattica = QStringLiteral(LATTICA_BINARY);
+    const QStringList moveFocused{QStringLiteral("move-focused"), QStringLiteral("--to"), QStringLiteral("next")};
+
+    Timing xdotool, wmctrl, inProcess, throughInstance;
+    std::vector<double> busCalls;
+    for (int i = 0; i < kRepetitions; ++i) {
+        moveOnce(QStringLiteral("xdotool"),
+                 {QStringLiteral("getactivewindow"), QStringLiteral("windowmove"), QStringLiteral("%X"),
+                  QStringLiteral("%Y")},
+                 false, xdotool);
+        moveOnce(
+            QStringLiteral("wmctrl"),
+            {QStringLiteral("-r"), QStringLiteral(":ACTIVE:"), QStringLiteral("-e"), QStringLiteral("0,%X,%Y,-1,-1")},
+            false, wmctrl);
+    }
+    // With no instance running the command does the move in its own process.
+    environment.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), QStringLiteral("unix:path=/nonexistent"));
+    for (int i = 0; i < kRepetitions; ++i) {
+        moveOnce(lattica, moveFocused, true, inProcess);
+    }
+
+    PrivateBus bus;
+    if (!bus.start()) {
+        std::fputs("command_bench: dbus-daemon did not start\n", stderr);
+        return 1;
+    }
+    environment.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), bus.address);
+    QProcess instance;
+    instance.setProcessEnvironment(environment);
+    instance.start(lattica, {});
+    QDBusConnection connection = QDBusConnection::connectToBus(bus.address, QStringLiteral("bench"));
+    if (!waitFor([&] { return connection.interface()->isServiceRegistered(QStringLiteral("app.lattica.Lattica")); },
+                 10000)) {
+        std::fputs("command_bench: the Lattica instance did not appear on the bus\n", stderr);
+        return 1;
+    }
+    for (int i = 0; i < kRepetitions; ++i) {
+        moveOnce(lattica, moveFocused, true, throughInstance);
+        QDBusMessage call = QDBusMessage::createMethodCall(
+            QStringLiteral("app.lattica.Lattica"), QStringLiteral("/app/lattica/Lattica"),
+            QStringLiteral("app.lattica.Lattica1"), QStringLiteral("MoveFocused"));
+        call.setArguments({QStringLiteral("next"), QString()});
+        watch.drain();
+        QElapsedTimer timer;
+        timer.start();
+        const QDBusMessage reply = connection.call(call, QDBus::Block, kConfirmTimeoutMs);
+        const double elapsed = static_cast<double>(timer.nsecsElapsed()) / 1e6;
+        if (reply.type() == QDBusMessage::ReplyMessage && reply.arguments().value(0).toInt() == 1) {
+            busCalls.push_back(elapsed);
+        }
+        const int next = (monitor + 1) % monitors.size();
+        if (waitFor([&] { return watch.arrived(monitors[next]); }, kConfirmTimeoutMs)) {
+            monitor = next;
+        }
+    }
+    instance.terminate();
+    instance.waitForFinished(10000);
+    client.exit();
+
+    BenchTable::header("Moving the focused window to the next monitor (20 moves each)");
+    const auto show = [](const char* name, const Timing& timing) {
+        if (timing.times.empty()) {
+            std::printf("%-58s no move completed (%d missed)\n", name, timing.missed);
+            return BenchTable::Figures{};
+        }
+        const BenchTable::Figures figures = BenchTable::summarize(timing.times);
+        BenchTable::row(QString::fromLatin1(name), figures);
+        if (timing.missed > 0) {
+            std::printf("  (%d moves missed)\n", timing.missed);
+        }
+        return figures;
+    };
+    const BenchTable::Figures x = show("xdotool getactivewindow windowmove (process)", xdotool);
+    const BenchTable::Figures w = show("wmctrl -r :ACTIVE: -e (process)", wmctrl);
+    const BenchTable::Figures own = show("lattica move-focused, no instance (to WM confirm)", inProcess);
+    const BenchTable::Figures viaBus = show("lattica move-focused, via instance (to WM confirm)", throughInstance);
+    show("bus call MoveFocused alone (reply)", Timing{busCalls, 0});
+    if (x.median > 0 && w.median > 0) {
+        std::printf("\nratios of medians, measured in this run:\n");
+        std::printf("  via instance / xdotool   %6.2f\n", viaBus.median / x.median);
+        std::printf("  via instance / wmctrl    %6.2f\n", viaBus.median / w.median);
+        std::printf("  no instance  / xdotool   %6.2f\n", own.median / x.median);
+        std::printf("  no instance  / wmctrl    %6.2f\n", own.median / w.median);
+    }
+    return 0;
+}
