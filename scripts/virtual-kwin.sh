@@ -9,7 +9,8 @@
 #   virtual-kwin.sh stop STATE
 #       stops the session described by a state file
 #   virtual-kwin.sh run [--layout ...] -- COMMAND [ARGS...]
-#       starts a session, runs the command in it, stops the session and exits with the command's status
+#       starts a session, runs the command in it (with LATTICA_KWIN_LAYOUT set to the layout), stops the
+#       session and exits with the command's status
 #
 # Outputs are virtual framebuffers of one size; each output's size in the layout comes from its scale
 # (KWin's virtual outputs have a single mode), so every wanted size must divide the largest width and
@@ -117,7 +118,7 @@ arrange_outputs() {
     ((${#names[@]} == ${#widths[@]})) || return 1
     for i in "${!names[@]}"; do
         local scale
-        scale=$(awk -v big="$max_width" -v w="${widths[$i]}" 'BEGIN { printf "%.6f", big / w }')
+        scale=$(awk -v big="$max_width" -v w="${widths[$i]}" 'BEGIN { printf "%.10f", big / w }')
         arguments+=("output.${names[$i]}.scale.$scale" "output.${names[$i]}.position.$x,0")
         wanted+=("${names[$i]} $x,0 ${widths[$i]}x${heights[$i]}")
         x=$((x + widths[i]))
@@ -185,7 +186,7 @@ case "$command" in
         parse_options "$@"
         ((${#REST[@]})) || { log "run needs a command after --"; exit 2; }
         start_session || exit 1
-        export XDG_SESSION_TYPE=wayland
+        export XDG_SESSION_TYPE=wayland XDG_CURRENT_DESKTOP=KDE LATTICA_KWIN_LAYOUT=$LAYOUT
         "${REST[@]}"
         status=$?
         stop_session "$STATE"
