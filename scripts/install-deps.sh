@@ -12,6 +12,10 @@ PACKAGES=(
   xvfb x11-xserver-utils x11-utils x11-apps xdotool wmctrl openbox icewm trayer imagemagick
   x11-xkb-utils xauth dbus-x11 dbus-daemon fonts-dejavu-core
   libqt6svg6 help2man desktop-file-utils appstream dpkg-dev file
+  # KDE Plasma's compositor, headless, for the KWin backend's tests (scripts/virtual-kwin.sh); Qt's
+  # Wayland platform for native test clients; kscreen-doctor (and the Qt 5 Wayland platform it needs)
+  # to give the virtual outputs different sizes
+  kwin-wayland qt6-wayland libkf5screen-bin qtwayland5 dbus-bin
 )
 
 missing=()

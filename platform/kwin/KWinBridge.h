@@ -1,0 +1,91 @@
+#pragma once
+
+#include <QDBusConnection>
+#include <QHash>
+#include <QJsonObject>
+#include <QMutex>
+#include <QObject>
+#include <QTemporaryDir>
+#include <QThread>
+#include <QWaitCondition>
+#include <memory>
+#include <optional>
+
+#include "platform/WindowControl.h"
+#include "platform/kwin/KWinState.h"
+
+class KWinBridgeReceiver;
+class QDBusServiceWatcher;
+
+// Lattica's link to KWin. KWin has no interface for moving other applications' windows, but it runs
+// scripts loaded over D-Bus: a watcher script pushes the desktop's state on every change, and each
+// command is a short script that answers once. Both answer through callDBus to an object on a bus
+// connection of the bridge's own, served on a thread of its own, so that the main thread can wait for an
+// answer without running its event loop.
+class KWinBridge : public QObject {
+    Q_OBJECT
+public:
+    // How long KWin may take to answer a command or report the state.
+    static constexpr int kAnswerTimeoutMs = 2000;
+
+    // Connects and loads the watcher; nothing when KWin is not on the session bus or its scripts do not
+    // answer. Why is then in *problem.
+    static std::unique_ptr<KWinBridge> connect(QString* problem = nullptr);
+    ~KWinBridge() override;
+    KWinBridge(const KWinBridge&) = delete;
+    KWinBridge& operator=(const KWinBridge&) = delete;
+
+    // The state the watcher last pushed (a copy; safe from any thread).
+    KWinState state() const;
+    // Whether the watcher has reported since KWin (re)started.
+    bool isWatching() const;
+    // The number Lattica uses for a KWin window, and back; 0 / empty for unknown windows.
+    WindowId idOf(const QString& uuid);
+    QString uuidOf(WindowId id) const;
+
+    // Runs one command script ({"op": ..., ...}) and returns its result ("ok", "gone", ...) once it has
+    // answered; the state is up to date with the command by then. Nothing when no answer came in time.
+    std::optional<QString> command(QJsonObject command, int timeoutMs = kAnswerTimeoutMs);
+
+    // The session bus connection of the bridge (for other KWin interfaces).
+    QDBusConnection bus() const { return m_bus; }
+
+Q_SIGNALS:
+    // The screens changed; emitted on the thread that receives KWin's calls.
+    void screensChanged();
+    // KWin went away (the watcher is gone until it comes back).
+    void lost();
+
+private:
+    friend class KWinBridgeReceiver;
+    explicit KWinBridge(QDBusConnection bus);
+
+    bool loadWatcher(int timeoutMs);
+    // Loads and runs a script with the library and the given last line; its plugin name, or empty.
+    QString loadScript(const QString& name, const QString& lastLine);
+    void unloadScript(const QString& name);
+    void onKWinOwnerChanged(const QString& newOwner);
+
+    // Called on the receiving thread.
+    void receiveState(const QByteArray& json);
+    void receiveAnswer(const QByteArray& answerJson, const QByteArray& stateJson);
+
+    QDBusConnection m_bus;
+    QThread m_thread;
+    KWinBridgeReceiver* m_receiver = nullptr;
+    QDBusServiceWatcher* m_kwinWatcher = nullptr;
+    QTemporaryDir m_scripts;
+    QString m_library;
+    QString m_watcherName;
+    int m_nextToken = 1;
+
+    mutable QMutex m_mutex;
+    QWaitCondition m_changed;
+    KWinState m_state;
+    quint64 m_stateSerial = 0;
+    bool m_watching = false;
+    QHash<int, QString> m_answers;
+    QHash<QString, WindowId> m_ids;
+    QHash<WindowId, QString> m_uuids;
+    WindowId m_nextId = 1;
+};

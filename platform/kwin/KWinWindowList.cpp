@@ -1,0 +1,35 @@
+#include "platform/kwin/KWinWindowList.h"
+
+#include <algorithm>
+
+#include "platform/kwin/KWinBridge.h"
+#include "platform/kwin/KWinSpace.h"
+
+std::optional<QList<WindowEntry>> KWinWindowList::windows(DesktopWindows desktopWindows) {
+    if (!m_bridge.isWatching()) {
+        return std::nullopt;
+    }
+    const KWinState state = m_bridge.state();
+    QList<KWinWindow> ordered = state.windows;
+    std::stable_sort(ordered.begin(), ordered.end(),
+                     [](const KWinWindow& a, const KWinWindow& b) { return a.stacking > b.stacking; });
+    QList<WindowEntry> entries;
+    for (const KWinWindow& window : ordered) {
+        if (window.desktopWindow && desktopWindows == DesktopWindows::Exclude) {
+            continue;
+        }
+        WindowEntry entry;
+        entry.id = m_bridge.idOf(window.uuid);
+        if (window.pid > 0) {
+            entry.pid = window.pid;
+        }
+        entry.ownerName = m_names.name(window);
+        entry.frame = KWinSpace::toDisplaySpace(state, window.frame);
+        entry.layer = KWinSpace::layer(window);
+        entry.opacity = window.opacity;
+        entry.onScreen = !window.minimized && !window.hidden && window.onCurrentDesktop;
+        entry.title = window.caption;
+        entries.append(entry);
+    }
+    return entries;
+}

@@ -1,0 +1,369 @@
+// Lattica's side inside KWin. Loaded as a script over D-Bus, once as the watcher that pushes the desktop's
+// state on every change, and once per command. It answers through callDBus to the bus name Lattica gives
+// in LATTICA_SERVICE. One source serves Plasma 5.27 (clients, numbered screens) and Plasma 6 (windows,
+// output objects): it detects the API instead of asking for a version.
+
+var api6 = typeof workspace.windowList === "function";
+
+function allWindows() {
+    return api6 ? workspace.windowList() : workspace.clientList();
+}
+
+function activeWindow() {
+    return api6 ? workspace.activeWindow : workspace.activeClient;
+}
+
+// Plasma 5.27's scripts number screens but do not name them; KWin's support information does
+// ("Screen 0:", a rule, "Name: DP-1"). Read once and again when the screens change: it is long.
+var screenNames = [];
+
+function readScreenNames() {
+    if (api6 || typeof workspace.supportInformation !== "function") {
+        return;
+    }
+    var info = String(workspace.supportInformation());
+    var pattern = /Screen (\d+):\n-+\nName: ([^\n]*)/g;
+    var match;
+    screenNames = [];
+    while ((match = pattern.exec(info)) !== null) {
+        screenNames[parseInt(match[1], 10)] = match[2];
+    }
+}
+
+function screenList() {
+    var screens = [];
+    if (api6) {
+        for (var i = 0; i < workspace.screens.length; i++) {
+            var output = workspace.screens[i];
+            var g = output.geometry;
+            screens.push({name: output.name || "", x: g.x, y: g.y, width: g.width, height: g.height});
+        }
+    } else {
+        for (var n = 0; n < workspace.numScreens; n++) {
+            var area = workspace.clientArea(KWin.ScreenArea, n, workspace.currentDesktop);
+            screens.push({name: screenNames[n] || "", x: area.x, y: area.y, width: area.width, height: area.height});
+        }
+    }
+    return screens;
+}
+
+function screenIndexOf(window) {
+    if (!api6) {
+        return window.screen;
+    }
+    for (var i = 0; i < workspace.screens.length; i++) {
+        if (workspace.screens[i] === window.output) {
+            return i;
+        }
+    }
+    return -1;
+}
+
+function isOnCurrentDesktop(window) {
+    if (window.onAllDesktops) {
+        return true;
+    }
+    if (api6) {
+        var desktops = window.desktops || [];
+        for (var i = 0; i < desktops.length; i++) {
+            if (desktops[i] === workspace.currentDesktop) {
+                return true;
+            }
+        }
+        return false;
+    }
+    return window.desktop === workspace.currentDesktop;
+}
+
+// Plasma 5.27 has no readable maximise state: it is followed from its change signal, and guessed for
+// windows that were maximised before the watcher started (their frame fills the maximise area).
+var maximised = {};
+
+function maximiseState(window) {
+    var known = maximised[window.internalId];
+    if (known !== undefined) {
+        return known;
+    }
+    if (window.maximizeMode !== undefined) {
+        return {h: (window.maximizeMode & 2) !== 0, v: (window.maximizeMode & 1) !== 0};
+    }
+    var area = workspace.clientArea(KWin.MaximizeArea, window);
+    var f = window.frameGeometry;
+    var filled = f.x === area.x && f.y === area.y && f.width === area.width && f.height === area.height;
+    return {h: filled, v: filled};
+}
+
+function describe(window) {
+    var f = window.frameGeometry;
+    var state = maximiseState(window);
+    return {
+        id: String(window.internalId),
+        pid: window.pid || 0,
+        resourceClass: String(window.resourceClass || ""),
+        resourceName: String(window.resourceName || ""),
+        desktopFile: String(window.desktopFileName || ""),
+        caption: String(window.caption || ""),
+        x: f.x, y: f.y, width: f.width, height: f.height,
+        minimized: !!window.minimized,
+        fullScreen: !!window.fullScreen,
+        maximizedH: state.h,
+        maximizedV: state.v,
+        normal: !!window.normalWindow,
+        dialog: !!window.dialog,
+        utility: !!window.utility || !!window.toolbar,
+        dock: !!window.dock,
+        desktopWindow: !!window.desktopWindow,
+        special: !!window.specialWindow,
+        popup: !!window.popupWindow || !!window.notification || !!window.criticalNotification ||
+            !!window.onScreenDisplay || !!window.tooltip || !!window.splash || !!window.menu,
+        skipTaskbar: !!window.skipTaskbar,
+        keepAbove: !!window.keepAbove,
+        managed: window.managed !== false,
+        onCurrentDesktop: isOnCurrentDesktop(window),
+        hidden: !!window.hidden,
+        moveable: !!window.moveable,
+        resizeable: !!window.resizeable,
+        transient: !!window.transient,
+        modal: !!window.modal,
+        opacity: window.opacity === undefined ? 1 : window.opacity,
+        stacking: window.stackingOrder || 0,
+        screen: screenIndexOf(window),
+        x11: window.windowId !== undefined && window.windowId !== 0,
+    };
+}
+
+function snapshot() {
+    var windows = [];
+    var list = allWindows();
+    for (var i = 0; i < list.length; i++) {
+        if (!list[i].deleted) {
+            windows.push(describe(list[i]));
+        }
+    }
+    var active = activeWindow();
+    return {api: api6 ? 6 : 5, screens: screenList(), windows: windows, active: active ? String(active.internalId) : ""};
+}
+
+function send(method, argument) {
+    if (argument === undefined) {
+        callDBus(LATTICA_SERVICE, "/lattica/kwin", "org.lattica.KWinBridge", method, JSON.stringify(snapshot()));
+    } else {
+        callDBus(LATTICA_SERVICE, "/lattica/kwin", "org.lattica.KWinBridge", method, argument,
+                 JSON.stringify(snapshot()));
+    }
+}
+
+function findWindow(id) {
+    var list = allWindows();
+    for (var i = 0; i < list.length; i++) {
+        if (String(list[i].internalId) === id) {
+            return list[i];
+        }
+    }
+    return null;
+}
+
+// ---- The watcher: pushes the state whenever something Lattica shows may have changed.
+
+function connectSignal(object, name, handler) {
+    if (object && object[name] && object[name].connect) {
+        object[name].connect(handler);
+    }
+}
+
+function push() {
+    send("push");
+}
+
+function watchWindow(window) {
+    var names = ["frameGeometryChanged", "captionChanged", "minimizedChanged", "fullScreenChanged",
+                 "desktopChanged", "desktopsChanged", "screenChanged", "outputChanged", "stackingOrderChanged",
+                 "keepAboveChanged", "skipTaskbarChanged", "opacityChanged", "windowClassChanged",
+                 "desktopFileNameChanged", "hiddenChanged", "activeChanged"];
+    for (var i = 0; i < names.length; i++) {
+        connectSignal(window, names[i], push);
+    }
+    connectSignal(window, "clientMaximizedStateChanged", function (client, h, v) {
+        maximised[client.internalId] = {h: h, v: v};
+        push();
+    });
+    connectSignal(window, "maximizedChanged", push);
+}
+
+function startWatching() {
+    var list = allWindows();
+    for (var i = 0; i < list.length; i++) {
+        watchWindow(list[i]);
+    }
+    var added = api6 ? "windowAdded" : "clientAdded";
+    connectSignal(workspace, added, function (window) {
+        watchWindow(window);
+        push();
+    });
+    connectSignal(workspace, api6 ? "windowRemoved" : "clientRemoved", function (window) {
+        delete maximised[window.internalId];
+        push();
+    });
+    connectSignal(workspace, "clientMaximizeSet", function (client, h, v) {
+        maximised[client.internalId] = {h: h, v: v};
+        push();
+    });
+    var workspaceSignals = ["windowActivated", "clientActivated", "clientMinimized", "clientUnminimized",
+                            "clientFullScreenSet", "currentDesktopChanged", "desktopsChanged"];
+    for (var n = 0; n < workspaceSignals.length; n++) {
+        connectSignal(workspace, workspaceSignals[n], push);
+    }
+    var screenSignals = ["numberScreensChanged", "screenResized", "screensChanged", "virtualScreenGeometryChanged"];
+    for (var m = 0; m < screenSignals.length; m++) {
+        connectSignal(workspace, screenSignals[m], function () {
+            readScreenNames();
+            push();
+        });
+    }
+    readScreenNames();
+    push();
+}
+
+// ---- Commands: each answers once with its result and the state after it.
+
+function answer(token, result) {
+    send("answer", JSON.stringify({token: token, result: result}));
+}
+
+function sameRect(a, b) {
+    return Math.abs(a.x - b.x) < 1 && Math.abs(a.y - b.y) < 1 && Math.abs(a.width - b.width) < 1 &&
+        Math.abs(a.height - b.height) < 1;
+}
+
+// Sets the frame and answers once the window has it; Wayland clients take their new size a little later.
+function applyFrame(token, window, wanted) {
+    window.frameGeometry = wanted;
+    if (sameRect(window.frameGeometry, wanted)) {
+        answer(token, "ok");
+        return;
+    }
+    var done = false;
+    var finish = function (result) {
+        if (!done) {
+            done = true;
+            answer(token, result);
+        }
+    };
+    connectSignal(window, "frameGeometryChanged", function () {
+        if (sameRect(window.frameGeometry, wanted)) {
+            finish("ok");
+        }
+    });
+    connectSignal(window, api6 ? "closed" : "windowClosed", function () {
+        finish("gone");
+    });
+}
+
+function screenAtPoint(x, y) {
+    var screens = screenList();
+    for (var i = 0; i < screens.length; i++) {
+        var s = screens[i];
+        if (x >= s.x && y >= s.y && x < s.x + s.width && y < s.y + s.height) {
+            return i;
+        }
+    }
+    return -1;
+}
+
+function sendToScreen(window, index) {
+    if (api6) {
+        workspace.sendClientToScreen(window, workspace.screens[index]);
+    } else {
+        workspace.sendClientToScreen(window, index);
+    }
+}
+
+function move(token, window, command) {
+    var f = window.frameGeometry;
+    var state = maximiseState(window);
+    if (window.fullScreen || state.h || state.v) {
+        // A maximised or full-screen window is sent to the screen under the wanted frame's centre, where
+        // KWin gives it the same state.
+        var target = screenAtPoint(command.x + f.width / 2, command.y + f.height / 2);
+        if (target < 0) {
+            target = screenAtPoint(command.x, command.y);
+        }
+        if (target >= 0 && target !== screenIndexOf(window)) {
+            sendToScreen(window, target);
+        }
+        answer(token, "ok");
+        return;
+    }
+    applyFrame(token, window, {x: command.x, y: command.y, width: f.width, height: f.height});
+}
+
+function resize(token, window, command) {
+    var state = maximiseState(window);
+    if (window.fullScreen || state.h || state.v) {
+        answer(token, "ok");  // it keeps the size of its screen
+        return;
+    }
+    var f = window.frameGeometry;
+    applyFrame(token, window, {x: f.x, y: f.y, width: command.width, height: command.height});
+}
+
+function activate(window) {
+    if (api6) {
+        workspace.activeWindow = window;
+    } else {
+        workspace.activeClient = window;
+    }
+}
+
+// Lattica's own windows: kept out of the taskbar or shown in it, and the front-most one activated.
+function ownWindows(command) {
+    var list = allWindows();
+    var front = null;
+    for (var i = 0; i < list.length; i++) {
+        var window = list[i];
+        if (window.pid !== command.pid || window.deleted) {
+            continue;
+        }
+        if (command.skipTaskbar !== undefined) {
+            window.skipTaskbar = command.skipTaskbar;
+            window.skipPager = command.skipTaskbar;
+        }
+        if (!window.minimized && (front === null || window.stackingOrder > front.stackingOrder)) {
+            front = window;
+        }
+    }
+    if (command.activate && front !== null) {
+        activate(front);
+    }
+    answer(command.token, front === null && command.activate ? "gone" : "ok");
+}
+
+function runCommand(command) {
+    if (command.op === "state") {
+        answer(command.token, "ok");
+        return;
+    }
+    if (command.op === "ownWindows") {
+        ownWindows(command);
+        return;
+    }
+    var window = findWindow(command.window);
+    if (!window) {
+        answer(command.token, "gone");
+        return;
+    }
+    if (command.op === "move") {
+        move(command.token, window, command);
+    } else if (command.op === "resize") {
+        resize(command.token, window, command);
+    } else if (command.op === "unminimise") {
+        window.minimized = false;
+        answer(command.token, "ok");
+    } else if (command.op === "activate") {
+        window.minimized = false;
+        activate(window);
+        answer(command.token, "ok");
+    } else {
+        answer(command.token, "unsupported");
+    }
+}

@@ -1,0 +1,199 @@
+#!/usr/bin/env bash
+# A private headless KDE Plasma (KWin) Wayland session for tests, demos and benchmarks: its own session
+# bus, a headless KWin with virtual outputs of different sizes side by side, and Xwayland. It stops
+# exactly the processes it started.
+#
+#   virtual-kwin.sh start [--layout 1920x1080,2560x1440,1280x720]
+#       starts a session and prints the variables that reach it (WAYLAND_DISPLAY, DISPLAY,
+#       DBUS_SESSION_BUS_ADDRESS, XDG_RUNTIME_DIR, HOME, XDG_CONFIG_HOME) and "STATE=<file>"
+#   virtual-kwin.sh stop STATE
+#       stops the session described by a state file
+#   virtual-kwin.sh run [--layout ...] -- COMMAND [ARGS...]
+#       starts a session, runs the command in it (with LATTICA_KWIN_LAYOUT set to the layout), stops the
+#       session and exits with the command's status
+#
+# Outputs are virtual framebuffers of one size; each output's size in the layout comes from its scale
+# (KWin's virtual outputs have a single mode), so every wanted size must divide the largest width and
+# height by one factor. Window management and capture restrictions are lifted for the tests.
+set -uo pipefail
+
+LAYOUT=1920x1080,2560x1440,1280x720
+READY_TIMEOUT=15   # seconds for any one step to become ready
+
+log() { echo "virtual-kwin: $*" >&2; }
+
+parse_options() {
+    while (($#)); do
+        case "$1" in
+            --layout) LAYOUT=$2; shift 2 ;;
+            --) shift; REST=("$@"); return ;;
+            *) log "unknown option $1"; exit 2 ;;
+        esac
+    done
+    REST=()
+}
+
+# Reads one line from a fifo, waiting at most READY_TIMEOUT seconds for a writer.
+read_fifo() {
+    local fifo=$1 line=""
+    exec {fd}<>"$fifo"
+    read -r -t "$READY_TIMEOUT" -u "$fd" line
+    local status=$?
+    exec {fd}<&-
+    printf '%s\n' "$line"
+    return "$status"
+}
+
+start_session() {
+    local widths=() heights=() part max_width=0 max_height=0
+    IFS=',' read -ra parts <<<"$LAYOUT"
+    for part in "${parts[@]}"; do
+        local w=${part%x*} h=${part#*x}
+        widths+=("$w"); heights+=("$h")
+        ((w > max_width)) && max_width=$w
+        ((h > max_height)) && max_height=$h
+    done
+    local count=${#widths[@]}
+
+    local root
+    root=$(mktemp -d /tmp/lattica-kwin.XXXXXX)
+    STATE=$root/state
+    echo "ROOT=$root" >"$STATE"
+    export XDG_RUNTIME_DIR=$root/runtime HOME=$root/home XDG_CONFIG_HOME=$root/home/.config
+    mkdir -p "$XDG_RUNTIME_DIR" "$XDG_CONFIG_HOME" "$root/bin"
+    chmod 700 "$XDG_RUNTIME_DIR"
+    # Xwayland puts its socket there; a container may not have it yet.
+    if [ ! -d /tmp/.X11-unix ]; then
+        mkdir -p /tmp/.X11-unix && chmod 1777 /tmp/.X11-unix
+    fi
+
+    # A private session bus; it reports its address once it listens.
+    mkfifo "$root/bus-ready"
+    dbus-daemon --session --nofork --nopidfile --print-address=3 3>"$root/bus-ready" >/dev/null 2>&1 &
+    echo "BUS_PID=$!" >>"$STATE"
+    local address
+    address=$(read_fifo "$root/bus-ready")
+    if [ -z "$address" ]; then
+        log "timed out waiting for the session bus"; stop_session "$STATE"; return 1
+    fi
+    export DBUS_SESSION_BUS_ADDRESS=$address
+
+    # The packaged binary carries a file capability that containers refuse to execute; a plain copy runs.
+    # KWin only loads its own platform plugin into a program named kwin_wayland.
+    local kwin
+    kwin=$(command -v kwin_wayland) || { log "kwin_wayland is not installed"; stop_session "$STATE"; return 3; }
+    cp "$kwin" "$root/bin/kwin_wayland"
+
+    # KWin starts the applications given to it once Wayland and Xwayland accept clients: this one
+    # reports both display names, which is the readiness signal.
+    mkfifo "$root/kwin-ready"
+    export WAYLAND_DISPLAY=lattica-kwin
+    unset DISPLAY
+    KWIN_WAYLAND_NO_PERMISSION_CHECKS=1 KWIN_SCREENSHOT_NO_PERMISSION_CHECKS=1 \
+        "$root/bin/kwin_wayland" --virtual --xwayland --no-lockscreen --socket "$WAYLAND_DISPLAY" \
+        --width "$max_width" --height "$max_height" --output-count "$count" \
+        "sh -c 'echo \"\$DISPLAY\" >$root/kwin-ready'" >"$root/kwin.log" 2>&1 &
+    echo "KWIN_PID=$!" >>"$STATE"
+    local display
+    display=$(read_fifo "$root/kwin-ready")
+    if [ -z "$display" ]; then
+        log "timed out waiting for KWin and Xwayland; its log:"; tail -20 "$root/kwin.log" >&2
+        stop_session "$STATE"; return 1
+    fi
+    export DISPLAY=$display
+
+    arrange_outputs || log "could not arrange the outputs as $LAYOUT; they keep ${max_width}x${max_height}"
+}
+
+# Gives each output its size (through its scale) and puts the outputs side by side, the first primary.
+# kscreen-doctor reads outputs in its own process but applies a configuration only through the KScreen
+# backend launcher, which the bus starts: the launcher gets the session's variables first.
+arrange_outputs() {
+    local names i x=0 arguments=() wanted=()
+    command -v kscreen-doctor >/dev/null || return 1
+    export KSCREEN_BACKEND=KWayland
+    dbus-update-activation-environment WAYLAND_DISPLAY XDG_RUNTIME_DIR QT_QPA_PLATFORM=wayland KSCREEN_BACKEND \
+        >/dev/null 2>&1 || return 1
+    mapfile -t names < <(list_outputs | awk '{print $3}')
+    ((${#names[@]} == ${#widths[@]})) || return 1
+    for i in "${!names[@]}"; do
+        local scale
+        scale=$(awk -v big="$max_width" -v w="${widths[$i]}" 'BEGIN { printf "%.10f", big / w }')
+        arguments+=("output.${names[$i]}.scale.$scale" "output.${names[$i]}.position.$x,0")
+        wanted+=("${names[$i]} $x,0 ${widths[$i]}x${heights[$i]}")
+        x=$((x + widths[i]))
+    done
+    arguments+=("output.${names[0]}.primary")
+    QT_QPA_PLATFORM=wayland KSCREEN_BACKEND_INPROCESS=0 kscreen-doctor "${arguments[@]}" >/dev/null 2>&1
+    # The launcher applies the change after kscreen-doctor returns; the outputs are read until they match.
+    local attempt
+    for attempt in $(seq 50); do
+        [ "$(list_outputs | sed -E 's/^Output: [0-9]+ ([^ ]+) .*Geometry: ([0-9,-]+) ([0-9]+x[0-9]+).*/\1 \2 \3/')" = "$(printf '%s\n' "${wanted[@]}")" ] && return 0
+    done
+    return 1
+}
+
+# One line per output: "Output: ID NAME enabled ... Geometry: X,Y WxH Scale: ...", without colours.
+list_outputs() {
+    QT_QPA_PLATFORM=wayland KSCREEN_BACKEND_INPROCESS=1 kscreen-doctor -o 2>/dev/null | sed 's/\x1b\[[0-9;]*m//g' |
+        grep '^Output:'
+}
+
+stop_session() {
+    local state=$1
+    [ -f "$state" ] || return 0
+    local root
+    root=$(sed -n 's/^ROOT=//p' "$state")
+    # Stop in reverse order of starting: KWin (and with it Xwayland), then the bus.
+    for key in KWIN_PID BUS_PID; do
+        local pid
+        pid=$(sed -n "s/^$key=//p" "$state")
+        [ -n "$pid" ] || continue
+        kill "$pid" 2>/dev/null || continue
+        local waited=0
+        while kill -0 "$pid" 2>/dev/null && ((waited < 100)); do
+            wait "$pid" 2>/dev/null || sleep 0.05
+            waited=$((waited + 1))
+        done
+        kill -9 "$pid" 2>/dev/null || true
+        wait "$pid" 2>/dev/null || true
+    done
+    [ -n "$root" ] && rm -rf "$root"
+}
+
+print_session() {
+    echo "WAYLAND_DISPLAY=$WAYLAND_DISPLAY"
+    echo "DISPLAY=$DISPLAY"
+    echo "DBUS_SESSION_BUS_ADDRESS=$DBUS_SESSION_BUS_ADDRESS"
+    echo "XDG_RUNTIME_DIR=$XDG_RUNTIME_DIR"
+    echo "HOME=$HOME"
+    echo "XDG_CONFIG_HOME=$XDG_CONFIG_HOME"
+    echo "STATE=$STATE"
+}
+
+command=${1:-}
+shift || true
+case "$command" in
+    start)
+        parse_options "$@"
+        start_session || exit 1
+        print_session
+        ;;
+    stop)
+        stop_session "${1:?state file}"
+        ;;
+    run)
+        parse_options "$@"
+        ((${#REST[@]})) || { log "run needs a command after --"; exit 2; }
+        start_session || exit 1
+        export XDG_SESSION_TYPE=wayland XDG_CURRENT_DESKTOP=KDE LATTICA_KWIN_LAYOUT=$LAYOUT
+        "${REST[@]}"
+        status=$?
+        stop_session "$STATE"
+        exit "$status"
+        ;;
+    *)
+        sed -n '2,13p' "$0" >&2
+        exit 2
+        ;;
+esac

@@ -1,0 +1,126 @@
+#include "tests/platform/kwin/KWinSessionFixture.h"
+
+#include <QDeadlineTimer>
+#include <QStandardPaths>
+
+#include "platform/Platform.h"
+#include "tests/support/VirtualDesktop.h"
+
+WaylandClient::~WaylandClient() {
+    if (m_process.state() != QProcess::NotRunning) {
+        send(QStringLiteral("exit"));
+        if (!m_process.waitForFinished(2000)) {
+            m_process.kill();
+            m_process.waitForFinished();
+        }
+    }
+}
+
+bool WaylandClient::start(int timeoutMs) {
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("wayland"));
+    m_process.setProcessEnvironment(environment);
+    m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    m_process.start(QStringLiteral(LATTICA_WAYLAND_TEST_CLIENT_PATH), {});
+    return m_process.waitForStarted(timeoutMs) && waitForLine(QStringLiteral("ready"), timeoutMs);
+}
+
+void WaylandClient::send(const QString& line) {
+    m_process.write((line + QLatin1Char('\n')).toUtf8());
+    m_process.waitForBytesWritten(1000);
+}
+
+bool WaylandClient::waitForLine(const QString& line, int timeoutMs) {
+    QDeadlineTimer deadline(timeoutMs);
+    while (true) {
+        m_buffer += m_process.readAllStandardOutput();
+        qsizetype newline;
+        while ((newline = m_buffer.indexOf('\n')) >= 0) {
+            m_lines.append(QString::fromUtf8(m_buffer.left(newline)));
+            m_buffer.remove(0, newline + 1);
+        }
+        if (m_lines.removeOne(line)) {
+            return true;
+        }
+        if (deadline.hasExpired() || m_process.state() == QProcess::NotRunning) {
+            return false;
+        }
+        m_process.waitForReadyRead(static_cast<int>(qMax<qint64>(1, deadline.remainingTime())));
+    }
+}
+
+bool WaylandClient::open(const QString& name, const QString& options, int timeoutMs) {
+    send(QStringLiteral("open name=%1 %2").arg(name, options));
+    return waitForLine(QStringLiteral("window %1").arg(name), timeoutMs);
+}
+
+bool WaylandClient::close(const QString& name, int timeoutMs) {
+    send(QStringLiteral("close name=%1").arg(name));
+    return waitForLine(QStringLiteral("closed %1").arg(name), timeoutMs);
+}
+
+void KWinSessionFixture::SetUp() {
+    if (qEnvironmentVariableIsEmpty("LATTICA_KWIN_LAYOUT")) {
+        if (QStandardPaths::findExecutable(QStringLiteral("kwin_wayland")).isEmpty()) {
+            GTEST_SKIP() << "kwin_wayland is not installed (scripts/install-deps.sh installs it)";
+        }
+        FAIL() << "run this test inside scripts/virtual-kwin.sh run -- (ctest does)";
+    }
+    QString problem;
+    platform = KWinPlatform::connect(&problem);
+    ASSERT_TRUE(platform) << problem.toStdString();
+    platform->install();
+    ASSERT_TRUE(wayland.start());
+    ASSERT_TRUE(x11.start());
+}
+
+void KWinSessionFixture::TearDown() {
+    platform.reset();
+}
+
+QList<QRect> KWinSessionFixture::layout() {
+    QList<QRect> outputs;
+    int x = 0;
+    for (const QString& part :
+         qEnvironmentVariable("LATTICA_KWIN_LAYOUT").split(QLatin1Char(','), Qt::SkipEmptyParts)) {
+        const int width = part.section(QLatin1Char('x'), 0, 0).toInt();
+        const int height = part.section(QLatin1Char('x'), 1, 1).toInt();
+        outputs.append(QRect(x, 0, width, height));
+        x += width;
+    }
+    return outputs;
+}
+
+std::optional<WindowEntry> KWinSessionFixture::waitForWindow(const QString& title, int timeoutMs) {
+    std::optional<WindowEntry> found;
+    VirtualDesktop::waitUntil(
+        [&] {
+            const auto entries = Platform::services().windowList->windows(DesktopWindows::Exclude);
+            for (const WindowEntry& entry : entries.value_or(QList<WindowEntry>{})) {
+                if (entry.title == title) {
+                    found = entry;
+                    return true;
+                }
+            }
+            return false;
+        },
+        timeoutMs);
+    return found;
+}
+
+std::optional<WindowEntry> KWinSessionFixture::entryFor(qint64 id) {
+    const auto entries = Platform::services().windowList->windows(DesktopWindows::Include);
+    for (const WindowEntry& entry : entries.value_or(QList<WindowEntry>{})) {
+        if (entry.id == id) {
+            return entry;
+        }
+    }
+    return std::nullopt;
+}
+
+bool KWinSessionFixture::near(const QRectF& actual, const QRectF& expected, double tolerance) {
+    return std::abs(actual.left() - expected.left()) <= tolerance &&
+           std::abs(actual.top() - expected.top()) <= tolerance &&
+           std::abs(actual.width() - expected.width()) <= tolerance &&
+           std::abs(actual.height() - expected.height()) <= tolerance;
+}

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <QProcess>
+#include <QRect>
+#include <QStringList>
+#include <memory>
+#include <optional>
+
+#include "platform/WindowList.h"
+#include "platform/kwin/KWinPlatform.h"
+#include "tests/testclient/TestClient.h"
+
+// Drives one lattica-wayland-test-client process: native Wayland windows of one colour.
+class WaylandClient {
+public:
+    ~WaylandClient();
+    bool start(int timeoutMs = 5000);
+    // Opens a window ("title=... w= h= color=#rrggbb state=...") and waits until it has painted.
+    bool open(const QString& name, const QString& options = {}, int timeoutMs = 5000);
+    bool close(const QString& name, int timeoutMs = 5000);
+    qint64 pid() const { return m_process.processId(); }
+
+private:
+    void send(const QString& line);
+    bool waitForLine(const QString& line, int timeoutMs);
+
+    QProcess m_process;
+    QByteArray m_buffer;
+    QStringList m_lines;
+};
+
+// A test inside the headless KWin session of scripts/virtual-kwin.sh, with the KWin services installed.
+// Skipped when kwin_wayland is not installed.
+class KWinSessionFixture : public ::testing::Test {
+protected:
+    void SetUp() override;
+    void TearDown() override;
+
+    // The outputs the session was started with, left to right, in KWin's logical coordinates.
+    static QList<QRect> layout();
+    // Waits until the window list holds a window with the title; its entry.
+    std::optional<WindowEntry> waitForWindow(const QString& title, int timeoutMs = 5000);
+    std::optional<WindowEntry> entryFor(qint64 id);
+    // True when the frame lies within tolerance of the rectangle.
+    static bool near(const QRectF& actual, const QRectF& expected, double tolerance = 2.0);
+
+    std::unique_ptr<KWinPlatform> platform;
+    WaylandClient wayland;
+    TestClient x11;
+};
