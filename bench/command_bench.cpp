@@ -189,7 +189,7 @@ int main(int argc, char** argv) {
     const QString lattica = QStringLiteral(LATTICA_BINARY);
     const QStringList moveFocused{QStringLiteral("move-focused"), QStringLiteral("--to"), QStringLiteral("next")};
 
-    Timing xdotool, wmctrl, inProcess, throughInstance;
+    Timing xdotool, wmctrl, inProcess, throughInstance, startUp;
     std::vector<double> busCalls;
     for (int i = 0; i < kRepetitions; ++i) {
         moveOnce(QStringLiteral("xdotool"),
@@ -200,6 +200,19 @@ int main(int argc, char** argv) {
             QStringLiteral("wmctrl"),
             {QStringLiteral("-r"), QStringLiteral(":ACTIVE:"), QStringLiteral("-e"), QStringLiteral("0,%X,%Y,-1,-1")},
             false, wmctrl);
+    }
+    // What starting the program costs before it does anything: --version prints and exits.
+    for (int i = 0; i < kRepetitions; ++i) {
+        QProcess process;
+        process.setStandardOutputFile(QProcess::nullDevice());
+        QElapsedTimer timer;
+        timer.start();
+        process.start(QStringLiteral(LATTICA_BINARY), {QStringLiteral("--version")});
+        if (process.waitForFinished(kConfirmTimeoutMs) && process.exitCode() == 0) {
+            startUp.times.push_back(static_cast<double>(timer.nsecsElapsed()) / 1e6);
+        } else {
+            ++startUp.missed;
+        }
     }
     // With no instance running the command does the move in its own process.
     environment.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), QStringLiteral("unix:path=/nonexistent"));
@@ -263,6 +276,7 @@ int main(int argc, char** argv) {
     const BenchTable::Figures own = show("lattica move-focused, no instance (to WM confirm)", inProcess);
     const BenchTable::Figures viaBus = show("lattica move-focused, via instance (to WM confirm)", throughInstance);
     show("bus call MoveFocused alone (reply)", Timing{busCalls, 0});
+    show("lattica --version (process start to exit)", startUp);
     if (x.median > 0 && w.median > 0) {
         std::printf("\nratios of medians, measured in this run:\n");
         std::printf("  via instance / xdotool   %6.2f\n", viaBus.median / x.median);

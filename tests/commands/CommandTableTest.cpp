@@ -108,6 +108,13 @@ TEST_F(BusServiceTest, MovesAnswerWithCountsAndStatus) {
     EXPECT_TRUE(QRectF(1920, 0, 2560, 1440).contains(platform.windowControl.currentFrame(11)));
 }
 
+TEST_F(BusServiceTest, SwapAnswersWithCountsAndStatus) {
+    const QDBusMessage reply = call(QStringLiteral("Swap"), {QStringLiteral("1"), QStringLiteral("2"), QString()});
+    ASSERT_EQ(reply.type(), QDBusMessage::ReplyMessage) << reply.errorMessage().toStdString();
+    EXPECT_EQ(reply.arguments(), (QVariantList{1, 1, QStringLiteral("Moved 1 of 1 windows.")}));
+    EXPECT_TRUE(QRectF(1920, 0, 2560, 1440).contains(platform.windowControl.currentFrame(11)));
+}
+
 TEST_F(BusServiceTest, ListingsAnswerWithJson) {
     const QDBusMessage reply = call(QStringLiteral("Displays"));
     ASSERT_EQ(reply.type(), QDBusMessage::ReplyMessage);
@@ -121,6 +128,10 @@ TEST_F(BusServiceTest, ErrorsCarryTheirNames) {
               CommandErrors::invalidArgument);
     EXPECT_EQ(call(QStringLiteral("MoveFocused"), {QStringLiteral("1")}).errorName(), CommandErrors::invalidArgument);
     EXPECT_EQ(call(QStringLiteral("MoveFocused"), {1, QString()}).errorName(), CommandErrors::invalidArgument);
+    EXPECT_EQ(call(QStringLiteral("Swap"), {QStringLiteral("1"), QStringLiteral("1"), QString()}).errorName(),
+              CommandErrors::invalidArgument);
+    EXPECT_EQ(call(QStringLiteral("Swap"), {QStringLiteral("1"), QStringLiteral("5"), QString()}).errorName(),
+              CommandErrors::noSuchMonitor);
     EXPECT_EQ(call(QStringLiteral("Teleport")).errorName(), QStringLiteral("org.freedesktop.DBus.Error.UnknownMethod"));
     EXPECT_TRUE(platform.windowControl.requests().isEmpty()) << "nothing was moved";
 }

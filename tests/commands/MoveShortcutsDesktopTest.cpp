@@ -79,10 +79,12 @@ TEST_F(MoveShortcutsDesktopTest, NextMonitorAndSwapShortcutsMoveTheWindows) {
     const quint32 focused = m_client.open(QStringLiteral("a"), QStringLiteral("x=300 y=200 w=640 h=400 title=Focused"));
     ASSERT_NE(focused, 0u);
     ASSERT_TRUE(xdotool({QStringLiteral("windowactivate"), QStringLiteral("--sync"), QString::number(focused)}));
-    ASSERT_TRUE(first.contains(frame(focused).center()));
+    // The window manager places a new window in its own time.
+    ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return first.contains(frame(focused).center()); }))
+        << "at " << frame(focused).x() << "," << frame(focused).y();
 
     ASSERT_TRUE(xdotool({QStringLiteral("key"), QStringLiteral("ctrl+alt+n")}));
-    ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return finished.size() == 1; }));
+    ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return finished.size() == 1; })) << "the key's move did not run";
     EXPECT_EQ(finished[0][0].value<CommandResult>().message,
               QStringLiteral("Moved focused window to ") + displays.at(1).name + QLatin1Char('.'));
     EXPECT_TRUE(VirtualDesktop::waitUntil([&] { return second.contains(frame(focused).center()); }));
@@ -92,7 +94,7 @@ TEST_F(MoveShortcutsDesktopTest, NextMonitorAndSwapShortcutsMoveTheWindows) {
     ASSERT_NE(other, 0u);
     ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return first.contains(frame(other).center()); }));
     ASSERT_TRUE(xdotool({QStringLiteral("key"), QStringLiteral("ctrl+alt+s")}));
-    ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return finished.size() == 2; }));
+    ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return finished.size() == 2; })) << "the swap did not run";
     EXPECT_EQ(finished[1][0].value<CommandResult>().message, QStringLiteral("Moved 2 of 2 windows."));
     EXPECT_TRUE(VirtualDesktop::waitUntil([&] {
         return first.contains(frame(focused).center()) && second.contains(frame(other).center());
