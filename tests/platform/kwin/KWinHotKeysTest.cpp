@@ -1,6 +1,5 @@
 #include <QDBusConnection>
 #include <QDBusMessage>
-#include <QProcess>
 #include <QSignalSpy>
 
 #include "platform/HotKeys.h"
@@ -49,40 +48,6 @@ TEST_F(KWinHotKeysTest, ARegisteredShortcutReportsItsPress) {
     hotKeys.unregisterHotKey(std::get<HotKeys::RegistrationId>(again));
 }
 
-// Presses keys as a keyboard would, through KWin's fake-input protocol.
-class FakeKeys {
-public:
-    bool start() {
-        m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        m_process.start(QStringLiteral(LATTICA_FAKE_KEYS_PATH), {});
-        return m_process.waitForStarted() && answer() == "ready";
-    }
-    // Sends "down CODE" or "up CODE" and waits until KWin has handled it.
-    bool send(const char* command, int evdevCode) {
-        m_process.write(QByteArray(command) + ' ' + QByteArray::number(evdevCode) + '\n');
-        return answer() == "done";
-    }
-    ~FakeKeys() {
-        m_process.closeWriteChannel();
-        if (!m_process.waitForFinished(2000)) {
-            m_process.kill();
-            m_process.waitForFinished();
-        }
-    }
-
-private:
-    QByteArray answer() {
-        while (!m_process.canReadLine() && m_process.waitForReadyRead(5000)) {
-        }
-        return m_process.readLine().trimmed();
-    }
-    QProcess m_process;
-};
-
-constexpr int kEvdevLeftControl = 29;
-constexpr int kEvdevLeftAlt = 56;
-constexpr int kEvdevTwo = 3;
-
 TEST_F(KWinHotKeysTest, AKeyboardPressReportsThePressAndTheReleaseApart) {
     HotKeys& hotKeys = *Platform::services().hotKeys;
     const HotKeys::Registration registration = hotKeys.registerHotKey(kTwo, kControl | kOption);
@@ -94,19 +59,19 @@ TEST_F(KWinHotKeysTest, AKeyboardPressReportsThePressAndTheReleaseApart) {
     FakeKeys keys;
     ASSERT_TRUE(keys.start());
 
-    ASSERT_TRUE(keys.send("down", kEvdevLeftControl));
-    ASSERT_TRUE(keys.send("down", kEvdevLeftAlt));
-    ASSERT_TRUE(keys.send("down", kEvdevTwo));
+    ASSERT_TRUE(keys.send("down", FakeKeys::kEvdevLeftControl));
+    ASSERT_TRUE(keys.send("down", FakeKeys::kEvdevLeftAlt));
+    ASSERT_TRUE(keys.send("down", FakeKeys::kEvdevTwo));
     ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return pressed.size() == 1; }));
     EXPECT_EQ(pressed.first().first().value<HotKeys::RegistrationId>(), id);
     EXPECT_TRUE(released.isEmpty());
 
-    ASSERT_TRUE(keys.send("up", kEvdevTwo));
+    ASSERT_TRUE(keys.send("up", FakeKeys::kEvdevTwo));
     ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return released.size() == 1; }));
     EXPECT_EQ(released.first().first().value<HotKeys::RegistrationId>(), id);
     EXPECT_EQ(pressed.size(), 1);
-    keys.send("up", kEvdevLeftAlt);
-    keys.send("up", kEvdevLeftControl);
+    keys.send("up", FakeKeys::kEvdevLeftAlt);
+    keys.send("up", FakeKeys::kEvdevLeftControl);
     hotKeys.unregisterHotKey(id);
 }
 
