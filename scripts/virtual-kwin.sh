@@ -144,21 +144,32 @@ stop_session() {
     [ -f "$state" ] || return 0
     local root
     root=$(sed -n 's/^ROOT=//p' "$state")
-    # Stop in reverse order of starting: KWin (and with it Xwayland), then the bus.
-    for key in KWIN_PID BUS_PID; do
-        local pid
-        pid=$(sed -n "s/^$key=//p" "$state")
-        [ -n "$pid" ] || continue
-        kill "$pid" 2>/dev/null || continue
-        local waited=0
-        while kill -0 "$pid" 2>/dev/null && ((waited < 100)); do
-            wait "$pid" 2>/dev/null || sleep 0.05
-            waited=$((waited + 1))
+    # Stop in reverse order of starting: KWin (and with it Xwayland), then what the bus started for us
+    # (the KScreen backend launcher), then the bus.
+    stop_process "$(sed -n 's/^KWIN_PID=//p' "$state")"
+    local bus
+    bus=$(sed -n 's/^BUS_PID=//p' "$state")
+    if [ -n "$bus" ]; then
+        local child
+        for child in $(pgrep -P "$bus"); do
+            stop_process "$child"
         done
-        kill -9 "$pid" 2>/dev/null || true
-        wait "$pid" 2>/dev/null || true
-    done
+        stop_process "$bus"
+    fi
     [ -n "$root" ] && rm -rf "$root"
+}
+
+# Ends a process: politely, then after five seconds for good.
+stop_process() {
+    local pid=$1 waited=0
+    [ -n "$pid" ] || return 0
+    kill "$pid" 2>/dev/null || return 0
+    while kill -0 "$pid" 2>/dev/null && ((waited < 100)); do
+        wait "$pid" 2>/dev/null || sleep 0.05
+        waited=$((waited + 1))
+    done
+    kill -9 "$pid" 2>/dev/null || true
+    wait "$pid" 2>/dev/null || true
 }
 
 print_session() {
