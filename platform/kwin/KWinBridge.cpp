@@ -16,7 +16,7 @@
 
 #include "platform/kwin/KWinBridgeReceiver.h"
 
-Q_LOGGING_CATEGORY(lcKWinBridge, "lattica.kwin")
+Q_LOGGING_CATEGORY(lcKWinBridge, "lattica.kwin", QtInfoMsg)
 
 namespace {
 
