@@ -4,6 +4,7 @@
 
 #include <QApplication>
 #include <QDBusConnection>
+#include <QDBusConnectionInterface>
 #include <QSocketNotifier>
 #include <QThreadPool>
 #include <cstdio>
@@ -22,6 +23,8 @@
 #include "app/ui/LatticaApp.h"
 #include "app/ui/WindowPresenter.h"
 #include "app/update/Updater.h"
+#include "platform/BackendChoice.h"
+#include "platform/kwin/KWinPlatform.h"
 #include "platform/x11/X11DisplayProbe.h"
 #include "platform/x11/X11Platform.h"
 #include "platform/xdg/SessionBusAutoLaunch.h"
@@ -80,6 +83,86 @@ bool displayIsUsable() {
     return true;
 }
 
+// Whether a name is owned on the session bus. Asked before the toolkit starts, on a connection that is
+// closed again at once.
+bool nameOnSessionBus(const QString& name) {
+    const QString connectionName = QStringLiteral("lattica-backend-choice");
+    bool owned = false;
+    {
+        const QDBusConnection bus = QDBusConnection::connectToBus(QDBusConnection::SessionBus, connectionName);
+        owned = bus.isConnected() && bus.interface()->isServiceRegistered(name);
+    }
+    QDBusConnection::disconnectFromBus(connectionName);
+    return owned;
+}
+
+// The backend for the session the program starts in; LATTICA_BACKEND forces one.
+BackendChoice chooseBackend() {
+    BackendSignals session;
+    session.sessionType = qEnvironmentVariable("XDG_SESSION_TYPE");
+    session.waylandDisplay = !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
+    session.x11Display = !qEnvironmentVariableIsEmpty("DISPLAY");
+    session.forced = qEnvironmentVariable("LATTICA_BACKEND");
+    if (BackendChooser::isWayland(session) && session.forced.isEmpty()) {
+        session.kwinOnBus = nameOnSessionBus(QStringLiteral("org.kde.KWin"));
+        session.gnomeShellOnBus = !session.kwinOnBus && nameOnSessionBus(QStringLiteral("org.gnome.Shell"));
+    }
+    const BackendChoice choice = BackendChooser::choose(session);
+    if (!choice.note.isEmpty()) {
+        std::fprintf(stderr, "Lattica: %s\n", qPrintable(choice.note));
+    }
+    return choice;
+}
+
+// The services of the chosen backend, once connected.
+struct StartedPlatform {
+    std::unique_ptr<X11Platform> x11;
+    std::unique_ptr<KWinPlatform> kwin;
+
+    const PlatformServices& services() const { return x11 ? x11->services() : kwin->services(); }
+    void install() { x11 ? x11->install() : kwin->install(); }
+};
+
+// Whether the backend can start before the toolkit does; says why not on standard error.
+bool backendCanStart(const BackendChoice& choice) {
+    switch (choice.backend) {
+        case Backend::KWin:
+            return true;
+        case Backend::Gnome:
+            std::fputs(
+                "Lattica has no GNOME Shell backend yet. LATTICA_BACKEND=x11 moves X11 applications through "
+                "Xwayland.\n",
+                stderr);
+            return false;
+        case Backend::X11:
+        case Backend::Xwayland:
+        case Backend::None:
+            break;
+    }
+    return displayIsUsable();
+}
+
+// Connects the chosen backend once the toolkit runs; nothing, with the reason on standard error, when it
+// cannot.
+std::optional<StartedPlatform> startPlatform(const BackendChoice& choice) {
+    StartedPlatform started;
+    if (choice.backend == Backend::KWin) {
+        QString problem;
+        started.kwin = KWinPlatform::connect(&problem);
+        if (!started.kwin) {
+            std::fprintf(stderr, "Lattica: cannot reach KWin: %s.\n", qPrintable(problem));
+            return std::nullopt;
+        }
+        return started;
+    }
+    started.x11 = X11Platform::connect();
+    if (!started.x11) {
+        std::fputs("Lattica: cannot connect to the X server.\n", stderr);
+        return std::nullopt;
+    }
+    return started;
+}
+
 int printed(const CommandLine::Printed& output) {
     std::fputs(output.standardOutput.toLocal8Bit().constData(), stdout);
     std::fputs(output.standardError.toLocal8Bit().constData(), stderr);
@@ -99,12 +182,12 @@ int runCommand(int argc, char** argv, const CommandLine::Request& request) {
         CommandResult notRunning = CommandResult::moves(0, 0, QStringLiteral("Lattica is not running."));
         return printed(CommandLine::print(request, notRunning));
     }
-    if (!displayIsUsable()) {
+    const BackendChoice backend = chooseBackend();
+    if (!backendCanStart(backend)) {
         return 3;
     }
-    std::unique_ptr<X11Platform> platform = X11Platform::connect();
+    std::optional<StartedPlatform> platform = startPlatform(backend);
     if (!platform) {
-        std::fputs("Lattica: cannot connect to the X server.\n", stderr);
         return 3;
     }
     platform->install();
@@ -116,11 +199,16 @@ int runCommand(int argc, char** argv, const CommandLine::Request& request) {
 
 // The tray program; a second launch asks the first to open its panel instead.
 int runProgram(int argc, char** argv) {
-    if (!displayIsUsable()) {
+    SessionBusAutoLaunch::preventWhenNoBus();
+    const BackendChoice backend = chooseBackend();
+    if (!backendCanStart(backend)) {
         return 1;
     }
-    qputenv("QT_QPA_PLATFORM", "xcb");
-    SessionBusAutoLaunch::preventWhenNoBus();
+    // Through KWin the program is a native Wayland client; X11 backends draw through the X server they
+    // move windows on.
+    if (backend.backend != Backend::KWin) {
+        qputenv("QT_QPA_PLATFORM", "xcb");
+    }
     QApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Lattica"));
     QApplication::setApplicationVersion(QString::fromLatin1(BuildConfig::kVersion));
@@ -139,9 +227,8 @@ int runProgram(int argc, char** argv) {
         return 0;
     }
 
-    std::unique_ptr<X11Platform> platform = X11Platform::connect();
+    std::optional<StartedPlatform> platform = startPlatform(backend);
     if (!platform) {
-        std::fputs("Lattica: cannot connect to the X server.\n", stderr);
         return 1;
     }
     platform->install();

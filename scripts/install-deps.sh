@@ -16,6 +16,8 @@ PACKAGES=(
   # Wayland platform for native test clients; kscreen-doctor (and the Qt 5 Wayland platform it needs)
   # to give the virtual outputs different sizes
   kwin-wayland qt6-wayland libkf5screen-bin qtwayland5 dbus-bin
+  # KWin's fake-input protocol, to press keys in the hot-key tests
+  plasma-wayland-protocols libwayland-bin libwayland-dev
 )
 
 missing=()

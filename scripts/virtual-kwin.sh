@@ -3,21 +3,23 @@
 # bus, a headless KWin with virtual outputs of different sizes side by side, and Xwayland. It stops
 # exactly the processes it started.
 #
-#   virtual-kwin.sh start [--layout 1920x1080,2560x1440,1280x720]
+#   virtual-kwin.sh start [--layout 1920x1080,2560x1440,1280x720] [--capture-checks]
 #       starts a session and prints the variables that reach it (WAYLAND_DISPLAY, DISPLAY,
 #       DBUS_SESSION_BUS_ADDRESS, XDG_RUNTIME_DIR, HOME, XDG_CONFIG_HOME) and "STATE=<file>"
 #   virtual-kwin.sh stop STATE
 #       stops the session described by a state file
-#   virtual-kwin.sh run [--layout ...] -- COMMAND [ARGS...]
+#   virtual-kwin.sh run [--layout ...] [--capture-checks] -- COMMAND [ARGS...]
 #       starts a session, runs the command in it (with LATTICA_KWIN_LAYOUT set to the layout), stops the
 #       session and exits with the command's status
 #
 # Outputs are virtual framebuffers of one size; each output's size in the layout comes from its scale
 # (KWin's virtual outputs have a single mode), so every wanted size must divide the largest width and
-# height by one factor. Window management and capture restrictions are lifted for the tests.
+# height by one factor. Window management and capture restrictions are lifted for the tests;
+# --capture-checks keeps the capture restriction, as on a real desktop.
 set -uo pipefail
 
 LAYOUT=1920x1080,2560x1440,1280x720
+CAPTURE_CHECKS=0   # 1 keeps KWin's screenshot restriction, as on a real desktop
 READY_TIMEOUT=15   # seconds for any one step to become ready
 
 log() { echo "virtual-kwin: $*" >&2; }
@@ -26,6 +28,7 @@ parse_options() {
     while (($#)); do
         case "$1" in
             --layout) LAYOUT=$2; shift 2 ;;
+            --capture-checks) CAPTURE_CHECKS=1; shift ;;
             --) shift; REST=("$@"); return ;;
             *) log "unknown option $1"; exit 2 ;;
         esac
@@ -89,7 +92,9 @@ start_session() {
     mkfifo "$root/kwin-ready"
     export WAYLAND_DISPLAY=lattica-kwin
     unset DISPLAY
-    KWIN_WAYLAND_NO_PERMISSION_CHECKS=1 KWIN_SCREENSHOT_NO_PERMISSION_CHECKS=1 \
+    local lifted=(KWIN_WAYLAND_NO_PERMISSION_CHECKS=1 KWIN_SCREENSHOT_NO_PERMISSION_CHECKS=1)
+    ((CAPTURE_CHECKS)) && lifted=(KWIN_WAYLAND_NO_PERMISSION_CHECKS=1)
+    env -u KWIN_SCREENSHOT_NO_PERMISSION_CHECKS "${lifted[@]}" \
         "$root/bin/kwin_wayland" --virtual --xwayland --no-lockscreen --socket "$WAYLAND_DISPLAY" \
         --width "$max_width" --height "$max_height" --output-count "$count" \
         "sh -c 'echo \"\$DISPLAY\" >$root/kwin-ready'" >"$root/kwin.log" 2>&1 &
@@ -144,21 +149,32 @@ stop_session() {
     [ -f "$state" ] || return 0
     local root
     root=$(sed -n 's/^ROOT=//p' "$state")
-    # Stop in reverse order of starting: KWin (and with it Xwayland), then the bus.
-    for key in KWIN_PID BUS_PID; do
-        local pid
-        pid=$(sed -n "s/^$key=//p" "$state")
-        [ -n "$pid" ] || continue
-        kill "$pid" 2>/dev/null || continue
-        local waited=0
-        while kill -0 "$pid" 2>/dev/null && ((waited < 100)); do
-            wait "$pid" 2>/dev/null || sleep 0.05
-            waited=$((waited + 1))
+    # Stop in reverse order of starting: KWin (and with it Xwayland), then what the bus started for us
+    # (the KScreen backend launcher), then the bus.
+    stop_process "$(sed -n 's/^KWIN_PID=//p' "$state")"
+    local bus
+    bus=$(sed -n 's/^BUS_PID=//p' "$state")
+    if [ -n "$bus" ]; then
+        local child
+        for child in $(pgrep -P "$bus"); do
+            stop_process "$child"
         done
-        kill -9 "$pid" 2>/dev/null || true
-        wait "$pid" 2>/dev/null || true
-    done
+        stop_process "$bus"
+    fi
     [ -n "$root" ] && rm -rf "$root"
+}
+
+# Ends a process: politely, then after five seconds for good.
+stop_process() {
+    local pid=$1 waited=0
+    [ -n "$pid" ] || return 0
+    kill "$pid" 2>/dev/null || return 0
+    while kill -0 "$pid" 2>/dev/null && ((waited < 100)); do
+        wait "$pid" 2>/dev/null || sleep 0.05
+        waited=$((waited + 1))
+    done
+    kill -9 "$pid" 2>/dev/null || true
+    wait "$pid" 2>/dev/null || true
 }
 
 print_session() {

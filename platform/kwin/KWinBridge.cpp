@@ -11,11 +11,12 @@
 #include <QJsonDocument>
 #include <QLoggingCategory>
 #include <QMutexLocker>
+#include <QTimer>
 #include <QUuid>
 
 #include "platform/kwin/KWinBridgeReceiver.h"
 
-Q_LOGGING_CATEGORY(lcKWinBridge, "lattica.kwin")
+Q_LOGGING_CATEGORY(lcKWinBridge, "lattica.kwin", QtInfoMsg)
 
 namespace {
 
@@ -236,7 +237,20 @@ void KWinBridge::onKWinOwnerChanged(const QString& newOwner) {
         return;
     }
     qCInfo(lcKWinBridge) << "KWin is back on the session bus; loading the watcher again";
-    loadWatcher(kAnswerTimeoutMs);
+    m_reloadDeadline.setRemainingTime(kReloadTimeoutMs);
+    reloadWatcher();
+}
+
+void KWinBridge::reloadWatcher() {
+    if (loadWatcher(kAnswerTimeoutMs)) {
+        return;
+    }
+    // KWin owns its bus name before its scripting interface is there: ask again until it is.
+    if (m_reloadDeadline.hasExpired()) {
+        qCWarning(lcKWinBridge) << "KWin came back but does not run Lattica's script";
+        return;
+    }
+    QTimer::singleShot(kReloadIntervalMs, this, &KWinBridge::reloadWatcher);
 }
 
 void KWinBridge::receiveState(const QByteArray& json) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QDBusConnection>
+#include <QDeadlineTimer>
 #include <QHash>
 #include <QJsonObject>
 #include <QMutex>
@@ -65,6 +66,7 @@ private:
     QString loadScript(const QString& name, const QString& lastLine);
     void unloadScript(const QString& name);
     void onKWinOwnerChanged(const QString& newOwner);
+    void reloadWatcher();
 
     // Called on the receiving thread.
     void receiveState(const QByteArray& json);
@@ -78,6 +80,10 @@ private:
     QString m_library;
     QString m_watcherName;
     int m_nextToken = 1;
+    // How long a KWin that came back may take to run scripts, and how often it is asked.
+    static constexpr int kReloadTimeoutMs = 10000;
+    static constexpr int kReloadIntervalMs = 100;
+    QDeadlineTimer m_reloadDeadline;
 
     mutable QMutex m_mutex;
     QWaitCondition m_changed;

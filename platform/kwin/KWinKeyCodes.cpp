@@ -38,6 +38,20 @@ const QHash<int, int>& keypad() {
     return table;
 }
 
+// What the keys that type characters type on a US layout: the answer when the layout cannot be read
+// (Xwayland may be reloading its keymap, or there is none).
+const QHash<int, char>& usLayout() {
+    static const QHash<int, char> table{
+        {0x00, 'A'},  {0x01, 'S'}, {0x02, 'D'}, {0x03, 'F'}, {0x04, 'H'}, {0x05, 'G'},  {0x06, 'Z'}, {0x07, 'X'},
+        {0x08, 'C'},  {0x09, 'V'}, {0x0B, 'B'}, {0x0C, 'Q'}, {0x0D, 'W'}, {0x0E, 'E'},  {0x0F, 'R'}, {0x10, 'Y'},
+        {0x11, 'T'},  {0x12, '1'}, {0x13, '2'}, {0x14, '3'}, {0x15, '4'}, {0x16, '6'},  {0x17, '5'}, {0x18, '='},
+        {0x19, '9'},  {0x1A, '7'}, {0x1B, '-'}, {0x1C, '8'}, {0x1D, '0'}, {0x1E, ']'},  {0x1F, 'O'}, {0x20, 'U'},
+        {0x21, '['},  {0x22, 'I'}, {0x23, 'P'}, {0x25, 'L'}, {0x26, 'J'}, {0x27, '\''}, {0x28, 'K'}, {0x29, ';'},
+        {0x2A, '\\'}, {0x2B, ','}, {0x2C, '/'}, {0x2D, 'N'}, {0x2E, 'M'}, {0x2F, '.'},  {0x32, '`'},
+    };
+    return table;
+}
+
 }  // namespace
 
 std::optional<int> KWinKeyCodes::qtKey(int carbonKeyCode,
@@ -50,6 +64,9 @@ std::optional<int> KWinKeyCodes::qtKey(int carbonKeyCode,
     }
     const std::optional<QString> character = characterForKey(carbonKeyCode);
     if (!character || character->size() != 1) {
+        if (const auto found = usLayout().constFind(carbonKeyCode); found != usLayout().constEnd()) {
+            return static_cast<int>(*found);
+        }
         return std::nullopt;
     }
     // Qt's keys for characters are their upper-case code points (Qt::Key_A is 'A', Qt::Key_Comma ',').

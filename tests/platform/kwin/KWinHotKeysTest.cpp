@@ -48,6 +48,33 @@ TEST_F(KWinHotKeysTest, ARegisteredShortcutReportsItsPress) {
     hotKeys.unregisterHotKey(std::get<HotKeys::RegistrationId>(again));
 }
 
+TEST_F(KWinHotKeysTest, AKeyboardPressReportsThePressAndTheReleaseApart) {
+    HotKeys& hotKeys = *Platform::services().hotKeys;
+    const HotKeys::Registration registration = hotKeys.registerHotKey(kTwo, kControl | kOption);
+    ASSERT_TRUE(std::holds_alternative<HotKeys::RegistrationId>(registration))
+        << static_cast<int>(std::get<HotKeys::Failure>(registration).error);
+    const HotKeys::RegistrationId id = std::get<HotKeys::RegistrationId>(registration);
+    QSignalSpy pressed(&hotKeys, &HotKeys::pressed);
+    QSignalSpy released(&hotKeys, &HotKeys::released);
+    FakeKeys keys;
+    ASSERT_TRUE(keys.start());
+
+    ASSERT_TRUE(keys.send("down", FakeKeys::kEvdevLeftControl));
+    ASSERT_TRUE(keys.send("down", FakeKeys::kEvdevLeftAlt));
+    ASSERT_TRUE(keys.send("down", FakeKeys::kEvdevTwo));
+    ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return pressed.size() == 1; }));
+    EXPECT_EQ(pressed.first().first().value<HotKeys::RegistrationId>(), id);
+    EXPECT_TRUE(released.isEmpty());
+
+    ASSERT_TRUE(keys.send("up", FakeKeys::kEvdevTwo));
+    ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return released.size() == 1; }));
+    EXPECT_EQ(released.first().first().value<HotKeys::RegistrationId>(), id);
+    EXPECT_EQ(pressed.size(), 1);
+    keys.send("up", FakeKeys::kEvdevLeftAlt);
+    keys.send("up", FakeKeys::kEvdevLeftControl);
+    hotKeys.unregisterHotKey(id);
+}
+
 TEST_F(KWinHotKeysTest, KWinsOwnShortcutsAreTakenAndFunctionIsRefused) {
     HotKeys& hotKeys = *Platform::services().hotKeys;
     EXPECT_TRUE(hotKeys.isHeldByAnotherClient(kTab, kOption));  // KWin's window switcher

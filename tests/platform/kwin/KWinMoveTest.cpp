@@ -69,6 +69,28 @@ TEST_F(KWinMoveTest, AMaximisedWindowStaysMaximisedOnTheTargetOutput) {
     EXPECT_TRUE(near(*control.frame(entry->id).value, outputs[to]));
 }
 
+TEST_F(KWinMoveTest, AFullScreenWindowStaysFullScreenOnTheTargetOutput) {
+    ASSERT_TRUE(wayland.open(QStringLiteral("whole"), QStringLiteral("title=full-screen-window state=fullscreen")));
+    const QList<QRect> outputs = layout();
+    WindowControl& control = *Platform::services().windowControl;
+    std::optional<WindowEntry> entry;
+    int from = -1;
+    ASSERT_TRUE(VirtualDesktop::waitUntil([&] {
+        entry = waitForWindow(QStringLiteral("full-screen-window"), 100);
+        for (int i = 0; entry && i < outputs.size(); ++i) {
+            if (near(entry->frame, outputs[i])) {
+                from = i;
+            }
+        }
+        return from >= 0;
+    }));
+    const int to = (from + 2) % static_cast<int>(outputs.size());
+    ASSERT_EQ(control.move(entry->id, outputs[to].topLeft() + QPointF(10, 10)), Result::Ok);
+    ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return near(*control.frame(entry->id).value, outputs[to]); }))
+        << control.frame(entry->id).value->x() << "," << control.frame(entry->id).value->y() << " "
+        << control.frame(entry->id).value->width() << "x" << control.frame(entry->id).value->height();
+}
+
 TEST_F(KWinMoveTest, AWindowClosedBeforeTheMoveIsGone) {
     ASSERT_TRUE(wayland.open(QStringLiteral("brief"), QStringLiteral("title=closing-window")));
     const auto entry = waitForWindow(QStringLiteral("closing-window"));

@@ -59,6 +59,31 @@ bool WaylandClient::close(const QString& name, int timeoutMs) {
     return waitForLine(QStringLiteral("closed %1").arg(name), timeoutMs);
 }
 
+FakeKeys::~FakeKeys() {
+    m_process.closeWriteChannel();
+    if (m_process.state() != QProcess::NotRunning && !m_process.waitForFinished(2000)) {
+        m_process.kill();
+        m_process.waitForFinished();
+    }
+}
+
+bool FakeKeys::start() {
+    m_process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+    m_process.start(QStringLiteral(LATTICA_FAKE_KEYS_PATH), {});
+    return m_process.waitForStarted() && answer() == "ready";
+}
+
+bool FakeKeys::send(const char* command, int evdevCode) {
+    m_process.write(QByteArray(command) + ' ' + QByteArray::number(evdevCode) + '\n');
+    return answer() == "done";
+}
+
+QByteArray FakeKeys::answer() {
+    while (!m_process.canReadLine() && m_process.waitForReadyRead(5000)) {
+    }
+    return m_process.readLine().trimmed();
+}
+
 void KWinSessionFixture::SetUp() {
     if (qEnvironmentVariableIsEmpty("LATTICA_KWIN_LAYOUT")) {
         if (QStandardPaths::findExecutable(QStringLiteral("kwin_wayland")).isEmpty()) {

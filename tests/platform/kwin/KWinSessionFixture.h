@@ -31,6 +31,23 @@ private:
     QStringList m_lines;
 };
 
+// Presses keys as a keyboard would, through KWin's fake-input protocol (lattica-kwin-fake-keys).
+class FakeKeys {
+public:
+    static constexpr int kEvdevLeftControl = 29;
+    static constexpr int kEvdevLeftAlt = 56;
+    static constexpr int kEvdevTwo = 3;
+
+    ~FakeKeys();
+    bool start();
+    // Sends "down CODE" or "up CODE" and waits until KWin has handled it.
+    bool send(const char* command, int evdevCode);
+
+private:
+    QByteArray answer();
+    QProcess m_process;
+};
+
 // A test inside the headless KWin session of scripts/virtual-kwin.sh, with the KWin services installed.
 // Skipped when kwin_wayland is not installed.
 class KWinSessionFixture : public ::testing::Test {

@@ -1,0 +1,68 @@
+#include <gtest/gtest.h>
+
+#include <QProcess>
+#include <QStandardPaths>
+#include <QTemporaryDir>
+
+#include "tests/support/VirtualDesktop.h"
+
+namespace {
+
+struct Finished {
+    int status = -1;
+    QString output;
+    QString errors;
+};
+
+Finished runLattica(const QStringList& arguments, const QString& forcedBackend = {}) {
+    QTemporaryDir config;
+    QProcessEnvironment environment = VirtualDesktop::programEnvironment(config.path());
+    environment.remove(QStringLiteral("QT_QPA_PLATFORM"));
+    if (!forcedBackend.isEmpty()) {
+        environment.insert(QStringLiteral("LATTICA_BACKEND"), forcedBackend);
+    }
+    QProcess process;
+    process.setProcessEnvironment(environment);
+    process.start(QStringLiteral(LATTICA_BINARY), arguments);
+    if (!process.waitForFinished(20000)) {
+        process.kill();
+        process.waitForFinished();
+    }
+    return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1,
+            QString::fromUtf8(process.readAllStandardOutput()), QString::fromUtf8(process.readAllStandardError())};
+}
+
+class KWinProgramTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        if (qEnvironmentVariableIsEmpty("LATTICA_KWIN_LAYOUT")) {
+            if (QStandardPaths::findExecutable(QStringLiteral("kwin_wayland")).isEmpty()) {
+                GTEST_SKIP() << "kwin_wayland is not installed (scripts/install-deps.sh installs it)";
+            }
+            FAIL() << "run this test inside scripts/virtual-kwin.sh run -- (ctest does)";
+        }
+    }
+};
+
+TEST_F(KWinProgramTest, OnPlasmaWaylandTheProgramUsesKWinAndNamesItsOutputs) {
+    const Finished finished = runLattica({QStringLiteral("displays")});
+    EXPECT_EQ(finished.status, 0) << finished.errors.toStdString();
+    EXPECT_TRUE(finished.output.contains(QStringLiteral("Virtual-0"))) << finished.output.toStdString();
+    EXPECT_TRUE(finished.output.contains(QStringLiteral("2560x1440+1920+0"))) << finished.output.toStdString();
+}
+
+TEST_F(KWinProgramTest, ForcingX11ReachesOnlyXwayland) {
+    const Finished finished = runLattica({QStringLiteral("displays")}, QStringLiteral("x11"));
+    // Xwayland's outputs, not KWin's.
+    EXPECT_EQ(finished.status, 0) << finished.errors.toStdString();
+    EXPECT_TRUE(finished.output.contains(QStringLiteral("XWAYLAND0"))) << finished.output.toStdString();
+    EXPECT_FALSE(finished.output.contains(QStringLiteral("Virtual-0"))) << finished.output.toStdString();
+}
+
+TEST_F(KWinProgramTest, ABackendThatDoesNotExistYetSaysSo) {
+    const Finished finished = runLattica({QStringLiteral("displays")}, QStringLiteral("gnome"));
+    EXPECT_EQ(finished.status, 3);
+    EXPECT_TRUE(finished.errors.contains(QStringLiteral("no GNOME Shell backend"))) << finished.errors.toStdString();
+}
+
+}  // namespace
