@@ -8,6 +8,7 @@
 #include <QSocketNotifier>
 #include <QThreadPool>
 #include <cstdio>
+#include <cstdlib>
 
 #include "BuildConfig.h"
 #include "KeyboardShortcuts/ActionShortcuts.h"
@@ -25,6 +26,7 @@
 #include "app/update/Updater.h"
 #include "platform/BackendChoice.h"
 #include "platform/kwin/KWinPlatform.h"
+#include "platform/x11/X11Connection.h"
 #include "platform/x11/X11DisplayProbe.h"
 #include "platform/x11/X11Platform.h"
 #include "platform/xdg/SessionBusAutoLaunch.h"
@@ -55,6 +57,28 @@ void quitOnTerminationSignals(QCoreApplication& application) {
     action.sa_flags = SA_RESTART;
     sigaction(SIGTERM, &action, nullptr);
     sigaction(SIGINT, &action, nullptr);
+}
+
+// The running program's display connection, while there is one. The toolkit ends the program with exit(1)
+// when its own connection to the display breaks; this says why in the program's words, and ends it at
+// once: the preferences are written at every change, so nothing is left to save, and the teardown of a
+// program whose display is gone could only fail.
+const X11Connection* g_display = nullptr;
+
+void reportLostDisplay() {
+    if (g_display == nullptr) {
+        return;
+    }
+    xcb_connection_t* connection = g_display->xcb();
+    // A round trip tells a dead server from a live one even when nothing has been read since it went.
+    std::free(xcb_get_input_focus_reply(connection, xcb_get_input_focus(connection), nullptr));
+    if (xcb_connection_has_error(connection) != 0) {
+        std::fprintf(stderr, "Lattica: the connection to the X display %s was lost; Lattica ends.\n",
+                     g_display->displayName().constData());
+        std::fflush(stdout);
+        std::fflush(stderr);
+        ::_exit(1);
+    }
 }
 
 // How long the display server may take to accept the connection before start-up gives up.
@@ -233,6 +257,9 @@ int runProgram(int argc, char** argv) {
     }
     platform->install();
     quitOnTerminationSignals(application);
+    // On KWin the toolkit speaks Wayland; a lost compositor is the bridge's to report.
+    g_display = platform->x11 ? &platform->x11->connection() : nullptr;
+    std::atexit(reportLostDisplay);
 
     // The global shortcuts outlive the controller that attaches its handlers to them.
     KeyboardShortcuts::ActionShortcuts shortcuts;
@@ -261,6 +288,7 @@ int runProgram(int argc, char** argv) {
     const int status = QApplication::exec();
     // Background reads use the platform's connections: let them end before the platform goes.
     QThreadPool::globalInstance()->waitForDone();
+    g_display = nullptr;
     return status;
 }
 

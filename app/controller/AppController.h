@@ -152,6 +152,8 @@ private:
     // After a write of the preferences: a user's change that was not stored raises the notice, any
     // successful write clears it.
     void reviewPreferencesWrite(bool userChange);
+    // Whether windows may be moved, asking again when the last answer was no.
+    bool windowControlGranted();
 
     // Published properties.
     PermissionState m_permissionState;

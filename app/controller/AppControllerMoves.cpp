@@ -11,8 +11,17 @@ const QString kAccessibilityRequired = QStringLiteral("Window control is require
 const QString kAccessibilityGranted = QStringLiteral("Window control is already available.");
 }  // namespace
 
-void AppController::moveWindows(const DisplaySnapshot& source, const DisplaySnapshot& destination) {
+bool AppController::windowControlGranted() {
+    // A refusal is read again before it is reported: window control comes back whenever a window manager
+    // starts again, and nothing else would notice until the panel next opens.
     if (!m_permissionState.accessibilityGranted) {
+        refreshPermissions();
+    }
+    return m_permissionState.accessibilityGranted;
+}
+
+void AppController::moveWindows(const DisplaySnapshot& source, const DisplaySnapshot& destination) {
+    if (!windowControlGranted()) {
         setStatusMessage(kAccessibilityRequired);
         return;
     }
@@ -24,7 +33,7 @@ void AppController::moveWindows(const DisplaySnapshot& source, const DisplaySnap
 
 void AppController::moveWindows(const DisplayAppGroup& group, const DisplaySnapshot& source,
                                 const DisplaySnapshot& destination) {
-    if (!m_permissionState.accessibilityGranted) {
+    if (!windowControlGranted()) {
         setStatusMessage(kAccessibilityRequired);
         return;
     }
@@ -36,7 +45,7 @@ void AppController::moveWindows(const DisplayAppGroup& group, const DisplaySnaps
 }
 
 void AppController::moveFocusedWindow(const QString& displayPersistentID) {
-    if (!m_permissionState.accessibilityGranted) {
+    if (!windowControlGranted()) {
         setStatusMessage(kAccessibilityRequired);
         return;
     }
