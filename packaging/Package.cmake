@@ -23,9 +23,10 @@ can have a global keyboard shortcut that moves the focused window to it. The
 same moves are available from the command line and over D-Bus.
 .
 Lattica works on X11 desktops with an EWMH window manager.")
-# The libraries the program links are found by dpkg-shlibdeps. Plugins that Qt loads at run time are not
-# linked, so they are named here: the SVG icon engine draws the installed icons.
+# The libraries the program links are found by dpkg-shlibdeps. What is used without being linked is named
+# here: the SVG icon engine that Qt loads to draw the installed icons, and the hicolor theme's index, without
+# which Qt finds no icon in the theme.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-set(CPACK_DEBIAN_PACKAGE_DEPENDS "libqt6svg6")
+set(CPACK_DEBIAN_PACKAGE_DEPENDS "libqt6svg6, hicolor-icon-theme")
 
 include(CPack)

@@ -2,6 +2,8 @@
 
 #include <QApplication>
 #include <QCursor>
+#include <QDBusConnection>
+#include <QDBusConnectionInterface>
 #include <QKeyEvent>
 #include <QMenu>
 #include <QScreen>
@@ -33,8 +35,10 @@ QIcon LatticaApp::programIcon() {
                             SymbolIcons::drawnIcon(QStringLiteral("rectangle.on.rectangle.angled")));
 }
 
-QIcon LatticaApp::trayIconImage() {
-    // A tray host that is given the name of a symbolic icon paints it in the colour of its own text.
+QIcon LatticaApp::trayIconImage(bool statusNotifierHost) {
+    if (!statusNotifierHost) {
+        return programIcon();
+    }
     return QIcon::fromTheme(QStringLiteral("app.lattica.Lattica-symbolic"), programIcon());
 }
 
@@ -71,7 +75,11 @@ void LatticaApp::start() {
 }
 
 void LatticaApp::showTrayIcon() {
-    m_trayIcon = std::make_unique<QSystemTrayIcon>(trayIconImage());
+    // The toolkit shows the icon through a StatusNotifierItem host whenever one is on the session bus.
+    QDBusConnectionInterface* bus = QDBusConnection::sessionBus().interface();
+    const bool statusNotifierHost =
+        bus != nullptr && bus->isServiceRegistered(QStringLiteral("org.kde.StatusNotifierWatcher")).value();
+    m_trayIcon = std::make_unique<QSystemTrayIcon>(trayIconImage(statusNotifierHost));
     m_trayIcon->setToolTip(QStringLiteral("Lattica"));
     m_trayIcon->setContextMenu(m_trayMenu.get());
     connect(m_trayIcon.get(), &QSystemTrayIcon::activated, this, [this](QSystemTrayIcon::ActivationReason reason) {

@@ -43,8 +43,10 @@ public:
 
     // The program's icon from the icon theme (app.lattica.Lattica), else drawn at whatever size is asked for.
     static QIcon programIcon();
-    // The icon in the tray: the theme's monochrome app.lattica.Lattica-symbolic, else programIcon().
-    static QIcon trayIconImage();
+    // The icon in the tray. A StatusNotifierItem host gets the theme's monochrome
+    // app.lattica.Lattica-symbolic by name and paints it in the colour of its text; an XEmbed tray shows
+    // an icon's pixels as they are, so it gets the full-colour programIcon().
+    static QIcon trayIconImage(bool statusNotifierHost);
 
 Q_SIGNALS:
     void panelShown();

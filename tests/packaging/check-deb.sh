@@ -34,13 +34,13 @@ field() { dpkg-deb -f "$deb" "$1"; }
 [ -n "$(field Description)" ] || fail "there is no Description"
 [ -n "$(field Homepage)" ] || fail "there is no Homepage"
 
-# Depends: the libraries the binary links, each with the version dpkg-shlibdeps worked out, and the SVG
-# icon engine, which Qt loads at run time.
+# Depends: the libraries the binary links, with the versions dpkg-shlibdeps worked out, the SVG icon engine,
+# which Qt loads at run time, and the icon theme the icons are installed into.
 depends=$(field Depends)
 echo "check-deb: Depends: $depends"
 listed() { [[ ", $depends," == *", $1 "* || ", $depends," == *", $1,"* ]]; }
 for library in libc6 libstdc++6 libqt6core6 libqt6gui6 libqt6widgets6 libqt6dbus6 libqt6network6 libxcb1 \
-    libxcb-randr0 libxkbcommon0 libqt6svg6; do
+    libxcb-randr0 libxkbcommon0 libqt6svg6 hicolor-icon-theme; do
     listed "$library" || fail "Depends lacks $library"
 done
 # The versions come from the symbols the binary uses, so nobody wrote them.

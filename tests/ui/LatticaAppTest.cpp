@@ -277,7 +277,8 @@ private:
 TEST_F(ProgramIcon, IsDrawnAtTheSizeTheTrayAsksFor) {
     // No theme has the program's icons: both are the drawn symbol.
     EXPECT_EQ(LatticaApp::programIcon().name(), QStringLiteral("rectangle.on.rectangle.angled"));
-    EXPECT_EQ(LatticaApp::trayIconImage().name(), QStringLiteral("rectangle.on.rectangle.angled"));
+    EXPECT_EQ(LatticaApp::trayIconImage(true).name(), QStringLiteral("rectangle.on.rectangle.angled"));
+    EXPECT_EQ(LatticaApp::trayIconImage(false).name(), QStringLiteral("rectangle.on.rectangle.angled"));
     for (const int size : {16, 22, 24, 48}) {
         const QImage image = LatticaApp::programIcon().pixmap(size, size).toImage();
         ASSERT_EQ(image.size(), QSize(size, size));
@@ -292,10 +293,12 @@ TEST_F(ProgramIcon, IsDrawnAtTheSizeTheTrayAsksFor) {
     }
 }
 
-TEST_F(ProgramIcon, InstalledIconsComeFromTheThemeAndTheTrayGetsTheMonochromeOne) {
+TEST_F(ProgramIcon, InstalledIconsComeFromTheThemeAndATrayThatRecoloursGetsTheMonochromeOne) {
     ASSERT_TRUE(installIcons());
     EXPECT_EQ(LatticaApp::programIcon().name(), QStringLiteral("app.lattica.Lattica"));
-    const QIcon tray = LatticaApp::trayIconImage();
+    // An XEmbed tray paints pixels as given: the full-colour icon.
+    EXPECT_EQ(LatticaApp::trayIconImage(false).name(), QStringLiteral("app.lattica.Lattica"));
+    const QIcon tray = LatticaApp::trayIconImage(true);
     // The name is what a StatusNotifierItem host is given, and recolours.
     EXPECT_EQ(tray.name(), QStringLiteral("app.lattica.Lattica-symbolic"));
     for (const int size : {16, 22, 48}) {
