@@ -109,20 +109,28 @@ void UpdateChecker::fetch(const QUrl& url) {
     m_visited.append(url.adjusted(QUrl::NormalizePathSegments));
     m_reply = m_network->get(networkRequest);
     QNetworkReply* reply = m_reply;
+    // The body is read when the reply has finished. Without a bound, the network layer reads ahead of the
+    // size check below as fast as the server sends; with this one it stops just past the largest feed.
+    reply->setReadBufferSize(kMaximumFeedSize + 1024 * 1024);
     connect(reply, &QNetworkReply::finished, this, [this, reply] {
         if (reply == m_reply) {
             handleReplyFinished();
         }
     });
-    connect(reply, &QNetworkReply::downloadProgress, this, [this, reply](qint64 received, qint64) {
-        if (reply == m_reply && received > kMaximumFeedSize) {
+    const auto refuseIfTooLarge = [this, reply](qint64 size) {
+        if (reply == m_reply && size > kMaximumFeedSize) {
             m_deadline.stop();
             m_reply = nullptr;
             reply->abort();
             reply->deleteLater();
             finishWith(failure(QStringLiteral("The update feed is larger than an update feed can be.")));
         }
-    });
+    };
+    connect(reply, &QNetworkReply::downloadProgress, this,
+            [refuseIfTooLarge](qint64 received, qint64) { refuseIfTooLarge(received); });
+    // With the read buffer full the progress may stop short of the limit; what waits in it counts too.
+    connect(reply, &QNetworkReply::readyRead, this,
+            [refuseIfTooLarge, reply] { refuseIfTooLarge(reply->bytesAvailable()); });
 }
 
 bool UpdateChecker::followRedirect(QNetworkReply* reply) {
