@@ -23,6 +23,7 @@
 #include "app/displays/ScreenSnapshotService.h"
 #include "app/ui/LatticaApp.h"
 #include "app/ui/WindowPresenter.h"
+#include "app/ui/common/Translations.h"
 #include "app/update/Updater.h"
 #include "platform/BackendChoice.h"
 #include "platform/kwin/KWinPlatform.h"
@@ -236,6 +237,7 @@ int runProgram(int argc, char** argv) {
     QApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("Lattica"));
     QApplication::setApplicationVersion(QString::fromLatin1(BuildConfig::kVersion));
+    Translations::install();
     // Ties the windows to the installed desktop entry (its name and icon in taskbars and switchers).
     QGuiApplication::setDesktopFileName(QStringLiteral("app.lattica.Lattica"));
     QApplication::setWindowIcon(LatticaApp::programIcon());

@@ -5,7 +5,7 @@ set -euo pipefail
 
 PACKAGES=(
   build-essential cmake ninja-build pkg-config clang-format ccache clang libclang-rt-14-dev
-  qt6-base-dev qt6-base-dev-tools qt6-svg-dev
+  qt6-base-dev qt6-base-dev-tools qt6-svg-dev qt6-l10n-tools qt6-tools-dev
   libxcb1-dev libxcb-randr0-dev libxcb-shm0-dev libxcb-xtest0-dev libxcb-xkb-dev
   libxcb-res0-dev libxcb-keysyms1-dev libxcb-icccm4-dev libxcb-ewmh-dev libxkbcommon-x11-dev libxkbcommon-dev
   libgtest-dev libgmock-dev libbenchmark-dev

@@ -45,10 +45,10 @@ QIcon LatticaApp::trayIconImage(bool statusNotifierHost) {
 void LatticaApp::start() {
     // For trays that keep clicks to themselves: the same two actions as the panel's footer.
     m_trayMenu = std::make_unique<QMenu>();
-    m_trayMenu->addAction(SymbolIcons::icon(QStringLiteral("gearshape")), QStringLiteral("Settings"), this,
+    m_trayMenu->addAction(SymbolIcons::icon(QStringLiteral("gearshape")), tr("Settings"), this,
                           [this] { m_windows.showSettingsWindow(); });
-    QAction* quit = m_trayMenu->addAction(SymbolIcons::icon(QStringLiteral("power")), QStringLiteral("Quit"), qApp,
-                                          &QCoreApplication::quit);
+    QAction* quit =
+        m_trayMenu->addAction(SymbolIcons::icon(QStringLiteral("power")), tr("Quit"), qApp, &QCoreApplication::quit);
     quit->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
 
     connect(&m_controller, &AppController::permissionStateChanged, this, &LatticaApp::resizePanel);

@@ -63,7 +63,7 @@ void WindowPresenter::showSettingsWindow() {
 void WindowPresenter::showPermissionGuideWindow() {
     if (!m_permissionWindow) {
         m_permissionWindow = makeHostWindow(new PermissionGuideView(m_controller), kPermissionWindowSize,
-                                            QStringLiteral("Grant Required Permissions"));
+                                            tr("Grant Required Permissions"));
         m_permissionWindow->setObjectName(QStringLiteral("permissionWindow"));
     }
     present(m_permissionWindow);

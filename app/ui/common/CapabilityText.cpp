@@ -1,17 +1,19 @@
 #include "app/ui/common/CapabilityText.h"
 
+#include <QCoreApplication>
+
 #include "app/ui/common/ViewStyle.h"
 
 QString CapabilityText::grantText(const CapabilityCheck& check) {
     switch (check.availability) {
         case Availability::Available:
-            return QStringLiteral("Granted");
+            return QCoreApplication::translate("CapabilityText", "Granted");
         case Availability::Limited:
-            return QStringLiteral("Limited");
+            return QCoreApplication::translate("CapabilityText", "Limited");
         case Availability::Unavailable:
             break;
     }
-    return QStringLiteral("Missing");
+    return QCoreApplication::translate("CapabilityText", "Missing");
 }
 
 QColor CapabilityText::grantColor(const CapabilityCheck& check) {

@@ -53,11 +53,9 @@ PermissionGuideView::PermissionGuideView(AppController& controller, QWidget* par
     header->addWidget(iconLabel(QStringLiteral("lock.shield.fill"), 36, this), 0, Qt::AlignTop);
     auto* headerText = new QVBoxLayout();
     headerText->setSpacing(4);
-    headerText->addWidget(
-        ViewStyle::makeLabel(QStringLiteral("Enable Required Permissions"), ViewStyle::titleFont(), this));
+    headerText->addWidget(ViewStyle::makeLabel(tr("Enable Required Permissions"), ViewStyle::titleFont(), this));
     headerText->addWidget(ViewStyle::makeLabel(
-        QStringLiteral(
-            "Lattica needs screen capture for previews and window control to move windows between displays."),
+        tr("Lattica needs screen capture for previews and window control to move windows between displays."),
         ViewStyle::bodyFont(), this, true, true));
     header->addLayout(headerText, 1);
     root->addLayout(header);
@@ -70,9 +68,8 @@ PermissionGuideView::PermissionGuideView(AppController& controller, QWidget* par
     note->setSpacing(8);
     note->addWidget(iconLabel(QStringLiteral("info.circle"), 16, this), 0, Qt::AlignTop);
     note->addWidget(
-        ViewStyle::makeLabel(
-            QStringLiteral("When your session changes, check again: Lattica picks it up without a restart."),
-            ViewStyle::captionFont(), this, true, true),
+        ViewStyle::makeLabel(tr("When your session changes, check again: Lattica picks it up without a restart."),
+                             ViewStyle::captionFont(), this, true, true),
         1);
     root->addLayout(note);
 
@@ -83,10 +80,10 @@ PermissionGuideView::PermissionGuideView(AppController& controller, QWidget* par
 
     auto* footer = new QHBoxLayout();
     footer->setSpacing(8);
-    QPushButton* recheck = makeButton(QStringLiteral("arrow.clockwise"), QStringLiteral("Re-check Permissions"), this);
+    QPushButton* recheck = makeButton(QStringLiteral("arrow.clockwise"), tr("Re-check Permissions"), this);
     recheck->setObjectName(QStringLiteral("recheckButton"));
     connect(recheck, &QPushButton::clicked, this, [this] { m_controller.refreshPermissions(); });
-    QPushButton* continueButton = makeButton(QStringLiteral("checkmark.circle.fill"), QStringLiteral("Continue"), this);
+    QPushButton* continueButton = makeButton(QStringLiteral("checkmark.circle.fill"), tr("Continue"), this);
     continueButton->setObjectName(QStringLiteral("continueButton"));
     connect(continueButton, &QPushButton::clicked, this, &PermissionGuideView::continueIfGranted);
     footer->addStretch(1);
@@ -176,14 +173,13 @@ void PermissionGuideView::rebuildSteps() {
     }
     const PermissionState permissions = m_controller.permissionState();
     QWidget* screenRecording = guideStep(
-        QStringLiteral("Screen Capture"), 1, QStringLiteral("display"), permissions.screenCapture,
-        QStringLiteral("Check Screen Capture"), QStringLiteral("display"), QStringLiteral("Open Help"),
-        [this] { m_controller.requestScreenRecordingPermission(); },
+        tr("Screen Capture"), 1, QStringLiteral("display"), permissions.screenCapture, tr("Check Screen Capture"),
+        QStringLiteral("display"), tr("Open Help"), [this] { m_controller.requestScreenRecordingPermission(); },
         [] { PermissionService::openHelp(Capability::ScreenCapture); });
     screenRecording->setObjectName(QStringLiteral("screenRecordingStep"));
     QWidget* accessibility = guideStep(
-        QStringLiteral("Window Control"), 2, QStringLiteral("hand.raised.fill"), permissions.windowControl,
-        QStringLiteral("Check Window Control"), QStringLiteral("hand.raised.fill"), QStringLiteral("Open Help"),
+        tr("Window Control"), 2, QStringLiteral("hand.raised.fill"), permissions.windowControl,
+        tr("Check Window Control"), QStringLiteral("hand.raised.fill"), tr("Open Help"),
         [this] { m_controller.requestAccessibilityPermission(); },
         [] { PermissionService::openHelp(Capability::WindowControl); });
     accessibility->setObjectName(QStringLiteral("accessibilityStep"));

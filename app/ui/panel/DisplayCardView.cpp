@@ -82,11 +82,10 @@ DisplayCardView::DisplayCardView(AppController& controller, QWidget* parent)
     spinner->setFixedSize(64, 6);
     loadingLayout->addWidget(spinner, 0, Qt::AlignHCenter);
     loadingLayout->addWidget(
-        ViewStyle::makeLabel(QStringLiteral("Loading preview..."), ViewStyle::captionFont(), m_loadingOverlay, true), 0,
+        ViewStyle::makeLabel(tr("Loading preview..."), ViewStyle::captionFont(), m_loadingOverlay, true), 0,
         Qt::AlignHCenter);
 
-    m_unavailableLabel =
-        ViewStyle::makeLabel(QStringLiteral("Preview unavailable"), ViewStyle::captionFont(), m_previewArea, true);
+    m_unavailableLabel = ViewStyle::makeLabel(tr("Preview unavailable"), ViewStyle::captionFont(), m_previewArea, true);
     m_unavailableLabel->setObjectName(QStringLiteral("previewUnavailable"));
 
     m_indexBadge = new QLabel(m_previewArea);
@@ -110,7 +109,7 @@ DisplayCardView::DisplayCardView(AppController& controller, QWidget* parent)
 
     m_appMenuButton = new QToolButton(this);
     m_appMenuButton->setObjectName(QStringLiteral("appMenuButton"));
-    m_appMenuButton->setText(QStringLiteral("Move app windows..."));
+    m_appMenuButton->setText(tr("Move app windows..."));
     m_appMenuButton->setIcon(SymbolIcons::icon(QStringLiteral("list.bullet.rectangle")));
     m_appMenuButton->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
     m_appMenuButton->setPopupMode(QToolButton::InstantPopup);
@@ -167,9 +166,9 @@ QList<DisplaySnapshot> DisplayCardView::targets() const {
 
 void DisplayCardView::updateHeader() {
     // What a screen reader says for the card and for controls whose text is only a display's name.
-    setAccessibleName(QStringLiteral("Display %1, %2").arg(m_display.index).arg(m_display.name));
-    m_previewArea->setAccessibleName(QStringLiteral("Preview of ") + m_display.name);
-    m_appMenuButton->setAccessibleName(QStringLiteral("Move app windows from ") + m_display.name);
+    setAccessibleName(tr("Display %1, %2").arg(m_display.index).arg(m_display.name));
+    m_previewArea->setAccessibleName(tr("Preview of %1").arg(m_display.name));
+    m_appMenuButton->setAccessibleName(tr("Move app windows from %1").arg(m_display.name));
     m_numberIcon->setSymbol(screenNumberSymbol(m_display.index));
     m_nameLabel->setToolTip(m_display.name);
     m_indexBadge->setText(QString::number(m_display.index));
@@ -212,11 +211,10 @@ void DisplayCardView::updateScaledPreview() {
 
 void DisplayCardView::updateWindowCount() {
     if (!m_display.visibleWindowCount.has_value()) {
-        m_windowCountLabel->setText(QStringLiteral("Counting windows..."));
+        m_windowCountLabel->setText(tr("Counting windows..."));
     } else {
         const int count = *m_display.visibleWindowCount;
-        m_windowCountLabel->setText(QString::number(count) + QStringLiteral(" visible window") +
-                                    (count == 1 ? QString() : QStringLiteral("s")));
+        m_windowCountLabel->setText(count == 1 ? tr("1 visible window") : tr("%1 visible windows").arg(count));
     }
     setAccessibleDescription(m_windowCountLabel->text());
     m_previewArea->setAccessibleDescription(m_display.name + QStringLiteral(", ") + m_windowCountLabel->text());
@@ -225,13 +223,13 @@ void DisplayCardView::updateWindowCount() {
 
 void DisplayCardView::updateMoveButtonNames() {
     // The button shows only the target's name; a screen reader says the whole move.
-    const QString windows =
-        m_display.visibleWindowCount.has_value()
-            ? QString::number(*m_display.visibleWindowCount) +
-                  (*m_display.visibleWindowCount == 1 ? QStringLiteral(" window") : QStringLiteral(" windows"))
-            : QStringLiteral("the visible windows");
+    QString windows = tr("the visible windows");
+    if (m_display.visibleWindowCount.has_value()) {
+        const int count = *m_display.visibleWindowCount;
+        windows = count == 1 ? tr("1 window") : tr("%1 windows").arg(count);
+    }
     for (QPushButton* button : m_moveControls->findChildren<QPushButton*>(QStringLiteral("moveTargetButton"))) {
-        button->setAccessibleName(QStringLiteral("Move %1 from screen %2 to %3")
+        button->setAccessibleName(tr("Move %1 from screen %2 to %3")
                                       .arg(windows)
                                       .arg(m_display.index)
                                       .arg(button->property("fullText").toString()));
@@ -254,7 +252,7 @@ void DisplayCardView::rebuildMoveControls() {
         row->setContentsMargins(0, 0, 0, 0);
         row->setSpacing(6);
         row->addWidget(new SymbolLabel(QStringLiteral("exclamationmark.triangle"), 14, warning), 0, Qt::AlignTop);
-        row->addWidget(ViewStyle::makeLabel(QStringLiteral("No other display available for moving windows."),
+        row->addWidget(ViewStyle::makeLabel(tr("No other display available for moving windows."),
                                             ViewStyle::captionFont(), warning, true, true),
                        1);
         m_moveControlsLayout->addWidget(warning);
@@ -263,8 +261,7 @@ void DisplayCardView::rebuildMoveControls() {
 
     QFont headingFont = ViewStyle::captionFont();
     headingFont.setWeight(QFont::DemiBold);
-    m_moveControlsLayout->addWidget(
-        ViewStyle::makeLabel(QStringLiteral("Move visible windows to:"), headingFont, m_moveControls));
+    m_moveControlsLayout->addWidget(ViewStyle::makeLabel(tr("Move visible windows to:"), headingFont, m_moveControls));
     for (const DisplaySnapshot& target : others) {
         auto* button =
             new QPushButton(SymbolIcons::icon(screenNumberSymbol(target.index)), target.name, m_moveControls);
@@ -312,11 +309,11 @@ void DisplayCardView::rebuildAppMenu() {
     }
 
     if (m_isLoadingPreview) {
-        menu->addAction(QStringLiteral("Loading applications..."))->setEnabled(false);
+        menu->addAction(tr("Loading applications..."))->setEnabled(false);
         return;
     }
     if (m_display.appGroups.isEmpty()) {
-        menu->addAction(QStringLiteral("No applications found on this screen"))->setEnabled(false);
+        menu->addAction(tr("No applications found on this screen"))->setEnabled(false);
         return;
     }
     const QList<DisplaySnapshot> others = targets();

@@ -40,21 +40,19 @@ TrayPanelView::TrayPanelView(AppController& controller, QWidget* parent) : QWidg
 
     auto* header = new QVBoxLayout();
     header->setSpacing(2);
-    header->addWidget(ViewStyle::makeLabel(QStringLiteral("Lattica"), ViewStyle::titleFont(), this));
-    header->addWidget(
-        ViewStyle::makeLabel(QStringLiteral("Preview displays and move windows from one display to another."),
-                             ViewStyle::captionFont(), this, true, true));
+    header->addWidget(ViewStyle::makeLabel(tr("Lattica"), ViewStyle::titleFont(), this));
+    header->addWidget(ViewStyle::makeLabel(tr("Preview displays and move windows from one display to another."),
+                                           ViewStyle::captionFont(), this, true, true));
     root->addLayout(header);
 
     auto* body = new QWidget(this);
     body->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Expanding);
     m_pages = new QStackedLayout(body);
     m_blockedPage = makeBlockedPage();
-    m_loadingPage = makeMessagePage(QStringLiteral("Loading screen previews..."),
-                                    QStringLiteral("Preview generation runs in the background."), true);
+    m_loadingPage =
+        makeMessagePage(tr("Loading screen previews..."), tr("Preview generation runs in the background."), true);
     m_loadingPage->setObjectName(QStringLiteral("loadingPage"));
-    m_emptyPage = makeMessagePage(QStringLiteral("No displays detected"),
-                                  QStringLiteral("Connect a display and try again."), false);
+    m_emptyPage = makeMessagePage(tr("No displays detected"), tr("Connect a display and try again."), false);
     m_emptyPage->setObjectName(QStringLiteral("noDisplaysPage"));
     m_gridPage = makeGridPage();
     for (QWidget* page : {m_blockedPage, m_loadingPage, m_emptyPage, m_gridPage}) {
@@ -77,9 +75,9 @@ QWidget* TrayPanelView::makeBlockedPage() {
     layout->setSpacing(6);
     QFont titleFont = ViewStyle::subheadlineFont();
     titleFont.setWeight(QFont::DemiBold);
-    layout->addWidget(ViewStyle::makeLabel(QStringLiteral("Permissions Required"), titleFont, page));
+    layout->addWidget(ViewStyle::makeLabel(tr("Permissions Required"), titleFont, page));
     layout->addWidget(ViewStyle::makeLabel(
-        QStringLiteral("Lattica needs screen capture and window control to view screen previews and move windows."),
+        tr("Lattica needs screen capture and window control to view screen previews and move windows."),
         ViewStyle::captionFont(), page, true, true));
 
     auto* badges = new QHBoxLayout();
@@ -93,11 +91,10 @@ QWidget* TrayPanelView::makeBlockedPage() {
 
     auto* buttons = new QHBoxLayout();
     buttons->setSpacing(6);
-    QPushButton* screenRecording = makeButton(QStringLiteral("display"), QStringLiteral("Check Screen Capture"), page);
+    QPushButton* screenRecording = makeButton(QStringLiteral("display"), tr("Check Screen Capture"), page);
     screenRecording->setObjectName(QStringLiteral("requestScreenRecordingButton"));
     connect(screenRecording, &QPushButton::clicked, this, [this] { m_controller.requestScreenRecordingPermission(); });
-    QPushButton* accessibility =
-        makeButton(QStringLiteral("hand.raised"), QStringLiteral("Check Window Control"), page);
+    QPushButton* accessibility = makeButton(QStringLiteral("hand.raised"), tr("Check Window Control"), page);
     accessibility->setObjectName(QStringLiteral("requestAccessibilityButton"));
     connect(accessibility, &QPushButton::clicked, this, [this] { m_controller.requestAccessibilityPermission(); });
     buttons->addWidget(screenRecording);
@@ -174,9 +171,8 @@ QWidget* TrayPanelView::makeGridPage() {
     hint->setSpacing(6);
     hint->addWidget(new SymbolLabel(QStringLiteral("display"), 14, m_singleDisplayHint), 0, Qt::AlignTop);
     hint->addWidget(
-        ViewStyle::makeLabel(
-            QStringLiteral("Only one display is connected. Connect another display to enable window moves."),
-            ViewStyle::captionFont(), m_singleDisplayHint, true, true),
+        ViewStyle::makeLabel(tr("Only one display is connected. Connect another display to enable window moves."),
+                             ViewStyle::captionFont(), m_singleDisplayHint, true, true),
         1);
     layout->addWidget(m_singleDisplayHint);
     return page;
@@ -187,16 +183,16 @@ QWidget* TrayPanelView::makeFooter() {
     auto* row = new QHBoxLayout(footer);
     row->setContentsMargins(0, 0, 0, 0);
     row->setSpacing(6);
-    QPushButton* settings = makeButton(QStringLiteral("gearshape"), QStringLiteral("Settings"), footer);
+    QPushButton* settings = makeButton(QStringLiteral("gearshape"), tr("Settings"), footer);
     settings->setObjectName(QStringLiteral("settingsButton"));
     connect(settings, &QPushButton::clicked, this, [this] {
         Q_EMIT dismissRequested();
         Q_EMIT settingsRequested();
     });
-    QPushButton* quit = makeButton(QStringLiteral("power"), QStringLiteral("Quit"), footer);
+    QPushButton* quit = makeButton(QStringLiteral("power"), tr("Quit"), footer);
     quit->setObjectName(QStringLiteral("quitButton"));
     quit->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Q));
-    quit->setToolTip(QStringLiteral("Quit (%1)").arg(quit->shortcut().toString(QKeySequence::NativeText)));
+    quit->setToolTip(tr("Quit (%1)").arg(quit->shortcut().toString(QKeySequence::NativeText)));
     connect(quit, &QPushButton::clicked, this, [] { QCoreApplication::quit(); });
     row->addWidget(settings);
     row->addStretch(1);
@@ -222,8 +218,8 @@ TrayPanelView::State TrayPanelView::stateFor(const PermissionState& permissions,
 
 void TrayPanelView::render() {
     const PermissionState permissions = m_controller.permissionState();
-    updatePermissionBadge(m_screenRecordingBadge, QStringLiteral("Screen Capture"), permissions.screenCapture);
-    updatePermissionBadge(m_accessibilityBadge, QStringLiteral("Window Control"), permissions.windowControl);
+    updatePermissionBadge(m_screenRecordingBadge, tr("Screen Capture"), permissions.screenCapture);
+    updatePermissionBadge(m_accessibilityBadge, tr("Window Control"), permissions.windowControl);
 
     m_state = stateFor(permissions, m_controller.displays().isEmpty(), m_controller.isLoadingPreviews());
     switch (m_state) {

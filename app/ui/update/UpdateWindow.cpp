@@ -23,7 +23,7 @@ bool isWebURL(const QUrl& url) {
 }  // namespace
 
 UpdateWindow::UpdateWindow(QWidget* parent) : QWidget(parent, Qt::Dialog) {
-    setWindowTitle(QStringLiteral("Software Update"));
+    setWindowTitle(tr("Software Update"));
     setMinimumWidth(460);
 
     m_titleLabel = new QLabel(this);
@@ -94,27 +94,27 @@ void UpdateWindow::setTexts(const QString& title, const QString& message) {
 void UpdateWindow::showChecking() {
     m_state = State::Checking;
     m_downloadURL.clear();
-    setTexts(QStringLiteral("Checking for updates…"), QString());
+    setTexts(tr("Checking for updates…"), QString());
     m_progress->setVisible(true);
     m_releaseNotes->setVisible(false);
     m_releaseNotesLink->setVisible(false);
-    m_primaryButton->setText(QStringLiteral("Cancel"));
+    m_primaryButton->setText(tr("Cancel"));
     m_primaryButton->setEnabled(true);
     m_secondaryButton->setVisible(false);
     adjustSize();
 }
 
 void UpdateWindow::showUpToDate(const QString& currentVersion) {
-    showMessage(State::UpToDate, QStringLiteral("You're up to date!"),
-                QStringLiteral("Lattica %1 is currently the newest version available.").arg(currentVersion));
+    showMessage(State::UpToDate, tr("You're up to date!"),
+                tr("Lattica %1 is currently the newest version available.").arg(currentVersion));
 }
 
 void UpdateWindow::showUpdateFound(const AppcastItem& item, const QString& currentVersion) {
     m_state = State::UpdateFound;
     m_downloadURL = isWebURL(item.downloadURL) ? item.downloadURL : (isWebURL(item.infoURL) ? item.infoURL : QUrl());
     m_releaseNotesURL = isWebURL(item.releaseNotesURL) ? item.releaseNotesURL : QUrl();
-    setTexts(QStringLiteral("A new version of Lattica is available!"),
-             QStringLiteral("Lattica %1 is now available (you have %2). Would you like to download it now?")
+    setTexts(tr("A new version of Lattica is available!"),
+             tr("Lattica %1 is now available (you have %2). Would you like to download it now?")
                  .arg(item.displayVersion(), currentVersion));
     m_progress->setVisible(false);
     if (item.itemDescription.isEmpty()) {
@@ -126,15 +126,15 @@ void UpdateWindow::showUpdateFound(const AppcastItem& item, const QString& curre
     }
     m_releaseNotesLink->setText(QStringLiteral("<a href=\"notes\">Release notes</a>"));
     m_releaseNotesLink->setVisible(!m_releaseNotesURL.isEmpty());
-    m_primaryButton->setText(QStringLiteral("Download"));
+    m_primaryButton->setText(tr("Download"));
     m_primaryButton->setEnabled(!m_downloadURL.isEmpty());
-    m_secondaryButton->setText(QStringLiteral("Remind Me Later"));
+    m_secondaryButton->setText(tr("Remind Me Later"));
     m_secondaryButton->setVisible(true);
     adjustSize();
 }
 
 void UpdateWindow::showError(const QString& message) {
-    showMessage(State::Error, QStringLiteral("Update Error!"), message);
+    showMessage(State::Error, tr("Update Error!"), message);
 }
 
 void UpdateWindow::showMessage(State state, const QString& title, const QString& message) {
