@@ -16,6 +16,9 @@ PACKAGES=(
   # Wayland platform for native test clients; kscreen-doctor (and the Qt 5 Wayland platform it needs)
   # to give the virtual outputs different sizes
   kwin-wayland qt6-wayland libkf5screen-bin qtwayland5 dbus-bin
+  # GNOME Shell, headless, for the GNOME backend's tests (scripts/virtual-gnome.sh); gjs parses the Shell
+  # extension's entry files
+  gnome-shell gjs
 )
 
 missing=()

@@ -1,0 +1,253 @@
+// Lattica's bridge inside GNOME Shell: a small D-Bus interface on the session bus that lists monitors and
+// windows and moves windows. Written without module syntax so that both entry files can use it: the
+// legacy one (GNOME 43-44) through imports, the ES module one (GNOME 45 and later) through a copy that
+// the install step ends with an export. Shell and Mutter objects come in through `shell`, so this file
+// imports nothing itself.
+
+var BRIDGE_PATH = '/app/lattica/Shell';
+
+var BRIDGE_INTERFACE = `
+<node>
+  <interface name="app.lattica.Shell">
+    <method name="Ping"/>
+    <method name="Monitors"><arg type="s" direction="out" name="json"/></method>
+    <method name="Windows"><arg type="s" direction="out" name="json"/></method>
+    <method name="FocusedWindow"><arg type="t" direction="out" name="id"/></method>
+    <method name="MoveToMonitor">
+      <arg type="t" direction="in" name="id"/><arg type="i" direction="in" name="monitor"/>
+      <arg type="s" direction="out" name="json"/>
+    </method>
+    <method name="MoveResize">
+      <arg type="t" direction="in" name="id"/>
+      <arg type="i" direction="in" name="x"/><arg type="i" direction="in" name="y"/>
+      <arg type="i" direction="in" name="width"/><arg type="i" direction="in" name="height"/>
+      <arg type="s" direction="out" name="json"/>
+    </method>
+    <method name="SetMaximized">
+      <arg type="t" direction="in" name="id"/><arg type="b" direction="in" name="maximized"/>
+      <arg type="s" direction="out" name="json"/>
+    </method>
+    <method name="Unminimize"><arg type="t" direction="in" name="id"/><arg type="s" direction="out" name="json"/></method>
+    <method name="Activate"><arg type="t" direction="in" name="id"/><arg type="s" direction="out" name="json"/></method>
+    <signal name="MonitorsChanged"/>
+    <signal name="WindowsChanged"/>
+  </interface>
+</node>`;
+
+// How long a move waits for the window to report its new frame before answering with what it has.
+var SETTLE_TIMEOUT_MS = 1000;
+
+function frameOf(window) {
+    const rect = window.get_frame_rect();
+    return {x: rect.x, y: rect.y, width: rect.width, height: rect.height};
+}
+
+function describeWindow(shell, window) {
+    const app = shell.tracker.get_window_app(window);
+    const workspace = window.get_workspace();
+    const active = shell.display.get_workspace_manager().get_active_workspace();
+    return {
+        id: window.get_id(),
+        pid: window.get_pid(),
+        title: window.get_title(),
+        wmClass: window.get_wm_class(),
+        application: app ? app.get_name() : null,
+        desktopId: app ? app.get_id() : null,
+        frame: frameOf(window),
+        monitor: window.get_monitor(),
+        layer: window.get_layer(),
+        type: window.get_window_type(),
+        minimized: window.minimized,
+        maximized: window.get_maximized() === shell.Meta.MaximizeFlags.BOTH,
+        fullscreen: window.is_fullscreen(),
+        above: window.is_above(),
+        skipTaskbar: window.is_skip_taskbar(),
+        onCurrentWorkspace: window.is_on_all_workspaces() || workspace === active,
+        opacity: window.get_compositor_private() ? window.get_compositor_private().get_opacity() / 255 : 1,
+        client: window.get_client_type() === shell.Meta.WindowClientType.WAYLAND ? 'wayland' : 'x11',
+    };
+}
+
+// Whether Mutter has placed the window: until its first drawing it has no frame, and until it is
+// stacked its layer is the one past the last.
+function isPlaced(shell, window) {
+    const frame = window.get_frame_rect();
+    return frame.width > 0 && frame.height > 0 && window.get_layer() < shell.Meta.StackLayer.LAST;
+}
+
+// The desktop's placed windows, front to back.
+function stackedWindows(shell) {
+    const windows = shell.getWindowActors()
+        .map(actor => actor.get_meta_window())
+        .filter(w => w !== null && isPlaced(shell, w));
+    return shell.display.sort_windows_by_stacking(windows).reverse();
+}
+
+function findWindow(shell, id) {
+    return stackedWindows(shell).find(window => window.get_id() === id) || null;
+}
+
+function monitorsOf(shell) {
+    const count = shell.display.get_n_monitors();
+    const primary = shell.display.get_primary_monitor();
+    const monitors = [];
+    for (let index = 0; index < count; index++) {
+        const rect = shell.display.get_monitor_geometry(index);
+        monitors.push({
+            index,
+            x: rect.x, y: rect.y, width: rect.width, height: rect.height,
+            scale: shell.display.get_monitor_scale(index),
+            primary: index === primary,
+        });
+    }
+    return monitors;
+}
+
+var LatticaBridge = class LatticaBridge {
+    constructor(shell) {
+        this._shell = shell;
+        this._exported = null;
+        this._signals = [];
+    }
+
+    enable() {
+        const shell = this._shell;
+        this._exported = shell.Gio.DBusExportedObject.wrapJSObject(BRIDGE_INTERFACE, this);
+        this._exported.export(shell.Gio.DBus.session, BRIDGE_PATH);
+        this._connect(shell.monitorManager, 'monitors-changed', () => this._emit('MonitorsChanged'));
+        for (const name of ['window-created', 'restacked', 'notify::focus-window'])
+            this._connect(shell.display, name, () => this._emit('WindowsChanged'));
+    }
+
+    disable() {
+        for (const [object, id] of this._signals)
+            object.disconnect(id);
+        this._signals = [];
+        if (this._exported) {
+            this._exported.unexport();
+            this._exported = null;
+        }
+    }
+
+    _connect(object, name, handler) {
+        this._signals.push([object, object.connect(name, handler)]);
+    }
+
+    _emit(name) {
+        if (this._exported)
+            this._exported.emit_signal(name, null);
+    }
+
+    Ping() {
+    }
+
+    Monitors() {
+        return JSON.stringify(monitorsOf(this._shell));
+    }
+
+    Windows() {
+        return JSON.stringify(stackedWindows(this._shell).map(window => describeWindow(this._shell, window)));
+    }
+
+    FocusedWindow() {
+        const window = this._shell.display.get_focus_window();
+        return window ? window.get_id() : 0;
+    }
+
+    // Methods that change a window answer once the window shows the change, or after SETTLE_TIMEOUT_MS
+    // with the frame it has then; the caller judges the result from the frame.
+    MoveToMonitorAsync([id, monitor], invocation) {
+        this._change(id, invocation, window => {
+            if (monitor < 0 || monitor >= this._shell.display.get_n_monitors())
+                return 'no such monitor';
+            window.move_to_monitor(monitor);
+            return null;
+        });
+    }
+
+    MoveResizeAsync([id, x, y, width, height], invocation) {
+        this._change(id, invocation, window => {
+            if (window.get_maximized())
+                window.unmaximize(this._shell.Meta.MaximizeFlags.BOTH);
+            window.move_resize_frame(true, x, y, width, height);
+            return null;
+        });
+    }
+
+    SetMaximizedAsync([id, maximized], invocation) {
+        this._change(id, invocation, window => {
+            if (maximized)
+                window.maximize(this._shell.Meta.MaximizeFlags.BOTH);
+            else
+                window.unmaximize(this._shell.Meta.MaximizeFlags.BOTH);
+            return null;
+        });
+    }
+
+    UnminimizeAsync([id], invocation) {
+        this._change(id, invocation, window => {
+            window.unminimize();
+            return null;
+        });
+    }
+
+    ActivateAsync([id], invocation) {
+        this._change(id, invocation, window => {
+            this._shell.activateWindow(window);
+            return null;
+        });
+    }
+
+    _change(id, invocation, change) {
+        const shell = this._shell;
+        const window = findWindow(shell, id);
+        const reply = result => invocation.return_value(new shell.GLib.Variant('(s)', [JSON.stringify(result)]));
+        if (!window) {
+            reply({result: 'gone'});
+            return;
+        }
+        const before = frameOf(window);
+        let error;
+        try {
+            error = change(window);
+        } catch (e) {
+            error = String(e);
+        }
+        if (error) {
+            reply({result: 'failure', error});
+            return;
+        }
+        const answer = () => reply({result: 'ok', window: describeWindow(shell, window)});
+        const now = frameOf(window);
+        if (now.x !== before.x || now.y !== before.y || now.width !== before.width || now.height !== before.height) {
+            answer();
+            return;
+        }
+        // Wayland clients resize when they next draw: wait for the frame to change.
+        const ids = [];
+        let timeout = 0;
+        const finish = () => {
+            for (const handler of ids)
+                window.disconnect(handler);
+            if (timeout)
+                shell.GLib.source_remove(timeout);
+            ids.length = 0;
+            timeout = 0;
+            answer();
+        };
+        ids.push(window.connect('position-changed', finish));
+        ids.push(window.connect('size-changed', finish));
+        ids.push(window.connect('unmanaged', () => {
+            for (const handler of ids)
+                window.disconnect(handler);
+            if (timeout)
+                shell.GLib.source_remove(timeout);
+            reply({result: 'gone'});
+        }));
+        timeout = shell.GLib.timeout_add(shell.GLib.PRIORITY_DEFAULT, SETTLE_TIMEOUT_MS, () => {
+            timeout = 0;
+            finish();
+            return shell.GLib.SOURCE_REMOVE;
+        });
+    }
+};
