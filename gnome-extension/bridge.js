@@ -42,6 +42,10 @@ function frameOf(window) {
     return {x: rect.x, y: rect.y, width: rect.width, height: rect.height};
 }
 
+function sameRect(a, b) {
+    return a.x === b.x && a.y === b.y && a.width === b.width && a.height === b.height;
+}
+
 function describeWindow(shell, window) {
     const app = shell.tracker.get_window_app(window);
     const workspace = window.get_workspace();
@@ -154,15 +158,19 @@ var LatticaBridge = class LatticaBridge {
         return window ? window.get_id() : 0;
     }
 
-    // Methods that change a window answer once the window shows the change, or after SETTLE_TIMEOUT_MS
-    // with the frame it has then; the caller judges the result from the frame.
+    // Methods that change a window answer once the window shows the change (`done`), or after
+    // SETTLE_TIMEOUT_MS with the state it has then; the caller judges the result from that state.
     MoveToMonitorAsync([id, monitor], invocation) {
+        const shell = this._shell;
+        let maximized = false;
         this._change(id, invocation, window => {
-            if (monitor < 0 || monitor >= this._shell.display.get_n_monitors())
+            if (monitor < 0 || monitor >= shell.display.get_n_monitors())
                 return 'no such monitor';
+            maximized = window.get_maximized() === shell.Meta.MaximizeFlags.BOTH;
             window.move_to_monitor(monitor);
             return null;
-        });
+        }, window => window.get_monitor() === monitor &&
+            (!maximized || sameRect(frameOf(window), window.get_work_area_for_monitor(monitor))));
     }
 
     MoveResizeAsync([id, x, y, width, height], invocation) {
@@ -171,34 +179,36 @@ var LatticaBridge = class LatticaBridge {
                 window.unmaximize(this._shell.Meta.MaximizeFlags.BOTH);
             window.move_resize_frame(true, x, y, width, height);
             return null;
-        });
+        }, window => sameRect(frameOf(window), {x, y, width, height}));
     }
 
     SetMaximizedAsync([id, maximized], invocation) {
+        const both = this._shell.Meta.MaximizeFlags.BOTH;
         this._change(id, invocation, window => {
             if (maximized)
-                window.maximize(this._shell.Meta.MaximizeFlags.BOTH);
+                window.maximize(both);
             else
-                window.unmaximize(this._shell.Meta.MaximizeFlags.BOTH);
+                window.unmaximize(both);
             return null;
-        });
+        }, window => (window.get_maximized() === both) === maximized &&
+            (!maximized || sameRect(frameOf(window), window.get_work_area_current_monitor())));
     }
 
     UnminimizeAsync([id], invocation) {
         this._change(id, invocation, window => {
             window.unminimize();
             return null;
-        });
+        }, window => !window.minimized);
     }
 
     ActivateAsync([id], invocation) {
         this._change(id, invocation, window => {
             this._shell.activateWindow(window);
             return null;
-        });
+        }, window => this._shell.display.get_focus_window() === window);
     }
 
-    _change(id, invocation, change) {
+    _change(id, invocation, change, done) {
         const shell = this._shell;
         const window = findWindow(shell, id);
         const reply = result => invocation.return_value(new shell.GLib.Variant('(s)', [JSON.stringify(result)]));
@@ -206,7 +216,6 @@ var LatticaBridge = class LatticaBridge {
             reply({result: 'gone'});
             return;
         }
-        const before = frameOf(window);
         let error;
         try {
             error = change(window);
@@ -218,35 +227,38 @@ var LatticaBridge = class LatticaBridge {
             return;
         }
         const answer = () => reply({result: 'ok', window: describeWindow(shell, window)});
-        const now = frameOf(window);
-        if (now.x !== before.x || now.y !== before.y || now.width !== before.width || now.height !== before.height) {
+        if (done(window)) {
             answer();
             return;
         }
-        // Wayland clients resize when they next draw: wait for the frame to change.
+        // Wayland clients take a new size when they next draw, and focus follows later: wait.
         const ids = [];
         let timeout = 0;
-        const finish = () => {
-            for (const handler of ids)
-                window.disconnect(handler);
-            if (timeout)
-                shell.GLib.source_remove(timeout);
+        const stop = () => {
+            for (const [object, handler] of ids)
+                object.disconnect(handler);
             ids.length = 0;
-            timeout = 0;
-            answer();
-        };
-        ids.push(window.connect('position-changed', finish));
-        ids.push(window.connect('size-changed', finish));
-        ids.push(window.connect('unmanaged', () => {
-            for (const handler of ids)
-                window.disconnect(handler);
             if (timeout)
                 shell.GLib.source_remove(timeout);
+            timeout = 0;
+        };
+        const check = () => {
+            if (done(window)) {
+                stop();
+                answer();
+            }
+        };
+        for (const name of ['position-changed', 'size-changed', 'notify::minimized', 'notify::maximized-horizontally'])
+            ids.push([window, window.connect(name, check)]);
+        ids.push([shell.display, shell.display.connect('notify::focus-window', check)]);
+        ids.push([window, window.connect('unmanaged', () => {
+            stop();
             reply({result: 'gone'});
-        }));
+        })]);
         timeout = shell.GLib.timeout_add(shell.GLib.PRIORITY_DEFAULT, SETTLE_TIMEOUT_MS, () => {
             timeout = 0;
-            finish();
+            stop();
+            answer();
             return shell.GLib.SOURCE_REMOVE;
         });
     }

@@ -1,6 +1,7 @@
 #include "platform/Monitors.h"
 #include "platform/Platform.h"
 #include "platform/WindowControl.h"
+#include "platform/gnome/GnomeShellBridge.h"
 #include "tests/platform/gnome/GnomeSessionFixture.h"
 #include "tests/support/VirtualDesktop.h"
 
@@ -45,6 +46,55 @@ TEST_F(GnomeMoveTest, AGoneWindowIsReportedGone) {
     WindowControl& control = *Platform::services().windowControl;
     EXPECT_EQ(control.move(987654321, QPointF(10, 10)), Result::Gone);
     EXPECT_EQ(control.frame(987654321).result, Result::Gone);
+}
+
+}  // namespace
+
+namespace {
+
+using GnomeMonitorMoveTest = GnomeSessionFixture;
+
+std::optional<GnomeShellWindow> shellWindow(GnomeShellBridge& bridge, qint64 id) {
+    for (const GnomeShellWindow& window : bridge.windows().value_or(QList<GnomeShellWindow>{})) {
+        if (static_cast<qint64>(window.id) == id) {
+            return window;
+        }
+    }
+    return std::nullopt;
+}
+
+TEST_F(GnomeMonitorMoveTest, AMaximisedWindowStaysMaximisedOnTheOtherMonitor) {
+    ASSERT_TRUE(wayland.open(QStringLiteral("big"), QStringLiteral("title=maximised-window state=maximized")));
+    GnomeShellBridge& bridge = platform->bridge();
+    std::optional<WindowEntry> entry;
+    // Qt asks for the maximised state after its first frame: wait until the Shell reports it.
+    ASSERT_TRUE(VirtualDesktop::waitUntil([&] {
+        entry = waitForWindow(QStringLiteral("maximised-window"), 100);
+        const auto window = entry ? shellWindow(bridge, entry->id) : std::nullopt;
+        return window && window->maximized;
+    }));
+    const int from = shellWindow(bridge, entry->id)->monitor;
+    const int to = from == 0 ? 1 : 0;
+    const GnomeChangeAnswer answer = bridge.moveToMonitor(static_cast<quint64>(entry->id), to);
+    ASSERT_EQ(answer.outcome, GnomeChangeAnswer::Outcome::Ok) << answer.error.toStdString();
+    ASSERT_TRUE(answer.window);
+    EXPECT_EQ(answer.window->monitor, to);
+    EXPECT_TRUE(answer.window->maximized);
+    // The second monitor has no top bar: a maximised window there fills it.
+    if (to == 1) {
+        EXPECT_EQ(answer.window->frame, QRectF(layout().at(1)));
+    } else {
+        EXPECT_TRUE(QRectF(layout().at(0)).contains(answer.window->frame));
+    }
+}
+
+TEST_F(GnomeMonitorMoveTest, AMoveToAMonitorThatDoesNotExistFails) {
+    ASSERT_TRUE(wayland.open(QStringLiteral("plain"), QStringLiteral("title=plain-window w=200 h=100")));
+    const auto entry = waitForWindow(QStringLiteral("plain-window"));
+    ASSERT_TRUE(entry);
+    const GnomeChangeAnswer answer = platform->bridge().moveToMonitor(static_cast<quint64>(entry->id), 7);
+    EXPECT_EQ(answer.outcome, GnomeChangeAnswer::Outcome::Failure);
+    EXPECT_EQ(answer.error, QStringLiteral("no such monitor"));
 }
 
 }  // namespace
