@@ -5,6 +5,9 @@
 // imports nothing itself.
 
 var BRIDGE_PATH = '/app/lattica/Shell';
+// Only the process that owns Lattica's bus name is answered (a ping excepted): other programs cannot
+// read or move windows through this interface.
+var LATTICA_BUS_NAME = 'app.lattica.Lattica';
 
 var BRIDGE_INTERFACE = `
 <node>
@@ -112,18 +115,33 @@ var LatticaBridge = class LatticaBridge {
         this._shell = shell;
         this._exported = null;
         this._signals = [];
+        this._latticaOwner = null;
+        this._watch = 0;
     }
 
     enable() {
         const shell = this._shell;
         this._exported = shell.Gio.DBusExportedObject.wrapJSObject(BRIDGE_INTERFACE, this);
         this._exported.export(shell.Gio.DBus.session, BRIDGE_PATH);
+        this._watch = shell.Gio.bus_watch_name(shell.Gio.BusType.SESSION, LATTICA_BUS_NAME,
+            shell.Gio.BusNameWatcherFlags.NONE,
+            (connection, name, owner) => {
+                this._latticaOwner = owner;
+            },
+            () => {
+                this._latticaOwner = null;
+            });
         this._connect(shell.monitorManager, 'monitors-changed', () => this._emit('MonitorsChanged'));
         for (const name of ['window-created', 'restacked', 'notify::focus-window'])
             this._connect(shell.display, name, () => this._emit('WindowsChanged'));
     }
 
     disable() {
+        if (this._watch) {
+            this._shell.Gio.bus_unwatch_name(this._watch);
+            this._watch = 0;
+        }
+        this._latticaOwner = null;
         for (const [object, id] of this._signals)
             object.disconnect(id);
         this._signals = [];
@@ -145,17 +163,36 @@ var LatticaBridge = class LatticaBridge {
     Ping() {
     }
 
-    Monitors() {
-        return JSON.stringify(monitorsOf(this._shell));
+    // Whether the caller is Lattica; anyone else gets an access error.
+    _allowed(invocation) {
+        if (this._latticaOwner !== null && invocation.get_sender() === this._latticaOwner)
+            return true;
+        invocation.return_dbus_error('org.freedesktop.DBus.Error.AccessDenied',
+            `Only the owner of ${LATTICA_BUS_NAME} may use this interface`);
+        return false;
     }
 
-    Windows() {
-        return JSON.stringify(stackedWindows(this._shell).map(window => describeWindow(this._shell, window)));
+    MonitorsAsync(parameters, invocation) {
+        if (this._allowed(invocation))
+            this._return(invocation, '(s)', [JSON.stringify(monitorsOf(this._shell))]);
     }
 
-    FocusedWindow() {
+    WindowsAsync(parameters, invocation) {
+        if (!this._allowed(invocation))
+            return;
+        const windows = stackedWindows(this._shell).map(window => describeWindow(this._shell, window));
+        this._return(invocation, '(s)', [JSON.stringify(windows)]);
+    }
+
+    FocusedWindowAsync(parameters, invocation) {
+        if (!this._allowed(invocation))
+            return;
         const window = this._shell.display.get_focus_window();
-        return window ? window.get_id() : 0;
+        this._return(invocation, '(t)', [window ? window.get_id() : 0]);
+    }
+
+    _return(invocation, signature, values) {
+        invocation.return_value(new this._shell.GLib.Variant(signature, values));
     }
 
     // Methods that change a window answer once the window shows the change (`done`), or after
@@ -209,6 +246,8 @@ var LatticaBridge = class LatticaBridge {
     }
 
     _change(id, invocation, change, done) {
+        if (!this._allowed(invocation))
+            return;
         const shell = this._shell;
         const window = findWindow(shell, id);
         const reply = result => invocation.return_value(new shell.GLib.Variant('(s)', [JSON.stringify(result)]));

@@ -42,7 +42,8 @@ QList<GnomeConnectedMonitor> readLogicalMonitors(const QDBusArgument& argument) 
         argument.beginArray();
         while (!argument.atEnd()) {
             const PhysicalMonitor physical = readPhysicalMonitor(argument);
-            monitors.append({physical.connector, physical.vendor, physical.product, physical.serial, QPoint(x, y), primary});
+            monitors.append(
+                {physical.connector, physical.vendor, physical.product, physical.serial, QPoint(x, y), primary});
         }
         argument.endArray();
         skipProperties(argument);

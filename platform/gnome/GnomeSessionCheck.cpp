@@ -51,6 +51,11 @@ GnomeSessionCheck::ExtensionState GnomeSessionCheck::extensionState(const GnomeS
 }
 
 CapabilityCheck GnomeSessionCheck::windowControlFor(const Facts& facts) {
+    if (facts.answering && facts.refused) {
+        return {Availability::Unavailable,
+                QStringLiteral("Lattica's GNOME Shell extension answers only the running Lattica, and this copy is "
+                               "not it. Quit the other copy of Lattica, then start Lattica again.")};
+    }
     if (facts.answering) {
         return {Availability::Available, {}};
     }
@@ -82,7 +87,7 @@ CapabilityCheck GnomeSessionCheck::windowControlFor(const Facts& facts) {
 }
 
 CapabilityCheck GnomeSessionCheck::screenCaptureFor(const Facts& facts) {
-    if (!facts.answering) {
+    if (!facts.answering || facts.refused) {
         return windowControlFor(facts);
     }
     return {Availability::Unavailable,
@@ -97,6 +102,7 @@ GnomeSessionCheck::Facts GnomeSessionCheck::facts() const {
         facts.state = extensionState(m_bridge);
     } else {
         facts.state = ExtensionState::Enabled;
+        facts.refused = !m_bridge.focusedWindow().has_value();
     }
     return facts;
 }

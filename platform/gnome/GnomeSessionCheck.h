@@ -12,6 +12,7 @@ public:
     // What a check is made of, so that the wording can be tested without the Shell.
     struct Facts {
         bool answering = false;  // the extension answers on the bus
+        bool refused = false;    // it answers, but not this process: another one owns Lattica's bus name
         ExtensionState state = ExtensionState::Unknown;
     };
     static CapabilityCheck windowControlFor(const Facts& facts);

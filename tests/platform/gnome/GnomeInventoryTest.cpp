@@ -1,3 +1,6 @@
+#include <QDBusConnection>
+#include <QDBusMessage>
+
 #include "platform/Monitors.h"
 #include "platform/Platform.h"
 #include "platform/RunningApplications.h"
@@ -64,6 +67,21 @@ TEST_F(GnomeInventoryTest, TheSessionCheckSaysWindowsCanBeMoved) {
     EXPECT_EQ(Platform::services().sessionCheck->windowControl().availability, Availability::Available);
     // Monitor pictures are not taken on GNOME yet, and the check says so.
     EXPECT_EQ(Platform::services().sessionCheck->screenCapture().availability, Availability::Unavailable);
+}
+
+TEST_F(GnomeInventoryTest, AnotherProgramOnTheBusIsRefused) {
+    QDBusConnection foreign = QDBusConnection::connectToBus(QDBusConnection::SessionBus, QStringLiteral("foreign"));
+    ASSERT_TRUE(foreign.isConnected());
+    const QDBusMessage call =
+        QDBusMessage::createMethodCall(QStringLiteral("org.gnome.Shell"), QStringLiteral("/app/lattica/Shell"),
+                                       QStringLiteral("app.lattica.Shell"), QStringLiteral("Windows"));
+    const QDBusMessage refused = foreign.call(call, QDBus::Block, 3000);
+    EXPECT_EQ(refused.type(), QDBusMessage::ErrorMessage);
+    EXPECT_EQ(refused.errorName(), QStringLiteral("org.freedesktop.DBus.Error.AccessDenied"));
+    // The same call from the owner of Lattica's name is answered.
+    const QDBusMessage answered = QDBusConnection::sessionBus().call(call, QDBus::Block, 3000);
+    EXPECT_EQ(answered.type(), QDBusMessage::ReplyMessage) << answered.errorMessage().toStdString();
+    QDBusConnection::disconnectFromBus(QStringLiteral("foreign"));
 }
 
 }  // namespace

@@ -1,5 +1,6 @@
 #include "tests/platform/gnome/GnomeSessionFixture.h"
 
+#include <QDBusConnection>
 #include <QStandardPaths>
 
 #include "platform/Platform.h"
@@ -12,6 +13,8 @@ void GnomeSessionFixture::SetUp() {
         }
         FAIL() << "run this test inside scripts/virtual-gnome.sh run -- (ctest does)";
     }
+    // The extension answers only the owner of Lattica's bus name, as the program is once it runs.
+    ASSERT_TRUE(QDBusConnection::sessionBus().registerService(QStringLiteral("app.lattica.Lattica")));
     QString problem;
     platform = GnomePlatform::connect(&problem);
     ASSERT_TRUE(platform) << problem.toStdString();
@@ -21,6 +24,7 @@ void GnomeSessionFixture::SetUp() {
 
 void GnomeSessionFixture::TearDown() {
     platform.reset();
+    QDBusConnection::sessionBus().unregisterService(QStringLiteral("app.lattica.Lattica"));
 }
 
 QList<QRect> GnomeSessionFixture::layout() {

@@ -115,16 +115,20 @@ TEST(GnomeShellState, AChangeAnswerCarriesItsOutcomeAndTheWindow) {
 
 TEST(GnomeSessionCheckWording, EachExtensionStateSaysWhatToDo) {
     using State = GnomeSessionCheck::ExtensionState;
-    EXPECT_EQ(GnomeSessionCheck::windowControlFor({true, State::Enabled}).availability, Availability::Available);
-    const CapabilityCheck missing = GnomeSessionCheck::windowControlFor({false, State::Missing});
+    EXPECT_EQ(GnomeSessionCheck::windowControlFor({true, false, State::Enabled}).availability, Availability::Available);
+    const CapabilityCheck refused = GnomeSessionCheck::windowControlFor({true, true, State::Enabled});
+    EXPECT_EQ(refused.availability, Availability::Unavailable);
+    EXPECT_TRUE(refused.explanation.contains(QLatin1String("Quit the other copy")));
+    const CapabilityCheck missing = GnomeSessionCheck::windowControlFor({false, false, State::Missing});
     EXPECT_EQ(missing.availability, Availability::Unavailable);
     EXPECT_TRUE(missing.explanation.contains(QLatin1String("not installed")));
     EXPECT_TRUE(missing.explanation.contains(QLatin1String("log out")));
-    const CapabilityCheck disabled = GnomeSessionCheck::windowControlFor({false, State::Disabled});
+    const CapabilityCheck disabled = GnomeSessionCheck::windowControlFor({false, false, State::Disabled});
     EXPECT_TRUE(disabled.explanation.contains(QLatin1String("gnome-extensions enable lattica@lattica.app")));
-    const CapabilityCheck failed = GnomeSessionCheck::windowControlFor({false, State::Failed});
+    const CapabilityCheck failed = GnomeSessionCheck::windowControlFor({false, false, State::Failed});
     EXPECT_TRUE(failed.explanation.contains(QLatin1String("could not start")));
-    EXPECT_EQ(GnomeSessionCheck::screenCaptureFor({true, State::Enabled}).availability, Availability::Unavailable);
+    EXPECT_EQ(GnomeSessionCheck::screenCaptureFor({true, false, State::Enabled}).availability,
+              Availability::Unavailable);
 }
 
 }  // namespace
