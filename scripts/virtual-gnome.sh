@@ -119,15 +119,21 @@ start_session() {
     leave_overview || log "the shell stays in its overview: windows there are neither focused nor placed"
 }
 
-# The shell starts in its overview, where new windows get no focus. It is closed through the Shell's own
-# property, which takes effect after the closing animation.
+# The shell opens its overview once it has started, where new windows get no focus. It is closed
+# through the Shell's own property once it has opened, and is left when the property reads false again
+# (after the closing animation).
 leave_overview() {
     local property=(--session --dest org.gnome.Shell --object-path /org/gnome/Shell
         --method org.freedesktop.DBus.Properties)
-    gdbus call "${property[@]}.Set" org.gnome.Shell OverviewActive '<false>' >/dev/null || return 1
-    local deadline=$((SECONDS + READY_TIMEOUT))
+    local deadline=$((SECONDS + READY_TIMEOUT)) opened=0 value
     while ((SECONDS < deadline)); do
-        [ "$(gdbus call "${property[@]}.Get" org.gnome.Shell OverviewActive)" = "(<false>,)" ] && return 0
+        value=$(gdbus call "${property[@]}.Get" org.gnome.Shell OverviewActive) || return 1
+        if [ "$value" = "(<true>,)" ]; then
+            opened=1
+            gdbus call "${property[@]}.Set" org.gnome.Shell OverviewActive '<false>' >/dev/null || return 1
+        elif ((opened)); then
+            return 0
+        fi
         sleep 0.05
     done
     return 1
