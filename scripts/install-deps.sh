@@ -18,6 +18,9 @@ PACKAGES=(
   kwin-wayland qt6-wayland libkf5screen-bin qtwayland5 dbus-bin
   # KWin's fake-input protocol, to press keys in the hot-key tests
   plasma-wayland-protocols libwayland-bin libwayland-dev
+  # GNOME Shell, headless, for the GNOME backend's tests (scripts/virtual-gnome.sh); gjs parses the Shell
+  # extension's entry files
+  gnome-shell gjs
 )
 
 missing=()

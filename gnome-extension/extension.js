@@ -1,0 +1,29 @@
+// Entry for GNOME Shell 43 and 44, which load extensions through the legacy imports.
+/* exported init */
+const {Gio, GLib, Meta, Shell} = imports.gi;
+const Main = imports.ui.main;
+const Me = imports.misc.extensionUtils.getCurrentExtension();
+const {LatticaBridge} = Me.imports.bridge;
+
+class Extension {
+    enable() {
+        this._bridge = new LatticaBridge({
+            Gio, GLib, Meta,
+            display: global.display,
+            tracker: Shell.WindowTracker.get_default(),
+            monitorManager: Meta.MonitorManager.get(),
+            getWindowActors: () => global.get_window_actors(),
+            activateWindow: window => Main.activateWindow(window),
+        });
+        this._bridge.enable();
+    }
+
+    disable() {
+        this._bridge.disable();
+        this._bridge = null;
+    }
+}
+
+function init() {
+    return new Extension();
+}

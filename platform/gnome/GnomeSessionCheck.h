@@ -1,0 +1,33 @@
+#pragma once
+
+#include "platform/SessionCheck.h"
+
+class GnomeShellBridge;
+
+// What works on GNOME Shell (Wayland) through Lattica's Shell extension.
+class GnomeSessionCheck : public SessionCheck {
+public:
+    // The extension as GNOME Shell's extension list reports it.
+    enum class ExtensionState { Missing, Disabled, Enabled, Failed, Unknown };
+    // What a check is made of, so that the wording can be tested without the Shell.
+    struct Facts {
+        bool answering = false;  // the extension answers on the bus
+        bool refused = false;    // it answers, but not this process: another one owns Lattica's bus name
+        ExtensionState state = ExtensionState::Unknown;
+    };
+    static CapabilityCheck windowControlFor(const Facts& facts);
+    static CapabilityCheck screenCaptureFor(const Facts& facts);
+    // Asks GNOME Shell (org.gnome.Shell.Extensions) about the extension.
+    static ExtensionState extensionState(const GnomeShellBridge& bridge);
+
+    explicit GnomeSessionCheck(GnomeShellBridge& bridge) : m_bridge(bridge) {}
+
+    CapabilityCheck windowControl() override;
+    CapabilityCheck screenCapture() override;
+    QUrl helpPage(Capability capability) override;
+
+private:
+    Facts facts() const;
+
+    GnomeShellBridge& m_bridge;
+};

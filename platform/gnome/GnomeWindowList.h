@@ -1,0 +1,20 @@
+#pragma once
+
+#include "platform/WindowList.h"
+#include "platform/gnome/GnomeShellState.h"
+
+class GnomeShellBridge;
+
+// GNOME Shell's windows, front to back, through the extension.
+class GnomeWindowList : public WindowList {
+public:
+    explicit GnomeWindowList(GnomeShellBridge& bridge) : m_bridge(bridge) {}
+
+    std::optional<QList<WindowEntry>> windows(DesktopWindows desktopWindows) override;
+
+    // The list's entry for one of the Shell's windows.
+    static WindowEntry entryFor(const GnomeShellWindow& window);
+
+private:
+    GnomeShellBridge& m_bridge;
+};
