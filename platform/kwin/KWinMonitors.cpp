@@ -1,5 +1,6 @@
 #include "platform/kwin/KWinMonitors.h"
 
+#include <QCoreApplication>
 #include <QCryptographicHash>
 #include <QGuiApplication>
 #include <QScreen>
@@ -13,7 +14,9 @@ namespace {
 
 // The toolkit's name for the output with this geometry; only the main thread may ask it.
 QString toolkitNameFor(const QRectF& geometry) {
-    if (qGuiApp == nullptr || QThread::currentThread() != qGuiApp->thread()) {
+    // qGuiApp would be a wrong cast on the command line's QCoreApplication.
+    const auto* gui = qobject_cast<const QGuiApplication*>(QCoreApplication::instance());
+    if (gui == nullptr || QThread::currentThread() != gui->thread()) {
         return {};
     }
     for (QScreen* screen : QGuiApplication::screens()) {
@@ -53,7 +56,9 @@ QList<Monitor> KWinMonitors::monitors() {
         monitor.unit = static_cast<quint32>(i);
         monitors.append(monitor);
     }
-    if (qGuiApp != nullptr && QThread::currentThread() == qGuiApp->thread()) {
+    // The command line runs on a QCoreApplication: the thread check must not assume a GUI application.
+    const QCoreApplication* application = QCoreApplication::instance();
+    if (application != nullptr && QThread::currentThread() == application->thread()) {
         const QMutexLocker lock(&m_mutex);
         m_listed = monitors;
     }
