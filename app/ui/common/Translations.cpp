@@ -6,22 +6,25 @@
 
 namespace Translations {
 
+namespace {
+
+// Installs the locale's file of a translation from a folder, if there is one. The translator is owned
+// by the application object, so it lives as long as it does.
+bool installFile(const QLocale& locale, const QString& name, const QString& folder) {
+    auto* translator = new QTranslator(QCoreApplication::instance());
+    if (!translator->load(locale, name, QStringLiteral("_"), folder)) {
+        delete translator;
+        return false;
+    }
+    QCoreApplication::installTranslator(translator);
+    return true;
+}
+
+}  // namespace
+
 bool install(const QLocale& locale) {
-    // Owned by the application object, so they live as long as it does.
-    auto* qt = new QTranslator(QCoreApplication::instance());
-    if (qt->load(locale, QStringLiteral("qtbase"), QStringLiteral("_"),
-                 QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
-        QCoreApplication::installTranslator(qt);
-    } else {
-        delete qt;
-    }
-    auto* own = new QTranslator(QCoreApplication::instance());
-    if (own->load(locale, QStringLiteral("lattica"), QStringLiteral("_"), QStringLiteral(":/i18n"))) {
-        QCoreApplication::installTranslator(own);
-        return true;
-    }
-    delete own;
-    return false;
+    installFile(locale, QStringLiteral("qtbase"), QLibraryInfo::path(QLibraryInfo::TranslationsPath));
+    return installFile(locale, QStringLiteral("lattica"), QStringLiteral(":/i18n"));
 }
 
 }  // namespace Translations
