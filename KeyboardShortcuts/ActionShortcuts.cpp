@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "KeyboardShortcuts/ActionShortcuts.h"
 
 #include "KeyboardShortcuts/ShortcutRules.h"

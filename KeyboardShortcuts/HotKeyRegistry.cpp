@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "KeyboardShortcuts/HotKeyRegistry.h"
 
 #include <cstdio>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "KeyboardShortcuts/Shortcut.h"
 
 #include "KeyboardShortcuts/InputEvent.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "KeyboardShortcuts/ShortcutRules.h"
 
 #include <QList>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "KeyboardShortcuts/ShortcutStore.h"
 
 #include "platform/SettingsStore.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Capture of one 2560 x 1440 monitor: MIT-SHM, plain GetImage, `xwd -root` as a whole process, and a
 // memcpy of the same number of bytes as the floor. Run on a virtual desktop whose second monitor is
 // 2560 x 1440.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // `lattica move-focused --to next` as a whole process, from its start to the window manager's
 // confirmation of the move, against `xdotool getactivewindow windowmove` and `wmctrl -r :ACTIVE: -e`
 // doing the same move (neither waits for any confirmation), and the bus call alone. The command runs

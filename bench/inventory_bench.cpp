@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Window-list inventory on a desktop with 50, 200 and 500 managed windows: our window server, the
 // core's qualifying-window inventory on top of it, `wmctrl -lpG` as a whole process, and a minimal
 // pipelined listing (client list, pid, geometry) as the floor. Run on a virtual desktop.

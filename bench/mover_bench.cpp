@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Moving 20 windows between monitors with the window mover (keep size, adjust size) against a loop of
 // `wmctrl -ir ID -e 0,X,Y,-1,-1`, and the focused-window move from call to the window manager's
 // confirmation. Run on a virtual desktop.

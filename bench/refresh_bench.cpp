@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // How fast the panel's refresh publishes: the placeholder cards (on the calling thread) and the
 // captured snapshots (handed back from the background capture), with three monitors and a few windows.
 #include <QApplication>

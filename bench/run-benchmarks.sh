@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Runs every benchmark program of a build on its own virtual desktop and prints their tables.
 #   bench/run-benchmarks.sh [BUILD_DIR]     (default: build)
 set -uo pipefail

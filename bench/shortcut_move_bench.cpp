@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Time from the release of a display's shortcut (sent through XTEST) to the window manager's
 // confirmation (a ConfigureNotify of the window's frame) that the focused window sits on that display.
 // Run it on a virtual desktop: bench/run-benchmarks.sh, or scripts/virtual-desktop.sh run -- <this>.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A soak of the real program: many panel openings, then many display-shortcut moves, with the program's
 // resident memory, open files and X resources read before, during and after. Growth means a leak.
 // Run it on a virtual desktop:

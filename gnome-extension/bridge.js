@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Lattica's bridge inside GNOME Shell: a small D-Bus interface on the session bus that lists monitors and
 // windows and moves windows. Written without module syntax so that both entry files can use it: the
 // legacy one (GNOME 43-44) through imports, the ES module one (GNOME 45 and later) through a copy that

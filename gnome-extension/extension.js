@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Entry for GNOME Shell 43 and 44, which load extensions through the legacy imports.
 /* exported init */
 const {Gio, GLib, Meta, Shell} = imports.gi;

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # `cpack -G DEB` in the build folder makes lattica_VERSION-BUILD_ARCH.deb from what `cmake --install` installs.
 set(CPACK_PACKAGE_NAME lattica)
 set(CPACK_PACKAGE_VENDOR "The Lattica developers")

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/BackendChoice.h"
 
 bool BackendChooser::isWayland(const BackendSignals& session) {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/SettingsStore.h"
 
 bool SettingsStore::boolValue(const QString& key) const {

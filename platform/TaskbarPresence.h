@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 
 // Whether this program's windows show in the desktop's taskbar (and pager). A tray utility usually

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Builds the libFuzzer targets with clang into ./build-fuzz and runs each for SECONDS (default 10) on a
 # scratch copy of its seed corpus, one after the other. Fails when a target crashes or breaks a property;
 # the input that did it is left in the scratch folder and named in the output.

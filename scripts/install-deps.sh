@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Installs everything Lattica needs to build, run and test on Debian 12.
 # Idempotent and non-interactive; works as root or through sudo.
 set -euo pipefail

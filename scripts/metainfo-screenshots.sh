@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Takes the screenshots named in the AppStream metadata (packaging/screenshots/panel.png and settings.png)
 # of the real program on a virtual desktop with two monitors and a few windows.
 # Usage: metainfo-screenshots.sh [BUILD_DIR]   (the program at BUILD_DIR/app/lattica, default ./build)

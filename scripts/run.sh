@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Installs what is needed, builds Lattica and starts it: on your desktop when one is available, else on a
 # virtual three-monitor desktop of its own that you can watch through VNC or screenshots.
 set -euo pipefail

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Installs what is needed, builds Lattica with its tests, and runs every test (unit tests against the
 # fake platform, integration tests each on a virtual desktop of its own). Warnings fail the build here.
 # With LATTICA_TEST_SANITIZED=1, then the same suite built with AddressSanitizer and

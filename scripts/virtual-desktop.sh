@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # A private multi-monitor X desktop for tests, demos and benchmarks: Xvfb with RandR monitors side by
 # side, an EWMH window manager and a tray host. It stops exactly the processes it started.
 #

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # A private headless GNOME Shell (Wayland) session for tests, demos and benchmarks: its own session bus,
 # a second private bus standing in for the system bus, a headless shell with virtual monitors of
 # different sizes, Xwayland on demand, and Lattica's Shell extension installed and enabled before the

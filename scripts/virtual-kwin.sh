@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # A private headless KDE Plasma (KWin) Wayland session for tests, demos and benchmarks: its own session
 # bus, a headless KWin with virtual outputs of different sizes side by side, and Xwayland. It stops
 # exactly the processes it started.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "KeyboardShortcuts/widgets/MenuWatcher.h"
 
 #include <QCoreApplication>

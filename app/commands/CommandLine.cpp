@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "app/commands/CommandLine.h"
 
 #include <QCommandLineParser>

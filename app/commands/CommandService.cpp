@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "app/commands/CommandService.h"
 
 #include <QJsonArray>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "app/commands/CommandTable.h"
 
 namespace {

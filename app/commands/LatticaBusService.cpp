@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "app/commands/LatticaBusService.h"
 
 #include <QDBusConnection>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "app/commands/SingleInstance.h"
 
 #include <QDBusConnectionInterface>

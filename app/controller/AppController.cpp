@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "app/controller/AppController.h"
 
 #include <QCoreApplication>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The controller's launch sequence and what it opens outside the program.
 #include <QUrl>
 #include <QUrlQuery>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "app/displays/ScreenSnapshotService.h"
 
 #include "platform/Monitors.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "app/displayshortcuts/DisplayShortcuts.h"
 
 #include <QCollator>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "app/displayshortcuts/ShortcutDisplayRecordCoding.h"
 
 #include <QDateTime>

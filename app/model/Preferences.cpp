@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "app/model/Preferences.h"
 
 #include "platform/SettingsStore.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "app/mover/WindowMoveReport.h"
 
 const WindowMoveRecord* WindowMoveReport::window(WindowId window) const {

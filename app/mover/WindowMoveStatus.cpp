@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "app/mover/WindowMoveStatus.h"
 
 QString WindowMoveStatus::allWindows(const WindowMoveResult& result) {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "app/mover/WindowMoveLog.h"
 #include "app/mover/WindowMover.h"
 #include "platform/Platform.h"

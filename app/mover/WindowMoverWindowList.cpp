@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "app/model/Geometry.h"
 #include "app/mover/WindowMover.h"
 #include "app/windows/WindowListFilters.h"

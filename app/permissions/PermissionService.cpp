@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "app/permissions/PermissionService.h"
 
 #include "platform/DesktopLauncher.h"

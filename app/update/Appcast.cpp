@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "app/update/Appcast.h"
 
 #include <QXmlStreamReader>

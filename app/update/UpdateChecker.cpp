@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "app/update/UpdateChecker.h"
 
 #include <QHostAddress>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "app/update/Updater.h"
 
 #include <QLoggingCategory>

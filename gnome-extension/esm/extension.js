@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Entry for GNOME Shell 45 and later, which load extensions as ES modules. The install step puts it
 // next to bridge-module.js, a copy of bridge.js that ends with an export of LatticaBridge.
 import Gio from 'gi://Gio';

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/fake/FakeKeyboardLayout.h"
 
 void FakeKeyboardLayout::useUSLayout() {

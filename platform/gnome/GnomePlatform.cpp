@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/gnome/GnomePlatform.h"
 
 #include "platform/gnome/GnomeMonitors.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/gnome/GnomeSessionCheck.h"
 
 #include <QDBusArgument>

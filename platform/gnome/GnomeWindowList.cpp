@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/gnome/GnomeWindowList.h"
 
 #include "platform/gnome/GnomeShellBridge.h"

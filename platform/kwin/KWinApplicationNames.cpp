@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/kwin/KWinApplicationNames.h"
 
 #include <QFile>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/kwin/KWinBridge.h"
 
 #include <unistd.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/kwin/KWinMonitors.h"
 
 #include <QCoreApplication>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/kwin/KWinOwnWindows.h"
 
 #include <unistd.h>

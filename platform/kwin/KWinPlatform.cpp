@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/kwin/KWinPlatform.h"
 
 #include "platform/kwin/KWinApplicationNames.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/kwin/KWinSessionCheck.h"
 
 #include "platform/kwin/KWinBridge.h"

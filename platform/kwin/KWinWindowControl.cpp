@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/kwin/KWinWindowControl.h"
 
 #include <QJsonObject>

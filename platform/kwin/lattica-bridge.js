@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Lattica's side inside KWin. Loaded as a script over D-Bus, once as the watcher that pushes the desktop's
 // state on every change, and once per command. It answers through callDBus to the bus name Lattica gives
 // in LATTICA_SERVICE. One source serves Plasma 5.27 (clients, numbered screens) and Plasma 6 (windows,

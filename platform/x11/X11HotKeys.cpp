@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/x11/X11HotKeys.h"
 
 #include <xcb/xcb_keysyms.h>

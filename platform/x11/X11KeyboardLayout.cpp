@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/x11/X11KeyboardLayout.h"
 
 // xkb.h names a field "explicit", a C++ keyword.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/x11/X11WindowFacts.h"
 
 void X11WindowFacts::copyFields(const X11WindowFacts& other, unsigned fields) {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/xdg/FileSettingsStore.h"
 
 #include <QDateTime>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/xdg/LinuxSystemInfo.h"
 
 #include <sys/utsname.h>

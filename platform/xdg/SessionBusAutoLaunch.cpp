@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/xdg/SessionBusAutoLaunch.h"
 
 #include <sys/stat.h>

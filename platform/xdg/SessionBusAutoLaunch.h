@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #pragma once
 
 // Without a session bus, the D-Bus library starts one of its own on first use (an "autolaunch"): the

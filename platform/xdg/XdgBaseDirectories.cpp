@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/xdg/XdgBaseDirectories.h"
 
 #include <pwd.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/xdg/XdgDesktopLauncher.h"
 
 #include <QDesktopServices>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Shortcuts written through the file-backed user defaults read back the same after a restart.
 #include <QTemporaryDir>
 

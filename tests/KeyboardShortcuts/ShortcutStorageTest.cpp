@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <QSignalSpy>
 
 #include "KeyboardShortcuts/ActionShortcuts.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Global shortcuts on a real X server: hot keys grabbed on the root window, keys typed through XTEST.
 #include <gtest/gtest.h>
 

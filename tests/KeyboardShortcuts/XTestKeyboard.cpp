@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/KeyboardShortcuts/XTestKeyboard.h"
 
 #include <xcb/xtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The real program's command line and bus interface on the virtual desktop (three monitors side by side),
 // on a session bus of the test's own.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The command table drives the command line, the bus client and the bus interface alike.
 #include <gtest/gtest.h>
 

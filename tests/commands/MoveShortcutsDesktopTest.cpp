@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The moves' own shortcuts on the virtual desktop, pressed as real keys through XTEST.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The moves' own global shortcuts: their stored names and the moves their handlers run.
 #include <gtest/gtest.h>
 

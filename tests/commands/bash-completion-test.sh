@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Checks the bash completion of the command line: commands first, then each command's options.
 # Usage: bash-completion-test.sh COMPLETION_FILE
 set -u

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/controller/ControllerFixture.h"
 
 namespace {

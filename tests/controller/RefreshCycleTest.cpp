@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <QThreadPool>
 #include <algorithm>
 #include <utility>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A crowded and hostile desktop: 1500 windows on one monitor, a title of a megabyte and titles that are
 // not UTF-8. The panel opens with every window counted, and the windows still move.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The real program's update check at launch against feeds that misbehave: one that drips a byte a second,
 // one of 100 MB, and one whose entities expand to gigabytes. Each check ends within a bounded time and
 // memory, and the program keeps answering while it runs.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the real program holds once its panel has closed: no preview pictures, so little resident memory.
 #include <gtest/gtest.h>
 

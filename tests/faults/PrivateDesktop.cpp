@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/faults/PrivateDesktop.h"
 
 #include <QFile>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The X server dies under the running program: it ends within a second with status 1 and one clear line,
 // without a core, and its preferences file is as it was.
 #include <signal.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A window destroyed after the mover has listed it and before it is moved: it is skipped, every other
 // window moves, and the program goes on working.
 #include <gtest/gtest.h>

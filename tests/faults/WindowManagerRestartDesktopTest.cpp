@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The window manager is killed and another one started in its place while the program runs: moves and
 // display shortcuts work again afterwards, with nothing lost on the way.
 #include <signal.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // An update feed: any bytes parse without a crash in bounded time; every item has a version, the
 // version order is consistent on the feed's versions, and the release chosen is one of the items.
 #include <QByteArray>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A desktop file: any bytes parse without a crash; every value read is one trimmed line, and a file
 // with carriage returns reads as the same file without them.
 #include <QByteArray>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The remembered displays: any bytes decode without a crash; accepted records never repeat an
 // identifier, and they are encoded and decoded back as the same records.
 #include <QByteArray>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A monitor's EDID: any bytes parse without a crash; what is accepted has a valid base block, and the
 // identity read from it depends on the base block only.
 #include <QByteArray>

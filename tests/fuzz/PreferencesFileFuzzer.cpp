@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The preferences file as read from disk: any bytes decode without a crash, and the values read from
 // them are written and read back unchanged.
 #include <QByteArray>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A stored shortcut: any bytes decode without a crash; what is accepted is a key code a key event can
 // carry, only known modifier bits, and it is written and read back as the same shortcut.
 #include <QByteArray>

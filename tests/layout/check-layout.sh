@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Checks the source layout: which folder may include which. Each folder has a layer; a file may include
 # only files of its own folder or of a lower layer, so the folders cannot include each other in a cycle.
 # Backends are included only by app/main.cpp (and the tests), and only app/ui and KeyboardShortcuts/widgets

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Moves over several source and destination pairs in one pass: swapping two displays, gathering from many.
 #include "tests/mover/MoverFixture.h"
 

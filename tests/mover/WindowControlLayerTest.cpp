@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "app/mover/WindowMoveLog.h"
 #include "tests/mover/MoverFixture.h"
 

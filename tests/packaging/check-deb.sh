@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Builds the Debian package from a build folder whose targets are built and checks it: the control fields,
 # dependencies found by dpkg-shlibdeps rather than written by hand, every installed file, and that the
 # packaged program runs. Usage: check-deb.sh BUILD_DIR. Exits 77 (skipped) without dpkg-deb.

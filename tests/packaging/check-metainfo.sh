@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Validates the AppStream metadata and checks that every screenshot it names is kept in
 # packaging/screenshots at the size it states. Usage: check-metainfo.sh METAINFO SOURCE_DIR.
 # Exits 77 (skipped) without appstreamcli.

@@ -1,4 +1,5 @@
 #!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
 # Runs scripts/install-deps.sh with apt-get, apt and sudo replaced by stand-ins that record being called.
 # Once everything is installed (the test command installs first), a second run must touch neither the
 # network nor sudo, so none of them may be called and the script must succeed.

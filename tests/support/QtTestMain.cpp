@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The main of every GoogleTest program: a Qt application first, so that timers, queued calls,
 // widgets and the X11 connection behave as they do in the program.
 #include <gtest/gtest.h>

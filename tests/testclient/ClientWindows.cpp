@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ClientWindows.h"
 
 #include <unistd.h>

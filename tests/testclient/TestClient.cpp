@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/testclient/TestClient.h"
 
 #include <QDeadlineTimer>

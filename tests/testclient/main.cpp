@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // lattica-test-client: opens X11 windows as told on standard input, one command a line:
 //   open name=N [count=K] [type=normal|dialog|utility|toolbar|dock|splash|desktop|notification|menu|override]
 //        [title="..."] [x= y= w= h=] [opacity=0..1] [states=minimized,maximized,fullscreen,above,skip-taskbar,modal]

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <QMenu>
 #include <QPushButton>
 #include <QToolButton>

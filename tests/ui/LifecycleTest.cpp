@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <QCursor>
 #include <QGuiApplication>
 #include <QScreen>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The real panel on the virtual desktop: X11 services, a tray host, a window manager and test clients.
 #include <gtest/gtest.h>
 #include <xcb/xcb.h>

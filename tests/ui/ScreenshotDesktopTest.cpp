@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Pictures of the real panel on the virtual desktop, light and dark, with client windows on every
 // monitor; saved as pictures.
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/ui/ScreenshotSupport.h"
 
 #include <QDir>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Pictures of the permission guide and the panel's permission request, light and dark.
 #include <QApplication>
 #include <QImage>

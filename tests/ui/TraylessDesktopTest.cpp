@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The real program on a desktop without a tray host: it says so and shows its panel as an ordinary window.
 #include <gtest/gtest.h>
 

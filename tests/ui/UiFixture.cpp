@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/ui/UiFixture.h"
 
 #include "tests/support/VirtualDesktop.h"

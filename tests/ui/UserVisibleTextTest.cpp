@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Walks every text the program shows a user and fails on words that name a macOS facility or on the
 // Mac's modifier glyphs: a Linux user has no Dock, no menu bar, no System Settings.
 #include <QAbstractButton>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/update/LoopbackHttpServer.h"
 
 #include <QFile>

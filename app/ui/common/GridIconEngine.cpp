@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "app/ui/common/GridIconEngine.h"
 
 #include <QGuiApplication>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "app/ui/common/SymbolIcons.h"
 
 #include "app/ui/common/GridIconEngine.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "app/ui/common/ViewStyle.h"
 
 #include <QApplication>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "app/ui/panel/PanelGeometry.h"
 
 #include <algorithm>

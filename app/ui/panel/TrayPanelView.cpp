@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "app/ui/panel/TrayPanelView.h"
 
 #include <QCoreApplication>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "app/ui/settings/SettingsBehaviorSection.h"
 
 #include <QHBoxLayout>

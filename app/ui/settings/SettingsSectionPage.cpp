@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "app/ui/settings/SettingsSectionPage.h"
 
 #include <QEvent>

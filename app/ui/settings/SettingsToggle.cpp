@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "app/ui/settings/SettingsToggle.h"
 
 #include <QPainter>

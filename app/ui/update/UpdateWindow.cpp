@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "app/ui/update/UpdateWindow.h"
 
 #include <QApplication>

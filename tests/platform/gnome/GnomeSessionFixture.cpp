@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/platform/gnome/GnomeSessionFixture.h"
 
 #include <QDBusConnection>

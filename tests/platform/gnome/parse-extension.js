@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Parses the Shell extension's files as GNOME Shell loads them: the legacy entry and the shared bridge
 // as scripts (GNOME 43-44), the ES module entry and the bridge with its export appended as modules
 // (GNOME 45 and later). Exits non-zero, naming the file, at the first syntax error.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // lattica-kwin-fake-keys: presses and releases keys through KWin's fake-input Wayland protocol, as told on
 // standard input, one command a line: "down CODE" or "up CODE" (evdev key codes), "exit". It answers
 // "ready" once KWin has accepted it and "done" once KWin has handled each command.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/Monitors.h"
 #include "platform/Platform.h"
 #include "platform/SessionCheck.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // lattica-wayland-test-client: opens native Wayland windows (Qt on its wayland platform) as told on
 // standard input, one command a line:
 //   open name=N [title=T] [w=W] [h=H] [color=#rrggbb] [state=normal|maximized|fullscreen|minimized]

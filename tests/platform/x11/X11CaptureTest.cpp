@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Display pictures of a real desktop, through shared memory and through GetImage.
 #include <xcb/xcb.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The connection's error reporting, the EWMH check and the platform's lifetime, on the virtual desktop.
 #include <gtest/gtest.h>
 #include <xcb/xcb.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/platform/x11/X11DesktopFixture.h"
 
 #include <algorithm>

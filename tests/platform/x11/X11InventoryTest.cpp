@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The core's inventory (qualifying windows, snapshots per display) on the real X11 services.
 #include <QPointF>
 #include <atomic>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Identical monitors get distinct identities, and the same ones every time.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Maximised and full-screen windows moved between monitors of different shapes, with the machine busy:
 // they arrive in their state every time, whether the size is kept or adjusted.
 #include <QProcess>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The window mover end to end on the real X11 backend: a real window manager moves real windows.
 #include <QPointF>
 #include <QSet>

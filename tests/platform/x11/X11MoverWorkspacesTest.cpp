@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Moves from a card stay on the workspace the user is looking at: an application's windows on other
 // workspaces keep their place, their workspace and their state, and are not counted.
 #include <QSet>

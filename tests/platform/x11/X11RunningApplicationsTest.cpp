@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Running applications of a real desktop: the processes that own windows.
 #include <QFile>
 #include <QTemporaryDir>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Reads through the window cache: a second read of an unchanged desktop asks the server nothing per
 // window, and every kind of change made after a read shows in the next one.
 #include <xcb/xcb.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Reads through the window control on a real desktop.
 #include <QPointF>
 #include <QSizeF>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Without a window manager the window control answers that windows cannot be read or moved here.
 #include <QPointF>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Changes through the window control on a real window manager: the frame lands where asked.
 #include <QElapsedTimer>
 #include <QPointF>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Desktop entries that name and draw applications, matched against WM_CLASS. No X server needed.
 #include <gtest/gtest.h>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The window list of a real desktop: every top-level window, its frame, owner, layer and state.
 #include <xcb/xcb.h>
 

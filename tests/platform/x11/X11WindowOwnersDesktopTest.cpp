@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Who owns a window: the process behind its client connection, whatever the window says about itself.
 #include <unistd.h>
 

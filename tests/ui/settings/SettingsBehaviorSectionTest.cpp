@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <QLabel>
 
 #include "app/ui/settings/SettingsBehaviorSection.h"

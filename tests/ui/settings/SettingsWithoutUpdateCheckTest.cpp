@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Built against the configuration of a build without update checks (see CMakeLists.txt): the sections
 // list is compiled as such a build compiles it.
 #include <QPushButton>
