@@ -4,6 +4,7 @@
 # side, an EWMH window manager and a tray host. It stops exactly the processes it started.
 #
 #   virtual-desktop.sh start [--wm openbox|icewm|fluxbox|xfwm4|none] [--layout 1920x1080,2560x1440,...] [--no-tray]
+#                            [--xvfb-without EXTENSION]
 #       starts a desktop, prints "DISPLAY=:N" and "STATE=<file>" and returns
 #   virtual-desktop.sh stop STATE
 #       stops the desktop described by a state file
@@ -14,6 +15,7 @@ set -uo pipefail
 WM=openbox
 LAYOUT=1920x1080,2560x1440,1280x1024
 TRAY=1
+XVFB_EXTRA=()
 READY_TIMEOUT=15   # seconds for any one step to become ready
 
 log() { echo "virtual-desktop: $*" >&2; }
@@ -38,6 +40,7 @@ parse_options() {
             --wm) WM=$2; shift 2 ;;
             --layout) LAYOUT=$2; shift 2 ;;
             --no-tray) TRAY=0; shift ;;
+            --xvfb-without) XVFB_EXTRA+=(-extension "$2"); shift 2 ;;
             --) shift; REST=("$@"); return ;;
             *) log "unknown option $1"; exit 2 ;;
         esac
@@ -71,7 +74,7 @@ start_desktop() {
     local fdfile
     fdfile=$(mktemp /tmp/lattica-displayfd.XXXXXX)
     # -displayfd picks a free display number and reports it; -noreset keeps monitors when clients leave.
-    Xvfb -displayfd 3 -screen 0 "${total_width}x${max_height}x24" -noreset -nolisten tcp +extension RANDR \
+    Xvfb -displayfd 3 -screen 0 "${total_width}x${max_height}x24" -noreset -nolisten tcp +extension RANDR "${XVFB_EXTRA[@]}" \
         3>"$fdfile" >/dev/null 2>&1 &
     local xvfb_pid=$!
     echo "XVFB_PID=$xvfb_pid" >>"$STATE"

@@ -33,6 +33,9 @@ X11WindowDesktopEntries::ParsedFile X11WindowDesktopEntries::parseFile(const QBy
     file.setData(contents);
     file.open(QIODevice::ReadOnly | QIODevice::Text);
     const QString language = locale.section(QLatin1Char('_'), 0, 0);
+    // Formatted once: a large file has many lines, and most of them are not names.
+    const QString localizedKey = QStringLiteral("Name[%1]").arg(locale);
+    const QString languageKey = QStringLiteral("Name[%1]").arg(language);
     QString localizedName;
     QString languageName;
     bool inMainGroup = false;
@@ -53,9 +56,9 @@ X11WindowDesktopEntries::ParsedFile X11WindowDesktopEntries::parseFile(const QBy
         const QString value = line.mid(equals + 1).trimmed();
         if (key == QLatin1String("Name")) {
             entry.name = value;
-        } else if (key == QStringLiteral("Name[%1]").arg(locale)) {
+        } else if (key == localizedKey) {
             localizedName = value;
-        } else if (key == QStringLiteral("Name[%1]").arg(language)) {
+        } else if (key == languageKey) {
             languageName = value;
         } else if (key == QLatin1String("Icon")) {
             entry.icon = value;

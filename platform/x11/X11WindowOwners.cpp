@@ -58,7 +58,7 @@ std::optional<pid_t> X11WindowOwners::ownerOf(xcb_window_t window, const PidSour
     if (sources.clientPid) {
         return sources.clientPid;
     }
-    if (!sources.serverNamesClients && sources.netWmPid && processStartTime(*sources.netWmPid)) {
+    if (!sources.serverNamesClients && sources.netWmPid && sources.netWmPidIsAClient) {
         return sources.netWmPid;
     }
     // Every resource of one client shares the bits above the mask: the base of its connection.

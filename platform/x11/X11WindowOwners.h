@@ -36,13 +36,14 @@ struct PidSources {
     std::optional<pid_t> netWmPid;    // what the client says (_NET_WM_PID)
     std::optional<pid_t> clientPid;   // what the server knows of the client's connection (X-Resource)
     bool serverNamesClients = false;  // the server was asked; an empty clientPid then means it cannot tell
+    bool netWmPidIsAClient = false;   // the process netWmPid names holds a connection to the server
 };
 
 // The owner of a window: the process that holds the window's client connection, as the server knows it.
 // A client's own _NET_WM_PID counts only where the server cannot be asked, and only when it names a
-// process on this machine: from a PID namespace (Flatpak, containers) it names the wrong process, from
-// another machine (ssh -X) none here. Where no local process is known, the client connection itself is
-// the owner, under a number that no process can have (see isConnection).
+// process on this machine that holds a connection to the server: from a PID namespace (Flatpak,
+// containers) it names the wrong process, from another machine (ssh -X) none here. Where no local process is known, the
+// client connection itself is the owner, under a number that no process can have (see isConnection).
 std::optional<pid_t> ownerOf(xcb_window_t window, const PidSources& sources, uint32_t resourceIdMask);
 // Whether an owner number stands for a client connection rather than a process.
 bool isConnection(pid_t owner);

@@ -8,6 +8,7 @@
 #include <memory>
 
 #include "platform/x11/X11Connection.h"
+#include "platform/x11/X11DisplayClients.h"
 #include "platform/x11/X11WindowOwners.h"
 #include "platform/x11/XcbReply.h"
 
@@ -238,7 +239,7 @@ void X11WindowReader::sendFields(PendingWindow& entry) {
     }
 }
 
-X11WindowFacts X11WindowReader::collectFields(const PendingWindow& entry) {
+X11WindowFacts X11WindowReader::collectFields(const PendingWindow& entry, X11DisplayClients& displayClients) {
     xcb_connection_t* xcb = m_connection.xcb();
     X11WindowFacts facts;
     facts.window = entry.request.window;
@@ -293,6 +294,8 @@ X11WindowFacts X11WindowReader::collectFields(const PendingWindow& entry) {
         sources.serverNamesClients = entry.askedClientPid;
         if (entry.askedClientPid) {
             sources.clientPid = clientPid(xcb, entry.clientPid, &gone);
+        } else if (sources.netWmPid) {
+            sources.netWmPidIsAClient = displayClients.holdsConnection(*sources.netWmPid);
         }
         facts.pid = X11WindowOwners::ownerOf(facts.window, sources, m_resourceIdMask);
     }
@@ -369,8 +372,9 @@ X11WindowReader::PendingWindows X11WindowReader::sendWindowRequests(const QList<
 QList<X11WindowFacts> X11WindowReader::collectWindows(PendingWindows& pending) {
     QList<X11WindowFacts> result;
     result.reserve(pending.windows.size());
+    X11DisplayClients displayClients(xcb_get_file_descriptor(m_connection.xcb()));
     for (const PendingWindow& entry : pending.windows) {
-        X11WindowFacts facts = collectFields(entry);
+        X11WindowFacts facts = collectFields(entry, displayClients);
         if (m_cache != nullptr && facts.exists) {
             m_cache->store(facts, entry.sentFields, pending.mark);
             X11WindowFacts known = entry.known.facts;
@@ -416,8 +420,9 @@ void X11WindowReader::rereadChanged(const PendingWindows& pending, QList<X11Wind
         sendFields(entry);
         again.append(entry);
     }
+    X11DisplayClients displayClients(xcb_get_file_descriptor(m_connection.xcb()));
     for (qsizetype k = 0; k < changed.size(); ++k) {
-        const X11WindowFacts facts = collectFields(again[k]);
+        const X11WindowFacts facts = collectFields(again[k], displayClients);
         m_cache->store(facts, again[k].sentFields, mark);
         result[changed[k]] = facts;
     }

@@ -13,6 +13,7 @@
 #include "platform/x11/X11WindowFacts.h"
 
 class X11Connection;
+class X11DisplayClients;
 
 // Reads windows and the root window with every request of a stage in flight before the first reply is
 // awaited, so a whole desktop costs a few round trips. Uses only requests with replies, so it is safe
@@ -75,7 +76,7 @@ public:
 
 private:
     void sendFields(PendingWindow& entry);
-    X11WindowFacts collectFields(const PendingWindow& entry);
+    X11WindowFacts collectFields(const PendingWindow& entry, X11DisplayClients& displayClients);
     // Reads again every window whose cached facts were used although news of it had come in.
     void rereadChanged(const PendingWindows& pending, QList<X11WindowFacts>& result);
 
