@@ -9,6 +9,7 @@
 #include <QDeadlineTimer>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QJsonArray>
 #include <QJsonDocument>
 #include <QLoggingCategory>
 #include <QMutexLocker>
@@ -198,6 +199,14 @@ void KWinBridge::unloadScript(const QString& name) {
 }
 
 std::optional<QString> KWinBridge::command(QJsonObject command, int timeoutMs) {
+    const std::optional<QJsonValue> result = request(std::move(command), timeoutMs);
+    if (!result) {
+        return std::nullopt;
+    }
+    return result->toString();
+}
+
+std::optional<QJsonValue> KWinBridge::request(QJsonObject command, int timeoutMs) {
     QElapsedTimer clock;
     clock.start();
     const int token = m_nextToken++;
@@ -207,7 +216,7 @@ std::optional<QString> KWinBridge::command(QJsonObject command, int timeoutMs) {
     if (loadScript(name, QStringLiteral("runCommand(%1);").arg(json)).isEmpty()) {
         return std::nullopt;
     }
-    std::optional<QString> result;
+    std::optional<QJsonValue> result;
     {
         QMutexLocker lock(&m_mutex);
         const QDeadlineTimer deadline(timeoutMs);
@@ -222,7 +231,9 @@ std::optional<QString> KWinBridge::command(QJsonObject command, int timeoutMs) {
     }
     unloadScript(name);
     qCDebug(lcKWinBridge) << command.value(QStringLiteral("op")).toString() << "answered"
-                          << result.value_or(QStringLiteral("nothing")) << "in" << clock.nsecsElapsed() / 1e6 << "ms";
+                          << (result ? QJsonDocument(QJsonArray{*result}).toJson(QJsonDocument::Compact)
+                                     : QByteArray("nothing"))
+                          << "in" << clock.nsecsElapsed() / 1e6 << "ms";
     return result;
 }
 
@@ -291,6 +302,6 @@ void KWinBridge::receiveAnswer(const QByteArray& answerJson, const QByteArray& s
     receiveState(stateJson);
     const QJsonObject answer = QJsonDocument::fromJson(answerJson).object();
     const QMutexLocker lock(&m_mutex);
-    m_answers.insert(answer.value(QLatin1String("token")).toInt(), answer.value(QLatin1String("result")).toString());
+    m_answers.insert(answer.value(QLatin1String("token")).toInt(), answer.value(QLatin1String("result")));
     m_changed.wakeAll();
 }
