@@ -62,17 +62,28 @@ std::unique_ptr<KWinBridge> KWinBridge::connect(QString* problem) {
         return fail(QStringLiteral("KWin is not running on the session bus"));
     }
     std::unique_ptr<KWinBridge> bridge(new KWinBridge(bus));
-    if (!bridge->m_scripts.isValid() || bridge->m_library.isEmpty()) {
+    if (bridge->m_library.isEmpty()) {
+        return fail(QStringLiteral("Lattica's script for KWin cannot be read"));
+    }
+    if (!bridge->m_scripts.isValid()) {
         return fail(QStringLiteral("cannot write KWin scripts to a temporary folder"));
     }
     if (!bridge->loadWatcher(kAnswerTimeoutMs)) {
-        return fail(QStringLiteral("KWin did not run Lattica's script"));
+        return fail(bridge->m_watcherName.isEmpty()
+                        ? QStringLiteral("KWin did not load Lattica's script")
+                        : QStringLiteral("Lattica's script in KWin did not answer (it may not suit this KWin)"));
     }
     return bridge;
 }
 
 KWinBridge::KWinBridge(QDBusConnection bus) : m_bus(std::move(bus)) {
-    QFile library(QStringLiteral(":/kwin/lattica-bridge.js"));
+    // LATTICA_KWIN_SCRIPT names a file that replaces the built-in script, for trying a change to it
+    // without building Lattica again.
+    const QString replacement = qEnvironmentVariable("LATTICA_KWIN_SCRIPT");
+    QFile library(replacement.isEmpty() ? QStringLiteral(":/kwin/lattica-bridge.js") : replacement);
+    if (!replacement.isEmpty()) {
+        qCInfo(lcKWinBridge) << "KWin's script comes from" << replacement;
+    }
     if (library.open(QIODevice::ReadOnly)) {
         m_library = QString::fromUtf8(library.readAll());
     }
