@@ -172,8 +172,34 @@ function connectSignal(object, name, handler) {
     }
 }
 
+// Changes come in bursts (a batch of moves changes many windows at once). The first change of a burst is
+// reported at once; those that follow it before KWin is back in its event loop are reported together
+// then, by a timer where one is at hand.
+var pushTimer = null;
+var pushPending = false;
+
 function push() {
+    if (typeof QTimer !== "function") {
+        send("push");
+        return;
+    }
+    if (pushTimer === null) {
+        pushTimer = new QTimer();
+        pushTimer.singleShot = true;
+        pushTimer.interval = 0;
+        pushTimer.timeout.connect(function () {
+            if (pushPending) {
+                pushPending = false;
+                send("push");
+            }
+        });
+    }
+    if (pushTimer.active) {
+        pushPending = true;
+        return;
+    }
     send("push");
+    pushTimer.start();
 }
 
 function watchWindow(window) {
