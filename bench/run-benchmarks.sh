@@ -20,4 +20,11 @@ for bench in inventory_bench capture_bench refresh_bench mover_bench shortcut_mo
     fi
     "$root/scripts/virtual-desktop.sh" run --wm openbox --layout 1920x1080,2560x1440,1280x1024 -- "$program" || status=1
 done
+# The KWin backend on a headless KWin with three outputs of different sizes.
+if [ -x "$build/bench/kwin_bench" ]; then
+    "$root/scripts/virtual-kwin.sh" run --layout 1920x1080,2560x1440,1280x720 -- \
+        env QT_QPA_PLATFORM=wayland "$build/bench/kwin_bench" || status=1
+else
+    echo "run-benchmarks: kwin_bench is not built in $build; skipped" >&2
+fi
 exit $status

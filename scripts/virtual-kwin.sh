@@ -12,6 +12,8 @@
 #   virtual-kwin.sh run [--layout ...] [--capture-checks] -- COMMAND [ARGS...]
 #       starts a session, runs the command in it (with LATTICA_KWIN_LAYOUT set to the layout), stops the
 #       session and exits with the command's status
+#   virtual-kwin.sh output NAME enable|disable
+#       inside a session: turns one output on or off, as plugging a monitor in or out would
 #
 # Outputs are virtual framebuffers of one size; each output's size in the layout comes from its scale
 # (KWin's virtual outputs have a single mode), so every wanted size must divide the largest width and
@@ -81,6 +83,7 @@ start_session() {
         log "timed out waiting for the session bus"; stop_session "$STATE"; return 1
     fi
     export DBUS_SESSION_BUS_ADDRESS=$address
+    echo "BUS_ADDRESS=$address" >>"$STATE"
 
     # The packaged binary carries a file capability that containers refuse to execute; a plain copy runs.
     # KWin only loads its own platform plugin into a program named kwin_wayland.
@@ -130,12 +133,51 @@ arrange_outputs() {
         x=$((x + widths[i]))
     done
     arguments+=("output.${names[0]}.primary")
-    QT_QPA_PLATFORM=wayland KSCREEN_BACKEND_INPROCESS=0 kscreen-doctor "${arguments[@]}" >/dev/null 2>&1
+    apply_outputs "${arguments[@]}" || return 1
     # The launcher applies the change after kscreen-doctor returns; the outputs are read until they match.
     local attempt
     for attempt in $(seq 50); do
         [ "$(list_outputs | sed -E 's/^Output: [0-9]+ ([^ ]+) .*Geometry: ([0-9,-]+) ([0-9]+x[0-9]+).*/\1 \2 \3/')" = "$(printf '%s\n' "${wanted[@]}")" ] && return 0
     done
+    return 1
+}
+
+# Applies one kscreen-doctor configuration. The backend launcher serves one configuration and then
+# answers every later client "another backend is already active" while kscreen-doctor waits for ever: each
+# change gets a fresh launcher, and a time limit.
+apply_outputs() {
+    stop_kscreen_launcher
+    QT_QPA_PLATFORM=wayland KSCREEN_BACKEND=KWayland KSCREEN_BACKEND_INPROCESS=0 \
+        timeout "$READY_TIMEOUT" kscreen-doctor "$@" >/dev/null 2>&1
+    local status=$?
+    stop_kscreen_launcher
+    return "$status"
+}
+
+# The KScreen backend launcher that the session bus started leaves the bus's process tree; the bus knows
+# it by its name.
+stop_kscreen_launcher() {
+    local pid
+    pid=$(dbus-send --session --print-reply=literal --dest=org.freedesktop.DBus / \
+        org.freedesktop.DBus.GetConnectionUnixProcessID string:org.kde.KScreen 2>/dev/null | awk '{print $2}')
+    [ -n "$pid" ] && stop_process "$pid"
+    return 0
+}
+
+# Turns an output on or off and waits until KScreen reports it so.
+switch_output() {
+    local name=$1 wanted=$2 state attempt
+    case "$wanted" in
+        enable) state=enabled ;;
+        disable) state=disabled ;;
+        *) log "output: enable or disable, not $wanted"; return 2 ;;
+    esac
+    [ -n "${DBUS_SESSION_BUS_ADDRESS:-}" ] && [ -n "${WAYLAND_DISPLAY:-}" ] || { log "output: not inside a session"; return 2; }
+    apply_outputs "output.$name.$wanted" || { log "kscreen-doctor did not apply output.$name.$wanted"; return 1; }
+    for attempt in $(seq 50); do
+        list_outputs | grep -q "^Output: [0-9]* $name $state " && return 0
+    done
+    log "output $name is not $state"
     return 1
 }
 
@@ -153,6 +195,9 @@ stop_session() {
     # Stop in reverse order of starting: KWin (and with it Xwayland), then what the bus started for us
     # (the KScreen backend launcher), then the bus.
     stop_process "$(sed -n 's/^KWIN_PID=//p' "$state")"
+    local address
+    address=$(sed -n 's/^BUS_ADDRESS=//p' "$state")
+    [ -n "$address" ] && DBUS_SESSION_BUS_ADDRESS=$address stop_kscreen_launcher
     local bus
     bus=$(sed -n 's/^BUS_PID=//p' "$state")
     if [ -n "$bus" ]; then
@@ -209,8 +254,11 @@ case "$command" in
         stop_session "$STATE"
         exit "$status"
         ;;
+    output)
+        switch_output "${1:?output name}" "${2:?enable or disable}"
+        ;;
     *)
-        sed -n '2,13p' "$0" >&2
+        sed -n '2,15p' "$0" >&2
         exit 2
         ;;
 esac

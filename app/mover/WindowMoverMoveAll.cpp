@@ -5,6 +5,7 @@
 #include "app/model/Geometry.h"
 #include "app/mover/WindowMoveLog.h"
 #include "app/mover/WindowMover.h"
+#include "app/mover/WindowMoverBatch.h"
 #include "platform/Platform.h"
 #include "platform/RunningApplications.h"
 
@@ -36,13 +37,13 @@ QString centerText(const QPointF& center) {
 }
 
 // The frame after a move: what reads back when usable, else the planned frame.
-QRectF postMoveFrame(WindowId window, const QRectF& planned) {
-    return WindowMover::usableFrame(WindowMover::frame(window)).value_or(planned);
+QRectF postMoveFrame(const std::optional<QRectF>& read, const QRectF& planned) {
+    return WindowMover::usableFrame(read).value_or(planned);
 }
 
 // Everything one window's move needs besides the window.
 struct MovePlan {
-    const QString& label;
+    QString label;
     QString windowID;
     QRectF frame;
     QRectF source;
@@ -51,90 +52,144 @@ struct MovePlan {
     bool centerLike = false;
 };
 
-// Fills the record's writes, target and frame after; the outcome is Moved or NotMoved.
-void moveKeepingSize(WindowId window, const MovePlan& plan, WindowMoveRecord& record) {
-    const QSizeF size = plan.frame.size();
-    const QPointF origin = WindowMover::destinationOrigin(plan.center, size, plan.destination);
-    const Result positionError = WindowMover::setOrigin(window, origin);
+// A window whose move is planned, with the index of its record in the report.
+struct PlannedMove {
+    WindowId window = 0;
+    qsizetype record = 0;
+    MovePlan plan;
+};
 
-    const QRectF post = postMoveFrame(window, QRectF(origin, size));
-    const QPointF postCenter = WindowMover::normalizedCenter(post, plan.destination);
-    const bool moved = positionError == Result::Ok;
-    if (!moved) {
-        qCDebug(lcMover).noquote() << QStringLiteral(
-                                          "%1: failed setPosition (keep size) windowID=%2, error=%3, frame=%4, "
-                                          "target=%5")
-                                          .arg(plan.label, plan.windowID, WindowMoveLog::errorName(positionError),
-                                               describe(plan.frame), describe(origin));
+QList<WindowId> windowsOf(const QList<PlannedMove>& moves) {
+    QList<WindowId> windows;
+    for (const PlannedMove& move : moves) {
+        windows.append(move.window);
     }
-    WindowMover::moveDiagLog(QStringLiteral("RESULT app=%1, windowID=%2, centerLike=%3, keepSize=true, posErr=%4, "
-                                            "targetOrigin=%5, postFrame=%6, postNormalizedCenter=%7")
-                                 .arg(plan.label, plan.windowID, boolean(plan.centerLike),
-                                      WindowMoveLog::errorName(positionError), describe(origin), describe(post),
-                                      centerText(postCenter)));
-    record.outcome = moved ? WindowMoveOutcome::Moved : WindowMoveOutcome::NotMoved;
-    record.writes.position = positionError;
-    record.targetOrigin = origin;
-    record.targetSize = size;
-    record.frameAfter = post;
+    return windows;
 }
 
-void moveAdjustingSize(WindowId window, const MovePlan& plan, WindowMoveRecord& record) {
-    const QSizeF targetSize = WindowMover::adjustedSize(plan.frame, plan.source, plan.destination);
-    const QPointF desiredOrigin = WindowMover::destinationOrigin(plan.center, targetSize, plan.destination);
-
-    const Result initialError = WindowMover::setOrigin(window, desiredOrigin);
-    const Result sizeError = WindowMover::setSize(window, targetSize);
-
-    const std::optional<QRectF> read = WindowMover::frame(window);
-    const std::optional<QRectF> usable = WindowMover::usableFrame(read);
-    const QSizeF actualSize = usable ? usable->size() : targetSize;
-    const QPointF positionAfterResize = read ? read->topLeft() : plan.frame.topLeft();
-
-    // Placed again by the size the window really took, with the centre measured on the source display.
-    const QPointF finalOrigin = WindowMover::destinationOrigin(plan.center, actualSize, plan.destination);
-    const Result finalError = WindowMover::setOrigin(window, finalOrigin);
-
-    const bool sizeChanged = std::fabs(actualSize.width() - plan.frame.width()) > 1.0 ||
-                             std::fabs(actualSize.height() - plan.frame.height()) > 1.0;
-    if (sizeError != Result::Ok || !sizeChanged) {
-        const NormalizedRect n = WindowMover::normalizedRect(plan.frame, plan.source);
-        qCDebug(lcMover).noquote() << QStringLiteral(
-                                          "%1: resize status windowID=%2, sizeErr=%3, sizeChanged=%4, before=%5, "
-                                          "target=%6, actual=%7, normalizedSize=(%8,%9)")
-                                          .arg(plan.label, plan.windowID, WindowMoveLog::errorName(sizeError),
-                                               boolean(sizeChanged), describe(plan.frame.size()), describe(targetSize),
-                                               describe(actualSize), fraction(n.width), fraction(n.height));
+// Moves every planned window in one batch and reads them back in one; fills each record's writes,
+// target and frame after. The outcome is Moved or NotMoved.
+void moveKeepingSize(const QList<PlannedMove>& moves, WindowMoveReport& report) {
+    QList<WindowPlacement> placements;
+    for (const PlannedMove& move : moves) {
+        const QSizeF size = move.plan.frame.size();
+        placements.append(
+            {move.window, WindowMover::destinationOrigin(move.plan.center, size, move.plan.destination), std::nullopt});
     }
+    const QList<PlacementResult> results = WindowMover::place(placements);
+    const QList<std::optional<QRectF>> after = WindowMover::frames(windowsOf(moves));
 
-    // A window that ends up in place counts as moved even when the writes reported errors.
-    const bool alreadyInPlace = std::fabs(positionAfterResize.x() - finalOrigin.x()) <= 1.5 &&
-                                std::fabs(positionAfterResize.y() - finalOrigin.y()) <= 1.5;
-    const bool moved = initialError == Result::Ok || finalError == Result::Ok || alreadyInPlace;
-    if (!moved) {
-        qCDebug(lcMover).noquote() << QStringLiteral(
-                                          "%1: failed setPosition windowID=%2, initialError=%3, finalError=%4, "
-                                          "frame=%5, target=%6")
-                                          .arg(plan.label, plan.windowID, WindowMoveLog::errorName(initialError),
-                                               WindowMoveLog::errorName(finalError), describe(plan.frame),
-                                               describe(finalOrigin));
+    for (qsizetype i = 0; i < moves.size(); ++i) {
+        const MovePlan& plan = moves[i].plan;
+        WindowMoveRecord& record = report.windows[moves[i].record];
+        const QSizeF size = plan.frame.size();
+        const QPointF origin = placements[i].topLeft;
+        const Result positionError = results[i].position;
+        const QRectF post = postMoveFrame(after.value(i), QRectF(origin, size));
+        const QPointF postCenter = WindowMover::normalizedCenter(post, plan.destination);
+        const bool moved = positionError == Result::Ok;
+        if (!moved) {
+            qCDebug(lcMover).noquote() << QStringLiteral(
+                                              "%1: failed setPosition (keep size) windowID=%2, error=%3, frame=%4, "
+                                              "target=%5")
+                                              .arg(plan.label, plan.windowID, WindowMoveLog::errorName(positionError),
+                                                   describe(plan.frame), describe(origin));
+        }
+        WindowMover::moveDiagLog(QStringLiteral("RESULT app=%1, windowID=%2, centerLike=%3, keepSize=true, posErr=%4, "
+                                                "targetOrigin=%5, postFrame=%6, postNormalizedCenter=%7")
+                                     .arg(plan.label, plan.windowID, boolean(plan.centerLike),
+                                          WindowMoveLog::errorName(positionError), describe(origin), describe(post),
+                                          centerText(postCenter)));
+        record.outcome = moved ? WindowMoveOutcome::Moved : WindowMoveOutcome::NotMoved;
+        record.writes.position = positionError;
+        record.targetOrigin = origin;
+        record.targetSize = size;
+        record.frameAfter = post;
     }
+}
 
-    const QRectF post = postMoveFrame(window, QRectF(finalOrigin, actualSize));
-    const QPointF postCenter = WindowMover::normalizedCenter(post, plan.destination);
-    WindowMover::moveDiagLog(
-        QStringLiteral("RESULT app=%1, windowID=%2, centerLike=%3, initialPosErr=%4, sizeErr=%5, finalPosErr=%6, "
-                       "targetSize=%7, actualSize=%8, desiredOrigin=%9, finalOrigin=%10, postFrame=%11, "
-                       "postNormalizedCenter=%12")
-            .arg(plan.label, plan.windowID, boolean(plan.centerLike), WindowMoveLog::errorName(initialError),
-                 WindowMoveLog::errorName(sizeError), WindowMoveLog::errorName(finalError), describe(targetSize),
-                 describe(actualSize), describe(desiredOrigin), describe(finalOrigin), describe(post),
-                 centerText(postCenter)));
-    record.outcome = moved ? WindowMoveOutcome::Moved : WindowMoveOutcome::NotMoved;
-    record.writes = {initialError, sizeError, finalError};
-    record.targetOrigin = finalOrigin;
-    record.targetSize = targetSize;
-    record.frameAfter = post;
+// Places and sizes every planned window in one batch, reads the sizes they took, and places them again
+// by those sizes in a second batch, with each centre measured on its source display.
+void moveAdjustingSize(const QList<PlannedMove>& moves, WindowMoveReport& report) {
+    QList<WindowPlacement> first;
+    for (const PlannedMove& move : moves) {
+        const QSizeF targetSize = WindowMover::adjustedSize(move.plan.frame, move.plan.source, move.plan.destination);
+        first.append({move.window, WindowMover::destinationOrigin(move.plan.center, targetSize, move.plan.destination),
+                      targetSize});
+    }
+    const QList<PlacementResult> firstResults = WindowMover::place(first);
+    const QList<WindowId> windows = windowsOf(moves);
+    const QList<std::optional<QRectF>> resized = WindowMover::frames(windows);
+
+    QList<WindowPlacement> final;
+    QList<QSizeF> actualSizes;
+    QList<QPointF> positionsAfterResize;
+    for (qsizetype i = 0; i < moves.size(); ++i) {
+        const MovePlan& plan = moves[i].plan;
+        const std::optional<QRectF> read = resized.value(i);
+        const std::optional<QRectF> usable = WindowMover::usableFrame(read);
+        actualSizes.append(usable ? usable->size() : *first[i].size);
+        positionsAfterResize.append(read ? read->topLeft() : plan.frame.topLeft());
+        final.append({moves[i].window, WindowMover::destinationOrigin(plan.center, actualSizes[i], plan.destination),
+                      std::nullopt});
+    }
+    const QList<PlacementResult> finalResults = WindowMover::place(final);
+    const QList<std::optional<QRectF>> after = WindowMover::frames(windows);
+
+    for (qsizetype i = 0; i < moves.size(); ++i) {
+        const MovePlan& plan = moves[i].plan;
+        WindowMoveRecord& record = report.windows[moves[i].record];
+        const QSizeF targetSize = *first[i].size;
+        const QPointF desiredOrigin = first[i].topLeft;
+        const QSizeF actualSize = actualSizes[i];
+        const QPointF positionAfterResize = positionsAfterResize[i];
+        const QPointF finalOrigin = final[i].topLeft;
+        const Result initialError = firstResults[i].position;
+        const Result sizeError = firstResults[i].size.value_or(Result::Failure);
+        const Result finalError = finalResults[i].position;
+
+        const bool sizeChanged = std::fabs(actualSize.width() - plan.frame.width()) > 1.0 ||
+                                 std::fabs(actualSize.height() - plan.frame.height()) > 1.0;
+        if (sizeError != Result::Ok || !sizeChanged) {
+            const NormalizedRect n = WindowMover::normalizedRect(plan.frame, plan.source);
+            qCDebug(lcMover).noquote() << QStringLiteral(
+                                              "%1: resize status windowID=%2, sizeErr=%3, sizeChanged=%4, "
+                                              "before=%5, target=%6, actual=%7, normalizedSize=(%8,%9)")
+                                              .arg(plan.label, plan.windowID, WindowMoveLog::errorName(sizeError),
+                                                   boolean(sizeChanged), describe(plan.frame.size()),
+                                                   describe(targetSize), describe(actualSize), fraction(n.width),
+                                                   fraction(n.height));
+        }
+
+        // A window that ends up in place counts as moved even when the writes reported errors.
+        const bool alreadyInPlace = std::fabs(positionAfterResize.x() - finalOrigin.x()) <= 1.5 &&
+                                    std::fabs(positionAfterResize.y() - finalOrigin.y()) <= 1.5;
+        const bool moved = initialError == Result::Ok || finalError == Result::Ok || alreadyInPlace;
+        if (!moved) {
+            qCDebug(lcMover).noquote() << QStringLiteral(
+                                              "%1: failed setPosition windowID=%2, initialError=%3, finalError=%4, "
+                                              "frame=%5, target=%6")
+                                              .arg(plan.label, plan.windowID, WindowMoveLog::errorName(initialError),
+                                                   WindowMoveLog::errorName(finalError), describe(plan.frame),
+                                                   describe(finalOrigin));
+        }
+
+        const QRectF post = postMoveFrame(after.value(i), QRectF(finalOrigin, actualSize));
+        const QPointF postCenter = WindowMover::normalizedCenter(post, plan.destination);
+        WindowMover::moveDiagLog(
+            QStringLiteral("RESULT app=%1, windowID=%2, centerLike=%3, initialPosErr=%4, sizeErr=%5, "
+                           "finalPosErr=%6, targetSize=%7, actualSize=%8, desiredOrigin=%9, finalOrigin=%10, "
+                           "postFrame=%11, postNormalizedCenter=%12")
+                .arg(plan.label, plan.windowID, boolean(plan.centerLike), WindowMoveLog::errorName(initialError),
+                     WindowMoveLog::errorName(sizeError), WindowMoveLog::errorName(finalError), describe(targetSize),
+                     describe(actualSize), describe(desiredOrigin), describe(finalOrigin), describe(post),
+                     centerText(postCenter)));
+        record.outcome = moved ? WindowMoveOutcome::Moved : WindowMoveOutcome::NotMoved;
+        record.writes = {initialError, sizeError, finalError};
+        record.targetOrigin = finalOrigin;
+        record.targetSize = targetSize;
+        record.frameAfter = post;
+    }
 }
 
 QString applicationLabel(const RunningApplication& application) {
@@ -248,17 +303,18 @@ std::optional<ApplicationToMove> readApplicationWindows(const RunningApplication
     return ApplicationToMove{pid, label, readFrames(*movable.windows)};
 }
 
-// Moves one window from its leg's source to the leg's destination, filling its record. Counts it as
-// attempted; the record's outcome says whether it moved.
-void moveWindow(const WindowBeforeMove& window, const ApplicationToMove& application, const QRectF& frame,
-                FrameSource frameSource, const LegContext& leg, bool adjustSize, WindowMoveRecord& record) {
+// Plans one window's move from its leg's source to the leg's destination; nothing (and the record's
+// outcome) when it cannot be moved.
+std::optional<MovePlan> planWindow(const WindowBeforeMove& window, const ApplicationToMove& application,
+                                   const QRectF& frame, FrameSource frameSource, const LegContext& leg, bool adjustSize,
+                                   WindowMoveRecord& record) {
     const QString& label = application.label;
     const QString windowIDText = QString::number(window.window);
     const QRectF& S = leg.sourceDisplay.bounds;
     if (!(S.width() > 0 && S.height() > 0)) {
         qCDebug(lcMover).noquote() << label + QStringLiteral(": invalid source bounds, skipping resize/move");
         record.outcome = WindowMoveOutcome::SkippedInvalidSourceBounds;
-        return;
+        return std::nullopt;
     }
     const NormalizedRect n = WindowMover::normalizedRect(frame, S);
     const QPointF center = WindowMover::normalizedCenter(frame, S);
@@ -270,16 +326,19 @@ void moveWindow(const WindowBeforeMove& window, const ApplicationToMove& applica
             .arg(label, windowIDText, frameSourceName(frameSource), boolean(plan.centerLike), boolean(adjustSize),
                  describe(frame), centerText(center), fraction(n.x), fraction(n.y), fraction(n.width),
                  fraction(n.height)));
-    if (adjustSize) {
-        moveAdjustingSize(window.window, plan, record);
-    } else {
-        moveKeepingSize(window.window, plan, record);
-    }
+    return plan;
 }
 
-// Moves the application's windows that are on a leg's source, adding what it did to the report.
-void moveApplicationWindows(const ApplicationToMove& application, const MoveContext& move, bool revealMovedWindows,
-                            WindowMoveReport& report) {
+// The records of one application's windows in the report, and how many of them were attempted.
+struct ApplicationRecords {
+    qsizetype first = 0;
+    qsizetype end = 0;
+    int attempted = 0;
+};
+
+// Adds a record for each of the application's windows and plans the move of those on a leg's source.
+ApplicationRecords planApplicationWindows(const ApplicationToMove& application, const MoveContext& move,
+                                          WindowMoveReport& report, QList<PlannedMove>& planned) {
     const pid_t pid = application.pid;
     const QString& label = application.label;
     qsizetype sourceCount = 0;
@@ -290,9 +349,9 @@ void moveApplicationWindows(const ApplicationToMove& application, const MoveCont
                                       .arg(label, QString::number(application.windows.size()),
                                            QString::number(sourceCount));
 
-    WindowMoveResult counts;
-    QList<WindowId> moved;
+    ApplicationRecords records{report.windows.size(), report.windows.size(), 0};
     for (const WindowBeforeMove& window : application.windows) {
+        const qsizetype index = report.windows.size();
         WindowMoveRecord& record = report.windows.emplace_back();
         record.pid = pid;
         record.window = window.window;
@@ -312,23 +371,34 @@ void moveApplicationWindows(const ApplicationToMove& application, const MoveCont
             record.outcome = WindowMoveOutcome::NotOnSourceDisplay;
             continue;
         }
-        ++counts.attemptedCount;
-        moveWindow(window, application, frame, frameSource, move.legs[*leg], move.adjustSize, record);
-        if (record.outcome == WindowMoveOutcome::Moved) {
-            ++counts.movedCount;
-            moved.append(window.window);
+        ++records.attempted;
+        if (std::optional<MovePlan> plan =
+                planWindow(window, application, frame, frameSource, move.legs[*leg], move.adjustSize, record)) {
+            planned.append({window.window, index, std::move(*plan)});
         }
     }
+    records.end = report.windows.size();
+    return records;
+}
 
+// Counts what the application's moves did and, on request, shows the windows that moved.
+void finishApplication(const ApplicationToMove& application, const ApplicationRecords& records, bool revealMovedWindows,
+                       WindowMoveReport& report) {
+    QList<WindowId> moved;
+    for (qsizetype i = records.first; i < records.end; ++i) {
+        if (report.windows[i].outcome == WindowMoveOutcome::Moved) {
+            moved.append(report.windows[i].window);
+        }
+    }
     qCDebug(lcMover).noquote() << QStringLiteral("%1: attempted=%2, moved=%3")
-                                      .arg(label, QString::number(counts.attemptedCount),
-                                           QString::number(counts.movedCount));
+                                      .arg(application.label, QString::number(records.attempted),
+                                           QString::number(moved.size()));
     // Shown only after they have been moved, so a hidden or minimised window appears in its new place.
     if (revealMovedWindows && !moved.isEmpty()) {
-        WindowMover::revealMovedWindowsForApplication(moved, pid, label);
+        WindowMover::revealMovedWindowsForApplication(moved, application.pid, application.label);
     }
-    report.counts.movedCount += counts.movedCount;
-    report.counts.attemptedCount += counts.attemptedCount;
+    report.counts.movedCount += static_cast<int>(moved.size());
+    report.counts.attemptedCount += records.attempted;
 }
 
 void logLegStart(const LegContext& leg, const std::optional<QSet<pid_t>>& targetPIDs) {
@@ -384,8 +454,22 @@ WindowMoveReport WindowMover::moveWindows(const QList<MoveLeg>& legs, bool adjus
             applications.append(std::move(*windows));
         }
     }
+    // The whole plan goes to the window control at once: where every change is a round trip to the
+    // window manager, one batch costs about as much as one window.
+    QList<PlannedMove> planned;
+    QList<ApplicationRecords> records;
     for (const ApplicationToMove& application : applications) {
-        moveApplicationWindows(application, move, revealMovedWindows, report);
+        records.append(planApplicationWindows(application, move, report, planned));
+    }
+    if (!planned.isEmpty()) {
+        if (move.adjustSize) {
+            moveAdjustingSize(planned, report);
+        } else {
+            moveKeepingSize(planned, report);
+        }
+    }
+    for (qsizetype i = 0; i < applications.size(); ++i) {
+        finishApplication(applications[i], records[i], revealMovedWindows, report);
     }
 
     qCDebug(lcMover).noquote() << QStringLiteral("moveAllWindows done: attempted=%1, moved=%2")

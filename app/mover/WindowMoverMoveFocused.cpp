@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/mover/WindowMoveLog.h"
 #include "app/mover/WindowMover.h"
+#include "app/mover/WindowMoverBatch.h"
 #include "platform/Platform.h"
 #include "platform/RunningApplications.h"
 
@@ -74,9 +75,10 @@ WindowMoveReport WindowMover::moveFocusedWindow(const DisplaySnapshot& target,
         record.writes.position = decidingWrite;
         record.targetOrigin = origin;
     } else {
-        // The first two writes only prepare; the final position write decides.
-        record.writes.position = setOrigin(window, origin);
-        record.writes.size = setSize(window, wanted);
+        // The first two writes (one batch) only prepare; the final position write decides.
+        const PlacementResult prepared = place({{window, origin, wanted}}).value(0);
+        record.writes.position = prepared.position;
+        record.writes.size = prepared.size.value_or(Result::Failure);
         const std::optional<QRectF> read = usableFrame(WindowMover::frame(window));
         const QSizeF actualSize = read ? read->size() : wanted;
         const QPointF finalOrigin = destinationOrigin(center, actualSize, T);

@@ -3,6 +3,7 @@
 
 #include "app/mover/WindowMoveLog.h"
 #include "app/mover/WindowMover.h"
+#include "app/mover/WindowMoverBatch.h"
 #include "app/windows/WindowListFilters.h"
 #include "platform/Platform.h"
 
@@ -111,6 +112,59 @@ Result WindowMover::setSize(WindowId window, const QSizeF& size) {
         return Result::Failure;
     }
     return windowControl()->resize(window, size);
+}
+
+QList<PlacementResult> WindowMover::place(const QList<WindowPlacement>& placements) {
+    QList<PlacementResult> results(placements.size());
+    QList<WindowPlacement> sent;
+    QList<qsizetype> sentIndexes;
+    for (qsizetype i = 0; i < placements.size(); ++i) {
+        const WindowPlacement& placement = placements[i];
+        const bool finite =
+            std::isfinite(placement.topLeft.x()) && std::isfinite(placement.topLeft.y()) &&
+            (!placement.size || (std::isfinite(placement.size->width()) && std::isfinite(placement.size->height())));
+        if (!finite) {
+            results[i] = {Result::Failure, placement.size ? std::optional(Result::Failure) : std::nullopt};
+            continue;
+        }
+        sent.append(placement);
+        sentIndexes.append(i);
+    }
+    if (sent.isEmpty()) {
+        return results;
+    }
+    QList<PlacementResult> answered;
+    if (auto* placer = dynamic_cast<WindowPlacer*>(windowControl())) {
+        answered = placer->place(sent);
+    } else {
+        for (const WindowPlacement& placement : sent) {
+            PlacementResult& result = answered.emplace_back();
+            result.position = windowControl()->move(placement.window, placement.topLeft);
+            if (placement.size) {
+                result.size = windowControl()->resize(placement.window, *placement.size);
+            }
+        }
+    }
+    for (qsizetype i = 0; i < sentIndexes.size(); ++i) {
+        const WindowPlacement& placement = sent[i];
+        // A backend that answers fewer results than asked failed the rest.
+        results[sentIndexes[i]] =
+            answered.value(i, {Result::Failure, placement.size ? std::optional(Result::Failure) : std::nullopt});
+    }
+    return results;
+}
+
+QList<std::optional<QRectF>> WindowMover::frames(const QList<WindowId>& windows) {
+    QList<std::optional<QRectF>> read;
+    if (windows.isEmpty()) {
+        return read;
+    }
+    const QList<WindowFacts> facts = windowControl()->facts(windows);
+    for (qsizetype i = 0; i < windows.size(); ++i) {
+        const Reading<QRectF> frame = facts.value(i).frame;
+        read.append(frame.result == Result::Ok ? frame.value : std::nullopt);
+    }
+    return read;
 }
 
 void WindowMover::revealMovedWindowsForApplication(const QList<WindowId>& windows, pid_t application,

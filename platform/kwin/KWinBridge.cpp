@@ -9,6 +9,7 @@
 #include <QDeadlineTimer>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QJsonArray>
 #include <QJsonDocument>
 #include <QLoggingCategory>
 #include <QMutexLocker>
@@ -61,17 +62,28 @@ std::unique_ptr<KWinBridge> KWinBridge::connect(QString* problem) {
         return fail(QStringLiteral("KWin is not running on the session bus"));
     }
     std::unique_ptr<KWinBridge> bridge(new KWinBridge(bus));
-    if (!bridge->m_scripts.isValid() || bridge->m_library.isEmpty()) {
+    if (bridge->m_library.isEmpty()) {
+        return fail(QStringLiteral("Lattica's script for KWin cannot be read"));
+    }
+    if (!bridge->m_scripts.isValid()) {
         return fail(QStringLiteral("cannot write KWin scripts to a temporary folder"));
     }
     if (!bridge->loadWatcher(kAnswerTimeoutMs)) {
-        return fail(QStringLiteral("KWin did not run Lattica's script"));
+        return fail(bridge->m_watcherName.isEmpty()
+                        ? QStringLiteral("KWin did not load Lattica's script")
+                        : QStringLiteral("Lattica's script in KWin did not answer (it may not suit this KWin)"));
     }
     return bridge;
 }
 
 KWinBridge::KWinBridge(QDBusConnection bus) : m_bus(std::move(bus)) {
-    QFile library(QStringLiteral(":/kwin/lattica-bridge.js"));
+    // LATTICA_KWIN_SCRIPT names a file that replaces the built-in script, for trying a change to it
+    // without building Lattica again.
+    const QString replacement = qEnvironmentVariable("LATTICA_KWIN_SCRIPT");
+    QFile library(replacement.isEmpty() ? QStringLiteral(":/kwin/lattica-bridge.js") : replacement);
+    if (!replacement.isEmpty()) {
+        qCInfo(lcKWinBridge) << "KWin's script comes from" << replacement;
+    }
     if (library.open(QIODevice::ReadOnly)) {
         m_library = QString::fromUtf8(library.readAll());
     }
@@ -198,6 +210,14 @@ void KWinBridge::unloadScript(const QString& name) {
 }
 
 std::optional<QString> KWinBridge::command(QJsonObject command, int timeoutMs) {
+    const std::optional<QJsonValue> result = request(std::move(command), timeoutMs);
+    if (!result) {
+        return std::nullopt;
+    }
+    return result->toString();
+}
+
+std::optional<QJsonValue> KWinBridge::request(QJsonObject command, int timeoutMs) {
     QElapsedTimer clock;
     clock.start();
     const int token = m_nextToken++;
@@ -207,7 +227,7 @@ std::optional<QString> KWinBridge::command(QJsonObject command, int timeoutMs) {
     if (loadScript(name, QStringLiteral("runCommand(%1);").arg(json)).isEmpty()) {
         return std::nullopt;
     }
-    std::optional<QString> result;
+    std::optional<QJsonValue> result;
     {
         QMutexLocker lock(&m_mutex);
         const QDeadlineTimer deadline(timeoutMs);
@@ -222,7 +242,9 @@ std::optional<QString> KWinBridge::command(QJsonObject command, int timeoutMs) {
     }
     unloadScript(name);
     qCDebug(lcKWinBridge) << command.value(QStringLiteral("op")).toString() << "answered"
-                          << result.value_or(QStringLiteral("nothing")) << "in" << clock.nsecsElapsed() / 1e6 << "ms";
+                          << (result ? QJsonDocument(QJsonArray{*result}).toJson(QJsonDocument::Compact)
+                                     : QByteArray("nothing"))
+                          << "in" << clock.nsecsElapsed() / 1e6 << "ms";
     return result;
 }
 
@@ -291,6 +313,6 @@ void KWinBridge::receiveAnswer(const QByteArray& answerJson, const QByteArray& s
     receiveState(stateJson);
     const QJsonObject answer = QJsonDocument::fromJson(answerJson).object();
     const QMutexLocker lock(&m_mutex);
-    m_answers.insert(answer.value(QLatin1String("token")).toInt(), answer.value(QLatin1String("result")).toString());
+    m_answers.insert(answer.value(QLatin1String("token")).toInt(), answer.value(QLatin1String("result")));
     m_changed.wakeAll();
 }

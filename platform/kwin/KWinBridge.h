@@ -5,6 +5,7 @@
 #include <QDeadlineTimer>
 #include <QHash>
 #include <QJsonObject>
+#include <QJsonValue>
 #include <QMutex>
 #include <QObject>
 #include <QTemporaryDir>
@@ -48,6 +49,11 @@ public:
     // Runs one command script ({"op": ..., ...}) and returns its result ("ok", "gone", ...) once it has
     // answered; the state is up to date with the command by then. Nothing when no answer came in time.
     std::optional<QString> command(QJsonObject command, int timeoutMs = kAnswerTimeoutMs);
+    // The same for a command whose result is more than a word (a batch answers a list, one per window).
+    std::optional<QJsonValue> request(QJsonObject command, int timeoutMs = kAnswerTimeoutMs);
+
+    // How many command scripts the bridge has run (a batch is one).
+    int commandCount() const { return m_nextToken - 1; }
 
     // The session bus connection of the bridge (for other KWin interfaces).
     QDBusConnection bus() const { return m_bus; }
@@ -91,7 +97,7 @@ private:
     KWinState m_state;
     quint64 m_stateSerial = 0;
     bool m_watching = false;
-    QHash<int, QString> m_answers;
+    QHash<int, QJsonValue> m_answers;
     QHash<QString, WindowId> m_ids;
     QHash<WindowId, QString> m_uuids;
     WindowId m_nextId = 1;

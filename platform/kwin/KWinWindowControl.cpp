@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "platform/kwin/KWinWindowControl.h"
 
+#include <QJsonArray>
 #include <QJsonObject>
 #include <algorithm>
+#include <cmath>
 
 #include "platform/kwin/KWinBridge.h"
 #include "platform/kwin/KWinSpace.h"
@@ -29,6 +31,9 @@ QList<KWinWindow> frontToBack(const KWinState& state, pid_t application) {
 
 Result resultOf(const std::optional<QString>& answer) {
     if (!answer) {
+        return Result::CannotComplete;
+    }
+    if (*answer == QLatin1String("late")) {
         return Result::CannotComplete;
     }
     if (*answer == QLatin1String("ok")) {
@@ -223,4 +228,72 @@ Result KWinWindowControl::activate(WindowId window) {
 
 Result KWinWindowControl::unhide(pid_t) {
     return Result::Unsupported;  // KWin has no hidden applications
+}
+
+QList<PlacementResult> KWinWindowControl::place(const QList<WindowPlacement>& placements) {
+    auto resultFor = [](const WindowPlacement& placement, Result result) {
+        return PlacementResult{result, placement.size ? std::optional(result) : std::nullopt};
+    };
+    QList<PlacementResult> results;
+    if (!m_bridge.isWatching()) {
+        for (const WindowPlacement& placement : placements) {
+            results.append(resultFor(placement, Result::NotPermitted));
+        }
+        return results;
+    }
+    const KWinState state = m_bridge.state();
+    QJsonArray moves;
+    QList<qsizetype> sent;  // the index in `moves` of each placement, or -1 when it was not sent
+    QList<QRectF> wanted;   // in KWin's space, for checking a batch that never answered
+    for (const WindowPlacement& placement : placements) {
+        const QString uuid = m_bridge.uuidOf(placement.window);
+        const KWinWindow* window = uuid.isEmpty() ? nullptr : state.window(uuid);
+        if (window == nullptr) {
+            sent.append(-1);
+            wanted.append(QRectF());
+            continue;
+        }
+        const QPointF target = KWinSpace::toKWin(state, placement.topLeft);
+        QJsonObject move{
+            {QStringLiteral("window"), uuid}, {QStringLiteral("x"), target.x()}, {QStringLiteral("y"), target.y()}};
+        if (placement.size) {
+            move.insert(QStringLiteral("width"), placement.size->width());
+            move.insert(QStringLiteral("height"), placement.size->height());
+        }
+        sent.append(moves.size());
+        wanted.append(QRectF(target, placement.size.value_or(window->frame.size())));
+        moves.append(move);
+    }
+    std::optional<QJsonValue> answer;
+    if (!moves.isEmpty()) {
+        // The script gives up on windows that do not take their frame a little before the bridge gives up
+        // on the script, so that one slow window does not cost the others their results.
+        answer = m_bridge.request({{QStringLiteral("op"), QStringLiteral("place")},
+                                   {QStringLiteral("moves"), moves},
+                                   {QStringLiteral("timeLimit"), KWinBridge::kAnswerTimeoutMs * 3 / 4}});
+    }
+    const QJsonArray answered = answer ? answer->toArray() : QJsonArray();
+    const KWinState after = m_bridge.state();
+    for (qsizetype i = 0; i < placements.size(); ++i) {
+        if (sent[i] < 0) {
+            results.append(resultFor(placements[i], Result::Gone));
+            continue;
+        }
+        if (sent[i] < answered.size()) {
+            results.append(resultFor(placements[i], resultOf(answered.at(sent[i]).toString())));
+            continue;
+        }
+        // No answer for this window: what KWin last reported of it says how the change went.
+        const KWinWindow* window = after.window(m_bridge.uuidOf(placements[i].window));
+        Result result = Result::CannotComplete;
+        if (window == nullptr) {
+            result = Result::Gone;
+        } else if ((window->frame.topLeft() - wanted[i].topLeft()).manhattanLength() < 2 &&
+                   (!placements[i].size || (std::abs(window->frame.width() - wanted[i].width()) < 1 &&
+                                            std::abs(window->frame.height() - wanted[i].height()) < 1))) {
+            result = Result::Ok;
+        }
+        results.append(resultFor(placements[i], result));
+    }
+    return results;
 }

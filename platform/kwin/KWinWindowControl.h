@@ -4,13 +4,14 @@
 #include <QJsonObject>
 
 #include "platform/WindowControl.h"
+#include "platform/WindowPlacer.h"
 #include "platform/kwin/KWinState.h"
 
 class KWinBridge;
 
-// Reads windows from the state KWin's watcher last pushed; changes them with one command script each,
-// which answers once KWin (and for a new size, the client) has applied the change.
-class KWinWindowControl : public WindowControl {
+// Reads windows from the state KWin's watcher last pushed; changes them with one command script each (or
+// one for a batch), which answers once KWin (and for a new size, the client) has applied the change.
+class KWinWindowControl : public WindowControl, public WindowPlacer {
 public:
     explicit KWinWindowControl(KWinBridge& bridge) : m_bridge(bridge) {}
 
@@ -31,6 +32,8 @@ public:
     Result unminimise(WindowId window) override;
     Result activate(WindowId window) override;
     Result unhide(pid_t application) override;
+    // All placements in one command script, which answers once with a result for every window.
+    QList<PlacementResult> place(const QList<WindowPlacement>& placements) override;
 
     // The role a window has for moving, from what KWin says of it.
     static WindowRole roleOf(const KWinWindow& window);

@@ -172,8 +172,34 @@ function connectSignal(object, name, handler) {
     }
 }
 
+// Changes come in bursts (a batch of moves changes many windows at once). The first change of a burst is
+// reported at once; those that follow it before KWin is back in its event loop are reported together
+// then, by a timer where one is at hand.
+var pushTimer = null;
+var pushPending = false;
+
 function push() {
+    if (typeof QTimer !== "function") {
+        send("push");
+        return;
+    }
+    if (pushTimer === null) {
+        pushTimer = new QTimer();
+        pushTimer.singleShot = true;
+        pushTimer.interval = 0;
+        pushTimer.timeout.connect(function () {
+            if (pushPending) {
+                pushPending = false;
+                send("push");
+            }
+        });
+    }
+    if (pushTimer.active) {
+        pushPending = true;
+        return;
+    }
     send("push");
+    pushTimer.start();
 }
 
 function watchWindow(window) {
@@ -236,20 +262,21 @@ function sameRect(a, b) {
         Math.abs(a.height - b.height) < 1;
 }
 
-// Sets the frame and answers once the window has it; Wayland clients take their new size a little later.
-function applyFrame(token, window, wanted) {
-    window.frameGeometry = wanted;
-    if (sameRect(window.frameGeometry, wanted)) {
-        answer(token, "ok");
-        return;
-    }
-    var done = false;
+// Sets the frame and calls done once the window has it; Wayland clients take their new size a little
+// later. Returns a function that ends the wait with a result of its own.
+function applyFrame(window, wanted, done) {
+    var finished = false;
     var finish = function (result) {
-        if (!done) {
-            done = true;
-            answer(token, result);
+        if (!finished) {
+            finished = true;
+            done(result);
         }
     };
+    window.frameGeometry = wanted;
+    if (sameRect(window.frameGeometry, wanted)) {
+        finish("ok");
+        return finish;
+    }
     connectSignal(window, "frameGeometryChanged", function () {
         if (sameRect(window.frameGeometry, wanted)) {
             finish("ok");
@@ -258,6 +285,7 @@ function applyFrame(token, window, wanted) {
     connectSignal(window, api6 ? "closed" : "windowClosed", function () {
         finish("gone");
     });
+    return finish;
 }
 
 function screenAtPoint(x, y) {
@@ -279,23 +307,32 @@ function sendToScreen(window, index) {
     }
 }
 
-function move(token, window, command) {
+// Puts the frame's top-left corner at (x, y) and, when given, gives it the size; calls done with the
+// result. A maximised or full-screen window is sent to the screen under the wanted frame's centre instead,
+// where KWin gives it the same state and the size of that screen.
+function place(window, x, y, width, height, done) {
     var f = window.frameGeometry;
+    var w = width === undefined ? f.width : width;
+    var h = height === undefined ? f.height : height;
     var state = maximiseState(window);
     if (window.fullScreen || state.h || state.v) {
-        // A maximised or full-screen window is sent to the screen under the wanted frame's centre, where
-        // KWin gives it the same state.
-        var target = screenAtPoint(command.x + f.width / 2, command.y + f.height / 2);
+        var target = screenAtPoint(x + w / 2, y + h / 2);
         if (target < 0) {
-            target = screenAtPoint(command.x, command.y);
+            target = screenAtPoint(x, y);
         }
         if (target >= 0 && target !== screenIndexOf(window)) {
             sendToScreen(window, target);
         }
-        answer(token, "ok");
-        return;
+        done("ok");
+        return null;
     }
-    applyFrame(token, window, {x: command.x, y: command.y, width: f.width, height: f.height});
+    return applyFrame(window, {x: x, y: y, width: w, height: h}, done);
+}
+
+function move(token, window, command) {
+    place(window, command.x, command.y, undefined, undefined, function (result) {
+        answer(token, result);
+    });
 }
 
 function resize(token, window, command) {
@@ -305,7 +342,58 @@ function resize(token, window, command) {
         return;
     }
     var f = window.frameGeometry;
-    applyFrame(token, window, {x: f.x, y: f.y, width: command.width, height: command.height});
+    place(window, f.x, f.y, command.width, command.height, function (result) {
+        answer(token, result);
+    });
+}
+
+// Many windows in one script: each is placed at once, and one answer lists every window's result once all
+// have them, or when the time limit ends the wait ("late" for those still waiting).
+function placeAll(command) {
+    var results = [];
+    var pending = command.moves.length;
+    var waits = [];
+    var answered = false;
+    var finishAll = function () {
+        if (!answered && pending === 0) {
+            answered = true;
+            answer(command.token, results);
+        }
+    };
+    for (var i = 0; i < command.moves.length; i++) {
+        results.push("");
+        var item = command.moves[i];
+        var window = findWindow(item.window);
+        var done = (function (index) {
+            return function (result) {
+                if (results[index] === "") {
+                    results[index] = result;
+                    pending--;
+                    finishAll();
+                }
+            };
+        })(i);
+        if (!window) {
+            done("gone");
+            continue;
+        }
+        var wait = place(window, item.x, item.y, item.width, item.height, done);
+        if (wait) {
+            waits.push(wait);
+        }
+    }
+    if (!answered && typeof QTimer === "function" && command.timeLimit > 0) {
+        var timer = new QTimer();
+        timer.singleShot = true;
+        timer.interval = command.timeLimit;
+        timer.timeout.connect(function () {
+            for (var n = 0; n < waits.length; n++) {
+                waits[n]("late");
+            }
+        });
+        timer.start();
+    }
+    finishAll();
 }
 
 function activate(window) {
@@ -342,6 +430,10 @@ function ownWindows(command) {
 function runCommand(command) {
     if (command.op === "state") {
         answer(command.token, "ok");
+        return;
+    }
+    if (command.op === "place") {
+        placeAll(command);
         return;
     }
     if (command.op === "ownWindows") {
