@@ -1,0 +1,131 @@
+// SPDX-License-Identifier: MIT
+#include "app/commands/LauncherBus.h"
+
+#include <dbus/dbus.h>
+#include <sys/stat.h>
+
+#include <cstdlib>
+#include <memory>
+
+namespace {
+
+// As long as the program's own client waits for the instance, which answers moves once the window
+// manager has confirmed them.
+constexpr int kReplyTimeoutMs = 60000;
+
+struct ConnectionClose {
+    void operator()(DBusConnection* connection) const {
+        dbus_connection_close(connection);
+        dbus_connection_unref(connection);
+    }
+};
+struct MessageUnref {
+    void operator()(DBusMessage* message) const { dbus_message_unref(message); }
+};
+using Connection = std::unique_ptr<DBusConnection, ConnectionClose>;
+using Message = std::unique_ptr<DBusMessage, MessageUnref>;
+
+// An error of libdbus, freed when it goes.
+struct Error {
+    DBusError error;
+    Error() { dbus_error_init(&error); }
+    ~Error() { dbus_error_free(&error); }
+    Error(const Error&) = delete;
+    Error& operator=(const Error&) = delete;
+};
+
+std::string line(const char* text) {
+    std::string result = text == nullptr ? std::string() : std::string(text);
+    return result.empty() ? result : result + '\n';
+}
+
+LauncherBus::Answer moves(DBusMessage* reply) {
+    dbus_int32_t moved = 0;
+    dbus_int32_t attempted = 0;
+    const char* status = nullptr;
+    Error error;
+    LauncherBus::Answer answer;
+    if (!dbus_message_get_args(reply, &error.error, DBUS_TYPE_INT32, &moved, DBUS_TYPE_INT32, &attempted,
+                               DBUS_TYPE_STRING, &status, DBUS_TYPE_INVALID)) {
+        answer.standardError = "lattica: the running Lattica gave an answer of the wrong type.\n";
+        answer.exitStatus = 1;
+        return answer;
+    }
+    answer.exitStatus = CommandCatalog::exitStatus(CommandCatalog::outcomeOfMoves(moved, attempted));
+    (answer.exitStatus == 0 ? answer.standardOutput : answer.standardError) = line(status);
+    return answer;
+}
+
+}  // namespace
+
+std::optional<std::string> LauncherBus::sessionBusAddress() {
+    const char* address = std::getenv("DBUS_SESSION_BUS_ADDRESS");
+    if (address != nullptr && address[0] != '\0') {
+        return std::string(address);
+    }
+    const char* runtime = std::getenv("XDG_RUNTIME_DIR");
+    if (runtime == nullptr || runtime[0] == '\0') {
+        return std::nullopt;
+    }
+    const std::string socket = std::string(runtime) + "/bus";
+    struct stat status {};
+    if (::stat(socket.c_str(), &status) != 0 || !S_ISSOCK(status.st_mode)) {
+        return std::nullopt;
+    }
+    char* escaped = dbus_address_escape_value(socket.c_str());
+    if (escaped == nullptr) {
+        return std::nullopt;
+    }
+    std::string result = std::string("unix:path=") + escaped;
+    dbus_free(escaped);
+    return result;
+}
+
+std::optional<LauncherBus::Answer> LauncherBus::call(const std::string& address, const LauncherCall& call) {
+    Error error;
+    Connection connection(dbus_connection_open_private(address.c_str(), &error.error));
+    if (!connection) {
+        return std::nullopt;
+    }
+    dbus_connection_set_exit_on_disconnect(connection.get(), FALSE);
+    if (!dbus_bus_register(connection.get(), &error.error)) {
+        return std::nullopt;
+    }
+    const std::string method(call.command->method);
+    const std::string service(CommandCatalog::kServiceName);
+    const std::string path(CommandCatalog::kObjectPath);
+    const std::string interface(CommandCatalog::kInterfaceName);
+    Message message(dbus_message_new_method_call(service.c_str(), path.c_str(), interface.c_str(), method.c_str()));
+    if (!message) {
+        return std::nullopt;
+    }
+    // Nothing may start an instance for the call: with none running, the program does the work.
+    dbus_message_set_auto_start(message.get(), FALSE);
+    DBusMessageIter arguments;
+    dbus_message_iter_init_append(message.get(), &arguments);
+    for (const std::string& argument : call.arguments) {
+        const char* value = argument.c_str();
+        if (!dbus_validate_utf8(value, nullptr) ||
+            !dbus_message_iter_append_basic(&arguments, DBUS_TYPE_STRING, &value)) {
+            return std::nullopt;
+        }
+    }
+    Message reply(
+        dbus_connection_send_with_reply_and_block(connection.get(), message.get(), kReplyTimeoutMs, &error.error));
+    if (!reply) {
+        const std::string_view name = error.error.name == nullptr ? std::string_view() : error.error.name;
+        if (!name.starts_with(CommandCatalog::kErrorPrefix)) {
+            // No instance owns the name (ServiceUnknown), or it went away or does not answer.
+            return std::nullopt;
+        }
+        Answer answer;
+        answer.exitStatus = CommandCatalog::exitStatus(CommandCatalog::outcomeOfError(name));
+        answer.standardError =
+            std::string("lattica: ") + (error.error.message == nullptr ? "" : error.error.message) + '\n';
+        return answer;
+    }
+    if (call.command->reply == CommandCatalog::Reply::Moves) {
+        return moves(reply.get());
+    }
+    return Answer{};
+}
