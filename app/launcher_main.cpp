@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // `lattica`, the command users type. Commands that the running instance can carry out are sent to it
 // over the session bus without loading the toolkit; everything else (starting the tray program, --help,
-// --version, listings, --json, mistakes, or no instance to ask) is handed to the program itself, which
+// --version, listings, mistakes, or no instance to ask) is handed to the program itself, which
 // replaces this process with the same arguments and so behaves exactly as if it had been started.
 #include <limits.h>
 #include <unistd.h>

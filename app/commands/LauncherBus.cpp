@@ -34,12 +34,83 @@ struct Error {
     Error& operator=(const Error&) = delete;
 };
 
-std::string line(const char* text) {
-    std::string result = text == nullptr ? std::string() : std::string(text);
-    return result.empty() ? result : result + '\n';
+// A string as a JSON value, escaped as Qt's JSON writer escapes it (the bytes are valid UTF-8: the bus
+// checks every string it carries).
+std::string jsonString(std::string_view text) {
+    static constexpr char kHex[] = "0123456789abcdef";
+    std::string quoted = "\"";
+    for (const char byte : text) {
+        const auto code = static_cast<unsigned char>(byte);
+        switch (byte) {
+            case '"':
+                quoted += "\\\"";
+                break;
+            case '\\':
+                quoted += "\\\\";
+                break;
+            case '\b':
+                quoted += "\\b";
+                break;
+            case '\f':
+                quoted += "\\f";
+                break;
+            case '\n':
+                quoted += "\\n";
+                break;
+            case '\r':
+                quoted += "\\r";
+                break;
+            case '\t':
+                quoted += "\\t";
+                break;
+            default:
+                if (code < 0x20) {
+                    quoted += "\\u00";
+                    quoted += kHex[code >> 4];
+                    quoted += kHex[code & 0xf];
+                } else {
+                    quoted += byte;
+                }
+        }
+    }
+    return quoted + '"';
 }
 
-LauncherBus::Answer moves(DBusMessage* reply) {
+// An object of the members, given in the order of their names, laid out as the program's indented JSON.
+std::string jsonObject(const std::vector<std::pair<std::string_view, std::string>>& members) {
+    std::string text = "{\n";
+    for (size_t i = 0; i < members.size(); ++i) {
+        text += "    " + jsonString(members[i].first) + ": " + members[i].second;
+        text += i + 1 < members.size() ? ",\n" : "\n";
+    }
+    return text + "}\n";
+}
+
+// What the command prints for an answer: its status line, or with --json the answer as an object.
+LauncherBus::Answer printed(const LauncherCall& call, CommandCatalog::Outcome outcome, std::string_view status,
+                            std::string_view error, int moved, int attempted) {
+    LauncherBus::Answer answer;
+    answer.exitStatus = CommandCatalog::exitStatus(outcome);
+    std::string& shown = answer.exitStatus == 0 ? answer.standardOutput : answer.standardError;
+    if (call.json) {
+        if (!error.empty()) {
+            shown = jsonObject({{"error", jsonString(error)}, {"status", jsonString(status)}});
+        } else if (call.command->moves()) {
+            shown = jsonObject({{"attempted", std::to_string(attempted)},
+                                {"moved", std::to_string(moved)},
+                                {"status", jsonString(status)}});
+        } else {
+            shown = jsonObject({{"status", jsonString(status)}});
+        }
+    } else if (!error.empty()) {
+        answer.standardError = "lattica: " + std::string(status) + '\n';
+    } else if (!status.empty()) {
+        shown = std::string(status) + '\n';
+    }
+    return answer;
+}
+
+LauncherBus::Answer moves(const LauncherCall& call, DBusMessage* reply) {
     dbus_int32_t moved = 0;
     dbus_int32_t attempted = 0;
     const char* status = nullptr;
@@ -51,9 +122,7 @@ LauncherBus::Answer moves(DBusMessage* reply) {
         answer.exitStatus = 1;
         return answer;
     }
-    answer.exitStatus = CommandCatalog::exitStatus(CommandCatalog::outcomeOfMoves(moved, attempted));
-    (answer.exitStatus == 0 ? answer.standardOutput : answer.standardError) = line(status);
-    return answer;
+    return printed(call, CommandCatalog::outcomeOfMoves(moved, attempted), status, {}, moved, attempted);
 }
 
 }  // namespace
@@ -118,14 +187,11 @@ std::optional<LauncherBus::Answer> LauncherBus::call(const std::string& address,
             // No instance owns the name (ServiceUnknown), or it went away or does not answer.
             return std::nullopt;
         }
-        Answer answer;
-        answer.exitStatus = CommandCatalog::exitStatus(CommandCatalog::outcomeOfError(name));
-        answer.standardError =
-            std::string("lattica: ") + (error.error.message == nullptr ? "" : error.error.message) + '\n';
-        return answer;
+        return printed(call, CommandCatalog::outcomeOfError(name),
+                       error.error.message == nullptr ? "" : error.error.message, name, 0, 0);
     }
     if (call.command->reply == CommandCatalog::Reply::Moves) {
-        return moves(reply.get());
+        return moves(call, reply.get());
     }
-    return Answer{};
+    return printed(call, CommandCatalog::Outcome::Done, {}, {}, 0, 0);
 }

@@ -12,6 +12,7 @@ struct Reading {
     std::optional<std::string> from;
     bool adjust = false;
     bool keep = false;
+    bool json = false;
 };
 
 // Reads `--to VALUE` or `--to=VALUE` into the slot; false for anything the program should judge itself:
@@ -47,7 +48,7 @@ std::optional<Reading> read(const std::vector<std::string>& words) {
             reading.words.push_back(word);
             continue;
         }
-        // Only the long options of a plain command; --help, --version, --json, single-dash spellings and
+        // Only the long options of a plain command; --help, --version, single-dash spellings and
         // "--" go to the program.
         if (!word.starts_with("--")) {
             return std::nullopt;
@@ -60,6 +61,8 @@ std::optional<Reading> read(const std::vector<std::string>& words) {
             }
         } else if ((name == "adjust-size" || name == "keep-size") && equals == std::string::npos) {
             (name == "adjust-size" ? reading.adjust : reading.keep) = true;
+        } else if (name == "json" && equals == std::string::npos) {
+            reading.json = true;
         } else {
             return std::nullopt;
         }
@@ -109,6 +112,7 @@ std::optional<LauncherCall> LauncherCall::fromArguments(const std::vector<std::s
     }
     LauncherCall call;
     call.command = command;
+    call.json = reading->json;
     for (const CommandCatalog::Parameter& parameter : command->parameters) {
         switch (parameter.field) {
             case Field::Application:

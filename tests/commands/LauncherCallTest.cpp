@@ -3,6 +3,8 @@
 // as the program's own parser reads it; everything else is the program's to judge.
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 #include "app/commands/CommandLine.h"
 #include "app/commands/LauncherCall.h"
 
@@ -11,7 +13,10 @@ namespace {
 using Words = std::vector<std::string>;
 
 // The program's reading: the bus method and its arguments, or nothing when it is not a command.
-std::optional<std::pair<std::string, std::vector<std::string>>> programCall(const Words& words) {
+// The bus method, its arguments and whether the answer is printed as JSON.
+using Call = std::tuple<std::string, std::vector<std::string>, bool>;
+
+std::optional<Call> programCall(const Words& words) {
     QStringList arguments{QStringLiteral("lattica")};
     for (const std::string& word : words) {
         arguments.append(QString::fromStdString(word));
@@ -25,15 +30,15 @@ std::optional<std::pair<std::string, std::vector<std::string>>> programCall(cons
     for (const QVariant& value : values) {
         strings.push_back(value.toString().toStdString());
     }
-    return std::pair{method.toStdString(), strings};
+    return Call{method.toStdString(), strings, request.json};
 }
 
-std::optional<std::pair<std::string, std::vector<std::string>>> launcherCall(const Words& words) {
+std::optional<Call> launcherCall(const Words& words) {
     const std::optional<LauncherCall> call = LauncherCall::fromArguments(words);
     if (!call) {
         return std::nullopt;
     }
-    return std::pair{std::string(call->command->method), call->arguments};
+    return Call{std::string(call->command->method), call->arguments, call->json};
 }
 
 std::string shown(const Words& words) {
@@ -57,12 +62,14 @@ const std::vector<Words> kServed = {
     {"move-app", "--to", "2", "4242"},
     {"swap", "1", "2"},
     {"swap", "left", "right", "--keep-size"},
+    {"move-focused", "--to", "next", "--json"},
+    {"--json", "quit"},
     {"panel"},
     {"settings"},
     {"quit"},
 };
 
-// Command lines the program reads: no command, help, version, listings, JSON, mistakes, unusual spellings.
+// Command lines the program reads: no command, help, version, listings, mistakes, unusual spellings.
 const std::vector<Words> kLeftToTheProgram = {
     {},
     {"--help"},
@@ -70,7 +77,7 @@ const std::vector<Words> kLeftToTheProgram = {
     {"--version"},
     {"displays"},
     {"windows", "--json"},
-    {"move-focused", "--to", "next", "--json"},
+    {"move-focused", "--to", "next", "--json=yes"},
     {"move-focused"},
     {"move-focused", "--to"},
     {"move-focused", "--to="},
@@ -100,8 +107,7 @@ TEST(LauncherCall, WhatTheLauncherServesIsReadExactlyAsTheProgramReadsIt) {
         ASSERT_TRUE(launcher.has_value()) << shown(words);
         const auto program = programCall(words);
         ASSERT_TRUE(program.has_value()) << shown(words);
-        EXPECT_EQ(launcher->first, program->first) << shown(words);
-        EXPECT_EQ(launcher->second, program->second) << shown(words);
+        EXPECT_EQ(*launcher, *program) << shown(words);
     }
 }
 
@@ -114,9 +120,9 @@ TEST(LauncherCall, EverythingElseIsLeftToTheProgram) {
 // Every combination of a command word, its options and a few words in any of these positions: what the
 // launcher takes, the program takes the same way.
 TEST(LauncherCall, NoCombinationIsReadDifferently) {
-    const Words pieces = {"move-focused", "move-all", "move-app",    "swap",  "panel",
-                          "--to",         "--from",   "next",        "2",     "--adjust-size",
-                          "--keep-size",  "--to=1",   "--from=left", "Editor"};
+    const Words pieces = {"move-focused", "move-all", "move-app",    "swap",   "panel",
+                          "--to",         "--from",   "next",        "2",      "--adjust-size",
+                          "--keep-size",  "--to=1",   "--from=left", "Editor", "--json"};
     int served = 0;
     int compared = 0;
     std::vector<Words> lines = {{}};
@@ -139,11 +145,10 @@ TEST(LauncherCall, NoCombinationIsReadDifferently) {
             ++served;
             const auto program = programCall(words);
             ASSERT_TRUE(program.has_value()) << shown(words);
-            EXPECT_EQ(launcher->first, program->first) << shown(words);
-            EXPECT_EQ(launcher->second, program->second) << shown(words);
+            EXPECT_EQ(*launcher, *program) << shown(words);
         }
     }
-    EXPECT_EQ(compared, 14 + 14 * 14 + 14 * 14 * 14 + 14 * 14 * 14 * 14);
+    EXPECT_EQ(compared, 15 + 15 * 15 + 15 * 15 * 15 + 15 * 15 * 15 * 15);
     // The launcher does take a fair share of them itself.
     EXPECT_GT(served, 100);
 }

@@ -215,6 +215,23 @@ TEST_F(Launcher, PrintsWhatTheProgramPrintsForEveryKindOfAnswer) {
              return call.createErrorReply(QStringLiteral("app.lattica.Error.Failed"), QStringLiteral("It broke."));
          },
          1},
+        {{QStringLiteral("move-focused"), QStringLiteral("--to"), QStringLiteral("next"), QStringLiteral("--json")},
+         [](const QDBusMessage& call) {
+             return moves(call, 1, 1, QStringLiteral("Moved \"1\" of 1 \\ windows\tto\nüber\x01."));
+         },
+         0},
+        {{QStringLiteral("--json"), QStringLiteral("move-all"), QStringLiteral("--from=1"), QStringLiteral("--to=2")},
+         [](const QDBusMessage& call) { return moves(call, 0, 3, QStringLiteral("Moved 0 of 3 windows.")); },
+         1},
+        {{QStringLiteral("swap"), QStringLiteral("1"), QStringLiteral("7"), QStringLiteral("--json")},
+         [](const QDBusMessage& call) {
+             return call.createErrorReply(QStringLiteral("app.lattica.Error.NoSuchMonitor"),
+                                          QStringLiteral("There is no monitor \"7\"."));
+         },
+         2},
+        {{QStringLiteral("settings"), QStringLiteral("--json")},
+         [](const QDBusMessage& call) { return call.createReply(); },
+         0},
         {{QStringLiteral("panel")}, [](const QDBusMessage& call) { return call.createReply(); }, 0},
         {{QStringLiteral("quit")}, [](const QDBusMessage& call) { return call.createReply(); }, 0},
     };
