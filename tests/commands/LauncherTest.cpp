@@ -103,6 +103,9 @@ protected:
         environment.insert(QStringLiteral("HOME"), home.path());
         environment.insert(QStringLiteral("XDG_CONFIG_HOME"), home.path() + QStringLiteral("/config"));
         environment.remove(QStringLiteral("LATTICA_LAUNCHER"));
+        // What the commands print is compared; Qt's own warnings, which the program's bus connection
+        // sometimes writes as it ends, are not part of it.
+        environment.insert(QStringLiteral("QT_LOGGING_RULES"), QStringLiteral("default.warning=false"));
     }
     void TearDown() override {
         if (registered) {
@@ -235,9 +238,6 @@ TEST_F(Launcher, PrintsWhatTheProgramPrintsForEveryKindOfAnswer) {
         {{QStringLiteral("panel")}, [](const QDBusMessage& call) { return call.createReply(); }, 0},
         {{QStringLiteral("quit")}, [](const QDBusMessage& call) { return call.createReply(); }, 0},
     };
-    // What the commands print is compared; Qt's own warnings, which the program's bus client sometimes
-    // writes as it ends, are not part of it.
-    environment.insert(QStringLiteral("QT_LOGGING_RULES"), QStringLiteral("default.warning=false"));
     for (const Case& example : cases) {
         const std::string shown = example.words.join(u' ').toStdString();
         instance.answer = example.answer;
