@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: MIT
 // `lattica move-focused --to next` as a whole process, from its start to the window manager's
 // confirmation of the move, against `xdotool getactivewindow windowmove` and `wmctrl -r :ACTIVE: -e`
-// doing the same move (neither waits for any confirmation), and the bus call alone. The command runs
-// once against a running instance on a private session bus, and once with none (in its own process).
+// doing the same move (neither waits for any confirmation), and the bus call alone. `lattica` is the
+// launcher, which asks the running instance without loading the toolkit; the program itself (lattica-app)
+// is timed doing the same through the instance. The moves through the instance and the peers' moves take
+// turns, so that all of them meet the same load. The command also runs with no instance (the launcher
+// hands over to the program, which does the move in its own process).
 // Run on a virtual desktop: bench/run-benchmarks.sh.
 #include <xcb/xcb.h>
 
@@ -190,18 +193,9 @@ int main(int argc, char** argv) {
     const QString lattica = QStringLiteral(LATTICA_BINARY);
     const QStringList moveFocused{QStringLiteral("move-focused"), QStringLiteral("--to"), QStringLiteral("next")};
 
-    Timing xdotool, wmctrl, inProcess, throughInstance, startUp;
+    const QString program = QStringLiteral(LATTICA_PROGRAM);
+    Timing xdotool, wmctrl, inProcess, throughInstance, programThroughInstance, startUp;
     std::vector<double> busCalls;
-    for (int i = 0; i < kRepetitions; ++i) {
-        moveOnce(QStringLiteral("xdotool"),
-                 {QStringLiteral("getactivewindow"), QStringLiteral("windowmove"), QStringLiteral("%X"),
-                  QStringLiteral("%Y")},
-                 false, xdotool);
-        moveOnce(
-            QStringLiteral("wmctrl"),
-            {QStringLiteral("-r"), QStringLiteral(":ACTIVE:"), QStringLiteral("-e"), QStringLiteral("0,%X,%Y,-1,-1")},
-            false, wmctrl);
-    }
     // What starting the program costs before it does anything: --version prints and exits.
     for (int i = 0; i < kRepetitions; ++i) {
         QProcess process;
@@ -237,7 +231,16 @@ int main(int argc, char** argv) {
         return 1;
     }
     for (int i = 0; i < kRepetitions; ++i) {
+        moveOnce(QStringLiteral("xdotool"),
+                 {QStringLiteral("getactivewindow"), QStringLiteral("windowmove"), QStringLiteral("%X"),
+                  QStringLiteral("%Y")},
+                 false, xdotool);
+        moveOnce(
+            QStringLiteral("wmctrl"),
+            {QStringLiteral("-r"), QStringLiteral(":ACTIVE:"), QStringLiteral("-e"), QStringLiteral("0,%X,%Y,-1,-1")},
+            false, wmctrl);
         moveOnce(lattica, moveFocused, true, throughInstance);
+        moveOnce(program, moveFocused, true, programThroughInstance);
         QDBusMessage call = QDBusMessage::createMethodCall(
             QStringLiteral("app.lattica.Lattica"), QStringLiteral("/app/lattica/Lattica"),
             QStringLiteral("app.lattica.Lattica1"), QStringLiteral("MoveFocused"));
@@ -274,16 +277,22 @@ int main(int argc, char** argv) {
     };
     const BenchTable::Figures x = show("xdotool getactivewindow windowmove (process)", xdotool);
     const BenchTable::Figures w = show("wmctrl -r :ACTIVE: -e (process)", wmctrl);
-    const BenchTable::Figures own = show("lattica move-focused, no instance (to WM confirm)", inProcess);
     const BenchTable::Figures viaBus = show("lattica move-focused, via instance (to WM confirm)", throughInstance);
-    show("bus call MoveFocused alone (reply)", Timing{busCalls, 0});
-    show("lattica --version (process start to exit)", startUp);
+    const BenchTable::Figures programViaBus =
+        show("lattica-app move-focused, via instance (to WM confirm)", programThroughInstance);
+    const BenchTable::Figures own = show("lattica move-focused, no instance (to WM confirm)", inProcess);
+    const BenchTable::Figures call = show("bus call MoveFocused alone (reply)", Timing{busCalls, 0});
+    const BenchTable::Figures start = show("lattica --version (process start to exit)", startUp);
     if (x.median > 0 && w.median > 0) {
-        std::printf("\nratios of medians, measured in this run:\n");
-        std::printf("  via instance / xdotool   %6.2f\n", viaBus.median / x.median);
-        std::printf("  via instance / wmctrl    %6.2f\n", viaBus.median / w.median);
-        std::printf("  no instance  / xdotool   %6.2f\n", own.median / x.median);
-        std::printf("  no instance  / wmctrl    %6.2f\n", own.median / w.median);
+        std::printf("\nratios of medians to the peers, measured in this run:%22s %10s\n", "/ xdotool", "/ wmctrl");
+        const auto ratio = [&](const char* name, const BenchTable::Figures& figures) {
+            std::printf("  %-64s %10.2f %10.2f\n", name, figures.median / x.median, figures.median / w.median);
+        };
+        ratio("lattica move-focused, via instance", viaBus);
+        ratio("lattica-app move-focused, via instance", programViaBus);
+        ratio("lattica move-focused, no instance", own);
+        ratio("bus call MoveFocused alone", call);
+        ratio("lattica --version", start);
     }
     return 0;
 }

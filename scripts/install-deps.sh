@@ -22,6 +22,8 @@ PACKAGES=(
   # GNOME Shell, headless, for the GNOME backend's tests (scripts/virtual-gnome.sh); gjs parses the Shell
   # extension's entry files
   gnome-shell gjs
+  # libdbus, for the `lattica` launcher that calls the running instance without loading Qt
+  libdbus-1-dev
 )
 
 missing=()

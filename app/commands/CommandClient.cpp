@@ -8,21 +8,6 @@
 
 #include "app/commands/LatticaBusService.h"
 
-namespace {
-
-CommandResult::Kind kindOfError(const QString& name) {
-    if (name == CommandErrors::notAvailable) {
-        return CommandResult::Kind::Unavailable;
-    }
-    if (name == CommandErrors::noSuchMonitor || name == CommandErrors::noSuchApplication ||
-        name == CommandErrors::invalidArgument) {
-        return CommandResult::Kind::BadArguments;
-    }
-    return CommandResult::Kind::PartlyDone;
-}
-
-}  // namespace
-
 // A call to a name nobody owns fails at once with ServiceUnknown, so no separate question about the
 // name's owner is asked first: that would cost a second round trip on every command.
 std::optional<CommandResult> CommandClient::call(const QString& method, const QVariantList& arguments) {
@@ -36,8 +21,8 @@ std::optional<CommandResult> CommandClient::call(const QString& method, const QV
     const QDBusMessage reply = QDBusConnection::sessionBus().call(message, QDBus::Block, 60000);
     if (reply.type() == QDBusMessage::ErrorMessage) {
         const QString name = reply.errorName();
-        if (name.startsWith(QLatin1String("app.lattica.Error."))) {
-            return CommandResult::error(kindOfError(name), name, reply.errorMessage());
+        if (name.toStdString().starts_with(CommandCatalog::kErrorPrefix)) {
+            return CommandResult::error(CommandCatalog::outcomeOfError(name.toStdString()), name, reply.errorMessage());
         }
         // No instance owns the name (ServiceUnknown), or it went away or does not answer: the command runs
         // here instead.

@@ -4,15 +4,16 @@
 #include <QJsonValue>
 #include <QString>
 
+#include "app/commands/CommandCatalog.h"
+
+// A text of the command catalog as a QString.
+inline QString fromCatalog(std::string_view text) {
+    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
 // The outcome of one command, the same whether it ran in this process or in the running instance.
 struct CommandResult {
-    enum class Kind {
-        Done,          // everything asked for happened
-        NothingToDo,   // nothing matched, e.g. no window on the source monitor
-        PartlyDone,    // some windows could not be moved
-        BadArguments,  // a target or an application that does not exist
-        Unavailable,   // the session does not let the program do this
-    };
+    using Kind = CommandCatalog::Outcome;
 
     Kind kind = Kind::Done;
     // The bus error's name for BadArguments and Unavailable, e.g. "app.lattica.Error.NoSuchMonitor".
@@ -34,7 +35,7 @@ struct CommandResult {
     // Done when every attempted window moved, nothing to do when none was attempted, else partly done.
     static CommandResult moves(int moved, int attempted, const QString& status) {
         CommandResult result;
-        result.kind = attempted == 0 ? Kind::NothingToDo : moved < attempted ? Kind::PartlyDone : Kind::Done;
+        result.kind = CommandCatalog::outcomeOfMoves(moved, attempted);
         result.message = status;
         result.moved = moved;
         result.attempted = attempted;
@@ -42,26 +43,13 @@ struct CommandResult {
     }
 
     // The process exit status the command line gives for this outcome.
-    int exitStatus() const {
-        switch (kind) {
-            case Kind::Done:
-                return 0;
-            case Kind::NothingToDo:
-            case Kind::PartlyDone:
-                return 1;
-            case Kind::BadArguments:
-                return 2;
-            case Kind::Unavailable:
-                return 3;
-        }
-        return 1;
-    }
+    int exitStatus() const { return CommandCatalog::exitStatus(kind); }
 };
 
 // The bus error names of the program's interface.
 namespace CommandErrors {
-inline const QString noSuchMonitor = QStringLiteral("app.lattica.Error.NoSuchMonitor");
-inline const QString noSuchApplication = QStringLiteral("app.lattica.Error.NoSuchApplication");
-inline const QString invalidArgument = QStringLiteral("app.lattica.Error.InvalidArgument");
-inline const QString notAvailable = QStringLiteral("app.lattica.Error.NotAvailable");
+inline const QString noSuchMonitor = fromCatalog(CommandCatalog::kNoSuchMonitor);
+inline const QString noSuchApplication = fromCatalog(CommandCatalog::kNoSuchApplication);
+inline const QString invalidArgument = fromCatalog(CommandCatalog::kInvalidArgument);
+inline const QString notAvailable = fromCatalog(CommandCatalog::kNotAvailable);
 }  // namespace CommandErrors

@@ -5,88 +5,73 @@ namespace {
 
 using CommandTable::Command;
 using CommandTable::Field;
-using CommandTable::Reply;
 
-const CommandTable::Parameter kApplication{Field::Application, QStringLiteral("application")};
-const CommandTable::Parameter kFrom{Field::From, QStringLiteral("from")};
-const CommandTable::Parameter kTo{Field::To, QStringLiteral("to")};
-const CommandTable::Parameter kSize{Field::Size, QStringLiteral("size")};
-// swap takes its two monitors in the From and To fields.
-const CommandTable::Parameter kFirst{Field::From, QStringLiteral("first")};
-const CommandTable::Parameter kSecond{Field::To, QStringLiteral("second")};
+using Run = std::function<CommandResult(const CommandService&, const CommandArguments&)>;
+
+// What runs a command in whichever process has the platform; nothing for instance-only commands.
+Run runOf(std::string_view word) {
+    if (word == "displays") {
+        return [](const CommandService& service, const CommandArguments&) { return service.displays(); };
+    }
+    if (word == "windows") {
+        return [](const CommandService& service, const CommandArguments&) { return service.windows(); };
+    }
+    if (word == "move-focused") {
+        return [](const CommandService& service, const CommandArguments& arguments) {
+            return service.moveFocused(arguments.to, arguments.size);
+        };
+    }
+    if (word == "move-all") {
+        return [](const CommandService& service, const CommandArguments& arguments) {
+            return service.moveAll(arguments.from, arguments.to, arguments.size);
+        };
+    }
+    if (word == "move-app") {
+        return [](const CommandService& service, const CommandArguments& arguments) {
+            return service.moveApplication(arguments.application, arguments.to, arguments.size);
+        };
+    }
+    if (word == "swap") {
+        return [](const CommandService& service, const CommandArguments& arguments) {
+            return service.swap(arguments.from, arguments.to, arguments.size);
+        };
+    }
+    return {};
+}
+
+// What the running instance does for an instance-only command.
+std::function<void()> InstanceActions::*actionOf(std::string_view word) {
+    if (word == "panel") {
+        return &InstanceActions::openPanel;
+    }
+    if (word == "settings") {
+        return &InstanceActions::openSettings;
+    }
+    if (word == "quit") {
+        return &InstanceActions::quit;
+    }
+    return nullptr;
+}
 
 QList<Command> describeCommands() {
-    return {
-        {.word = QStringLiteral("displays"),
-         .method = QStringLiteral("Displays"),
-         .reply = Reply::Listing,
-         .usage = QStringLiteral("displays"),
-         .summary = QStringLiteral("List the monitors."),
-         .run = [](const CommandService& service, const CommandArguments&) { return service.displays(); }},
-        {.word = QStringLiteral("windows"),
-         .method = QStringLiteral("Windows"),
-         .reply = Reply::Listing,
-         .usage = QStringLiteral("windows"),
-         .summary = QStringLiteral("List the windows, front to back."),
-         .run = [](const CommandService& service, const CommandArguments&) { return service.windows(); }},
-        {.word = QStringLiteral("move-focused"),
-         .method = QStringLiteral("MoveFocused"),
-         .parameters = {kTo, kSize},
-         .reply = Reply::Moves,
-         .usage = QStringLiteral("move-focused --to TARGET"),
-         .summary = QStringLiteral("Move the focused window."),
-         .run = [](const CommandService& service,
-                   const CommandArguments& arguments) { return service.moveFocused(arguments.to, arguments.size); }},
-        {.word = QStringLiteral("move-all"),
-         .method = QStringLiteral("MoveAll"),
-         .parameters = {kFrom, kTo, kSize},
-         .reply = Reply::Moves,
-         .usage = QStringLiteral("move-all --from TARGET --to TARGET"),
-         .summary = QStringLiteral("Move every window of one monitor."),
-         .run =
-             [](const CommandService& service, const CommandArguments& arguments) {
-                 return service.moveAll(arguments.from, arguments.to, arguments.size);
-             }},
-        {.word = QStringLiteral("move-app"),
-         .method = QStringLiteral("MoveApplication"),
-         .parameters = {kApplication, kTo, kSize},
-         .reply = Reply::Moves,
-         .positional = {Field::Application},
-         .positionalNeed = QStringLiteral("the application's name or process id"),
-         .usage = QStringLiteral("move-app APP --to TARGET"),
-         .summary = QStringLiteral("Move every window of an application (name or process id)."),
-         .run =
-             [](const CommandService& service, const CommandArguments& arguments) {
-                 return service.moveApplication(arguments.application, arguments.to, arguments.size);
-             }},
-        {.word = QStringLiteral("swap"),
-         .method = QStringLiteral("Swap"),
-         .parameters = {kFirst, kSecond, kSize},
-         .reply = Reply::Moves,
-         .positional = {Field::From, Field::To},
-         .positionalNeed = QStringLiteral("two monitors: swap TARGET TARGET"),
-         .usage = QStringLiteral("swap TARGET TARGET"),
-         .summary = QStringLiteral("Exchange the windows of two monitors."),
-         .run =
-             [](const CommandService& service, const CommandArguments& arguments) {
-                 return service.swap(arguments.from, arguments.to, arguments.size);
-             }},
-        {.word = QStringLiteral("panel"),
-         .method = QStringLiteral("OpenPanel"),
-         .usage = QStringLiteral("panel"),
-         .summary = QStringLiteral("Open the panel of the running Lattica."),
-         .action = &InstanceActions::openPanel},
-        {.word = QStringLiteral("settings"),
-         .method = QStringLiteral("OpenSettings"),
-         .usage = QStringLiteral("settings"),
-         .summary = QStringLiteral("Open the settings of the running Lattica."),
-         .action = &InstanceActions::openSettings},
-        {.word = QStringLiteral("quit"),
-         .method = QStringLiteral("Quit"),
-         .usage = QStringLiteral("quit"),
-         .summary = QStringLiteral("End the running Lattica."),
-         .action = &InstanceActions::quit},
-    };
+    QList<Command> table;
+    for (const CommandCatalog::Entry& entry : CommandCatalog::kCommands) {
+        Command command;
+        command.word = fromCatalog(entry.word);
+        command.method = fromCatalog(entry.method);
+        for (const CommandCatalog::Parameter& parameter : entry.parameters) {
+            command.parameters.append({parameter.field, fromCatalog(parameter.busName)});
+        }
+        command.reply = entry.reply;
+        command.positional = QList<Field>(entry.positional.begin(), entry.positional.end());
+        command.positionalNeed = fromCatalog(entry.positionalNeed);
+        command.usage = fromCatalog(entry.usage);
+        command.summary = fromCatalog(entry.summary);
+        command.run = runOf(entry.word);
+        command.action = actionOf(entry.word);
+        table.append(command);
+    }
+    return table;
 }
 
 QString fieldValue(Field field, const CommandArguments& arguments) {
@@ -140,9 +125,9 @@ const Command* CommandTable::withMethod(const QString& method) {
 QString CommandTable::sizeWord(SizeMode size) {
     switch (size) {
         case SizeMode::Adjust:
-            return QStringLiteral("adjust");
+            return fromCatalog(CommandCatalog::kAdjustSizeWord);
         case SizeMode::Keep:
-            return QStringLiteral("keep");
+            return fromCatalog(CommandCatalog::kKeepSizeWord);
         case SizeMode::Preference:
             break;
     }

@@ -5,6 +5,7 @@
 #include <QString>
 #include <functional>
 
+#include "app/commands/CommandCatalog.h"
 #include "app/commands/CommandResult.h"
 #include "app/commands/CommandService.h"
 
@@ -23,30 +24,18 @@ struct InstanceActions {
     std::function<void()> quit;
 };
 
-// Every command of the program, described once: its word on the command line, its method on the bus,
-// the arguments both take and what runs it. The command line's parser and help, the bus client, the
-// bus interface and its introspection are all read from this table.
+// Every command of the program: CommandCatalog's description in the toolkit's types, with what runs it.
+// The command line's parser and help, the bus client, the bus interface and its introspection are all
+// read from this table.
 namespace CommandTable {
 
-// One argument of a command.
-enum class Field {
-    Application,  // a positional word on the command line
-    From,         // --from TARGET
-    To,           // --to TARGET
-    Size,         // --adjust-size / --keep-size; "", "adjust" or "keep" on the bus
-};
+using Field = CommandCatalog::Field;
+using Reply = CommandCatalog::Reply;
 
 // How an argument is named on the bus, and in which field it lands.
 struct Parameter {
     Field field;
     QString busName;
-};
-
-// What the bus method answers.
-enum class Reply {
-    Listing,  // one JSON string
-    Moves,    // moved, attempted, status
-    Nothing,  // an empty reply; the action runs after it
 };
 
 struct Command {

@@ -14,9 +14,9 @@ class CommandService;
 class LatticaBusService : public QDBusVirtualObject {
     Q_OBJECT
 public:
-    static inline const QString serviceName = QStringLiteral("app.lattica.Lattica");
-    static inline const QString objectPath = QStringLiteral("/app/lattica/Lattica");
-    static inline const QString interfaceName = QStringLiteral("app.lattica.Lattica1");
+    static inline const QString serviceName = fromCatalog(CommandCatalog::kServiceName);
+    static inline const QString objectPath = fromCatalog(CommandCatalog::kObjectPath);
+    static inline const QString interfaceName = fromCatalog(CommandCatalog::kInterfaceName);
 
     LatticaBusService(const CommandService& commands, InstanceActions actions, QObject* parent = nullptr);
 

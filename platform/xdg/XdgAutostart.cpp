@@ -100,6 +100,17 @@ QString XdgAutostart::currentEntryPath() const {
     return m_legacyEntryPath;
 }
 
+namespace {
+
+// The binary that starts the program: the `lattica` launcher, which names itself in LATTICA_LAUNCHER
+// when it hands over, else the program's own.
+QString startingBinary() {
+    const QString launcher = qEnvironmentVariable("LATTICA_LAUNCHER");
+    return launcher.isEmpty() ? QCoreApplication::applicationFilePath() : launcher;
+}
+
+}  // namespace
+
 QString XdgAutostart::execCommand(const QString& runningBinary, const QString& searchPath) {
     const QString name = QStringLiteral("lattica");
     const QStringList folders = searchPath.split(QLatin1Char(':'), Qt::SkipEmptyParts);
@@ -142,7 +153,7 @@ QString XdgAutostart::program() {
     if (exec && !exec->isEmpty()) {
         return execProgram(*exec);
     }
-    return execProgram(execCommand(QCoreApplication::applicationFilePath(), qEnvironmentVariable("PATH")));
+    return execProgram(execCommand(startingBinary(), qEnvironmentVariable("PATH")));
 }
 
 QString XdgAutostart::standardPath() {
@@ -170,7 +181,7 @@ bool XdgAutostart::enable(QString* error) {
         *error = QStringLiteral("Cannot create the folder %1.").arg(directory);
         return false;
     }
-    const QString command = execCommand(QCoreApplication::applicationFilePath(), qEnvironmentVariable("PATH"));
+    const QString command = execCommand(startingBinary(), qEnvironmentVariable("PATH"));
     const QByteArray entry = QStringLiteral(
                                  "[Desktop Entry]\n"
                                  "Type=Application\n"

@@ -41,7 +41,7 @@ depends=$(field Depends)
 echo "check-deb: Depends: $depends"
 listed() { [[ ", $depends," == *", $1 "* || ", $depends," == *", $1,"* ]]; }
 for library in libc6 libstdc++6 libqt6core6 libqt6gui6 libqt6widgets6 libqt6dbus6 libqt6network6 libxcb1 \
-    libxcb-randr0 libxkbcommon0 libqt6svg6 hicolor-icon-theme; do
+    libxcb-randr0 libxkbcommon0 libdbus-1-3 libqt6svg6 hicolor-icon-theme; do
     listed "$library" || fail "Depends lacks $library"
 done
 # The versions come from the symbols the binary uses, so nobody wrote them.
@@ -52,6 +52,7 @@ done
 contents=$(dpkg-deb -c "$deb" | awk '{ print $NF }')
 for path in \
     ./usr/bin/lattica \
+    ./usr/libexec/lattica/lattica-app \
     ./usr/share/applications/app.lattica.Lattica.desktop \
     ./usr/share/metainfo/app.lattica.Lattica.metainfo.xml \
     ./usr/share/icons/hicolor/scalable/apps/app.lattica.Lattica.svg \
@@ -63,11 +64,13 @@ for path in \
     grep -qxF "$path" <<<"$contents" || fail "the package lacks $path"
 done
 
-# The packaged program is stripped and still answers.
+# The packaged launcher and program are stripped, and the launcher finds the program where it was installed.
 dpkg-deb -x "$deb" "$WORK/root"
 version=$("$WORK/root/usr/bin/lattica" --version) || fail "the packaged lattica --version failed"
 [[ $version == "Lattica "* ]] || fail "the packaged lattica --version printed '$version'"
-file "$WORK/root/usr/bin/lattica" 2>/dev/null | grep -q "not stripped" && fail "the packaged binary is not stripped"
+for binary in usr/bin/lattica usr/libexec/lattica/lattica-app; do
+    file "$WORK/root/$binary" 2>/dev/null | grep -q "not stripped" && fail "the packaged $binary is not stripped"
+done
 zcat "$WORK/root/usr/share/man/man1/lattica.1.gz" | grep -q '^\.SH DESCRIPTION' || fail "the manual page has no DESCRIPTION"
 
 if ((failures > 0)); then

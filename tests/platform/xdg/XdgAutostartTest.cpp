@@ -105,6 +105,36 @@ TEST_F(XdgAutostartTest, EntryStartsLatticaByNameWhenTheRunningBinaryIsTheOneOnT
     EXPECT_EQ(items.program(), QStringLiteral("lattica"));
 }
 
+TEST_F(XdgAutostartTest, EntryStartsTheLauncherThatStartedTheProgram) {
+    // A folder on PATH whose "lattica" is the launcher that handed over to this program, which is elsewhere.
+    const QString bin = directory.filePath(QStringLiteral("bin"));
+    ASSERT_TRUE(QDir().mkpath(bin));
+    const QString launcher = bin + QStringLiteral("/lattica");
+    QFile script(launcher);
+    ASSERT_TRUE(script.open(QIODevice::WriteOnly));
+    script.write("#!/bin/sh\n");
+    script.close();
+    ASSERT_TRUE(script.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
+    const QByteArray savedPath = qgetenv("PATH");
+    qputenv("PATH", bin.toLocal8Bit());
+    qputenv("LATTICA_LAUNCHER", launcher.toLocal8Bit());
+    XdgAutostart items(entryPath());
+    const QString before = items.program();
+    QString error;
+    const bool enabled = items.enable(&error);
+    // Off the PATH, the launcher is named by its path.
+    qputenv("PATH", directory.path().toLocal8Bit());
+    const QString offThePath = XdgAutostart(directory.filePath(QStringLiteral("none.desktop"))).program();
+    qunsetenv("LATTICA_LAUNCHER");
+    qputenv("PATH", savedPath);
+    EXPECT_EQ(before, QStringLiteral("lattica"));
+    ASSERT_TRUE(enabled) << qPrintable(error);
+    QFile file(entryPath());
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    EXPECT_TRUE(file.readAll().contains("\nExec=lattica\n"));
+    EXPECT_EQ(offThePath, launcher);
+}
+
 TEST_F(XdgAutostartTest, ProgramIsTheRunningBinaryWhenItIsNotOnThePath) {
     const QByteArray savedPath = qgetenv("PATH");
     qputenv("PATH", directory.path().toLocal8Bit());
