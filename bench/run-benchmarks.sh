@@ -20,4 +20,10 @@ for bench in inventory_bench capture_bench refresh_bench mover_bench shortcut_mo
     fi
     "$root/scripts/virtual-desktop.sh" run --wm openbox --layout 1920x1080,2560x1440,1280x1024 -- "$program" || status=1
 done
+# GNOME Shell through the extension, on a headless shell with two monitors.
+if [ -x "$build/bench/gnome_bench" ] && command -v gnome-shell >/dev/null; then
+    "$root/scripts/virtual-gnome.sh" run --layout 1920x1080,1280x720 -- env QT_QPA_PLATFORM=wayland "$build/bench/gnome_bench" || status=1
+else
+    echo "run-benchmarks: gnome_bench is not built in $build or gnome-shell is missing; skipped" >&2
+fi
 exit $status
