@@ -115,19 +115,23 @@ TEST_F(GnomeProgramTest, TheTrayProgramRunsAsAWaylandClientAndMovesWindows) {
     WaylandClient client;
     ASSERT_TRUE(client.start());
     ASSERT_TRUE(client.open(QStringLiteral("moved"), QStringLiteral("title=moved-window w=400 h=300")));
+    QStringList before;
     ASSERT_TRUE(VirtualDesktop::waitUntil([&] {
-        return !windowLine(runLattica(config.path(), {QStringLiteral("windows")}).output,
-                           QStringLiteral("moved-window"))
-                    .isEmpty();
+        before =
+            windowLine(runLattica(config.path(), {QStringLiteral("windows")}).output, QStringLiteral("moved-window"));
+        return !before.isEmpty();
     }));
+    // The frame reads WxH+X+Y; the second monitor starts at x 1920, and the Shell opens windows on the first.
+    const QRegularExpression left(QStringLiteral(R"(\+(\d+)\+\d+$)"));
+    ASSERT_TRUE(left.match(before.at(2)).hasMatch()) << before.at(2).toStdString();
+    ASSERT_LT(left.match(before.at(2)).captured(1).toInt(), 1920) << before.join(QLatin1Char(' ')).toStdString();
     const Finished moved = runLattica(config.path(), {QStringLiteral("move-app"), QString::number(client.pid()),
                                                       QStringLiteral("--to"), QStringLiteral("2")});
     EXPECT_EQ(moved.status, 0) << moved.output.toStdString() << moved.errors.toStdString();
     const QStringList after =
         windowLine(runLattica(config.path(), {QStringLiteral("windows")}).output, QStringLiteral("moved-window"));
     ASSERT_FALSE(after.isEmpty());
-    // The frame reads WxH+X+Y: on the second monitor, which starts at x 1920.
-    const QRegularExpressionMatch frame = QRegularExpression(QStringLiteral(R"(\+(\d+)\+\d+$)")).match(after.at(2));
+    const QRegularExpressionMatch frame = left.match(after.at(2));
     ASSERT_TRUE(frame.hasMatch()) << after.at(2).toStdString();
     EXPECT_GE(frame.captured(1).toInt(), 1920) << after.join(QLatin1Char(' ')).toStdString();
 }
