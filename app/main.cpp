@@ -27,6 +27,7 @@
 #include "app/ui/common/Translations.h"
 #include "app/update/Updater.h"
 #include "platform/BackendChoice.h"
+#include "platform/gnome/GnomePlatform.h"
 #include "platform/kwin/KWinPlatform.h"
 #include "platform/x11/X11Connection.h"
 #include "platform/x11/X11DisplayProbe.h"
@@ -144,22 +145,20 @@ BackendChoice chooseBackend() {
 struct StartedPlatform {
     std::unique_ptr<X11Platform> x11;
     std::unique_ptr<KWinPlatform> kwin;
+    std::unique_ptr<GnomePlatform> gnome;
 
-    const PlatformServices& services() const { return x11 ? x11->services() : kwin->services(); }
-    void install() { x11 ? x11->install() : kwin->install(); }
+    const PlatformServices& services() const {
+        return x11 ? x11->services() : kwin ? kwin->services() : gnome->services();
+    }
+    void install() { x11 ? x11->install() : kwin ? kwin->install() : gnome->install(); }
 };
 
 // Whether the backend can start before the toolkit does; says why not on standard error.
 bool backendCanStart(const BackendChoice& choice) {
     switch (choice.backend) {
         case Backend::KWin:
-            return true;
         case Backend::Gnome:
-            std::fputs(
-                "Lattica has no GNOME Shell backend yet. LATTICA_BACKEND=x11 moves X11 applications through "
-                "Xwayland.\n",
-                stderr);
-            return false;
+            return true;
         case Backend::X11:
         case Backend::Xwayland:
         case Backend::None:
@@ -177,6 +176,15 @@ std::optional<StartedPlatform> startPlatform(const BackendChoice& choice) {
         started.kwin = KWinPlatform::connect(&problem);
         if (!started.kwin) {
             std::fprintf(stderr, "Lattica: cannot reach KWin: %s.\n", qPrintable(problem));
+            return std::nullopt;
+        }
+        return started;
+    }
+    if (choice.backend == Backend::Gnome) {
+        QString problem;
+        started.gnome = GnomePlatform::connect(&problem);
+        if (!started.gnome) {
+            std::fprintf(stderr, "Lattica: cannot reach GNOME Shell: %s.\n", qPrintable(problem));
             return std::nullopt;
         }
         return started;
@@ -230,9 +238,9 @@ int runProgram(int argc, char** argv) {
     if (!backendCanStart(backend)) {
         return 1;
     }
-    // Through KWin the program is a native Wayland client; X11 backends draw through the X server they
-    // move windows on.
-    if (backend.backend != Backend::KWin) {
+    // Through KWin and GNOME Shell the program is a native Wayland client; X11 backends draw through the X
+    // server they move windows on.
+    if (backend.backend != Backend::KWin && backend.backend != Backend::Gnome) {
         qputenv("QT_QPA_PLATFORM", "xcb");
     }
     QApplication application(argc, argv);
@@ -260,7 +268,7 @@ int runProgram(int argc, char** argv) {
     }
     platform->install();
     quitOnTerminationSignals(application);
-    // On KWin the toolkit speaks Wayland; a lost compositor is the bridge's to report.
+    // On KWin and GNOME Shell the toolkit speaks Wayland; a lost compositor is the bridge's to report.
     g_display = platform->x11 ? &platform->x11->connection() : nullptr;
     std::atexit(reportLostDisplay);
 

@@ -27,4 +27,10 @@ if [ -x "$build/bench/kwin_bench" ]; then
 else
     echo "run-benchmarks: kwin_bench is not built in $build; skipped" >&2
 fi
+# GNOME Shell through the extension, on a headless shell with two monitors.
+if [ -x "$build/bench/gnome_bench" ] && command -v gnome-shell >/dev/null; then
+    "$root/scripts/virtual-gnome.sh" run --layout 1920x1080,1280x720 -- env QT_QPA_PLATFORM=wayland "$build/bench/gnome_bench" || status=1
+else
+    echo "run-benchmarks: gnome_bench is not built in $build or gnome-shell is missing; skipped" >&2
+fi
 exit $status

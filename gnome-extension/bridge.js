@@ -33,10 +33,25 @@ var BRIDGE_INTERFACE = `
     </method>
     <method name="Unminimize"><arg type="t" direction="in" name="id"/><arg type="s" direction="out" name="json"/></method>
     <method name="Activate"><arg type="t" direction="in" name="id"/><arg type="s" direction="out" name="json"/></method>
+    <method name="CaptureMonitor">
+      <arg type="i" direction="in" name="monitor"/><arg type="ay" direction="out" name="png"/>
+    </method>
+    <method name="GrabAccelerator">
+      <arg type="s" direction="in" name="accelerator"/><arg type="u" direction="out" name="action"/>
+    </method>
+    <method name="UngrabAccelerator"><arg type="u" direction="in" name="action"/></method>
+    <method name="AcceleratorFree">
+      <arg type="s" direction="in" name="accelerator"/><arg type="b" direction="out" name="free"/>
+    </method>
+    <signal name="AcceleratorPressed"><arg type="u" name="action"/></signal>
+    <signal name="AcceleratorReleased"><arg type="u" name="action"/></signal>
     <signal name="MonitorsChanged"/>
     <signal name="WindowsChanged"/>
   </interface>
 </node>`;
+
+// How often the modifiers are looked at while an accelerator is held: Mutter reports only its press.
+var RELEASE_POLL_MS = 8;
 
 // How long a move waits for the window to report its new frame before answering with what it has.
 var SETTLE_TIMEOUT_MS = 1000;
@@ -111,6 +126,23 @@ function monitorsOf(shell) {
     return monitors;
 }
 
+// The modifiers an accelerator ("<Control><Alt>0x0b") holds, one group of Clutter mask bits each: a
+// group is down when any of its bits is set (Super shows as SUPER or MOD4 depending on the keymap).
+function modifierGroupsOf(shell, accelerator) {
+    const masks = shell.Clutter.ModifierType;
+    const text = accelerator.toLowerCase();
+    const groups = [];
+    if (/<(control|ctrl|primary)>/.test(text))
+        groups.push(masks.CONTROL_MASK);
+    if (/<(alt|mod1)>/.test(text))
+        groups.push(masks.MOD1_MASK);
+    if (/<shift>/.test(text))
+        groups.push(masks.SHIFT_MASK);
+    if (/<(super|mod4)>/.test(text))
+        groups.push(masks.SUPER_MASK | masks.MOD4_MASK);
+    return groups;
+}
+
 var LatticaBridge = class LatticaBridge {
     constructor(shell) {
         this._shell = shell;
@@ -118,6 +150,9 @@ var LatticaBridge = class LatticaBridge {
         this._signals = [];
         this._latticaOwner = null;
         this._watch = 0;
+        // Grabbed accelerators by Mutter's action number, and the one whose release is awaited.
+        this._accelerators = new Map();
+        this._held = null;
     }
 
     enable() {
@@ -130,8 +165,11 @@ var LatticaBridge = class LatticaBridge {
                 this._latticaOwner = owner;
             },
             () => {
+                // Keys Lattica grabbed are given back when it goes, even when it ended without asking.
                 this._latticaOwner = null;
+                this._ungrabAll();
             });
+        this._connect(shell.display, 'accelerator-activated', (display, action) => this._onAccelerator(action));
         this._connect(shell.monitorManager, 'monitors-changed', () => this._emit('MonitorsChanged'));
         for (const name of ['window-created', 'restacked', 'notify::focus-window'])
             this._connect(shell.display, name, () => this._emit('WindowsChanged'));
@@ -143,6 +181,7 @@ var LatticaBridge = class LatticaBridge {
             this._watch = 0;
         }
         this._latticaOwner = null;
+        this._ungrabAll();
         for (const [object, id] of this._signals)
             object.disconnect(id);
         this._signals = [];
@@ -162,6 +201,130 @@ var LatticaBridge = class LatticaBridge {
     }
 
     Ping() {
+    }
+
+    // Accelerators. Mutter reports an accelerator's press only: its release is taken to be the moment
+    // the accelerator's modifiers stop being all held, looked at every RELEASE_POLL_MS after the press.
+    // An accelerator without modifiers is released at the first look. Presses of the held accelerator
+    // (the key tapped again, or repeating) are not reported again; another accelerator's press first
+    // releases the held one.
+    GrabAcceleratorAsync([accelerator], invocation) {
+        if (!this._allowed(invocation))
+            return;
+        this._return(invocation, '(u)', [this._grab(accelerator)]);
+    }
+
+    UngrabAcceleratorAsync([action], invocation) {
+        if (!this._allowed(invocation))
+            return;
+        if (this._accelerators.has(action))
+            this._ungrab(action);
+        invocation.return_value(null);
+    }
+
+    // Whether the accelerator can be grabbed: nothing else (the Shell's own key bindings included)
+    // holds it.
+    AcceleratorFreeAsync([accelerator], invocation) {
+        if (!this._allowed(invocation))
+            return;
+        const action = this._grab(accelerator);
+        if (action)
+            this._ungrab(action);
+        this._return(invocation, '(b)', [action !== 0]);
+    }
+
+    _grab(accelerator) {
+        const shell = this._shell;
+        const action = shell.display.grab_accelerator(accelerator, shell.Meta.KeyBindingFlags.NONE);
+        if (action === shell.Meta.KeyBindingAction.NONE)
+            return 0;
+        shell.allowKeybinding(shell.Meta.external_binding_name_for_action(action), true);
+        this._accelerators.set(action, modifierGroupsOf(shell, accelerator));
+        return action;
+    }
+
+    _ungrab(action) {
+        const shell = this._shell;
+        if (this._held && this._held.action === action)
+            this._endHold(false);
+        this._accelerators.delete(action);
+        shell.allowKeybinding(shell.Meta.external_binding_name_for_action(action), false);
+        shell.display.ungrab_accelerator(action);
+    }
+
+    _ungrabAll() {
+        for (const action of [...this._accelerators.keys()])
+            this._ungrab(action);
+    }
+
+    _onAccelerator(action) {
+        const groups = this._accelerators.get(action);
+        if (groups === undefined)
+            return;
+        if (this._held) {
+            if (this._held.action === action)
+                return;
+            this._endHold(true);
+        }
+        this._emitToLattica('AcceleratorPressed', action);
+        const shell = this._shell;
+        const held = {action, source: 0};
+        held.source = shell.GLib.timeout_add(shell.GLib.PRIORITY_HIGH, RELEASE_POLL_MS, () => {
+            const [, , modifiers] = shell.getPointer();
+            if (groups.length > 0 && groups.every(group => (modifiers & group) !== 0))
+                return shell.GLib.SOURCE_CONTINUE;
+            held.source = 0;
+            this._endHold(true);
+            return shell.GLib.SOURCE_REMOVE;
+        });
+        this._held = held;
+    }
+
+    _endHold(report) {
+        const held = this._held;
+        this._held = null;
+        if (held.source)
+            this._shell.GLib.source_remove(held.source);
+        if (report)
+            this._emitToLattica('AcceleratorReleased', held.action);
+    }
+
+    // Key signals go to Lattica alone, not to everyone on the bus.
+    _emitToLattica(name, action) {
+        if (this._latticaOwner === null)
+            return;
+        const shell = this._shell;
+        shell.Gio.DBus.session.emit_signal(this._latticaOwner, BRIDGE_PATH, 'app.lattica.Shell', name,
+            new shell.GLib.Variant('(u)', [action]));
+    }
+
+    // The monitor's picture as PNG, taken by the Shell's own screenshot code.
+    CaptureMonitorAsync([index], invocation) {
+        if (!this._allowed(invocation))
+            return;
+        const shell = this._shell;
+        if (index < 0 || index >= shell.display.get_n_monitors()) {
+            invocation.return_dbus_error('app.lattica.Shell.Error.NoSuchMonitor', `There is no monitor ${index}`);
+            return;
+        }
+        const rect = shell.display.get_monitor_geometry(index);
+        const stream = shell.Gio.MemoryOutputStream.new_resizable();
+        const screenshot = new shell.Screenshot();
+        try {
+            screenshot.screenshot_area(rect.x, rect.y, rect.width, rect.height, stream, (source, result) => {
+                try {
+                    screenshot.screenshot_area_finish(result);
+                    stream.close(null);
+                    const png = shell.GLib.Variant.new_from_bytes(new shell.GLib.VariantType('ay'),
+                        stream.steal_as_bytes(), true);
+                    invocation.return_value(shell.GLib.Variant.new_tuple([png]));
+                } catch (e) {
+                    invocation.return_dbus_error('app.lattica.Shell.Error.CaptureFailed', String(e));
+                }
+            });
+        } catch (e) {
+            invocation.return_dbus_error('app.lattica.Shell.Error.CaptureFailed', String(e));
+        }
     }
 
     // Whether the caller is Lattica; anyone else gets an access error.

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Entry for GNOME Shell 43 and 44, which load extensions through the legacy imports.
 /* exported init */
-const {Gio, GLib, Meta, Shell} = imports.gi;
+const {Clutter, Gio, GLib, Meta, Shell} = imports.gi;
 const Main = imports.ui.main;
 const Me = imports.misc.extensionUtils.getCurrentExtension();
 const {LatticaBridge} = Me.imports.bridge;
@@ -9,12 +9,17 @@ const {LatticaBridge} = Me.imports.bridge;
 class Extension {
     enable() {
         this._bridge = new LatticaBridge({
-            Gio, GLib, Meta,
+            Gio, GLib, Meta, Clutter,
             display: global.display,
             tracker: Shell.WindowTracker.get_default(),
             monitorManager: Meta.MonitorManager.get(),
             getWindowActors: () => global.get_window_actors(),
             activateWindow: window => Main.activateWindow(window),
+            getPointer: () => global.get_pointer(),
+            Screenshot: Shell.Screenshot,
+            allowKeybinding: (name, allowed) => Main.wm.allowKeybinding(name, allowed
+                ? Shell.ActionMode.NORMAL | Shell.ActionMode.OVERVIEW | Shell.ActionMode.POPUP
+                : Shell.ActionMode.NONE),
         });
         this._bridge.enable();
     }

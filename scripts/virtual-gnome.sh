@@ -5,19 +5,20 @@
 # different sizes, Xwayland on demand, and Lattica's Shell extension installed and enabled before the
 # shell starts. It stops exactly the processes it started.
 #
-#   virtual-gnome.sh start [--layout 1920x1080,1280x720] [--no-extension]
-#       starts a session and prints the variables that reach it (WAYLAND_DISPLAY,
+#   virtual-gnome.sh start [--layout 1920x1080,1280x720] [--no-extension | --extension-disabled]
+#       starts a session (--extension-disabled installs the extension without turning it on) and prints the variables that reach it (WAYLAND_DISPLAY,
 #       DBUS_SESSION_BUS_ADDRESS, DBUS_SYSTEM_BUS_ADDRESS, XDG_RUNTIME_DIR, HOME, XDG_CONFIG_HOME,
 #       XDG_DATA_HOME) and "STATE=<file>"
 #   virtual-gnome.sh stop STATE
 #       stops the session described by a state file
-#   virtual-gnome.sh run [--layout ...] [--no-extension] -- COMMAND [ARGS...]
+#   virtual-gnome.sh run [--layout ...] [--no-extension | --extension-disabled] -- COMMAND [ARGS...]
 #       starts a session, runs the command in it (with LATTICA_GNOME_LAYOUT set to the layout), stops
 #       the session and exits with the command's status
 set -uo pipefail
 
 LAYOUT=1920x1080,1280x720
 EXTENSION=1
+ENABLED=1
 READY_TIMEOUT=20   # seconds for any one step to become ready
 HERE=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 EXTENSION_SOURCE=$HERE/../gnome-extension
@@ -30,6 +31,7 @@ parse_options() {
         case "$1" in
             --layout) LAYOUT=$2; shift 2 ;;
             --no-extension) EXTENSION=0; shift ;;
+            --extension-disabled) ENABLED=0; shift ;;
             --) shift; REST=("$@"); return ;;
             *) log "unknown option $1"; exit 2 ;;
         esac
@@ -92,7 +94,7 @@ start_session() {
 
     if ((EXTENSION)); then
         install_extension
-        gsettings set org.gnome.shell enabled-extensions "['$EXTENSION_UUID']"
+        ((ENABLED)) && gsettings set org.gnome.shell enabled-extensions "['$EXTENSION_UUID']"
     fi
     gsettings set org.gnome.shell welcome-dialog-last-shown-version '999' 2>/dev/null || true
 
@@ -113,7 +115,7 @@ start_session() {
     if ! gdbus wait --session --timeout "$READY_TIMEOUT" org.gnome.Mutter.DisplayConfig; then
         log "timed out waiting for the shell's display configuration"; stop_session "$STATE"; return 1
     fi
-    if ((EXTENSION)) && ! wait_for_extension; then
+    if ((EXTENSION && ENABLED)) && ! wait_for_extension; then
         log "the extension did not answer; the shell's log:"; tail -20 "$root/shell.log" >&2
         stop_session "$STATE"; return 1
     fi

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Entry for GNOME Shell 45 and later, which load extensions as ES modules. The install step puts it
 // next to bridge-module.js, a copy of bridge.js that ends with an export of LatticaBridge.
+import Clutter from 'gi://Clutter';
 import Gio from 'gi://Gio';
 import GLib from 'gi://GLib';
 import Meta from 'gi://Meta';
@@ -13,12 +14,17 @@ import {LatticaBridge} from './bridge-module.js';
 export default class LatticaExtension extends Extension {
     enable() {
         this._bridge = new LatticaBridge({
-            Gio, GLib, Meta,
+            Gio, GLib, Meta, Clutter,
             display: global.display,
             tracker: Shell.WindowTracker.get_default(),
             monitorManager: global.backend.get_monitor_manager(),
             getWindowActors: () => global.get_window_actors(),
             activateWindow: window => Main.activateWindow(window),
+            getPointer: () => global.get_pointer(),
+            Screenshot: Shell.Screenshot,
+            allowKeybinding: (name, allowed) => Main.wm.allowKeybinding(name, allowed
+                ? Shell.ActionMode.NORMAL | Shell.ActionMode.OVERVIEW | Shell.ActionMode.POPUP
+                : Shell.ActionMode.NONE),
         });
         this._bridge.enable();
     }

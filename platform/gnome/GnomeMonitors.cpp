@@ -2,6 +2,7 @@
 #include "platform/gnome/GnomeMonitors.h"
 
 #include <QCryptographicHash>
+#include <QImage>
 #include <algorithm>
 
 #include "platform/gnome/GnomeDisplayConfig.h"
@@ -53,8 +54,35 @@ QList<Monitor> GnomeMonitors::monitors() {
     return monitors;
 }
 
-QImage GnomeMonitors::capture(MonitorId) {
-    return {};
+QImage GnomeMonitors::capture(MonitorId id) {
+    const int index = shellIndexOf(id);
+    if (index < 0) {
+        setCaptureProblem(QStringLiteral("the monitor is not connected"));
+        return {};
+    }
+    QString problem;
+    const std::optional<QByteArray> png = m_bridge.captureMonitor(index, &problem);
+    if (!png) {
+        setCaptureProblem(problem.isEmpty() ? QStringLiteral("the extension did not answer") : problem);
+        return {};
+    }
+    QImage image = QImage::fromData(*png, "PNG");
+    if (image.isNull()) {
+        setCaptureProblem(QStringLiteral("the Shell's picture could not be read"));
+        return {};
+    }
+    setCaptureProblem({});
+    return image;
+}
+
+QString GnomeMonitors::lastCaptureProblem() const {
+    const QMutexLocker lock(&m_mutex);
+    return m_captureProblem;
+}
+
+void GnomeMonitors::setCaptureProblem(const QString& problem) {
+    const QMutexLocker lock(&m_mutex);
+    m_captureProblem = problem;
 }
 
 int GnomeMonitors::shellIndexOf(MonitorId id) {

@@ -8,10 +8,10 @@
 
 class GnomeShellBridge;
 
-// The platform services on GNOME Shell's Wayland session, through Lattica's Shell extension: monitors,
-// windows, applications, window control and the session check. Settings, autostart, links and system
-// facts are the shared XDG ones. Hot keys, the keyboard layout, the tray and the program's own windows
-// are not served on GNOME yet: those pointers stay empty.
+// Every platform service on GNOME Shell's Wayland session, through Lattica's Shell extension: monitors
+// and their pictures, windows, applications, window control, accelerators, our own windows and the
+// session check. Settings, autostart, links and system facts are the shared XDG ones; the keyboard layout
+// is read through Xwayland when there is one.
 class GnomePlatform {
 public:
     // Nothing when the extension does not answer; why is then in *problem.

@@ -5,6 +5,7 @@
 #include <QDBusMessage>
 #include <QDBusVariant>
 
+#include "platform/gnome/GnomeMonitors.h"
 #include "platform/gnome/GnomeShellBridge.h"
 
 namespace {
@@ -91,9 +92,13 @@ CapabilityCheck GnomeSessionCheck::screenCaptureFor(const Facts& facts) {
     if (!facts.answering || facts.refused) {
         return windowControlFor(facts);
     }
+    if (facts.captured) {
+        return {Availability::Available, {}};
+    }
     return {Availability::Unavailable,
-            QStringLiteral("Lattica cannot take pictures of the monitors on GNOME yet: the panel shows each monitor "
-                           "without a preview.")};
+            QStringLiteral("GNOME Shell did not take a picture of the monitors (%1): the panel shows each monitor "
+                           "without a preview. Log out and back in if Lattica's extension was updated since.")
+                .arg(facts.captureProblem.isEmpty() ? QStringLiteral("no picture came back") : facts.captureProblem)};
 }
 
 GnomeSessionCheck::Facts GnomeSessionCheck::facts() const {
@@ -113,7 +118,13 @@ CapabilityCheck GnomeSessionCheck::windowControl() {
 }
 
 CapabilityCheck GnomeSessionCheck::screenCapture() {
-    return screenCaptureFor(facts());
+    Facts facts = this->facts();
+    if (facts.answering && !facts.refused) {
+        const QList<Monitor> monitors = m_monitors.monitors();
+        facts.captured = !monitors.isEmpty() && !m_monitors.capture(monitors.constFirst().id).isNull();
+        facts.captureProblem = m_monitors.lastCaptureProblem();
+    }
+    return screenCaptureFor(facts);
 }
 
 QUrl GnomeSessionCheck::helpPage(Capability) {

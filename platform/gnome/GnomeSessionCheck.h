@@ -3,6 +3,7 @@
 
 #include "platform/SessionCheck.h"
 
+class GnomeMonitors;
 class GnomeShellBridge;
 
 // What works on GNOME Shell (Wayland) through Lattica's Shell extension.
@@ -15,13 +16,15 @@ public:
         bool answering = false;  // the extension answers on the bus
         bool refused = false;    // it answers, but not this process: another one owns Lattica's bus name
         ExtensionState state = ExtensionState::Unknown;
+        bool captured = false;   // a monitor's picture came back
+        QString captureProblem;  // why not, in the Shell's words
     };
     static CapabilityCheck windowControlFor(const Facts& facts);
     static CapabilityCheck screenCaptureFor(const Facts& facts);
     // Asks GNOME Shell (org.gnome.Shell.Extensions) about the extension.
     static ExtensionState extensionState(const GnomeShellBridge& bridge);
 
-    explicit GnomeSessionCheck(GnomeShellBridge& bridge) : m_bridge(bridge) {}
+    GnomeSessionCheck(GnomeShellBridge& bridge, GnomeMonitors& monitors) : m_bridge(bridge), m_monitors(monitors) {}
 
     CapabilityCheck windowControl() override;
     CapabilityCheck screenCapture() override;
@@ -31,4 +34,5 @@ private:
     Facts facts() const;
 
     GnomeShellBridge& m_bridge;
+    GnomeMonitors& m_monitors;
 };

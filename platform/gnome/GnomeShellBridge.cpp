@@ -36,13 +36,22 @@ std::unique_ptr<GnomeShellBridge> GnomeShellBridge::connect(QString* problem) {
 GnomeShellBridge::GnomeShellBridge(const QDBusConnection& bus) : m_bus(bus) {
     m_bus.connect(kService, kPath, kInterface, QStringLiteral("MonitorsChanged"), this, SIGNAL(monitorsChanged()));
     m_bus.connect(kService, kPath, kInterface, QStringLiteral("WindowsChanged"), this, SIGNAL(windowsChanged()));
+    // Sent to Lattica's connection alone.
+    m_bus.connect(kService, kPath, kInterface, QStringLiteral("AcceleratorPressed"), this,
+                  SIGNAL(acceleratorPressed(uint)));
+    m_bus.connect(kService, kPath, kInterface, QStringLiteral("AcceleratorReleased"), this,
+                  SIGNAL(acceleratorReleased(uint)));
 }
 
-std::optional<QVariantList> GnomeShellBridge::call(const QString& method, const QVariantList& arguments) const {
+std::optional<QVariantList> GnomeShellBridge::call(const QString& method, const QVariantList& arguments,
+                                                   QString* error) const {
     QDBusMessage message = QDBusMessage::createMethodCall(kService, kPath, kInterface, method);
     message.setArguments(arguments);
     const QDBusMessage reply = m_bus.call(message, QDBus::Block, kCallTimeoutMs);
     if (reply.type() != QDBusMessage::ReplyMessage) {
+        if (error) {
+            *error = reply.errorMessage().isEmpty() ? reply.errorName() : reply.errorMessage();
+        }
         return std::nullopt;
     }
     return reply.arguments();
@@ -105,4 +114,29 @@ GnomeChangeAnswer GnomeShellBridge::unminimize(quint64 window) const {
 
 GnomeChangeAnswer GnomeShellBridge::activate(quint64 window) const {
     return change(QStringLiteral("Activate"), {QVariant::fromValue(window)});
+}
+
+std::optional<QByteArray> GnomeShellBridge::captureMonitor(int monitor, QString* problem) const {
+    const std::optional<QVariantList> reply = call(QStringLiteral("CaptureMonitor"), {monitor}, problem);
+    if (!reply || reply->isEmpty()) {
+        return std::nullopt;
+    }
+    return reply->constFirst().toByteArray();
+}
+
+uint GnomeShellBridge::grabAccelerator(const QString& accelerator) const {
+    const std::optional<QVariantList> reply = call(QStringLiteral("GrabAccelerator"), {accelerator});
+    return reply && !reply->isEmpty() ? reply->constFirst().toUInt() : 0;
+}
+
+void GnomeShellBridge::ungrabAccelerator(uint action) const {
+    call(QStringLiteral("UngrabAccelerator"), {action});
+}
+
+std::optional<bool> GnomeShellBridge::acceleratorFree(const QString& accelerator) const {
+    const std::optional<QVariantList> reply = call(QStringLiteral("AcceleratorFree"), {accelerator});
+    if (!reply || reply->isEmpty()) {
+        return std::nullopt;
+    }
+    return reply->constFirst().toBool();
 }

@@ -32,15 +32,26 @@ public:
     GnomeChangeAnswer setMaximized(quint64 window, bool maximized) const;
     GnomeChangeAnswer unminimize(quint64 window) const;
     GnomeChangeAnswer activate(quint64 window) const;
+    // The monitor's picture as PNG, by the Shell's index; nothing with the Shell's error in *problem.
+    std::optional<QByteArray> captureMonitor(int monitor, QString* problem = nullptr) const;
+    // Grabs a Mutter accelerator ("<Control><Alt>0x0b"); its action number, 0 when it is taken or the
+    // extension does not answer. Presses and releases then arrive as acceleratorPressed/Released.
+    uint grabAccelerator(const QString& accelerator) const;
+    void ungrabAccelerator(uint action) const;
+    // Whether nothing holds the accelerator; nothing when the extension does not answer.
+    std::optional<bool> acceleratorFree(const QString& accelerator) const;
 
     QDBusConnection bus() const { return m_bus; }
 
 Q_SIGNALS:
     void monitorsChanged();
     void windowsChanged();
+    void acceleratorPressed(uint action);
+    void acceleratorReleased(uint action);
 
 private:
-    std::optional<QVariantList> call(const QString& method, const QVariantList& arguments = {}) const;
+    std::optional<QVariantList> call(const QString& method, const QVariantList& arguments = {},
+                                     QString* error = nullptr) const;
     GnomeChangeAnswer change(const QString& method, const QVariantList& arguments) const;
 
     QDBusConnection m_bus;

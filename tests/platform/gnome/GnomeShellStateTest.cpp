@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
 
+#include "platform/gnome/GnomeAccelerators.h"
 #include "platform/gnome/GnomeRunningApplications.h"
 #include "platform/gnome/GnomeSessionCheck.h"
 #include "platform/gnome/GnomeShellState.h"
@@ -128,8 +129,38 @@ TEST(GnomeSessionCheckWording, EachExtensionStateSaysWhatToDo) {
     EXPECT_TRUE(disabled.explanation.contains(QLatin1String("gnome-extensions enable lattica@lattica.app")));
     const CapabilityCheck failed = GnomeSessionCheck::windowControlFor({false, false, State::Failed});
     EXPECT_TRUE(failed.explanation.contains(QLatin1String("could not start")));
-    EXPECT_EQ(GnomeSessionCheck::screenCaptureFor({true, false, State::Enabled}).availability,
-              Availability::Unavailable);
+}
+
+TEST(GnomeSessionCheckWording, ACaptureThatFailedSaysTheShellsReason) {
+    using State = GnomeSessionCheck::ExtensionState;
+    EXPECT_EQ(GnomeSessionCheck::screenCaptureFor({true, false, State::Enabled, true, {}}).availability,
+              Availability::Available);
+    const CapabilityCheck failed =
+        GnomeSessionCheck::screenCaptureFor({true, false, State::Enabled, false, QStringLiteral("stage not painted")});
+    EXPECT_EQ(failed.availability, Availability::Unavailable);
+    EXPECT_TRUE(failed.explanation.contains(QLatin1String("(stage not painted)"))) << failed.explanation.toStdString();
+    EXPECT_TRUE(failed.explanation.contains(QLatin1String("without a preview")));
+    // Without the extension, capture fails for the same reason window control does.
+    EXPECT_EQ(GnomeSessionCheck::screenCaptureFor({false, false, State::Missing}),
+              GnomeSessionCheck::windowControlFor({false, false, State::Missing}));
+}
+
+}  // namespace
+
+namespace {
+
+TEST(GnomeAcceleratorText, NamesTheModifiersAndThePhysicalKeysKeycode) {
+    // Carbon 19 is the "2" key: evdev 3, keycode 11.
+    const auto controlOptionTwo = GnomeAccelerators::accelerator(19, 0x1000 | 0x800);
+    ASSERT_TRUE(std::holds_alternative<QString>(controlOptionTwo));
+    EXPECT_EQ(std::get<QString>(controlOptionTwo), QStringLiteral("<Control><Alt>0x0b"));
+    // Command is Super; shift keeps its name; Carbon 0 is "A": evdev 30, keycode 0x26.
+    const auto commandShiftA = GnomeAccelerators::accelerator(0, 0x100 | 0x200);
+    ASSERT_TRUE(std::holds_alternative<QString>(commandShiftA));
+    EXPECT_EQ(std::get<QString>(commandShiftA), QStringLiteral("<Shift><Super>0x26"));
+    const auto function = GnomeAccelerators::accelerator(19, 1U << 17);
+    ASSERT_TRUE(std::holds_alternative<HotKeys::Failure>(function));
+    EXPECT_EQ(std::get<HotKeys::Failure>(function).error, HotKeys::Error::unsupportedModifier);
 }
 
 }  // namespace
