@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "app/commands/CommandTable.h"
 
+#include <QCoreApplication>
+
 namespace {
 
 using CommandTable::Command;
@@ -21,20 +23,20 @@ QList<Command> describeCommands() {
          .method = QStringLiteral("Displays"),
          .reply = Reply::Listing,
          .usage = QStringLiteral("displays"),
-         .summary = QStringLiteral("List the monitors."),
+         .summary = QStringLiteral(QT_TRANSLATE_NOOP("CommandTable", "List the monitors.")),
          .run = [](const CommandService& service, const CommandArguments&) { return service.displays(); }},
         {.word = QStringLiteral("windows"),
          .method = QStringLiteral("Windows"),
          .reply = Reply::Listing,
          .usage = QStringLiteral("windows"),
-         .summary = QStringLiteral("List the windows, front to back."),
+         .summary = QStringLiteral(QT_TRANSLATE_NOOP("CommandTable", "List the windows, front to back.")),
          .run = [](const CommandService& service, const CommandArguments&) { return service.windows(); }},
         {.word = QStringLiteral("move-focused"),
          .method = QStringLiteral("MoveFocused"),
          .parameters = {kTo, kSize},
          .reply = Reply::Moves,
          .usage = QStringLiteral("move-focused --to TARGET"),
-         .summary = QStringLiteral("Move the focused window."),
+         .summary = QStringLiteral(QT_TRANSLATE_NOOP("CommandTable", "Move the focused window.")),
          .run = [](const CommandService& service,
                    const CommandArguments& arguments) { return service.moveFocused(arguments.to, arguments.size); }},
         {.word = QStringLiteral("move-all"),
@@ -42,7 +44,7 @@ QList<Command> describeCommands() {
          .parameters = {kFrom, kTo, kSize},
          .reply = Reply::Moves,
          .usage = QStringLiteral("move-all --from TARGET --to TARGET"),
-         .summary = QStringLiteral("Move every window of one monitor."),
+         .summary = QStringLiteral(QT_TRANSLATE_NOOP("CommandTable", "Move every window of one monitor.")),
          .run =
              [](const CommandService& service, const CommandArguments& arguments) {
                  return service.moveAll(arguments.from, arguments.to, arguments.size);
@@ -52,9 +54,10 @@ QList<Command> describeCommands() {
          .parameters = {kApplication, kTo, kSize},
          .reply = Reply::Moves,
          .positional = {Field::Application},
-         .positionalNeed = QStringLiteral("the application's name or process id"),
+         .positionalNeed = QStringLiteral(QT_TRANSLATE_NOOP("CommandTable", "the application's name or process id")),
          .usage = QStringLiteral("move-app APP --to TARGET"),
-         .summary = QStringLiteral("Move every window of an application (name or process id)."),
+         .summary = QStringLiteral(
+             QT_TRANSLATE_NOOP("CommandTable", "Move every window of an application (name or process id).")),
          .run =
              [](const CommandService& service, const CommandArguments& arguments) {
                  return service.moveApplication(arguments.application, arguments.to, arguments.size);
@@ -64,9 +67,9 @@ QList<Command> describeCommands() {
          .parameters = {kFirst, kSecond, kSize},
          .reply = Reply::Moves,
          .positional = {Field::From, Field::To},
-         .positionalNeed = QStringLiteral("two monitors: swap TARGET TARGET"),
+         .positionalNeed = QStringLiteral(QT_TRANSLATE_NOOP("CommandTable", "two monitors: swap TARGET TARGET")),
          .usage = QStringLiteral("swap TARGET TARGET"),
-         .summary = QStringLiteral("Exchange the windows of two monitors."),
+         .summary = QStringLiteral(QT_TRANSLATE_NOOP("CommandTable", "Exchange the windows of two monitors.")),
          .run =
              [](const CommandService& service, const CommandArguments& arguments) {
                  return service.swap(arguments.from, arguments.to, arguments.size);
@@ -74,17 +77,17 @@ QList<Command> describeCommands() {
         {.word = QStringLiteral("panel"),
          .method = QStringLiteral("OpenPanel"),
          .usage = QStringLiteral("panel"),
-         .summary = QStringLiteral("Open the panel of the running Lattica."),
+         .summary = QStringLiteral(QT_TRANSLATE_NOOP("CommandTable", "Open the panel of the running Lattica.")),
          .action = &InstanceActions::openPanel},
         {.word = QStringLiteral("settings"),
          .method = QStringLiteral("OpenSettings"),
          .usage = QStringLiteral("settings"),
-         .summary = QStringLiteral("Open the settings of the running Lattica."),
+         .summary = QStringLiteral(QT_TRANSLATE_NOOP("CommandTable", "Open the settings of the running Lattica.")),
          .action = &InstanceActions::openSettings},
         {.word = QStringLiteral("quit"),
          .method = QStringLiteral("Quit"),
          .usage = QStringLiteral("quit"),
-         .summary = QStringLiteral("End the running Lattica."),
+         .summary = QStringLiteral(QT_TRANSLATE_NOOP("CommandTable", "End the running Lattica.")),
          .action = &InstanceActions::quit},
     };
 }
@@ -117,6 +120,10 @@ bool CommandTable::Command::takes(Field field) const {
 const QList<Command>& CommandTable::commands() {
     static const QList<Command> table = describeCommands();
     return table;
+}
+
+QString CommandTable::translated(const QString& sentence) {
+    return QCoreApplication::translate("CommandTable", sentence.toUtf8().constData());
 }
 
 const Command* CommandTable::withWord(const QString& word) {

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "platform/gnome/GnomeSessionCheck.h"
 
+#include <QCoreApplication>
+
 #include <QDBusArgument>
 #include <QDBusMessage>
 #include <QDBusVariant>
@@ -54,8 +56,10 @@ GnomeSessionCheck::ExtensionState GnomeSessionCheck::extensionState(const GnomeS
 CapabilityCheck GnomeSessionCheck::windowControlFor(const Facts& facts) {
     if (facts.answering && facts.refused) {
         return {Availability::Unavailable,
-                QStringLiteral("Lattica's GNOME Shell extension answers only the running Lattica, and this copy is "
-                               "not it. Quit the other copy of Lattica, then start Lattica again.")};
+                QCoreApplication::translate(
+                    "GnomeSessionCheck",
+                    "Lattica's GNOME Shell extension answers only the running Lattica, and this copy is "
+                    "not it. Quit the other copy of Lattica, then start Lattica again.")};
     }
     if (facts.answering) {
         return {Availability::Available, {}};
@@ -63,27 +67,35 @@ CapabilityCheck GnomeSessionCheck::windowControlFor(const Facts& facts) {
     switch (facts.state) {
         case ExtensionState::Missing:
             return {Availability::Unavailable,
-                    QStringLiteral("Lattica's GNOME Shell extension (%1) is not installed. GNOME lets only a Shell "
-                                   "extension move other applications' windows: install Lattica's package, log out "
-                                   "and back in once, then start Lattica again.")
+                    QCoreApplication::translate(
+                        "GnomeSessionCheck",
+                        "Lattica's GNOME Shell extension (%1) is not installed. GNOME lets only a Shell "
+                        "extension move other applications' windows: install Lattica's package, log out "
+                        "and back in once, then start Lattica again.")
                         .arg(extensionName())};
         case ExtensionState::Disabled:
             return {Availability::Unavailable,
-                    QStringLiteral("Lattica's GNOME Shell extension is installed but turned off. Turn it on in the "
-                                   "Extensions application, or run: gnome-extensions enable %1")
+                    QCoreApplication::translate(
+                        "GnomeSessionCheck",
+                        "Lattica's GNOME Shell extension is installed but turned off. Turn it on in the "
+                        "Extensions application, or run: gnome-extensions enable %1")
                         .arg(extensionName())};
         case ExtensionState::Failed:
             return {Availability::Unavailable,
-                    QStringLiteral("GNOME Shell could not start Lattica's extension (%1). Check that the installed "
-                                   "extension matches this version of GNOME, then log out and back in.")
+                    QCoreApplication::translate(
+                        "GnomeSessionCheck",
+                        "GNOME Shell could not start Lattica's extension (%1). Check that the installed "
+                        "extension matches this version of GNOME, then log out and back in.")
                         .arg(extensionName())};
         case ExtensionState::Enabled:
         case ExtensionState::Unknown:
             break;
     }
     return {Availability::Unavailable,
-            QStringLiteral("Lattica's GNOME Shell extension (%1) does not answer. Log out and back in, then start "
-                           "Lattica again.")
+            QCoreApplication::translate(
+                "GnomeSessionCheck",
+                "Lattica's GNOME Shell extension (%1) does not answer. Log out and back in, then start "
+                "Lattica again.")
                 .arg(extensionName())};
 }
 
@@ -92,8 +104,10 @@ CapabilityCheck GnomeSessionCheck::screenCaptureFor(const Facts& facts) {
         return windowControlFor(facts);
     }
     return {Availability::Unavailable,
-            QStringLiteral("Lattica cannot take pictures of the monitors on GNOME yet: the panel shows each monitor "
-                           "without a preview.")};
+            QCoreApplication::translate(
+                "GnomeSessionCheck",
+                "Lattica cannot take pictures of the monitors on GNOME yet: the panel shows each monitor "
+                "without a preview.")};
 }
 
 GnomeSessionCheck::Facts GnomeSessionCheck::facts() const {

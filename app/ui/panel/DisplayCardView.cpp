@@ -215,7 +215,8 @@ void DisplayCardView::updateWindowCount() {
         m_windowCountLabel->setText(tr("Counting windows..."));
     } else {
         const int count = *m_display.visibleWindowCount;
-        m_windowCountLabel->setText(count == 1 ? tr("1 visible window") : tr("%1 visible windows").arg(count));
+        // English keeps its singular as a text of its own; other languages word every count in the plural text.
+        m_windowCountLabel->setText(count == 1 ? tr("1 visible window") : tr("%n visible windows", nullptr, count));
     }
     setAccessibleDescription(m_windowCountLabel->text());
     m_previewArea->setAccessibleDescription(m_display.name + QStringLiteral(", ") + m_windowCountLabel->text());
@@ -227,7 +228,7 @@ void DisplayCardView::updateMoveButtonNames() {
     QString windows = tr("the visible windows");
     if (m_display.visibleWindowCount.has_value()) {
         const int count = *m_display.visibleWindowCount;
-        windows = count == 1 ? tr("1 window") : tr("%1 windows").arg(count);
+        windows = count == 1 ? tr("1 window") : tr("%n windows", nullptr, count);
     }
     for (QPushButton* button : m_moveControls->findChildren<QPushButton*>(QStringLiteral("moveTargetButton"))) {
         button->setAccessibleName(tr("Move %1 from screen %2 to %3")

@@ -30,7 +30,7 @@ ShortcutRecorderRow::ShortcutRecorderRow(const ShortcutDisplayItem& item, Keyboa
         m_deleteButton = new QToolButton(this);
         m_deleteButton->setObjectName(QStringLiteral("deleteShortcutMapping"));
         m_deleteButton->setIcon(SettingsSymbols::icon(QStringLiteral("trash")));
-        m_deleteButton->setToolTip(QStringLiteral("Delete shortcut mapping for this disconnected screen"));
+        m_deleteButton->setToolTip(tr("Delete shortcut mapping for this disconnected screen"));
         m_deleteButton->setAccessibleName(m_deleteButton->toolTip());
         m_deleteButton->setAutoRaise(true);
         m_deleteButton->setFixedSize(kDeleteButtonSize, kDeleteButtonSize);
