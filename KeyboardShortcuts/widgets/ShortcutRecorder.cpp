@@ -88,7 +88,14 @@ bool ShortcutRecorder::isRecording() const {
 }
 
 QSize ShortcutRecorder::sizeHint() const {
-    return QSize(static_cast<int>(minimumWidth), QLineEdit::sizeHint().height());
+    // Wide enough for the longer prompt in the user's language, and never narrower than the usual field.
+    const QFontMetrics metrics = fontMetrics();
+    const int prompt =
+        std::max(metrics.horizontalAdvance(tr("Record Shortcut")), metrics.horizontalAdvance(tr("Press Shortcut")));
+    const int frame = 2 * style()->pixelMetric(QStyle::PM_DefaultFrameWidth, nullptr, this);
+    constexpr int kTextPadding = 12;
+    return QSize(std::max(static_cast<int>(minimumWidth), prompt + frame + kTextPadding),
+                 QLineEdit::sizeHint().height());
 }
 
 QSize ShortcutRecorder::minimumSizeHint() const {

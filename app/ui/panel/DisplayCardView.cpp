@@ -19,6 +19,24 @@
 
 namespace {
 
+// The text broken into lines at spaces so that each line is at most width wide, for a button, which cannot
+// wrap by itself; a word wider than that keeps a line of its own.
+QString wrappedToWidth(const QString& text, const QFontMetrics& metrics, int width) {
+    QStringList lines;
+    QString line;
+    for (const QString& word : text.split(QLatin1Char(' '))) {
+        const QString longer = line.isEmpty() ? word : line + QLatin1Char(' ') + word;
+        if (!line.isEmpty() && metrics.horizontalAdvance(longer) > width) {
+            lines.append(line);
+            line = word;
+        } else {
+            line = longer;
+        }
+    }
+    lines.append(line);
+    return lines.join(QLatin1Char('\n'));
+}
+
 constexpr int kPadding = 8;
 constexpr int kPreviewCornerRadius = 6;
 constexpr int kCardCornerRadius = 10;
@@ -263,7 +281,8 @@ void DisplayCardView::rebuildMoveControls() {
 
     QFont headingFont = ViewStyle::captionFont();
     headingFont.setWeight(QFont::DemiBold);
-    m_moveControlsLayout->addWidget(ViewStyle::makeLabel(tr("Move visible windows to:"), headingFont, m_moveControls));
+    m_moveControlsLayout->addWidget(
+        ViewStyle::makeLabel(tr("Move visible windows to:"), headingFont, m_moveControls, false, true));
     for (const DisplaySnapshot& target : others) {
         auto* button =
             new QPushButton(SymbolIcons::icon(screenNumberSymbol(target.index)), target.name, m_moveControls);
@@ -371,6 +390,15 @@ void DisplayCardView::elideTexts() {
         const QString full = button->property("fullText").toString();
         const int available = button->width() - button->iconSize().width() - 28;
         button->setText(available > 0 ? button->fontMetrics().elidedText(full, Qt::ElideRight, available) : full);
+    }
+    // A translation longer than the card breaks into lines rather than being cut.
+    const QString appMenuText = tr("Move app windows...");
+    m_appMenuButton->setText(appMenuText);
+    const int padding =
+        m_appMenuButton->sizeHint().width() - m_appMenuButton->fontMetrics().horizontalAdvance(appMenuText);
+    if (m_appMenuButton->width() > padding) {
+        m_appMenuButton->setText(
+            wrappedToWidth(appMenuText, m_appMenuButton->fontMetrics(), m_appMenuButton->width() - padding));
     }
 }
 

@@ -53,7 +53,8 @@ ShortcutRecorderRow::ShortcutRecorderRow(const QString& label, const QString& sh
 
 QHBoxLayout* ShortcutRecorderRow::build(const QString& label, const QString& shortcutName,
                                         KeyboardShortcuts::ActionShortcuts& shortcuts) {
-    m_label = ViewStyle::makeLabel(label, ViewStyle::bodyFont(), this);
+    // Long names and translations wrap instead of widening the page.
+    m_label = ViewStyle::makeLabel(label, ViewStyle::bodyFont(), this, false, true);
     m_label->setObjectName(QStringLiteral("shortcutRowLabel"));
 
     // The layout adopts it.
