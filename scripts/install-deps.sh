@@ -22,6 +22,8 @@ PACKAGES=(
   # GNOME Shell, headless, for the GNOME backend's tests (scripts/virtual-gnome.sh); gjs parses the Shell
   # extension's entry files
   gnome-shell gjs
+  # The accessibility bus and a Python AT-SPI client, to use the panel as a screen reader does
+  at-spi2-core python3-gi gir1.2-atspi-2.0
   # Qt's own texts (the command line's "Usage:", standard buttons) in the user's language
   qt6-translations-l10n
 )
