@@ -391,14 +391,17 @@ void DisplayCardView::elideTexts() {
         const int available = button->width() - button->iconSize().width() - 28;
         button->setText(available > 0 ? button->fontMetrics().elidedText(full, Qt::ElideRight, available) : full);
     }
-    // A translation longer than the card breaks into lines rather than being cut.
-    const QString appMenuText = tr("Move app windows...");
-    m_appMenuButton->setText(appMenuText);
+    // A translation longer than the card breaks into lines rather than being cut. The text changes only
+    // when its lines do, so that a resize does not lay the card out again for nothing.
+    const QFontMetrics metrics = m_appMenuButton->fontMetrics();
     const int padding =
-        m_appMenuButton->sizeHint().width() - m_appMenuButton->fontMetrics().horizontalAdvance(appMenuText);
-    if (m_appMenuButton->width() > padding) {
-        m_appMenuButton->setText(
-            wrappedToWidth(appMenuText, m_appMenuButton->fontMetrics(), m_appMenuButton->width() - padding));
+        m_appMenuButton->sizeHint().width() - metrics.size(Qt::TextShowMnemonic, m_appMenuButton->text()).width();
+    const QString appMenuText = tr("Move app windows...");
+    const QString lines = m_appMenuButton->width() > padding
+                              ? wrappedToWidth(appMenuText, metrics, m_appMenuButton->width() - padding)
+                              : appMenuText;
+    if (lines != m_appMenuButton->text()) {
+        m_appMenuButton->setText(lines);
     }
 }
 
