@@ -197,6 +197,10 @@ std::optional<StartedPlatform> startPlatform(const BackendChoice& choice) {
     return started;
 }
 
+void printLine(const QString& line) {
+    std::fputs(qPrintable(line + QLatin1Char('\n')), stdout);
+}
+
 int printed(const CommandLine::Printed& output) {
     std::fputs(output.standardOutput.toLocal8Bit().constData(), stdout);
     std::fputs(output.standardError.toLocal8Bit().constData(), stderr);
@@ -207,13 +211,15 @@ int printed(const CommandLine::Printed& output) {
 int runCommand(int argc, char** argv, const CommandLine::Request& request) {
     SessionBusAutoLaunch::preventWhenNoBus();
     QCoreApplication application(argc, argv);
+    Translations::install();
     const auto [method, arguments] = CommandLine::busCall(request);
     if (std::optional<CommandResult> answer = CommandClient::call(method, arguments)) {
         return printed(CommandLine::print(request, *answer));
     }
     const CommandTable::Command* command = CommandTable::withWord(request.command);
     if (!command || !command->run) {
-        CommandResult notRunning = CommandResult::moves(0, 0, QStringLiteral("Lattica is not running."));
+        CommandResult notRunning =
+            CommandResult::moves(0, 0, QCoreApplication::translate("main", "Lattica is not running."));
         return printed(CommandLine::print(request, notRunning));
     }
     const BackendChoice backend = chooseBackend();
@@ -255,9 +261,9 @@ int runProgram(int argc, char** argv) {
     SingleInstance instance;
     if (instance.claim() == SingleInstance::Claim::AnotherIsRunning) {
         if (CommandClient::call(QStringLiteral("OpenPanel"), {})) {
-            std::fputs("Lattica is already running; its panel is open.\n", stdout);
+            printLine(QCoreApplication::translate("main", "Lattica is already running; its panel is open."));
         } else {
-            std::fputs("Lattica is already running.\n", stdout);
+            printLine(QCoreApplication::translate("main", "Lattica is already running."));
         }
         return 0;
     }
@@ -314,15 +320,20 @@ int main(int argc, char** argv) {
     switch (request.kind) {
         case CommandLine::Request::Kind::Help: {
             const QCoreApplication application(argc, argv);
+            Translations::install();
             std::fputs(CommandLine::helpText().toLocal8Bit().constData(), stdout);
             return 0;
         }
         case CommandLine::Request::Kind::Version:
             std::fputs(request.output.toLocal8Bit().constData(), stdout);
             return 0;
-        case CommandLine::Request::Kind::BadArguments:
-            std::fputs(request.output.toLocal8Bit().constData(), stderr);
+        case CommandLine::Request::Kind::BadArguments: {
+            // Parsed again once the translations are in, so that the message is in the user's language.
+            const QCoreApplication application(argc, argv);
+            Translations::install();
+            std::fputs(CommandLine::parse(arguments).output.toLocal8Bit().constData(), stderr);
             return 2;
+        }
         case CommandLine::Request::Kind::Command:
             return runCommand(argc, argv, request);
         case CommandLine::Request::Kind::StartProgram:

@@ -29,5 +29,7 @@ Lattica works on X11 desktops with an EWMH window manager.")
 # which Qt finds no icon in the theme.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_DEPENDS "libqt6svg6, hicolor-icon-theme")
+# Qt's own texts in the user's language (Lattica's are compiled in).
+set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "qt6-translations-l10n")
 
 include(CPack)

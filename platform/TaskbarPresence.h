@@ -3,6 +3,12 @@
 
 // Whether this program's windows show in the desktop's taskbar (and pager). A tray utility usually
 // keeps out of it; the user may ask for it.
+//
+// A window the user opened to work in (the settings, the permission guide) stays in the taskbar and in
+// Alt+Tab while it is open, whatever the choice: its QWindow carries this property, set to true before the
+// window is first shown.
+inline constexpr char kAlwaysInTaskbarProperty[] = "latticaAlwaysInTaskbar";
+
 class TaskbarPresence {
 public:
     TaskbarPresence() = default;

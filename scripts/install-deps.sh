@@ -24,6 +24,10 @@ PACKAGES=(
   gnome-shell gjs
   # libdbus, for the `lattica` launcher that calls the running instance without loading Qt
   libdbus-1-dev
+  # The accessibility bus and a Python AT-SPI client, to use the panel as a screen reader does
+  at-spi2-core python3-gi gir1.2-atspi-2.0
+  # Qt's own texts (the command line's "Usage:", standard buttons) in the user's language
+  qt6-translations-l10n
 )
 
 missing=()

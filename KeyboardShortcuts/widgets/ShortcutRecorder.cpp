@@ -54,7 +54,7 @@ ShortcutRecorder::ShortcutRecorder(ActionShortcuts& shortcuts, const Name& name,
     : QLineEdit(parent), m_shortcuts(shortcuts), m_onChange(std::move(onChange)), m_shortcutName(name) {
     // Typing never edits the text, and a read-only field draws no caret.
     setReadOnly(true);
-    setPlaceholderText(QStringLiteral("Record Shortcut"));
+    setPlaceholderText(tr("Record Shortcut"));
     setAlignment(Qt::AlignCenter);
     setFocusPolicy(Qt::StrongFocus);
     setContextMenuPolicy(Qt::NoContextMenu);
@@ -88,7 +88,14 @@ bool ShortcutRecorder::isRecording() const {
 }
 
 QSize ShortcutRecorder::sizeHint() const {
-    return QSize(static_cast<int>(minimumWidth), QLineEdit::sizeHint().height());
+    // Wide enough for the longer prompt in the user's language, and never narrower than the usual field.
+    const QFontMetrics metrics = fontMetrics();
+    const int prompt =
+        std::max(metrics.horizontalAdvance(tr("Record Shortcut")), metrics.horizontalAdvance(tr("Press Shortcut")));
+    const int frame = 2 * style()->pixelMetric(QStyle::PM_DefaultFrameWidth, nullptr, this);
+    constexpr int kTextPadding = 12;
+    return QSize(std::max(static_cast<int>(minimumWidth), prompt + frame + kTextPadding),
+                 QLineEdit::sizeHint().height());
 }
 
 QSize ShortcutRecorder::minimumSizeHint() const {
@@ -109,7 +116,7 @@ void ShortcutRecorder::startRecording() {
     if (isRecording()) {
         return;
     }
-    setPlaceholderText(QStringLiteral("Press Shortcut"));
+    setPlaceholderText(tr("Press Shortcut"));
     updateCancelButton();
     m_shortcuts.setPaused(true);
     QPointer<ShortcutRecorder> self(this);
@@ -125,7 +132,7 @@ void ShortcutRecorder::endRecording() {
         return;
     }
     m_eventMonitor.reset();
-    setPlaceholderText(QStringLiteral("Record Shortcut"));
+    setPlaceholderText(tr("Record Shortcut"));
     updateCancelButton();
     m_shortcuts.setPaused(false);
 }
@@ -232,9 +239,8 @@ int ShortcutRecorder::runAlert(const QString& message, const QString& informativ
     QMessageBox alert(QMessageBox::Warning, QString(), message, QMessageBox::NoButton, host);
     alert.setObjectName(QStringLiteral("KeyboardShortcutsAlert"));
     alert.setInformativeText(informativeText);
-    QPushButton* ok = alert.addButton(QStringLiteral("OK"), QMessageBox::AcceptRole);
-    QPushButton* force =
-        offerForce ? alert.addButton(QStringLiteral("Use Anyway"), QMessageBox::DestructiveRole) : nullptr;
+    QPushButton* ok = alert.addButton(tr("OK"), QMessageBox::AcceptRole);
+    QPushButton* force = offerForce ? alert.addButton(tr("Use Anyway"), QMessageBox::DestructiveRole) : nullptr;
     alert.setDefaultButton(ok);
     alert.setWindowModality(host != nullptr ? Qt::WindowModal : Qt::ApplicationModal);
     alert.exec();
@@ -286,9 +292,8 @@ bool ShortcutRecorder::handleEvent(const InputEvent& event) {
     if (!items.isEmpty()) {
         if (QAction* item = menuItemWithMatchingShortcut(items, *shortcut)) {
             giveUpFocus();
-            runAlert(QStringLiteral(
-                         "This keyboard shortcut cannot be used as it\u2019s already used by the \u201C%1\u201D menu "
-                         "item.")
+            runAlert(tr("This keyboard shortcut cannot be used as it’s already used by the “%1” menu "
+                        "item.")
                          .arg(withoutMnemonic(item->text())),
                      QString(), false);
             resumeRecording();
@@ -298,8 +303,8 @@ bool ShortcutRecorder::handleEvent(const InputEvent& event) {
     // 9. Systems that refuse option-only hot keys.
     if (m_shortcuts.hotKeys().restrictsOptionOnlyHotKeys() && ShortcutRules::isOptionOnly(*shortcut)) {
         giveUpFocus();
-        runAlert(QStringLiteral("This keyboard shortcut cannot be used because it only uses the Alt key. "
-                                "Add Super, Ctrl or Shift to it."),
+        runAlert(tr("This keyboard shortcut cannot be used because it only uses the Alt key. "
+                    "Add Super, Ctrl or Shift to it."),
                  QString(), false);
         resumeRecording();
         return false;
@@ -308,12 +313,11 @@ bool ShortcutRecorder::handleEvent(const InputEvent& event) {
     const bool isPlainF12 = shortcut->carbonKeyCode() == Key::f12.rawValue() && shortcut->carbonModifiers() == 0;
     if (!isPlainF12 && !m_shortcuts.hotKeys().heldByOthers({*shortcut}).isEmpty()) {
         giveUpFocus();
-        const int response = runAlert(
-            QStringLiteral(
-                "This keyboard shortcut cannot be used as it\u2019s already a system-wide keyboard shortcut."),
-            QStringLiteral("Most system-wide keyboard shortcuts can be changed in the settings of your desktop "
-                           "environment."),
-            true);
+        const int response =
+            runAlert(tr("This keyboard shortcut cannot be used as it’s already a system-wide keyboard shortcut."),
+                     tr("Most system-wide keyboard shortcuts can be changed in the settings of your desktop "
+                        "environment."),
+                     true);
         resumeRecording();
         if (response != forceUseResponse) {
             return false;

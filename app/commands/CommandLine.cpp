@@ -2,6 +2,7 @@
 #include "app/commands/CommandLine.h"
 
 #include <QCommandLineParser>
+#include <QCoreApplication>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -13,14 +14,15 @@ namespace {
 // The command list of --help, from the command table.
 QString commandHelp() {
     constexpr int kUsageWidth = 36;
-    QString text = QStringLiteral("\nCommands:\n");
+    QString text = QCoreApplication::translate("CommandLine", "\nCommands:\n");
     for (const CommandTable::Command& command : CommandTable::commands()) {
         const QString usage = QStringLiteral("  ") + command.usage;
         text += usage.size() < kUsageWidth ? usage.leftJustified(kUsageWidth) : usage + QLatin1String("  ");
-        text += command.summary + QLatin1Char('\n');
+        text += CommandTable::translated(command.summary) + QLatin1Char('\n');
     }
     return text +
-           QStringLiteral(
+           QCoreApplication::translate(
+               "CommandLine",
                "\nTARGET is a monitor's number as the panel shows it, its name, or next, previous, left, right,\n"
                "up or down from the focused window's monitor.\n"
                "Exit status: 0 done, 1 nothing to do or partly done, 2 bad arguments, 3 the session does not "
@@ -30,7 +32,8 @@ QString commandHelp() {
 CommandLine::Request badArguments(const QString& message) {
     CommandLine::Request request;
     request.kind = CommandLine::Request::Kind::BadArguments;
-    request.output = QStringLiteral("lattica: ") + message + QStringLiteral("\nTry 'lattica --help'.\n");
+    request.output =
+        QStringLiteral("lattica: ") + message + QCoreApplication::translate("CommandLine", "\nTry 'lattica --help'.\n");
     return request;
 }
 
@@ -78,22 +81,31 @@ namespace {
 // The parser and its options, the same for parsing and for the help text.
 struct Parser {
     QCommandLineParser parser;
-    const QCommandLineOption help{{QStringLiteral("h"), QStringLiteral("help")}, QStringLiteral("Show this help.")};
-    const QCommandLineOption version{QStringLiteral("version"), QStringLiteral("Show the version.")};
-    const QCommandLineOption to{QStringLiteral("to"), QStringLiteral("The monitor to move to."),
+    const QCommandLineOption help{{QStringLiteral("h"), QStringLiteral("help")},
+                                  QCoreApplication::translate("CommandLine", "Show this help.")};
+    const QCommandLineOption version{QStringLiteral("version"),
+                                     QCoreApplication::translate("CommandLine", "Show the version.")};
+    const QCommandLineOption to{QStringLiteral("to"),
+                                QCoreApplication::translate("CommandLine", "The monitor to move to."),
                                 QStringLiteral("TARGET")};
-    const QCommandLineOption from{QStringLiteral("from"), QStringLiteral("The monitor to move from."),
+    const QCommandLineOption from{QStringLiteral("from"),
+                                  QCoreApplication::translate("CommandLine", "The monitor to move from."),
                                   QStringLiteral("TARGET")};
-    const QCommandLineOption adjust{QStringLiteral("adjust-size"),
-                                    QStringLiteral("Scale windows to the target monitor this time.")};
-    const QCommandLineOption keep{QStringLiteral("keep-size"), QStringLiteral("Keep windows' sizes this time.")};
-    const QCommandLineOption json{QStringLiteral("json"), QStringLiteral("Print machine-readable JSON.")};
+    const QCommandLineOption adjust{
+        QStringLiteral("adjust-size"),
+        QCoreApplication::translate("CommandLine", "Scale windows to the target monitor this time.")};
+    const QCommandLineOption keep{QStringLiteral("keep-size"),
+                                  QCoreApplication::translate("CommandLine", "Keep windows' sizes this time.")};
+    const QCommandLineOption json{QStringLiteral("json"),
+                                  QCoreApplication::translate("CommandLine", "Print machine-readable JSON.")};
 
     Parser() {
-        parser.setApplicationDescription(QStringLiteral("Lattica moves windows between monitors."));
+        parser.setApplicationDescription(
+            QCoreApplication::translate("CommandLine", "Lattica moves windows between monitors."));
         parser.setSingleDashWordOptionMode(QCommandLineParser::ParseAsLongOptions);
         parser.addOptions({help, version, to, from, adjust, keep, json});
-        parser.addPositionalArgument(QStringLiteral("command"), QStringLiteral("What to do (see below)."),
+        parser.addPositionalArgument(QStringLiteral("command"),
+                                     QCoreApplication::translate("CommandLine", "What to do (see below)."),
                                      QStringLiteral("[command]"));
     }
 };
@@ -129,7 +141,7 @@ CommandLine::Request CommandLine::parse(const QStringList& arguments) {
     if (positional.isEmpty()) {
         if (parser.isSet(to) || parser.isSet(from) || parser.isSet(adjust) || parser.isSet(keep) ||
             parser.isSet(json)) {
-            return badArguments(QStringLiteral("options need a command."));
+            return badArguments(QCoreApplication::translate("CommandLine", "options need a command."));
         }
         return request;
     }
@@ -137,10 +149,11 @@ CommandLine::Request CommandLine::parse(const QStringList& arguments) {
     request.command = positional.first();
     const CommandTable::Command* command = CommandTable::withWord(request.command);
     if (!command) {
-        return badArguments(QStringLiteral("'%1' is not a command.").arg(request.command));
+        return badArguments(QCoreApplication::translate("CommandLine", "'%1' is not a command.").arg(request.command));
     }
     if (parser.isSet(adjust) && parser.isSet(keep)) {
-        return badArguments(QStringLiteral("--adjust-size and --keep-size cannot both be given."));
+        return badArguments(
+            QCoreApplication::translate("CommandLine", "--adjust-size and --keep-size cannot both be given."));
     }
     request.size = parser.isSet(adjust) ? SizeMode::Adjust : parser.isSet(keep) ? SizeMode::Keep : SizeMode::Preference;
     request.json = parser.isSet(json);
@@ -149,8 +162,10 @@ CommandLine::Request CommandLine::parse(const QStringList& arguments) {
 
     if (positional.size() != 1 + command->positional.size()) {
         return command->positional.isEmpty()
-                   ? badArguments(QStringLiteral("'%1' takes no further arguments.").arg(request.command))
-                   : badArguments(QStringLiteral("%1 needs %2.").arg(request.command, command->positionalNeed));
+                   ? badArguments(QCoreApplication::translate("CommandLine", "'%1' takes no further arguments.")
+                                      .arg(request.command))
+                   : badArguments(QCoreApplication::translate("CommandLine", "%1 needs %2.")
+                                      .arg(request.command, CommandTable::translated(command->positionalNeed)));
     }
     for (qsizetype i = 0; i < command->positional.size(); ++i) {
         const QString& word = positional[i + 1];
@@ -169,19 +184,20 @@ CommandLine::Request CommandLine::parse(const QStringList& arguments) {
         }
     }
     if (command->takesOption(CommandTable::Field::To) && request.to.isEmpty()) {
-        return badArguments(QStringLiteral("%1 needs --to TARGET.").arg(request.command));
+        return badArguments(QCoreApplication::translate("CommandLine", "%1 needs --to TARGET.").arg(request.command));
     }
     if (command->takesOption(CommandTable::Field::From) && request.from.isEmpty()) {
-        return badArguments(QStringLiteral("%1 needs --from TARGET.").arg(request.command));
+        return badArguments(QCoreApplication::translate("CommandLine", "%1 needs --from TARGET.").arg(request.command));
     }
     if (!command->moves() && (parser.isSet(to) || parser.isSet(from) || parser.isSet(adjust) || parser.isSet(keep))) {
-        return badArguments(QStringLiteral("'%1' does not move windows.").arg(request.command));
+        return badArguments(
+            QCoreApplication::translate("CommandLine", "'%1' does not move windows.").arg(request.command));
     }
     if (parser.isSet(from) && !command->takesOption(CommandTable::Field::From)) {
-        return badArguments(QStringLiteral("'%1' takes no --from.").arg(request.command));
+        return badArguments(QCoreApplication::translate("CommandLine", "'%1' takes no --from.").arg(request.command));
     }
     if (parser.isSet(to) && !command->takesOption(CommandTable::Field::To)) {
-        return badArguments(QStringLiteral("'%1' takes no --to.").arg(request.command));
+        return badArguments(QCoreApplication::translate("CommandLine", "'%1' takes no --to.").arg(request.command));
     }
     return request;
 }

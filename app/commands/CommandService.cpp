@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "app/commands/CommandService.h"
 
+#include <QCoreApplication>
+
 #include <QJsonArray>
 #include <QJsonObject>
 
@@ -67,7 +69,9 @@ std::optional<CommandResult> CommandService::unavailable() {
         return std::nullopt;
     }
     const QString why =
-        check.explanation.isEmpty() ? QStringLiteral("Window control is required to move windows.") : check.explanation;
+        check.explanation.isEmpty()
+            ? QCoreApplication::translate("CommandService", "Window control is required to move windows.")
+            : check.explanation;
     return CommandResult::error(CommandResult::Kind::Unavailable, CommandErrors::notAvailable, why);
 }
 
@@ -108,8 +112,9 @@ CommandResult CommandService::displays() const {
 CommandResult CommandService::windows() const {
     const std::optional<QList<WindowEntry>> entries = Platform::services().windowList->windows(DesktopWindows::Exclude);
     if (!entries) {
-        return CommandResult::error(CommandResult::Kind::Unavailable, CommandErrors::notAvailable,
-                                    QStringLiteral("The window list cannot be read on this desktop."));
+        return CommandResult::error(
+            CommandResult::Kind::Unavailable, CommandErrors::notAvailable,
+            QCoreApplication::translate("CommandService", "The window list cannot be read on this desktop."));
     }
     const QList<DisplaySnapshot> displays = placeholders(ScreenSnapshotService::currentDisplayDescriptors());
     const QSet<pid_t> regular = WindowListFilters::regularApplicationPIDs();
@@ -191,8 +196,9 @@ CommandResult CommandService::moveApplication(const QString& application, const 
         }
     }
     if (!found) {
-        return CommandResult::error(CommandResult::Kind::BadArguments, CommandErrors::noSuchApplication,
-                                    QStringLiteral("No running application is called \"%1\".").arg(application));
+        return CommandResult::error(
+            CommandResult::Kind::BadArguments, CommandErrors::noSuchApplication,
+            QCoreApplication::translate("CommandService", "No running application is called \"%1\".").arg(application));
     }
 
     const QList<DisplayDescriptor> displays = ScreenSnapshotService::currentDisplayDescriptors();
@@ -232,7 +238,8 @@ CommandResult CommandService::swap(const QString& first, const QString& second, 
     if (a.persistentID == b.persistentID) {
         return CommandResult::error(
             CommandResult::Kind::BadArguments, CommandErrors::invalidArgument,
-            QStringLiteral("\"%1\" and \"%2\" are the same monitor, %3.").arg(first, second, a.name));
+            QCoreApplication::translate("CommandService", "\"%1\" and \"%2\" are the same monitor, %3.")
+                .arg(first, second, a.name));
     }
     const WindowMoveResult moved =
         WindowMover::moveWindows({{a, b}, {b, a}}, adjusts(size), std::nullopt, false).counts;

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "app/commands/CommandTable.h"
 
+#include <QCoreApplication>
+
 namespace {
 
 using CommandTable::Command;
@@ -53,6 +55,22 @@ std::function<void()> InstanceActions::*actionOf(std::string_view word) {
     return nullptr;
 }
 
+// The catalog is plain C++ (the launcher has no Qt), so its texts are marked here for lupdate;
+// translated() looks them up in this context.
+[[maybe_unused]] constexpr const char* kCatalogTexts[] = {
+    QT_TRANSLATE_NOOP("CommandTable", "List the monitors."),
+    QT_TRANSLATE_NOOP("CommandTable", "List the windows, front to back."),
+    QT_TRANSLATE_NOOP("CommandTable", "Move the focused window."),
+    QT_TRANSLATE_NOOP("CommandTable", "Move every window of one monitor."),
+    QT_TRANSLATE_NOOP("CommandTable", "the application's name or process id"),
+    QT_TRANSLATE_NOOP("CommandTable", "Move every window of an application (name or process id)."),
+    QT_TRANSLATE_NOOP("CommandTable", "two monitors: swap TARGET TARGET"),
+    QT_TRANSLATE_NOOP("CommandTable", "Exchange the windows of two monitors."),
+    QT_TRANSLATE_NOOP("CommandTable", "Open the panel of the running Lattica."),
+    QT_TRANSLATE_NOOP("CommandTable", "Open the settings of the running Lattica."),
+    QT_TRANSLATE_NOOP("CommandTable", "End the running Lattica."),
+};
+
 QList<Command> describeCommands() {
     QList<Command> table;
     for (const CommandCatalog::Entry& entry : CommandCatalog::kCommands) {
@@ -102,6 +120,10 @@ bool CommandTable::Command::takes(Field field) const {
 const QList<Command>& CommandTable::commands() {
     static const QList<Command> table = describeCommands();
     return table;
+}
+
+QString CommandTable::translated(const QString& sentence) {
+    return QCoreApplication::translate("CommandTable", sentence.toUtf8().constData());
 }
 
 const Command* CommandTable::withWord(const QString& word) {

@@ -45,10 +45,10 @@ struct Command {
     QList<Parameter> parameters;
     Reply reply = Reply::Nothing;
     // The fields given as words after the command rather than as options, and what the user is told
-    // when they are missing.
+    // when they are missing (in English: CommandTable::translated gives the user's language).
     QList<Field> positional;
     QString positionalNeed;
-    // The usage line and the sentence that --help shows.
+    // The usage line and the sentence that --help shows (the sentence in English, like positionalNeed).
     QString usage;
     QString summary;
     // Runs the command in whichever process has the platform; empty for instance-only commands.
@@ -63,6 +63,8 @@ struct Command {
 };
 
 const QList<Command>& commands();
+// A command's sentence (summary, positionalNeed) in the user's language.
+QString translated(const QString& sentence);
 // The command for a command-line word or a bus method; nothing for an unknown one.
 const Command* withWord(const QString& word);
 const Command* withMethod(const QString& method);

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "app/commands/MonitorTargets.h"
 
+#include <QCoreApplication>
+
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -71,8 +73,27 @@ std::optional<DisplayDescriptor> neighbour(Direction direction, const DisplayDes
     return best;
 }
 
+// The whole sentence for each direction, so that translations can word each one.
+QString missingNeighbour(Direction direction) {
+    switch (direction) {
+        case Direction::Up:
+            return QCoreApplication::translate("MonitorTargets", "There is no monitor above %1.");
+        case Direction::Down:
+            return QCoreApplication::translate("MonitorTargets", "There is no monitor below %1.");
+        case Direction::Left:
+            return QCoreApplication::translate("MonitorTargets", "There is no monitor to the left of %1.");
+        case Direction::Right:
+            return QCoreApplication::translate("MonitorTargets", "There is no monitor to the right of %1.");
+    }
+    return {};
+}
+
 QString monitorCount(qsizetype count) {
-    return count == 1 ? QStringLiteral("1 monitor") : QStringLiteral("%1 monitors").arg(count);
+    if (count == 1) {
+        return QCoreApplication::translate("MonitorTargets", "1 monitor");
+    }
+    const int many = static_cast<int>(count);
+    return QCoreApplication::translate("MonitorTargets", "%n monitors", nullptr, many);
 }
 
 }  // namespace
@@ -85,7 +106,7 @@ bool MonitorTargets::isRelative(const QString& target) {
 std::variant<DisplayDescriptor, MonitorTargets::NoSuchMonitor> MonitorTargets::resolve(
     const QString& target, const QList<DisplayDescriptor>& displays, const std::optional<DisplayDescriptor>& from) {
     if (displays.isEmpty()) {
-        return NoSuchMonitor{QStringLiteral("No monitor is connected.")};
+        return NoSuchMonitor{QCoreApplication::translate("MonitorTargets", "No monitor is connected.")};
     }
     const QString word = target.trimmed().toLower();
 
@@ -97,25 +118,23 @@ std::variant<DisplayDescriptor, MonitorTargets::NoSuchMonitor> MonitorTargets::r
         if (found != displays.cend()) {
             return *found;
         }
-        return NoSuchMonitor{QStringLiteral("There is no monitor %1; there are %2, numbered as in the panel.")
+        return NoSuchMonitor{QCoreApplication::translate(
+                                 "MonitorTargets", "There is no monitor %1; there are %2, numbered as in the panel.")
                                  .arg(target, monitorCount(displays.size()))};
     }
 
     if (isRelative(word)) {
         if (!from) {
             return NoSuchMonitor{
-                QStringLiteral("\"%1\" starts from the focused window's monitor, and no window has focus.")
+                QCoreApplication::translate("MonitorTargets",
+                                            "\"%1\" starts from the focused window's monitor, and no window has focus.")
                     .arg(target)};
         }
         if (const std::optional<Direction> direction = directionNamed(word)) {
             if (std::optional<DisplayDescriptor> found = neighbour(*direction, *from, displays)) {
                 return *found;
             }
-            const QString where = *direction == Direction::Up ? QStringLiteral("above %1")
-                                  : *direction == Direction::Down
-                                      ? QStringLiteral("below %1")
-                                      : QStringLiteral("to the ") + word + QStringLiteral(" of %1");
-            return NoSuchMonitor{QStringLiteral("There is no monitor ") + where.arg(from->name) + QLatin1Char('.')};
+            return NoSuchMonitor{missingNeighbour(*direction).arg(from->name)};
         }
         QList<DisplayDescriptor> ordered = displays;
         std::stable_sort(ordered.begin(), ordered.end(),
@@ -142,6 +161,7 @@ std::variant<DisplayDescriptor, MonitorTargets::NoSuchMonitor> MonitorTargets::r
     for (const DisplayDescriptor& display : displays) {
         names.append(QStringLiteral("%1 (%2)").arg(display.index).arg(display.name));
     }
-    return NoSuchMonitor{QStringLiteral("No monitor is called \"%1\". The monitors are: %2.")
-                             .arg(target, names.join(QStringLiteral(", ")))};
+    return NoSuchMonitor{
+        QCoreApplication::translate("MonitorTargets", "No monitor is called \"%1\". The monitors are: %2.")
+            .arg(target, names.join(QStringLiteral(", ")))};
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/commands/MoveShortcuts.h"
 
+#include <QCoreApplication>
 #include <QPointer>
 
 #include "KeyboardShortcuts/ActionShortcuts.h"
@@ -15,10 +16,14 @@ struct FocusedMove {
 };
 
 constexpr FocusedMove kFocusedMoves[] = {
-    {"moveFocusedWindowToNextDisplay", "Move focused window to next monitor", "next"},
-    {"moveFocusedWindowToPreviousDisplay", "Move focused window to previous monitor", "previous"},
-    {"moveFocusedWindowToLeftDisplay", "Move focused window to left monitor", "left"},
-    {"moveFocusedWindowToRightDisplay", "Move focused window to right monitor", "right"},
+    {"moveFocusedWindowToNextDisplay", QT_TRANSLATE_NOOP("MoveShortcuts", "Move focused window to next monitor"),
+     "next"},
+    {"moveFocusedWindowToPreviousDisplay",
+     QT_TRANSLATE_NOOP("MoveShortcuts", "Move focused window to previous monitor"), "previous"},
+    {"moveFocusedWindowToLeftDisplay", QT_TRANSLATE_NOOP("MoveShortcuts", "Move focused window to left monitor"),
+     "left"},
+    {"moveFocusedWindowToRightDisplay", QT_TRANSLATE_NOOP("MoveShortcuts", "Move focused window to right monitor"),
+     "right"},
 };
 
 }  // namespace
@@ -26,13 +31,13 @@ constexpr FocusedMove kFocusedMoves[] = {
 QList<MoveShortcuts::Action> MoveShortcuts::focusedWindowActions() {
     QList<Action> actions;
     for (const FocusedMove& move : kFocusedMoves) {
-        actions.append({QString::fromLatin1(move.name), QString::fromLatin1(move.label)});
+        actions.append({QString::fromLatin1(move.name), tr(move.label)});
     }
     return actions;
 }
 
 MoveShortcuts::Action MoveShortcuts::openPanelAction() {
-    return {QStringLiteral("openPanel"), QStringLiteral("Open panel")};
+    return {QStringLiteral("openPanel"), tr("Open panel")};
 }
 
 QString MoveShortcuts::swapName(const QString& firstID, const QString& secondID) {
@@ -50,8 +55,8 @@ QList<MoveShortcuts::Action> MoveShortcuts::swapActions(const QList<ShortcutDisp
         for (qsizetype j = i + 1; j < ordered.size(); ++j) {
             const QString first = ordered[i].index ? QString::number(*ordered[i].index) : ordered[i].name;
             const QString second = ordered[j].index ? QString::number(*ordered[j].index) : ordered[j].name;
-            actions.append({swapName(ordered[i].id, ordered[j].id),
-                            QStringLiteral("Swap windows of monitors %1 and %2").arg(first, second)});
+            actions.append(
+                {swapName(ordered[i].id, ordered[j].id), tr("Swap windows of monitors %1 and %2").arg(first, second)});
         }
     }
     return actions;

@@ -97,9 +97,8 @@ void AppController::reviewPreferencesWrite(bool userChange) {
         if (!userChange && m_unsavedPreferencesNotice.isEmpty()) {
             return;  // nothing the user changed is at stake
         }
-        notice = QStringLiteral(
-                     "Your changes could not be saved: %1. They stay in effect until Lattica quits, and "
-                     "saving is tried again with your next change.")
+        notice = tr("Your changes could not be saved: %1. They stay in effect until Lattica quits, and "
+                    "saving is tried again with your next change.")
                      .arg(failure);
     }
     // The same notice again is not news: it is shown once, until a write succeeds.
@@ -145,7 +144,7 @@ void AppController::setLaunchAtLogin(bool enabled) {
     QString error;
     const bool succeeded = enabled ? autostart->enable(&error) : autostart->disable(&error);
     if (!succeeded) {
-        setStatusMessage(QStringLiteral("Unable to update login item: ") + error);
+        setStatusMessage(tr("Unable to update login item: %1").arg(error));
     }
     publish(m_launchAtLoginEnabled, autostart->status() == AutostartStatus::Enabled,
             &AppController::launchAtLoginEnabledChanged);

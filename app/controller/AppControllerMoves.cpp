@@ -1,4 +1,5 @@
 // SPDX-License-Identifier: MIT
+#include <QCoreApplication>
 #include <algorithm>
 
 #include "app/controller/AppController.h"
@@ -8,8 +9,10 @@
 #include "app/permissions/PermissionService.h"
 
 namespace {
-const QString kAccessibilityRequired = QStringLiteral("Window control is required to move windows.");
-const QString kAccessibilityGranted = QStringLiteral("Window control is already available.");
+// Read when shown, so that they are in the language of the moment.
+QString accessibilityRequired() {
+    return QCoreApplication::translate("AppController", "Window control is required to move windows.");
+}
 }  // namespace
 
 bool AppController::windowControlGranted() {
@@ -23,7 +26,7 @@ bool AppController::windowControlGranted() {
 
 void AppController::moveWindows(const DisplaySnapshot& source, const DisplaySnapshot& destination) {
     if (!windowControlGranted()) {
-        setStatusMessage(kAccessibilityRequired);
+        setStatusMessage(accessibilityRequired());
         return;
     }
     const bool adjust = m_adjustWindowSizeToTargetScreen;
@@ -35,7 +38,7 @@ void AppController::moveWindows(const DisplaySnapshot& source, const DisplaySnap
 void AppController::moveWindows(const DisplayAppGroup& group, const DisplaySnapshot& source,
                                 const DisplaySnapshot& destination) {
     if (!windowControlGranted()) {
-        setStatusMessage(kAccessibilityRequired);
+        setStatusMessage(accessibilityRequired());
         return;
     }
     const bool adjust = m_adjustWindowSizeToTargetScreen;
@@ -47,14 +50,14 @@ void AppController::moveWindows(const DisplayAppGroup& group, const DisplaySnaps
 
 void AppController::moveFocusedWindow(const QString& displayPersistentID) {
     if (!windowControlGranted()) {
-        setStatusMessage(kAccessibilityRequired);
+        setStatusMessage(accessibilityRequired());
         return;
     }
     const QList<DisplayDescriptor> descriptors = ScreenSnapshotService::currentDisplayDescriptors();
     const auto target = std::find_if(descriptors.cbegin(), descriptors.cend(),
                                      [&](const DisplayDescriptor& d) { return d.persistentID == displayPersistentID; });
     if (target == descriptors.cend()) {
-        setStatusMessage(QStringLiteral("Shortcut target display is currently not connected."));
+        setStatusMessage(tr("Shortcut target display is currently not connected."));
         return;
     }
     QList<DisplaySnapshot> allDisplays;
@@ -72,13 +75,13 @@ void AppController::moveFocusedWindow(const QString& displayPersistentID) {
 void AppController::requestAccessibilityPermission() {
     // No prompt exists: a request looks at the session again, and the state shows what it found.
     const bool usable = PermissionService::requestWindowControl().isUsable();
-    setStatusMessage(usable ? kAccessibilityGranted
-                            : QStringLiteral("Window control is still not available. Click Open Help to see why."));
+    setStatusMessage(usable ? tr("Window control is already available.")
+                            : tr("Window control is still not available. Click Open Help to see why."));
     refreshPermissions();
 }
 
 void AppController::requestScreenRecordingPermission() {
     PermissionService::requestScreenCapture();
-    setStatusMessage(QStringLiteral("Checked screen capture again."));
+    setStatusMessage(tr("Checked screen capture again."));
     refreshPermissions();
 }

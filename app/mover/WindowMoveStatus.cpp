@@ -1,22 +1,24 @@
 // SPDX-License-Identifier: MIT
 #include "app/mover/WindowMoveStatus.h"
 
+#include <QCoreApplication>
+
 QString WindowMoveStatus::allWindows(const WindowMoveResult& result) {
-    return QStringLiteral("Moved %1 of %2 windows.")
-        .arg(QString::number(result.movedCount), QString::number(result.attemptedCount));
+    return QCoreApplication::translate("WindowMoveStatus", "Moved %1 of %n windows.", nullptr, result.attemptedCount)
+        .arg(result.movedCount);
 }
 
 QString WindowMoveStatus::applicationWindows(const WindowMoveResult& result, const QString& application) {
-    return QStringLiteral("Moved %1 of %2 %3 windows.")
-        .arg(QString::number(result.movedCount), QString::number(result.attemptedCount), application);
+    return QCoreApplication::translate("WindowMoveStatus", "Moved %1 of %n %2 windows.", nullptr, result.attemptedCount)
+        .arg(QString::number(result.movedCount), application);
 }
 
 QString WindowMoveStatus::focusedWindow(const WindowMoveResult& result, const QString& monitor) {
     if (result.attemptedCount == 0) {
-        return QStringLiteral("No focused window was found to move.");
+        return QCoreApplication::translate("WindowMoveStatus", "No focused window was found to move.");
     }
     if (result.movedCount < 1) {
-        return QStringLiteral("Focused window could not be moved to ") + monitor + QLatin1Char('.');
+        return QCoreApplication::translate("WindowMoveStatus", "Focused window could not be moved to %1.").arg(monitor);
     }
-    return QStringLiteral("Moved focused window to ") + monitor + QLatin1Char('.');
+    return QCoreApplication::translate("WindowMoveStatus", "Moved focused window to %1.").arg(monitor);
 }

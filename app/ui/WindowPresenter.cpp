@@ -6,12 +6,14 @@
 #include <QLayout>
 #include <QScreen>
 #include <QVBoxLayout>
+#include <QWindow>
 
 #include "app/controller/AppController.h"
 #include "app/ui/guide/PermissionGuideView.h"
 #include "app/ui/settings/SettingsView.h"
 #include "platform/ForegroundActivation.h"
 #include "platform/Platform.h"
+#include "platform/TaskbarPresence.h"
 
 namespace {
 
@@ -26,6 +28,10 @@ QWidget* makeHostWindow(QWidget* content, const QSize& size, const QString& titl
         nullptr, Qt::Window | Qt::WindowTitleHint | Qt::WindowCloseButtonHint | Qt::WindowMinimizeButtonHint);
     window->setAttribute(Qt::WA_DeleteOnClose, false);
     window->setWindowTitle(title);
+    // The user works in these windows: they are reachable from the taskbar and Alt+Tab while open, even
+    // when Lattica otherwise keeps out of the taskbar.
+    window->winId();
+    window->windowHandle()->setProperty(kAlwaysInTaskbarProperty, true);
     auto* layout = new QVBoxLayout(window);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(content);

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/update/Appcast.h"
 
+#include <QCoreApplication>
 #include <QXmlStreamReader>
 
 namespace {
@@ -127,9 +128,10 @@ AppcastParseResult parse(const QByteArray& document) {
     AppcastParseResult result;
     QXmlStreamReader reader(document);
     if (!reader.readNextStartElement()) {
-        result.error = reader.hasError() ? reader.errorString() : QStringLiteral("The document is empty.");
+        result.error =
+            reader.hasError() ? reader.errorString() : QCoreApplication::translate("Appcast", "The document is empty.");
     } else if (reader.name() != u"rss") {
-        result.error = QStringLiteral("The document is not an RSS feed.");
+        result.error = QCoreApplication::translate("Appcast", "The document is not an RSS feed.");
         return result;
     } else {
         while (reader.readNextStartElement()) {

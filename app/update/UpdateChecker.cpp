@@ -50,7 +50,7 @@ bool UpdateChecker::isAllowedFeedURL(const QUrl& url, QString* message) {
         return false;
     };
     if (!url.isValid() || url.host().isEmpty()) {
-        return refuse(QStringLiteral("The update feed address \"%1\" is not valid.").arg(url.toString()));
+        return refuse(tr("The update feed address \"%1\" is not valid.").arg(url.toString()));
     }
     const QString scheme = url.scheme().toLower();
     if (scheme == u"https") {
@@ -60,15 +60,15 @@ bool UpdateChecker::isAllowedFeedURL(const QUrl& url, QString* message) {
         return true;
     }
     if (scheme == u"http") {
-        return refuse(QStringLiteral("The update feed must be fetched over HTTPS."));
+        return refuse(tr("The update feed must be fetched over HTTPS."));
     }
-    return refuse(QStringLiteral("The update feed address \"%1\" does not use HTTPS.").arg(url.toString()));
+    return refuse(tr("The update feed address \"%1\" does not use HTTPS.").arg(url.toString()));
 }
 
 UpdateCheckResult UpdateChecker::evaluateFeed(const QByteArray& document, const Request& request) {
     const AppcastParseResult parsed = Appcast::parse(document);
     if (!parsed.ok()) {
-        return failure(QStringLiteral("The update feed could not be read: %1").arg(parsed.error));
+        return failure(tr("The update feed could not be read: %1").arg(parsed.error));
     }
     const std::optional<AppcastItem> newest = Appcast::newestApplicableItem(parsed.items, request.systemVersion);
     UpdateCheckResult result;
@@ -124,7 +124,7 @@ void UpdateChecker::fetch(const QUrl& url) {
             m_reply = nullptr;
             reply->abort();
             reply->deleteLater();
-            finishWith(failure(QStringLiteral("The update feed is larger than an update feed can be.")));
+            finishWith(failure(tr("The update feed is larger than an update feed can be.")));
         }
     };
     connect(reply, &QNetworkReply::downloadProgress, this,
@@ -143,12 +143,12 @@ bool UpdateChecker::followRedirect(QNetworkReply* reply) {
     QString refusal;
     if (!isAllowedFeedURL(target, &refusal)) {
         qCDebug(lcUpdateChecker) << "refused redirect to" << target << refusal;
-        finishWith(failure(QStringLiteral("The update feed moved to an address that is not allowed: %1").arg(refusal)));
+        finishWith(failure(tr("The update feed moved to an address that is not allowed: %1").arg(refusal)));
     } else if (m_visited.contains(target.adjusted(QUrl::NormalizePathSegments))) {
         qCDebug(lcUpdateChecker) << "redirect loop at" << target;
-        finishWith(failure(QStringLiteral("The update feed redirects in a loop.")));
+        finishWith(failure(tr("The update feed redirects in a loop.")));
     } else if (m_visited.size() > kMaximumRedirects) {
-        finishWith(failure(QStringLiteral("The update feed was redirected too many times.")));
+        finishWith(failure(tr("The update feed was redirected too many times.")));
     } else {
         fetch(target);
     }
@@ -185,14 +185,14 @@ void UpdateChecker::handleReplyFinished() {
     m_deadline.stop();
     if (reply->error() != QNetworkReply::NoError) {
         if (status >= 400) {
-            finishWith(failure(QStringLiteral("The update server answered with HTTP status %1.").arg(status)));
+            finishWith(failure(tr("The update server answered with HTTP status %1.").arg(status)));
         } else {
-            finishWith(failure(QStringLiteral("The update feed could not be loaded: %1").arg(reply->errorString())));
+            finishWith(failure(tr("The update feed could not be loaded: %1").arg(reply->errorString())));
         }
         return;
     }
     if (status != 0 && status != 200) {
-        finishWith(failure(QStringLiteral("The update server answered with HTTP status %1.").arg(status)));
+        finishWith(failure(tr("The update server answered with HTTP status %1.").arg(status)));
         return;
     }
     finishWith(evaluateFeed(reply->readAll(), m_request));
@@ -203,6 +203,6 @@ void UpdateChecker::handleTimeout() {
         return;
     }
     cancel();
-    finishWith(failure(QStringLiteral("The update server did not answer within %1 seconds.")
+    finishWith(failure(tr("The update server did not answer within %1 seconds.")
                            .arg(QString::number(m_timeout.count() / 1000.0, 'g', 3))));
 }

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "platform/gnome/GnomeSessionCheck.h"
 
+#include <QCoreApplication>
+
 #include <QDBusArgument>
 #include <QDBusMessage>
 #include <QDBusVariant>
@@ -55,8 +57,10 @@ GnomeSessionCheck::ExtensionState GnomeSessionCheck::extensionState(const GnomeS
 CapabilityCheck GnomeSessionCheck::windowControlFor(const Facts& facts) {
     if (facts.answering && facts.refused) {
         return {Availability::Unavailable,
-                QStringLiteral("Lattica's GNOME Shell extension answers only the running Lattica, and this copy is "
-                               "not it. Quit the other copy of Lattica, then start Lattica again.")};
+                QCoreApplication::translate(
+                    "GnomeSessionCheck",
+                    "Lattica's GNOME Shell extension answers only the running Lattica, and this copy is "
+                    "not it. Quit the other copy of Lattica, then start Lattica again.")};
     }
     if (facts.answering) {
         return {Availability::Available, {}};
@@ -64,27 +68,35 @@ CapabilityCheck GnomeSessionCheck::windowControlFor(const Facts& facts) {
     switch (facts.state) {
         case ExtensionState::Missing:
             return {Availability::Unavailable,
-                    QStringLiteral("Lattica's GNOME Shell extension (%1) is not installed. GNOME lets only a Shell "
-                                   "extension move other applications' windows: install Lattica's package, log out "
-                                   "and back in once, then start Lattica again.")
+                    QCoreApplication::translate(
+                        "GnomeSessionCheck",
+                        "Lattica's GNOME Shell extension (%1) is not installed. GNOME lets only a Shell "
+                        "extension move other applications' windows: install Lattica's package, log out "
+                        "and back in once, then start Lattica again.")
                         .arg(extensionName())};
         case ExtensionState::Disabled:
             return {Availability::Unavailable,
-                    QStringLiteral("Lattica's GNOME Shell extension is installed but turned off. Turn it on in the "
-                                   "Extensions application, or run: gnome-extensions enable %1")
+                    QCoreApplication::translate(
+                        "GnomeSessionCheck",
+                        "Lattica's GNOME Shell extension is installed but turned off. Turn it on in the "
+                        "Extensions application, or run: gnome-extensions enable %1")
                         .arg(extensionName())};
         case ExtensionState::Failed:
             return {Availability::Unavailable,
-                    QStringLiteral("GNOME Shell could not start Lattica's extension (%1). Check that the installed "
-                                   "extension matches this version of GNOME, then log out and back in.")
+                    QCoreApplication::translate(
+                        "GnomeSessionCheck",
+                        "GNOME Shell could not start Lattica's extension (%1). Check that the installed "
+                        "extension matches this version of GNOME, then log out and back in.")
                         .arg(extensionName())};
         case ExtensionState::Enabled:
         case ExtensionState::Unknown:
             break;
     }
     return {Availability::Unavailable,
-            QStringLiteral("Lattica's GNOME Shell extension (%1) does not answer. Log out and back in, then start "
-                           "Lattica again.")
+            QCoreApplication::translate(
+                "GnomeSessionCheck",
+                "Lattica's GNOME Shell extension (%1) does not answer. Log out and back in, then start "
+                "Lattica again.")
                 .arg(extensionName())};
 }
 
@@ -96,9 +108,13 @@ CapabilityCheck GnomeSessionCheck::screenCaptureFor(const Facts& facts) {
         return {Availability::Available, {}};
     }
     return {Availability::Unavailable,
-            QStringLiteral("GNOME Shell did not take a picture of the monitors (%1): the panel shows each monitor "
-                           "without a preview. Log out and back in if Lattica's extension was updated since.")
-                .arg(facts.captureProblem.isEmpty() ? QStringLiteral("no picture came back") : facts.captureProblem)};
+            QCoreApplication::translate("GnomeSessionCheck",
+                                        "GNOME Shell did not take a picture of the monitors (%1): the panel shows "
+                                        "each monitor without a preview. Log out and back in if Lattica's "
+                                        "extension was updated since.")
+                .arg(facts.captureProblem.isEmpty()
+                         ? QCoreApplication::translate("GnomeSessionCheck", "no picture came back")
+                         : facts.captureProblem)};
 }
 
 GnomeSessionCheck::Facts GnomeSessionCheck::facts() const {

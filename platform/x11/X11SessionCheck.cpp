@@ -1,14 +1,20 @@
 // SPDX-License-Identifier: MIT
 #include "platform/x11/X11SessionCheck.h"
 
+#include <QCoreApplication>
+
 #include "platform/x11/X11Connection.h"
 #include "platform/x11/X11Ewmh.h"
 #include "platform/x11/X11SessionHelpPage.h"
 
 namespace {
 
-const QString kNoConnection =
-    QStringLiteral("Lattica has lost its connection to the X server. Start Lattica again inside your desktop session.");
+// Read when shown, so that it is in the language of the moment.
+QString noConnection() {
+    return QCoreApplication::translate(
+        "X11SessionCheck",
+        "Lattica has lost its connection to the X server. Start Lattica again inside your desktop session.");
+}
 
 }  // namespace
 
@@ -20,37 +26,45 @@ bool X11SessionCheck::isWaylandSession(const QString& sessionType, const QString
 
 CapabilityCheck X11SessionCheck::windowControlFor(const Facts& facts) {
     if (!facts.connected) {
-        return {Availability::Unavailable, kNoConnection};
+        return {Availability::Unavailable, noConnection()};
     }
     if (facts.waylandSession) {
         if (!facts.ewmhWindowManager) {
             return {Availability::Unavailable,
-                    QStringLiteral("This is a Wayland session, and Lattica can only reach X11 applications through "
-                                   "Xwayland, where no window manager answers. Log in to an X11 (Xorg) session to "
-                                   "move windows.")};
+                    QCoreApplication::translate(
+                        "X11SessionCheck",
+                        "This is a Wayland session, and Lattica can only reach X11 applications through "
+                        "Xwayland, where no window manager answers. Log in to an X11 (Xorg) session to "
+                        "move windows.")};
         }
         return {Availability::Limited,
-                QStringLiteral("This is a Wayland session: Lattica sees and moves only X11 applications, through "
-                               "Xwayland. Wayland applications are not listed and stay where they are. Log in to an "
-                               "X11 (Xorg) session to move every window.")};
+                QCoreApplication::translate(
+                    "X11SessionCheck",
+                    "This is a Wayland session: Lattica sees and moves only X11 applications, through "
+                    "Xwayland. Wayland applications are not listed and stay where they are. Log in to an "
+                    "X11 (Xorg) session to move every window.")};
     }
     if (!facts.ewmhWindowManager) {
         return {Availability::Unavailable,
-                QStringLiteral("No window manager is running. Lattica moves windows through a window manager that "
-                               "follows the EWMH standard (Openbox, Xfwm4, KWin, Mutter, IceWM and most others). Start "
-                               "one, then check again.")};
+                QCoreApplication::translate(
+                    "X11SessionCheck",
+                    "No window manager is running. Lattica moves windows through a window manager that "
+                    "follows the EWMH standard (Openbox, Xfwm4, KWin, Mutter, IceWM and most others). Start "
+                    "one, then check again.")};
     }
     return {Availability::Available, {}};
 }
 
 CapabilityCheck X11SessionCheck::screenCaptureFor(const Facts& facts) {
     if (!facts.connected) {
-        return {Availability::Unavailable, kNoConnection};
+        return {Availability::Unavailable, noConnection()};
     }
     if (facts.waylandSession) {
         return {Availability::Unavailable,
-                QStringLiteral("This is a Wayland session: through Xwayland Lattica cannot see what your monitors "
-                               "show, so there are no previews. Log in to an X11 (Xorg) session to see them.")};
+                QCoreApplication::translate(
+                    "X11SessionCheck",
+                    "This is a Wayland session: through Xwayland Lattica cannot see what your monitors "
+                    "show, so there are no previews. Log in to an X11 (Xorg) session to see them.")};
     }
     return {Availability::Available, {}};
 }

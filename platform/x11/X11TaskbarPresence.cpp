@@ -46,13 +46,17 @@ bool X11TaskbarPresence::isOrdinaryTopLevel(const QWindow& window) {
     }
 }
 
+bool X11TaskbarPresence::skips(const QWindow& window) const {
+    return !m_shown && !window.property(kAlwaysInTaskbarProperty).toBool();
+}
+
 void X11TaskbarPresence::setShownInTaskbar(bool shown) {
     m_shown = shown;
-    const bool skip = !shown;
     for (QWindow* window : QGuiApplication::topLevelWindows()) {
         if (!isOrdinaryTopLevel(*window) || window->handle() == nullptr) {
             continue;
         }
+        const bool skip = skips(*window);
         const auto xid = static_cast<xcb_window_t>(window->winId());
         if (window->isVisible()) {
             requestStateChange(xid, skip);
@@ -69,7 +73,7 @@ bool X11TaskbarPresence::eventFilter(QObject* watched, QEvent* event) {
         auto* window = static_cast<QWindow*>(watched);
         if (isOrdinaryTopLevel(*window) && window->handle() != nullptr) {
             // The window is not mapped yet: its state property is read by the window manager on mapping.
-            writeStateProperty(static_cast<xcb_window_t>(window->winId()), true);
+            writeStateProperty(static_cast<xcb_window_t>(window->winId()), skips(*window));
             sync();
         }
     }

@@ -2,7 +2,8 @@
 # SPDX-License-Identifier: MIT
 # Builds the Debian package from a build folder whose targets are built and checks it: the control fields,
 # dependencies found by dpkg-shlibdeps rather than written by hand, every installed file, and that the
-# packaged program runs. Usage: check-deb.sh BUILD_DIR. Exits 77 (skipped) without dpkg-deb.
+# packaged program runs; as root with CI=true also that it installs with apt-get, runs from /usr/bin and is
+# removed again. Usage: check-deb.sh BUILD_DIR. Exits 77 (skipped) without dpkg-deb.
 set -euo pipefail
 BUILD_DIR=$1
 for tool in dpkg-deb dpkg-shlibdeps cpack; do
@@ -72,6 +73,56 @@ for binary in usr/bin/lattica usr/libexec/lattica/lattica-app; do
     file "$WORK/root/$binary" 2>/dev/null | grep -q "not stripped" && fail "the packaged $binary is not stripped"
 done
 zcat "$WORK/root/usr/share/man/man1/lattica.1.gz" | grep -q '^\.SH DESCRIPTION' || fail "the manual page has no DESCRIPTION"
+
+# On a CI machine, as root: the package as a user gets it. apt installs it with its dependencies from what
+# the machine already has (nothing is downloaded), the installed program answers, and the package goes
+# again; the list of installed packages is the same afterwards as before.
+install_check() {
+    if dpkg-query -W -f='${Status}' lattica 2>/dev/null | grep -q "install ok installed"; then
+        fail "a lattica package is installed already; the install check does not touch it"
+        return
+    fi
+    dpkg-query -W -f='${Package}\n' | sort >"$WORK/before"
+    trap 'apt-get purge -y -qq lattica >/dev/null 2>&1 || true; rm -rf "$WORK"' EXIT
+    # Nothing is downloaded: apt's plan must install this package alone, its dependencies being here.
+    if ! apt-get install -s --no-install-recommends "$deb" >"$WORK/plan.log" 2>&1; then
+        cat "$WORK/plan.log"
+        fail "apt-get cannot install $(basename "$deb") on this machine (see above)"
+        return
+    fi
+    missing=$(awk '$1 == "Inst" && $2 != "lattica" { print $2 }' "$WORK/plan.log" | tr '\n' ' ')
+    if [ -n "$missing" ]; then
+        fail "dependencies missing from this machine, which the check does not download: $missing"
+        return
+    fi
+    if ! DEBIAN_FRONTEND=noninteractive apt-get install -y -q --no-install-recommends "$deb" \
+        >"$WORK/install.log" 2>&1; then
+        cat "$WORK/install.log"
+        fail "apt-get install $(basename "$deb") failed (see above)"
+        return
+    fi
+    echo "check-deb: installed with apt-get install $(basename "$deb")"
+    installed=$(/usr/bin/lattica --version) || fail "the installed /usr/bin/lattica --version failed"
+    [[ $installed == "Lattica "* ]] || fail "the installed /usr/bin/lattica --version printed '$installed'"
+    echo "check-deb: /usr/bin/lattica --version: $installed"
+    dpkg-query -W -f='${Package}\n' | sort >"$WORK/after"
+    # What apt brought in for the package goes with it.
+    mapfile -t added < <(comm -13 "$WORK/before" "$WORK/after")
+    if ! DEBIAN_FRONTEND=noninteractive apt-get purge -y -q "${added[@]}" >"$WORK/remove.log" 2>&1; then
+        cat "$WORK/remove.log"
+        fail "apt-get purge ${added[*]} failed"
+    fi
+    trap 'rm -rf "$WORK"' EXIT
+    [ ! -e /usr/bin/lattica ] || fail "/usr/bin/lattica is still there after the purge"
+    dpkg-query -W -f='${Package}\n' | sort >"$WORK/end"
+    cmp -s "$WORK/before" "$WORK/end" || fail "the installed packages differ from before: $(diff "$WORK/before" "$WORK/end" | tr '\n' ' ')"
+    echo "check-deb: removed again (${added[*]}); the installed packages are as before"
+}
+if [ "$(id -u)" -eq 0 ] && [ "${CI:-}" = true ]; then
+    install_check
+else
+    echo "check-deb: not installing the package (that needs root and CI=true)"
+fi
 
 if ((failures > 0)); then
     echo "check-deb: $failures problem(s)"

@@ -12,6 +12,7 @@
 #include <QScreen>
 #include <QStyleHints>
 #include <QTemporaryDir>
+#include <QTest>
 #include <QThreadPool>
 #include <cstdio>
 #include <cstdlib>
@@ -512,16 +513,13 @@ TEST_F(PanelOnDesktop, SettingsWindowOpenedTwiceIsTheSameWindowPlacedUnderThePoi
     EXPECT_NEAR(window->geometry().center().x(), monitors[2].center().x(), 2);
 }
 
-TEST_F(PanelOnDesktop, AccessoryWindowsStayOutOfTheTaskbarAndRegularOnesShowInIt) {
+TEST_F(PanelOnDesktop, WorkWindowsStayInTheTaskbarAndOtherWindowsFollowTheChoice) {
     ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return !platform->services().taskbarPresence->isShownInTaskbar(); }));
-    windows->showSettingsWindow();
-    QWidget* window = windows->settingsWindow();
-    const auto xid = static_cast<xcb_window_t>(window->winId());
     X11Connection& x11 = platform->connection();
-    auto states = [&] {
+    auto atomList = [&](xcb_window_t window, const char* property) {
         QList<xcb_atom_t> atoms;
         xcb_get_property_reply_t* reply = xcb_get_property_reply(
-            xcb(), xcb_get_property(xcb(), 0, xid, x11.atom("_NET_WM_STATE"), XCB_ATOM_ATOM, 0, 64), nullptr);
+            xcb(), xcb_get_property(xcb(), 0, window, x11.atom(property), XCB_ATOM_ANY, 0, 1024), nullptr);
         if (reply) {
             const auto* values = static_cast<const xcb_atom_t*>(xcb_get_property_value(reply));
             for (int i = 0; i < xcb_get_property_value_length(reply) / 4; ++i) {
@@ -531,17 +529,58 @@ TEST_F(PanelOnDesktop, AccessoryWindowsStayOutOfTheTaskbarAndRegularOnesShowInIt
         std::free(reply);
         return atoms;
     };
+    auto states = [&](QWidget* window) {
+        return atomList(static_cast<xcb_window_t>(window->winId()), "_NET_WM_STATE");
+    };
+    // The window manager lists the windows it manages on the root window; taskbars and Alt+Tab read it.
+    auto managed = [&](QWidget* window) {
+        return atomList(x11.root(), "_NET_CLIENT_LIST").contains(static_cast<xcb_atom_t>(window->winId()));
+    };
+    x11.internAtoms({"_NET_CLIENT_LIST"});
     const xcb_atom_t skipTaskbar = x11.atom("_NET_WM_STATE_SKIP_TASKBAR");
     const xcb_atom_t skipPager = x11.atom("_NET_WM_STATE_SKIP_PAGER");
-    EXPECT_TRUE(
-        VirtualDesktop::waitUntil([&] { return states().contains(skipTaskbar) && states().contains(skipPager); }));
+
+    windows->showSettingsWindow();
+    windows->showPermissionGuideWindow();
+    QWidget* settings = windows->settingsWindow();
+    QWidget* guide = windows->permissionWindow();
+    ASSERT_NE(settings, nullptr);
+    ASSERT_NE(guide, nullptr);
+    // Another ordinary window of ours, as the panel is on a desktop without a tray: it follows the choice.
+    QWidget other;
+    other.setWindowTitle(QStringLiteral("other window"));
+    other.resize(240, 120);
+    other.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&other));
+
+    auto workWindowsListed = [&] {
+        for (QWidget* window : {settings, guide}) {
+            if (!managed(window) || states(window).contains(skipTaskbar) || states(window).contains(skipPager)) {
+                return false;
+            }
+        }
+        return true;
+    };
+    // The other window's state shows that the window manager has taken in all three.
+    EXPECT_TRUE(VirtualDesktop::waitUntil(
+        [&] { return managed(&other) && states(&other).contains(skipTaskbar) && states(&other).contains(skipPager); }));
+    EXPECT_TRUE(workWindowsListed());
 
     controller->setDockIconVisible(true);
-    EXPECT_TRUE(
-        VirtualDesktop::waitUntil([&] { return !states().contains(skipTaskbar) && !states().contains(skipPager); }));
+    EXPECT_TRUE(VirtualDesktop::waitUntil(
+        [&] { return !states(&other).contains(skipTaskbar) && !states(&other).contains(skipPager); }));
+    EXPECT_TRUE(workWindowsListed());
 
     controller->setDockIconVisible(false);
-    EXPECT_TRUE(VirtualDesktop::waitUntil([&] { return states().contains(skipTaskbar); }));
+    EXPECT_TRUE(VirtualDesktop::waitUntil([&] { return states(&other).contains(skipTaskbar); }));
+    EXPECT_TRUE(workWindowsListed());
+
+    // Closed and opened again while Lattica keeps out of the taskbar: listed again.
+    settings->close();
+    ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return !managed(settings); }));
+    windows->showSettingsWindow();
+    EXPECT_TRUE(VirtualDesktop::waitUntil([&] { return managed(settings); }));
+    EXPECT_TRUE(workWindowsListed()) << "the settings window came back without the taskbar";
 }
 
 }  // namespace

@@ -19,6 +19,24 @@
 
 namespace {
 
+// The text broken into lines at spaces so that each line is at most width wide, for a button, which cannot
+// wrap by itself; a word wider than that keeps a line of its own.
+QString wrappedToWidth(const QString& text, const QFontMetrics& metrics, int width) {
+    QStringList lines;
+    QString line;
+    for (const QString& word : text.split(QLatin1Char(' '))) {
+        const QString longer = line.isEmpty() ? word : line + QLatin1Char(' ') + word;
+        if (!line.isEmpty() && metrics.horizontalAdvance(longer) > width) {
+            lines.append(line);
+            line = word;
+        } else {
+            line = longer;
+        }
+    }
+    lines.append(line);
+    return lines.join(QLatin1Char('\n'));
+}
+
 constexpr int kPadding = 8;
 constexpr int kPreviewCornerRadius = 6;
 constexpr int kCardCornerRadius = 10;
@@ -215,7 +233,8 @@ void DisplayCardView::updateWindowCount() {
         m_windowCountLabel->setText(tr("Counting windows..."));
     } else {
         const int count = *m_display.visibleWindowCount;
-        m_windowCountLabel->setText(count == 1 ? tr("1 visible window") : tr("%1 visible windows").arg(count));
+        // English keeps its singular as a text of its own; other languages word every count in the plural text.
+        m_windowCountLabel->setText(count == 1 ? tr("1 visible window") : tr("%n visible windows", nullptr, count));
     }
     setAccessibleDescription(m_windowCountLabel->text());
     m_previewArea->setAccessibleDescription(m_display.name + QStringLiteral(", ") + m_windowCountLabel->text());
@@ -227,7 +246,7 @@ void DisplayCardView::updateMoveButtonNames() {
     QString windows = tr("the visible windows");
     if (m_display.visibleWindowCount.has_value()) {
         const int count = *m_display.visibleWindowCount;
-        windows = count == 1 ? tr("1 window") : tr("%1 windows").arg(count);
+        windows = count == 1 ? tr("1 window") : tr("%n windows", nullptr, count);
     }
     for (QPushButton* button : m_moveControls->findChildren<QPushButton*>(QStringLiteral("moveTargetButton"))) {
         button->setAccessibleName(tr("Move %1 from screen %2 to %3")
@@ -262,7 +281,8 @@ void DisplayCardView::rebuildMoveControls() {
 
     QFont headingFont = ViewStyle::captionFont();
     headingFont.setWeight(QFont::DemiBold);
-    m_moveControlsLayout->addWidget(ViewStyle::makeLabel(tr("Move visible windows to:"), headingFont, m_moveControls));
+    m_moveControlsLayout->addWidget(
+        ViewStyle::makeLabel(tr("Move visible windows to:"), headingFont, m_moveControls, false, true));
     for (const DisplaySnapshot& target : others) {
         auto* button =
             new QPushButton(SymbolIcons::icon(screenNumberSymbol(target.index)), target.name, m_moveControls);
@@ -370,6 +390,18 @@ void DisplayCardView::elideTexts() {
         const QString full = button->property("fullText").toString();
         const int available = button->width() - button->iconSize().width() - 28;
         button->setText(available > 0 ? button->fontMetrics().elidedText(full, Qt::ElideRight, available) : full);
+    }
+    // A translation longer than the card breaks into lines rather than being cut. The text changes only
+    // when its lines do, so that a resize does not lay the card out again for nothing.
+    const QFontMetrics metrics = m_appMenuButton->fontMetrics();
+    const int padding =
+        m_appMenuButton->sizeHint().width() - metrics.size(Qt::TextShowMnemonic, m_appMenuButton->text()).width();
+    const QString appMenuText = tr("Move app windows...");
+    const QString lines = m_appMenuButton->width() > padding
+                              ? wrappedToWidth(appMenuText, metrics, m_appMenuButton->width() - padding)
+                              : appMenuText;
+    if (lines != m_appMenuButton->text()) {
+        m_appMenuButton->setText(lines);
     }
 }
 

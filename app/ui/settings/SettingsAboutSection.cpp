@@ -20,12 +20,12 @@ constexpr int kAppIconSize = 72;
 }
 
 QString SettingsAboutSection::versionLine() {
-    return QStringLiteral("Version %1 (%2)")
+    return tr("Version %1 (%2)")
         .arg(QString::fromLatin1(BuildConfig::kVersion), QString::fromLatin1(BuildConfig::kBuildNumber));
 }
 
 QString SettingsAboutSection::creditsLine() {
-    return QStringLiteral("© %1 The Lattica developers").arg(QDate::currentDate().year());
+    return tr("© %1 The Lattica developers").arg(QDate::currentDate().year());
 }
 
 SettingsAboutSection::SettingsAboutSection(AppController& controller, QWidget* parent)
@@ -42,8 +42,7 @@ SettingsAboutSection::SettingsAboutSection(AppController& controller, QWidget* p
     nameFont.setPointSizeF(nameFont.pointSizeF() * 1.2);
     QLabel* name = ViewStyle::makeLabel(QStringLiteral("Lattica"), nameFont, this);
     name->setObjectName(QStringLiteral("appName"));
-    QLabel* tagline =
-        ViewStyle::makeLabel(QStringLiteral("Find Lost Windows Instantly"), ViewStyle::headlineFont(), this);
+    QLabel* tagline = ViewStyle::makeLabel(tr("Find Lost Windows Instantly"), ViewStyle::headlineFont(), this);
     tagline->setObjectName(QStringLiteral("tagline"));
     QLabel* version = ViewStyle::makeLabel(versionLine(), ViewStyle::subheadlineFont(), this, true);
     version->setObjectName(QStringLiteral("versionLine"));
@@ -53,18 +52,17 @@ SettingsAboutSection::SettingsAboutSection(AppController& controller, QWidget* p
         label->setAlignment(Qt::AlignCenter);
     }
 
-    m_contactSupport =
-        new QPushButton(SettingsSymbols::icon(QStringLiteral("envelope")), QStringLiteral("Contact Support"), this);
+    m_contactSupport = new QPushButton(SettingsSymbols::icon(QStringLiteral("envelope")), tr("Contact Support"), this);
     m_contactSupport->setObjectName(QStringLiteral("contactSupport"));
     connect(m_contactSupport, &QPushButton::clicked, this, [this] { m_controller.contactSupport(); });
 
-    auto* creditsCard = new SettingsCard(QStringLiteral("Credits"), this);
+    auto* creditsCard = new SettingsCard(tr("Credits"), this);
     creditsCard->setObjectName(QStringLiteral("creditsCard"));
     QHBoxLayout* creditsRow = creditsCard->addRowLayout();
-    QLabel* creditsText = ViewStyle::makeLabel(
-        QStringLiteral("Lattica is developed in the open. Source code, issues and release notes live on the "
-                       "project page."),
-        ViewStyle::captionFont(), creditsCard, true, true);
+    QLabel* creditsText =
+        ViewStyle::makeLabel(tr("Lattica is developed in the open. Source code, issues and release notes live on the "
+                                "project page."),
+                             ViewStyle::captionFont(), creditsCard, true, true);
     m_gitHub = new QPushButton(SettingsSymbols::icon(QStringLiteral("link")), QStringLiteral("GitHub"), creditsCard);
     m_gitHub->setObjectName(QStringLiteral("gitHubLink"));
     m_gitHub->setFlat(true);

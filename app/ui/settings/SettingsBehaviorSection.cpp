@@ -30,16 +30,16 @@ SettingsToggle* addToggleRow(SettingsCard* card, const QString& title, const QSt
 SettingsBehaviorSection::SettingsBehaviorSection(AppController& controller, QWidget* parent)
     : QWidget(parent), m_controller(controller) {
     auto* card = new SettingsCard(QString(), this);
-    m_launchAtLogin = addToggleRow(card, QStringLiteral("Launch at login"), QStringLiteral("toggle.launchAtLogin"));
-    m_dockIcon = addToggleRow(card, QStringLiteral("Show in taskbar"), QStringLiteral("toggle.dockIcon"));
-    m_adjustWindowSize = addToggleRow(card, QStringLiteral("Adjust window size to target screen"),
-                                      QStringLiteral("toggle.adjustWindowSize"));
+    m_launchAtLogin = addToggleRow(card, tr("Launch at login"), QStringLiteral("toggle.launchAtLogin"));
+    m_dockIcon = addToggleRow(card, tr("Show in taskbar"), QStringLiteral("toggle.dockIcon"));
+    m_adjustWindowSize =
+        addToggleRow(card, tr("Adjust window size to target screen"), QStringLiteral("toggle.adjustWindowSize"));
 
     // Which program the login entry starts, so that a build tree's binary in it is noticed.
     m_launchAtLoginProgram = ViewStyle::makeLabel(QString(), ViewStyle::captionFont(), this, true, true);
     m_launchAtLoginProgram->setObjectName(QStringLiteral("launchAtLoginProgram"));
 
-    QLabel* note = ViewStyle::makeLabel(QStringLiteral("Previews are refreshed only when you click the tray icon."),
+    QLabel* note = ViewStyle::makeLabel(tr("Previews are refreshed only when you click the tray icon."),
                                         ViewStyle::captionFont(), this, true, true);
     note->setObjectName(QStringLiteral("previewNote"));
 
@@ -75,7 +75,7 @@ void SettingsBehaviorSection::showValues() {
     m_dockIcon->setChecked(m_controller.dockIconVisible());
     m_adjustWindowSize->setChecked(m_controller.adjustWindowSizeToTargetScreen());
     const QString program = m_controller.launchAtLoginProgram();
-    m_launchAtLoginProgram->setText(QStringLiteral("Launch at login starts %1.").arg(program));
+    m_launchAtLoginProgram->setText(tr("Launch at login starts %1.").arg(program));
     m_launchAtLoginProgram->setHidden(program.isEmpty());
     m_launchAtLogin->update();
     m_dockIcon->update();

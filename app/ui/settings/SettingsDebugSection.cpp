@@ -14,10 +14,10 @@ SettingsDebugSection::SettingsDebugSection(AppController& controller, QWidget* p
     : QWidget(parent), m_controller(controller) {
     auto* card = new SettingsCard(QString(), this);
     QHBoxLayout* row = card->addRowLayout();
-    row->addWidget(ViewStyle::makeLabel(QStringLiteral("Read both permissions again and update the badges."),
-                                        ViewStyle::bodyFont(), card, false, true),
+    row->addWidget(ViewStyle::makeLabel(tr("Read both permissions again and update the badges."), ViewStyle::bodyFont(),
+                                        card, false, true),
                    1);
-    auto* refresh = new QPushButton(QStringLiteral("Refresh Permissions"), card);
+    auto* refresh = new QPushButton(tr("Refresh Permissions"), card);
     refresh->setObjectName(QStringLiteral("debug.refreshPermissions"));
     row->addWidget(refresh);
     connect(refresh, &QPushButton::clicked, this, [this] { m_controller.refreshPermissions(); });

@@ -78,13 +78,13 @@ SettingsPermissionsSection::SettingsPermissionsSection(AppController& controller
     m_screenRecordingExplanation = makeExplanation(this, QStringLiteral("explanation.screenRecording"));
     m_accessibilityExplanation = makeExplanation(this, QStringLiteral("explanation.accessibility"));
 
-    auto* requestScreenRecording = new QPushButton(QStringLiteral("Request Access"));
+    auto* requestScreenRecording = new QPushButton(tr("Request Access"));
     requestScreenRecording->setObjectName(QStringLiteral("request.screenRecording"));
-    auto* openScreenRecording = new QPushButton(QStringLiteral("Open Help"));
+    auto* openScreenRecording = new QPushButton(tr("Open Help"));
     openScreenRecording->setObjectName(QStringLiteral("settings.screenRecording"));
-    auto* requestAccessibility = new QPushButton(QStringLiteral("Request Access"));
+    auto* requestAccessibility = new QPushButton(tr("Request Access"));
     requestAccessibility->setObjectName(QStringLiteral("request.accessibility"));
-    auto* openAccessibility = new QPushButton(QStringLiteral("Open Help"));
+    auto* openAccessibility = new QPushButton(tr("Open Help"));
     openAccessibility->setObjectName(QStringLiteral("settings.accessibility"));
 
     connect(requestScreenRecording, &QPushButton::clicked, this,
@@ -98,11 +98,11 @@ SettingsPermissionsSection::SettingsPermissionsSection(AppController& controller
 
     auto* card = new SettingsCard(QString(), this);
     card->addRow(makePermissionRow(
-        QStringLiteral("Screen Capture"), QStringLiteral("Needed to show live previews of your displays in the panel."),
-        m_screenRecordingBadge, m_screenRecordingExplanation, requestScreenRecording, openScreenRecording));
-    card->addRow(makePermissionRow(
-        QStringLiteral("Window Control"), QStringLiteral("Needed to find and move the windows of other applications."),
-        m_accessibilityBadge, m_accessibilityExplanation, requestAccessibility, openAccessibility));
+        tr("Screen Capture"), tr("Needed to show live previews of your displays in the panel."), m_screenRecordingBadge,
+        m_screenRecordingExplanation, requestScreenRecording, openScreenRecording));
+    card->addRow(
+        makePermissionRow(tr("Window Control"), tr("Needed to find and move the windows of other applications."),
+                          m_accessibilityBadge, m_accessibilityExplanation, requestAccessibility, openAccessibility));
 
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "app/ui/settings/SettingsSection.h"
 
+#include <QCoreApplication>
+
 #include "BuildConfig.h"
 
 namespace {
@@ -57,17 +59,17 @@ std::optional<SettingsSection> fromRawValue(const QString& value) {
 QString title(SettingsSection section) {
     switch (section) {
         case SettingsSection::Permissions:
-            return QStringLiteral("Permissions");
+            return QCoreApplication::translate("SettingsSection", "Permissions");
         case SettingsSection::Behavior:
-            return QStringLiteral("Behavior");
+            return QCoreApplication::translate("SettingsSection", "Behavior");
         case SettingsSection::Shortcuts:
-            return QStringLiteral("Shortcuts");
+            return QCoreApplication::translate("SettingsSection", "Shortcuts");
         case SettingsSection::Updates:
-            return QStringLiteral("Updates");
+            return QCoreApplication::translate("SettingsSection", "Updates");
         case SettingsSection::About:
-            return QStringLiteral("About");
+            return QCoreApplication::translate("SettingsSection", "About");
         case SettingsSection::Debug:
-            return QStringLiteral("Debug");
+            return QCoreApplication::translate("SettingsSection", "Debug");
     }
     return {};
 }
@@ -93,20 +95,25 @@ QString symbol(SettingsSection section) {
 QString description(SettingsSection section) {
     switch (section) {
         case SettingsSection::Permissions:
-            return QStringLiteral(
+            return QCoreApplication::translate(
+                "SettingsSection",
                 "Review what your session allows and open the help page that explains what is missing.");
         case SettingsSection::Behavior:
-            return QStringLiteral(
+            return QCoreApplication::translate(
+                "SettingsSection",
                 "Control how Lattica behaves at login, in the taskbar, and during cross-display window moves.");
         case SettingsSection::Shortcuts:
-            return QStringLiteral(
+            return QCoreApplication::translate(
+                "SettingsSection",
                 "Assign a global keyboard shortcut per connected display to move the currently focused window.");
         case SettingsSection::Updates:
-            return QStringLiteral("Choose how update checks run and manually trigger an update check at any time.");
+            return QCoreApplication::translate(
+                "SettingsSection", "Choose how update checks run and manually trigger an update check at any time.");
         case SettingsSection::About:
             return {};
         case SettingsSection::Debug:
-            return QStringLiteral("Use developer-only tools for testing onboarding and permission-related flows.");
+            return QCoreApplication::translate(
+                "SettingsSection", "Use developer-only tools for testing onboarding and permission-related flows.");
     }
     return {};
 }

@@ -23,11 +23,11 @@ QList<MoveShortcuts::Action> moveActions(const QList<ShortcutDisplayItem>& conne
 
 SettingsShortcutsSection::SettingsShortcutsSection(AppController& controller, QWidget* parent)
     : QWidget(parent), m_controller(controller) {
-    m_movesCard = new SettingsCard(QStringLiteral("Moves"), this);
+    m_movesCard = new SettingsCard(tr("Moves"), this);
     m_movesCard->setObjectName(QStringLiteral("group.moves"));
-    m_connectedCard = new SettingsCard(QStringLiteral("Connected screens"), this);
+    m_connectedCard = new SettingsCard(tr("Connected screens"), this);
     m_connectedCard->setObjectName(QStringLiteral("group.connected"));
-    m_disconnectedCard = new SettingsCard(QStringLiteral("Disconnected screens"), this);
+    m_disconnectedCard = new SettingsCard(tr("Disconnected screens"), this);
     m_disconnectedCard->setObjectName(QStringLiteral("group.disconnected"));
     m_showMore = new QPushButton(this);
     m_showMore->setObjectName(QStringLiteral("showMoreScreens"));
@@ -82,7 +82,7 @@ void SettingsShortcutsSection::rebuildConnected() {
     }
     m_connectedShown = m_controller.connectedShortcutDisplays();
     m_connectedRows = fill(m_connectedCard, m_controller.connectedShortcutDisplays(),
-                           QStringLiteral("No connected screens were detected."), &m_connectedEmpty);
+                           tr("No connected screens were detected."), &m_connectedEmpty);
 }
 
 void SettingsShortcutsSection::rebuildDisconnected() {
@@ -92,7 +92,7 @@ void SettingsShortcutsSection::rebuildDisconnected() {
     m_disconnectedShown = m_controller.disconnectedShortcutDisplays();
     const QList<ShortcutDisplayItem>& all = *m_disconnectedShown;
     m_disconnectedRows = fill(m_disconnectedCard, all.mid(0, kRowsPerBatch),
-                              QStringLiteral("No disconnected screens with saved shortcuts."), &m_disconnectedEmpty);
+                              tr("No disconnected screens with saved shortcuts."), &m_disconnectedEmpty);
     for (ShortcutRecorderRow* row : std::as_const(m_disconnectedRows)) {
         connect(row, &ShortcutRecorderRow::deleteRequested, this,
                 [this](const QString& id) { m_controller.deleteDisconnectedShortcutDisplay(id); });
@@ -118,8 +118,8 @@ void SettingsShortcutsSection::showMoreDisconnected() {
 void SettingsShortcutsSection::updateShowMore() {
     const qsizetype remaining = m_disconnectedShown ? m_disconnectedShown->size() - m_disconnectedRows.size() : 0;
     m_showMore->setVisible(remaining > 0);
-    m_showMore->setText(QStringLiteral("Show %1 more screens (%2 not shown)")
-                            .arg(std::min<qsizetype>(remaining, kRowsPerBatch))
+    m_showMore->setText(tr("Show %n more screens (%1 not shown)", nullptr,
+                           static_cast<int>(std::min<qsizetype>(remaining, kRowsPerBatch)))
                             .arg(remaining));
 }
 

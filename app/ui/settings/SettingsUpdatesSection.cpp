@@ -20,7 +20,7 @@ SettingsUpdatesSection::SettingsUpdatesSection(AppController& controller, QWidge
     auto* card = new SettingsCard(QString(), this);
 
     QHBoxLayout* toggleRow = card->addRowLayout();
-    const QString toggleTitle = QStringLiteral("Check for updates automatically on launch");
+    const QString toggleTitle = tr("Check for updates automatically on launch");
     m_automaticCheck = new SettingsToggle(card);
     m_automaticCheck->setObjectName(QStringLiteral("toggle.autoCheckForUpdates"));
     m_automaticCheck->setAccessibleName(toggleTitle);
@@ -29,11 +29,11 @@ SettingsUpdatesSection::SettingsUpdatesSection(AppController& controller, QWidge
 
     QHBoxLayout* checkRow = card->addRowLayout();
     QLabel* version = ViewStyle::makeLabel(
-        QStringLiteral("You are running Lattica %1 (%2).")
+        tr("You are running Lattica %1 (%2).")
             .arg(QString::fromLatin1(BuildConfig::kVersion), QString::fromLatin1(BuildConfig::kBuildNumber)),
         ViewStyle::captionFont(), card, true);
     m_checkButton = new QPushButton(SettingsSymbols::icon(QStringLiteral("arrow.triangle.2.circlepath")),
-                                    QStringLiteral("Check for Updates"), card);
+                                    tr("Check for Updates"), card);
     m_checkButton->setObjectName(QStringLiteral("checkForUpdates"));
     checkRow->addWidget(version, 1);
     checkRow->addWidget(m_checkButton);

@@ -66,7 +66,7 @@ SettingsView::SettingsView(AppController& controller, QWidget* parent) : QWidget
     m_unsavedPreferencesLabel->setObjectName(QStringLiteral("unsavedPreferencesNotice"));
     m_unsavedPreferencesLabel->setContentsMargins(24, 12, 24, 0);
     m_unsavedPreferencesLabel->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    m_unsavedPreferencesLabel->setAccessibleName(QStringLiteral("Changes not saved"));
+    m_unsavedPreferencesLabel->setAccessibleName(tr("Changes not saved"));
 
     auto* detail = new QVBoxLayout();
     detail->setContentsMargins(0, 0, 0, 0);

@@ -30,7 +30,7 @@ ShortcutRecorderRow::ShortcutRecorderRow(const ShortcutDisplayItem& item, Keyboa
         m_deleteButton = new QToolButton(this);
         m_deleteButton->setObjectName(QStringLiteral("deleteShortcutMapping"));
         m_deleteButton->setIcon(SettingsSymbols::icon(QStringLiteral("trash")));
-        m_deleteButton->setToolTip(QStringLiteral("Delete shortcut mapping for this disconnected screen"));
+        m_deleteButton->setToolTip(tr("Delete shortcut mapping for this disconnected screen"));
         m_deleteButton->setAccessibleName(m_deleteButton->toolTip());
         m_deleteButton->setAutoRaise(true);
         m_deleteButton->setFixedSize(kDeleteButtonSize, kDeleteButtonSize);
@@ -53,7 +53,8 @@ ShortcutRecorderRow::ShortcutRecorderRow(const QString& label, const QString& sh
 
 QHBoxLayout* ShortcutRecorderRow::build(const QString& label, const QString& shortcutName,
                                         KeyboardShortcuts::ActionShortcuts& shortcuts) {
-    m_label = ViewStyle::makeLabel(label, ViewStyle::bodyFont(), this);
+    // Long names and translations wrap instead of widening the page.
+    m_label = ViewStyle::makeLabel(label, ViewStyle::bodyFont(), this, false, true);
     m_label->setObjectName(QStringLiteral("shortcutRowLabel"));
 
     // The layout adopts it.
