@@ -6,11 +6,13 @@
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
 #include <QKeyEvent>
+#include <QLoggingCategory>
 #include <QMenu>
 #include <QScreen>
 #include <QTimer>
 #include <QVBoxLayout>
 #include <QtMath>
+#include <chrono>
 #include <cstdio>
 
 #include "KeyboardShortcuts/widgets/MenuWatcher.h"
@@ -20,6 +22,25 @@
 #include "app/ui/panel/PanelGeometry.h"
 #include "app/ui/panel/TrayPanelView.h"
 #include "platform/TrayHost.h"
+
+namespace {
+
+// When the panel opens, shows and paints, on the system's monotonic clock, for timing the panel from outside.
+Q_LOGGING_CATEGORY(lcPanelPaint, "lattica.panel.paint", QtInfoMsg)
+
+long long monotonicNanoseconds() {
+    return std::chrono::duration_cast<std::chrono::nanoseconds>(std::chrono::steady_clock::now().time_since_epoch())
+        .count();
+}
+
+// Posted, so that the line is written once the painted window has been handed to the X server.
+void tracePainted(QObject* context, const char* what) {
+    if (lcPanelPaint().isDebugEnabled()) {
+        QTimer::singleShot(0, context, [what] { qCDebug(lcPanelPaint, "%s at %lld", what, monotonicNanoseconds()); });
+    }
+}
+
+}  // namespace
 
 LatticaApp::LatticaApp(AppController& controller, WindowPresenter& windows, TrayHost* trayHost)
     : m_controller(controller),
@@ -84,7 +105,8 @@ void LatticaApp::showTrayIcon() {
     m_trayIcon->setToolTip(QStringLiteral("Lattica"));
     m_trayIcon->setContextMenu(m_trayMenu.get());
     connect(m_trayIcon.get(), &QSystemTrayIcon::activated, this, [this](QSystemTrayIcon::ActivationReason reason) {
-        if (reason == QSystemTrayIcon::Trigger) {
+        // A click soon after the one that closed the panel comes as a double click.
+        if (reason == QSystemTrayIcon::Trigger || reason == QSystemTrayIcon::DoubleClick) {
             togglePanel();
         }
     });
@@ -122,6 +144,8 @@ void LatticaApp::ensurePanel(bool asPopup) {
     layout->addWidget(m_content);
     connect(m_content, &TrayPanelView::dismissRequested, this, &LatticaApp::closePanel);
     connect(m_content, &TrayPanelView::settingsRequested, &m_windows, &WindowPresenter::showSettingsWindow);
+    connect(m_content, &TrayPanelView::cardsPainted, this, [this] { tracePainted(this, "cards painted"); });
+    connect(m_content, &TrayPanelView::previewsPainted, this, [this] { tracePainted(this, "previews painted"); });
     m_panel->installEventFilter(this);
     resizePanel();
 }
@@ -160,6 +184,7 @@ void LatticaApp::placePanel() {
 }
 
 void LatticaApp::openPanel() {
+    qCDebug(lcPanelPaint, "opening at %lld", monotonicNanoseconds());
     ensurePanel(true);
     m_anchorIcon = m_trayIcon ? m_trayIcon->geometry() : QRect();
     m_anchorPointer = QCursor::pos();
@@ -172,6 +197,9 @@ void LatticaApp::openPanel() {
     m_panel->show();
     m_panel->raise();
     m_panel->activateWindow();
+    const QRect frame = m_panel->geometry();
+    qCDebug(lcPanelPaint, "shown at %lld on %d,%d %dx%d", monotonicNanoseconds(), frame.x(), frame.y(), frame.width(),
+            frame.height());
     Q_EMIT panelShown();
 }
 
@@ -195,6 +223,7 @@ bool LatticaApp::eventFilter(QObject* watched, QEvent* event) {
         // However the panel went (Escape, a click outside, a move), its pictures are not needed until the
         // next opening takes new ones.
         if (event->type() == QEvent::Hide) {
+            qCDebug(lcPanelPaint, "hidden at %lld", monotonicNanoseconds());
             m_controller.setPreviewsShown(false);
         }
         if (event->type() == QEvent::KeyPress && static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape) {

@@ -305,4 +305,26 @@ TEST_F(TrayPanel, QuitEndsTheProgramAndAnswersControlQ) {
     EXPECT_EQ(QCoreApplication::exec(), 0);
 }
 
+TEST_F(TrayPanel, TellsOncePerShowingWhenEveryCardAndThenEveryPreviewIsPainted) {
+    setDisplayCount(2);
+    makeController();
+    showPanel();
+    QSignalSpy cardsPainted(view.get(), &TrayPanelView::cardsPainted);
+    QSignalSpy previewsPainted(view.get(), &TrayPanelView::previewsPainted);
+    controller().refreshForMenuOpen();
+    ASSERT_TRUE(waitUntil([&] { return cardsPainted.count() == 1; }));
+    ASSERT_TRUE(waitUntil([&] { return previewsPainted.count() == 1; }));
+    for (DisplayCardView* card : view->cards()) {
+        EXPECT_FALSE(card->scaledPreview().isNull());
+    }
+    // Painting again within the same showing tells nothing new.
+    view->repaint();
+    EXPECT_EQ(cardsPainted.count(), 1);
+    EXPECT_EQ(previewsPainted.count(), 1);
+    // Shown again, it tells again once it has painted.
+    view->hide();
+    view->show();
+    ASSERT_TRUE(waitUntil([&] { return cardsPainted.count() == 2 && previewsPainted.count() == 2; }));
+}
+
 }  // namespace

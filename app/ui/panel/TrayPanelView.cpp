@@ -9,6 +9,7 @@
 #include <QPushButton>
 #include <QStackedLayout>
 #include <QVBoxLayout>
+#include <algorithm>
 
 #include "app/controller/AppController.h"
 #include "app/ui/common/CapabilityText.h"
@@ -254,9 +255,13 @@ void TrayPanelView::updateCards() {
             card->deleteLater();
         }
         m_cards.clear();
+        m_paintedCards.clear();
+        m_cardsWithPreview.clear();
         m_cardRow->addStretch(1);
         for (qsizetype i = 0; i < displays.size(); ++i) {
             auto* card = new DisplayCardView(m_controller, m_grid);
+            connect(card, &DisplayCardView::painted, this,
+                    [this, card](bool withPreview) { notePainted(card, withPreview); });
             m_cardRow->addWidget(card, 0, Qt::AlignTop);
             m_cards.append(card);
         }
@@ -369,7 +374,33 @@ bool TrayPanelView::handleCardKey(DisplayCardView* card, QWidget* control, int k
     return true;
 }
 
+void TrayPanelView::notePainted(DisplayCardView* card, bool withPreview) {
+    if (!isVisible()) {
+        return;
+    }
+    m_paintedCards.insert(card);
+    if (withPreview) {
+        m_cardsWithPreview.insert(card);
+    }
+    const auto everyCard = [this](const QSet<DisplayCardView*>& painted) {
+        return std::all_of(m_cards.cbegin(), m_cards.cend(),
+                           [&painted](DisplayCardView* each) { return painted.contains(each); });
+    };
+    if (!m_cardsPaintedTold && everyCard(m_paintedCards)) {
+        m_cardsPaintedTold = true;
+        Q_EMIT cardsPainted();
+    }
+    if (!m_previewsPaintedTold && everyCard(m_cardsWithPreview)) {
+        m_previewsPaintedTold = true;
+        Q_EMIT previewsPainted();
+    }
+}
+
 void TrayPanelView::showEvent(QShowEvent* event) {
+    m_paintedCards.clear();
+    m_cardsWithPreview.clear();
+    m_cardsPaintedTold = false;
+    m_previewsPaintedTold = false;
     QWidget::showEvent(event);
     // Opened from the tray by keyboard or mouse, the panel is ready for the keyboard at once.
     focusFirstControl();

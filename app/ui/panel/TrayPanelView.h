@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QList>
+#include <QSet>
 #include <QWidget>
 
 #include "app/model/Models.h"
@@ -39,6 +40,10 @@ Q_SIGNALS:
     void dismissRequested();
     // The Settings button was pressed, after the panel was asked to close.
     void settingsRequested();
+    // Since the panel was last shown, every card has been painted: at all, and with its preview picture.
+    // Each is told once per showing.
+    void cardsPainted();
+    void previewsPainted();
 
 protected:
     void resizeEvent(QResizeEvent* event) override;
@@ -60,6 +65,7 @@ private:
     void focusFirstControl();
     // Arrow keys between and within cards, digits for a card's target display.
     bool handleCardKey(DisplayCardView* card, QWidget* control, int key);
+    void notePainted(DisplayCardView* card, bool withPreview);
 
     AppController& m_controller;
     State m_state = State::PermissionsRequired;
@@ -76,4 +82,9 @@ private:
     QList<DisplayCardView*> m_cards;
     QPushButton* m_settingsButton = nullptr;
     QPushButton* m_quitButton = nullptr;
+    // The cards painted since the panel was shown.
+    QSet<DisplayCardView*> m_paintedCards;
+    QSet<DisplayCardView*> m_cardsWithPreview;
+    bool m_cardsPaintedTold = false;
+    bool m_previewsPaintedTold = false;
 };
