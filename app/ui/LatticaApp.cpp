@@ -17,6 +17,7 @@
 
 #include "KeyboardShortcuts/widgets/MenuWatcher.h"
 #include "app/controller/AppController.h"
+#include "app/displays/ScreenSnapshotService.h"
 #include "app/ui/WindowPresenter.h"
 #include "app/ui/common/SymbolIcons.h"
 #include "app/ui/panel/PanelGeometry.h"
@@ -93,7 +94,12 @@ void LatticaApp::start() {
         ensurePanel(false);
         QTimer::singleShot(0, this, &LatticaApp::openPanel);
     }
-    QTimer::singleShot(0, this, [this] { m_controller.start(); });
+    QTimer::singleShot(0, this, [this] {
+        m_controller.start();
+        if (m_trayIcon) {
+            prebuildPanel();
+        }
+    });
 }
 
 void LatticaApp::showTrayIcon() {
@@ -124,6 +130,7 @@ void LatticaApp::moveIntoTray() {
         m_content = nullptr;
     }
     showTrayIcon();
+    prebuildPanel();
 }
 
 void LatticaApp::ensurePanel(bool asPopup) {
@@ -150,10 +157,31 @@ void LatticaApp::ensurePanel(bool asPopup) {
     resizePanel();
 }
 
+QSize LatticaApp::panelSize(bool granted, int displayCount) {
+    return {qCeil(PanelGeometry::popupWidth(granted, displayCount)),
+            qCeil(PanelGeometry::popupHeight(granted, displayCount))};
+}
+
 QSize LatticaApp::panelSize() const {
-    const bool granted = m_controller.permissionState().bothGranted();
-    const int count = static_cast<int>(m_controller.displays().size());
-    return {qCeil(PanelGeometry::popupWidth(granted, count)), qCeil(PanelGeometry::popupHeight(granted, count))};
+    return panelSize(m_controller.permissionState().bothGranted(), static_cast<int>(m_controller.displays().size()));
+}
+
+void LatticaApp::prebuildPanel() {
+    if (m_panel && m_panel->isVisible()) {
+        return;
+    }
+    ensurePanel(true);
+    QList<DisplaySnapshot> placeholders;
+    if (m_controller.permissionState().bothGranted()) {
+        for (const DisplayDescriptor& descriptor : ScreenSnapshotService::currentDisplayDescriptors()) {
+            placeholders.append(DisplaySnapshot::placeholder(descriptor));
+        }
+    }
+    // Sized as the opening will size it, so the cards are laid out at their width; an opening for other
+    // displays resizes it.
+    m_panel->setFixedSize(panelSize(m_controller.permissionState().bothGranted(), int(placeholders.size())));
+    m_content->prepare(placeholders);
+    m_panel->winId();
 }
 
 void LatticaApp::resizePanel() {

@@ -245,34 +245,61 @@ void TrayPanelView::updateCards() {
     // No cards while the permission request is shown.
     const QList<DisplaySnapshot> displays =
         m_state == State::Displays ? m_controller.displays() : QList<DisplaySnapshot>();
-    if (m_cards.size() != displays.size()) {
-        while (QLayoutItem* item = m_cardRow->takeAt(0)) {
-            delete item;
-        }
-        for (DisplayCardView* card : m_cards) {
-            // Later: a card's own button may be what started this change.
-            card->hide();
-            card->deleteLater();
-        }
-        m_cards.clear();
-        m_paintedCards.clear();
-        m_cardsWithPreview.clear();
-        m_cardRow->addStretch(1);
-        for (qsizetype i = 0; i < displays.size(); ++i) {
-            auto* card = new DisplayCardView(m_controller, m_grid);
-            connect(card, &DisplayCardView::painted, this,
-                    [this, card](bool withPreview) { notePainted(card, withPreview); });
-            m_cardRow->addWidget(card, 0, Qt::AlignTop);
-            m_cards.append(card);
-        }
-        m_cardRow->addStretch(1);
-    }
+    useCards(displays.size());
     m_singleDisplayHint->setVisible(displays.size() == 1);
     layoutCards();
 }
 
+void TrayPanelView::useCards(qsizetype count) {
+    if (m_cards.size() == count) {
+        return;
+    }
+    // Cards are hidden, never deleted: one of their buttons may be what started this change, and the next
+    // change back needs them again.
+    while (m_cards.size() > count) {
+        DisplayCardView* card = m_cards.takeLast();
+        card->hide();
+        m_spareCards.prepend(card);
+    }
+    if (m_cardRow->count() == 0) {
+        m_cardRow->addStretch(1);
+        m_cardRow->addStretch(1);
+    }
+    while (m_cards.size() < count) {
+        DisplayCardView* card = nullptr;
+        if (!m_spareCards.isEmpty()) {
+            card = m_spareCards.takeFirst();
+            card->show();
+        } else {
+            card = new DisplayCardView(m_controller, m_grid);
+            connect(card, &DisplayCardView::painted, this,
+                    [this, card](bool withPreview) { notePainted(card, withPreview); });
+            // Before the closing stretch, after every card made before.
+            m_cardRow->insertWidget(m_cardRow->count() - 1, card, 0, Qt::AlignTop);
+        }
+        m_cards.append(card);
+    }
+    m_paintedCards.clear();
+    m_cardsWithPreview.clear();
+}
+
+void TrayPanelView::prepare(const QList<DisplaySnapshot>& displays) {
+    const State shown = m_state;
+    m_pages->setCurrentWidget(m_gridPage);
+    useCards(displays.size());
+    m_singleDisplayHint->setVisible(displays.size() == 1);
+    layoutCards(displays, true);
+    // Painting once lays everything out and fills the caches of fonts, icons and styles.
+    window()->grab();
+    m_state = shown;
+    render();
+}
+
 void TrayPanelView::layoutCards() {
-    const QList<DisplaySnapshot>& displays = m_controller.displays();
+    layoutCards(m_controller.displays(), m_controller.isLoadingPreviews());
+}
+
+void TrayPanelView::layoutCards(const QList<DisplaySnapshot>& displays, bool isLoading) {
     if (m_cards.isEmpty() || m_cards.size() != displays.size()) {
         return;
     }
@@ -280,7 +307,7 @@ void TrayPanelView::layoutCards() {
     const double previewHeight = PanelGeometry::previewHeight(cardWidth);
     for (qsizetype i = 0; i < m_cards.size(); ++i) {
         const DisplaySnapshot& display = displays[i];
-        const bool loading = m_controller.isLoadingPreviews() && !display.previewImage.has_value();
+        const bool loading = isLoading && !display.previewImage.has_value();
         m_cards[i]->setFixedWidth(qRound(cardWidth));
         m_cards[i]->setDisplay(display, displays, previewHeight, loading);
     }
