@@ -96,8 +96,9 @@ void LatticaApp::start() {
     }
     QTimer::singleShot(0, this, [this] {
         m_controller.start();
+        // A turn of the event loop later, so that the icon is docked in the tray first.
         if (m_trayIcon) {
-            prebuildPanel();
+            QTimer::singleShot(0, this, &LatticaApp::prebuildPanel);
         }
     });
 }
