@@ -448,6 +448,19 @@ int main(int argc, char** argv) {
         if (!centre) {
             return 1;
         }
+        // A person clicks once the program has started: its launch work is done when it uses no processor
+        // time for a while.
+        Scheduling previous = scheduling(program.pid());
+        QElapsedTimer settling;
+        settling.start();
+        while (settling.elapsed() < 10000) {
+            ::usleep(300000);
+            const Scheduling current = scheduling(program.pid());
+            if (current.cpuTicks == previous.cpuTicks) {
+                break;
+            }
+            previous = current;
+        }
         if (last) {
             // Settled: the launch's own work done, nothing changing.
             ::sleep(2);
@@ -475,8 +488,9 @@ int main(int argc, char** argv) {
             for (int i = perMonitor; i < soak; ++i) {
                 failures += openAndClose(desktop, program, *centre) ? 0 : 1;
             }
-            rssAfterSoak = residentMiB(program.pid());
+            // Once the last opening's pictures are let go.
             ::sleep(2);
+            rssAfterSoak = residentMiB(program.pid());
             idleAfterOpenings = idleFor(program.pid(), idleSeconds);
         }
         program.stop();
