@@ -86,8 +86,8 @@ int sameReadsListing(X11Connection& connection) {
             propertyCookies.push_back(
                 xcb_get_property(c, 0, windows[i], property.atom, property.type, 0, property.length));
         }
-        const xcb_res_client_id_spec_t spec{windows[i], XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID};
-        owners.push_back(xcb_res_query_client_ids(c, 1, &spec));
+        const xcb_res_client_id_spec_t client{windows[i], XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID};
+        owners.push_back(xcb_res_query_client_ids(c, 1, &client));
     }
     std::free(xcb_query_tree_reply(c, tree, nullptr));
     for (int i = 0; i < count; ++i) {
