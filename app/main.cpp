@@ -299,6 +299,9 @@ int runProgram(int argc, char** argv) {
                      [&] { moveShortcuts.refresh(controller.connectedShortcutDisplays()); });
     moveShortcuts.refresh(controller.connectedShortcutDisplays());
     app.start();
+    // The background thread waits for the next capture instead of ending after half a minute without work:
+    // its end would wake the program while nothing changes.
+    QThreadPool::globalInstance()->setExpiryTimeout(-1);
     // The windows of the desktop are read once in the background now, so that the first opening of the
     // panel only has to ask about what changed since.
     QThreadPool::globalInstance()->start([] { ScreenSnapshotService::qualifyingWindows(); });

@@ -10,6 +10,7 @@
 
 #include "app/displays/ScreenSnapshotService.h"
 #include "app/mover/WindowMover.h"
+#include "bench/BenchSummary.h"
 #include "bench/BenchTable.h"
 #include "platform/Platform.h"
 #include "platform/x11/X11Connection.h"
@@ -123,6 +124,8 @@ int main(int argc, char** argv) {
         dup2(savedOut, fileno(stdout));
         ::close(devNull);
     };
+    BenchTable::Figures keepSize;
+    BenchTable::Figures adjustSize;
     for (const bool adjust : {false, true}) {
         int direction = 0;
         BenchTable::Figures figures;
@@ -139,23 +142,23 @@ int main(int argc, char** argv) {
                             .arg(adjust ? QStringLiteral("adjust size") : QStringLiteral("keep size"))
                             .arg(moved),
                         figures);
+        (adjust ? adjustSize : keepSize) = figures;
     }
     int round = 0;
-    BenchTable::row(
-        QStringLiteral("loop of wmctrl -ir ID -e (no confirmation)"), BenchTable::measure(6, [&] {
-            const QRectF target = all[round++ % 2].bounds;
-            for (quint32 window : windows) {
-                QProcess::execute(
-                    QStringLiteral("wmctrl"),
-                    {QStringLiteral("-ir"), QString::number(window), QStringLiteral("-e"),
-                     QStringLiteral("0,%1,%2,-1,-1").arg(int(target.x()) + 100).arg(int(target.y()) + 100)});
-            }
-        }));
+    const BenchTable::Figures wmctrl = BenchTable::measure(6, [&] {
+        const QRectF target = all[round++ % 2].bounds;
+        for (quint32 window : windows) {
+            QProcess::execute(QStringLiteral("wmctrl"),
+                              {QStringLiteral("-ir"), QString::number(window), QStringLiteral("-e"),
+                               QStringLiteral("0,%1,%2,-1,-1").arg(int(target.x()) + 100).arg(int(target.y()) + 100)});
+        }
+    });
+    BenchTable::row(QStringLiteral("loop of wmctrl -ir ID -e (no confirmation)"), wmctrl);
     WindowManagerFloor floor(windows);
     int floorRound = 0;
     auto nextCorner = [&] { return all[floorRound++ % 2].bounds.topLeft().toPoint() + QPoint(150, 150); };
-    BenchTable::row(QStringLiteral("window manager alone, each move awaited in turn (floor)"),
-                    BenchTable::measure(6, [&] { floor.moveOneAfterAnother(nextCorner()); }));
+    const BenchTable::Figures inTurn = BenchTable::measure(6, [&] { floor.moveOneAfterAnother(nextCorner()); });
+    BenchTable::row(QStringLiteral("window manager alone, each move awaited in turn (floor)"), inTurn);
     BenchTable::row(QStringLiteral("window manager alone, all moves sent then awaited"),
                     BenchTable::measure(6, [&] { floor.moveAllAtOnce(nextCorner()); }));
     QProcess::execute(QStringLiteral("wmctrl"),
@@ -173,6 +176,13 @@ int main(int argc, char** argv) {
                         .arg(last.attemptedCount),
                     focused);
     ::close(savedOut);
+    BenchSummary::header("Moving 20 windows against the window manager's own confirmed moves");
+    const BenchSummary::Comparison wmFloor{inTurn.median, QStringLiteral("window manager, each move awaited")};
+    const BenchSummary::Comparison peer{wmctrl.median, QStringLiteral("loop of wmctrl")};
+    BenchSummary::row(QStringLiteral("move 20 windows, keep size"), keepSize.median, "ms",
+                      BenchSummary::Target::atMostTimesFloor(1.3), wmFloor, peer);
+    BenchSummary::row(QStringLiteral("move 20 windows, adjust size"), adjustSize.median, "ms",
+                      BenchSummary::Target::atMostTimesFloor(2), wmFloor, peer);
     client.exit(10000);
     return 0;
 }

@@ -6,20 +6,42 @@
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
 #include <QKeyEvent>
+#include <QLoggingCategory>
 #include <QMenu>
 #include <QScreen>
 #include <QTimer>
 #include <QVBoxLayout>
 #include <QtMath>
+#include <chrono>
 #include <cstdio>
 
 #include "KeyboardShortcuts/widgets/MenuWatcher.h"
 #include "app/controller/AppController.h"
+#include "app/displays/ScreenSnapshotService.h"
 #include "app/ui/WindowPresenter.h"
 #include "app/ui/common/SymbolIcons.h"
 #include "app/ui/panel/PanelGeometry.h"
 #include "app/ui/panel/TrayPanelView.h"
 #include "platform/TrayHost.h"
+
+namespace {
+
+// When the panel opens, shows and paints, on the system's monotonic clock, for timing the panel from outside.
+Q_LOGGING_CATEGORY(lcPanelPaint, "lattica.panel.paint", QtInfoMsg)
+
+long long monotonicNanoseconds() {
+    return std::chrono::duration_cast<std::chrono::nanoseconds>(std::chrono::steady_clock::now().time_since_epoch())
+        .count();
+}
+
+// Posted, so that the line is written once the painted window has been handed to the X server.
+void tracePainted(QObject* context, const char* what) {
+    if (lcPanelPaint().isDebugEnabled()) {
+        QTimer::singleShot(0, context, [what] { qCDebug(lcPanelPaint, "%s at %lld", what, monotonicNanoseconds()); });
+    }
+}
+
+}  // namespace
 
 LatticaApp::LatticaApp(AppController& controller, WindowPresenter& windows, TrayHost* trayHost)
     : m_controller(controller),
@@ -72,7 +94,13 @@ void LatticaApp::start() {
         ensurePanel(false);
         QTimer::singleShot(0, this, &LatticaApp::openPanel);
     }
-    QTimer::singleShot(0, this, [this] { m_controller.start(); });
+    QTimer::singleShot(0, this, [this] {
+        m_controller.start();
+        // A turn of the event loop later, so that the icon is docked in the tray first.
+        if (m_trayIcon) {
+            QTimer::singleShot(0, this, &LatticaApp::prebuildPanel);
+        }
+    });
 }
 
 void LatticaApp::showTrayIcon() {
@@ -84,7 +112,8 @@ void LatticaApp::showTrayIcon() {
     m_trayIcon->setToolTip(QStringLiteral("Lattica"));
     m_trayIcon->setContextMenu(m_trayMenu.get());
     connect(m_trayIcon.get(), &QSystemTrayIcon::activated, this, [this](QSystemTrayIcon::ActivationReason reason) {
-        if (reason == QSystemTrayIcon::Trigger) {
+        // A click soon after the one that closed the panel comes as a double click.
+        if (reason == QSystemTrayIcon::Trigger || reason == QSystemTrayIcon::DoubleClick) {
             togglePanel();
         }
     });
@@ -102,6 +131,7 @@ void LatticaApp::moveIntoTray() {
         m_content = nullptr;
     }
     showTrayIcon();
+    prebuildPanel();
 }
 
 void LatticaApp::ensurePanel(bool asPopup) {
@@ -122,14 +152,37 @@ void LatticaApp::ensurePanel(bool asPopup) {
     layout->addWidget(m_content);
     connect(m_content, &TrayPanelView::dismissRequested, this, &LatticaApp::closePanel);
     connect(m_content, &TrayPanelView::settingsRequested, &m_windows, &WindowPresenter::showSettingsWindow);
+    connect(m_content, &TrayPanelView::cardsPainted, this, [this] { tracePainted(this, "cards painted"); });
+    connect(m_content, &TrayPanelView::previewsPainted, this, [this] { tracePainted(this, "previews painted"); });
     m_panel->installEventFilter(this);
     resizePanel();
 }
 
+QSize LatticaApp::panelSize(bool granted, int displayCount) {
+    return {qCeil(PanelGeometry::popupWidth(granted, displayCount)),
+            qCeil(PanelGeometry::popupHeight(granted, displayCount))};
+}
+
 QSize LatticaApp::panelSize() const {
-    const bool granted = m_controller.permissionState().bothGranted();
-    const int count = static_cast<int>(m_controller.displays().size());
-    return {qCeil(PanelGeometry::popupWidth(granted, count)), qCeil(PanelGeometry::popupHeight(granted, count))};
+    return panelSize(m_controller.permissionState().bothGranted(), static_cast<int>(m_controller.displays().size()));
+}
+
+void LatticaApp::prebuildPanel() {
+    if (m_panel && m_panel->isVisible()) {
+        return;
+    }
+    ensurePanel(true);
+    QList<DisplaySnapshot> placeholders;
+    if (m_controller.permissionState().bothGranted()) {
+        for (const DisplayDescriptor& descriptor : ScreenSnapshotService::currentDisplayDescriptors()) {
+            placeholders.append(DisplaySnapshot::placeholder(descriptor));
+        }
+    }
+    // Sized as the opening will size it, so the cards are laid out at their width; an opening for other
+    // displays resizes it.
+    m_panel->setFixedSize(panelSize(m_controller.permissionState().bothGranted(), int(placeholders.size())));
+    m_content->prepare(placeholders);
+    m_panel->winId();
 }
 
 void LatticaApp::resizePanel() {
@@ -160,6 +213,7 @@ void LatticaApp::placePanel() {
 }
 
 void LatticaApp::openPanel() {
+    qCDebug(lcPanelPaint, "opening at %lld", monotonicNanoseconds());
     ensurePanel(true);
     m_anchorIcon = m_trayIcon ? m_trayIcon->geometry() : QRect();
     m_anchorPointer = QCursor::pos();
@@ -172,6 +226,9 @@ void LatticaApp::openPanel() {
     m_panel->show();
     m_panel->raise();
     m_panel->activateWindow();
+    const QRect frame = m_panel->geometry();
+    qCDebug(lcPanelPaint, "shown at %lld on %d,%d %dx%d", monotonicNanoseconds(), frame.x(), frame.y(), frame.width(),
+            frame.height());
     Q_EMIT panelShown();
 }
 
@@ -195,6 +252,7 @@ bool LatticaApp::eventFilter(QObject* watched, QEvent* event) {
         // However the panel went (Escape, a click outside, a move), its pictures are not needed until the
         // next opening takes new ones.
         if (event->type() == QEvent::Hide) {
+            qCDebug(lcPanelPaint, "hidden at %lld", monotonicNanoseconds());
             m_controller.setPreviewsShown(false);
         }
         if (event->type() == QEvent::KeyPress && static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape) {

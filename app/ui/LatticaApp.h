@@ -33,6 +33,9 @@ public:
 
     // Opens the panel at the tray icon (at the pointer when the tray reports no geometry).
     void openPanel();
+    // Builds the popup, its window and its cards for the connected displays before the first click, so
+    // that the first opening is as quick as the later ones. Done by start() once a tray shows the icon.
+    void prebuildPanel();
     void closePanel();
     void togglePanel();
 
@@ -60,6 +63,7 @@ private:
     // A tray host came after the start: the ordinary panel window gives way to the tray icon.
     void moveIntoTray();
     void ensurePanel(bool asPopup);
+    static QSize panelSize(bool granted, int displayCount);
     QSize panelSize() const;
     void resizePanel();
     void placePanel();

@@ -4,6 +4,7 @@
 #include <QFile>
 #include <QKeyEvent>
 #include <QMenu>
+#include <QPointer>
 #include <QPushButton>
 #include <QSet>
 #include <QTemporaryDir>
@@ -13,6 +14,7 @@
 
 #include "KeyboardShortcuts/ActionShortcuts.h"
 #include "app/ui/LatticaApp.h"
+#include "app/ui/panel/DisplayCardView.h"
 #include "app/ui/panel/PanelGeometry.h"
 #include "app/ui/panel/TrayPanelView.h"
 #include "tests/ui/UiFixture.h"
@@ -63,6 +65,28 @@ TEST_F(LatticaAppWithoutTray, OpeningRefreshesAndSizesThePanelFromTheState) {
     EXPECT_EQ(app->panel()->size(), expectedSize());
     EXPECT_EQ(app->panel()->size(), QSize(640, 412));
     EXPECT_EQ(app->panelContent()->cards().size(), 3);
+}
+
+TEST_F(LatticaAppWithoutTray, APanelBuiltAheadShowsTheDisplaysConnectedAtTheOpening) {
+    setDisplayCount(3);
+    makeController();
+    controller().refreshPermissions();
+    app = std::make_unique<LatticaApp>(controller(), windows(), &platform.trayHost);
+    app->prebuildPanel();
+    ASSERT_NE(app->panel(), nullptr);
+    EXPECT_FALSE(app->panel()->isVisible());
+    EXPECT_TRUE(app->panel()->windowFlags().testFlag(Qt::Popup));
+    EXPECT_EQ(app->panel()->findChildren<DisplayCardView*>().size(), 3);
+    // Nothing was published for it: the controller's state is what the launch left.
+    EXPECT_TRUE(controller().displays().isEmpty());
+
+    setDisplayCount(2);
+    app->openPanel();
+    ASSERT_TRUE(waitUntil([&] { return app->panel()->isVisible(); }));
+    ASSERT_EQ(app->panelContent()->cards().size(), 2);
+    EXPECT_EQ(app->panelContent()->cards()[1]->display().name, QStringLiteral("Display 2"));
+    EXPECT_EQ(app->panel()->size(), expectedSize());
+    app->closePanel();
 }
 
 TEST_F(LatticaAppWithoutTray, EveryOpeningRunsTheRefresh) {
@@ -175,13 +199,18 @@ TEST_F(LatticaAppWithoutTray, TrayHostThatAppearsLaterTakesThePanel) {
     start();
     ASSERT_TRUE(waitUntil([&] { return app->panel() && app->panel()->isVisible(); }));
     EXPECT_FALSE(app->hasTrayHost());
+    const QPointer<QWidget> ordinaryWindow = app->panel();
 
     ::testing::internal::CaptureStdout();
     platform.trayHost.setAvailable(true);
     const QString said = QString::fromStdString(::testing::internal::GetCapturedStdout());
     EXPECT_TRUE(said.contains(QStringLiteral("a system tray is available now"))) << said.toStdString();
     EXPECT_TRUE(app->hasTrayHost());
-    EXPECT_EQ(app->panel(), nullptr) << "the ordinary window gave way to the tray icon";
+    EXPECT_TRUE(ordinaryWindow.isNull()) << "the ordinary window gave way to the tray icon";
+    // In its place the tray's popup is built ahead of the first click, and waits hidden.
+    ASSERT_NE(app->panel(), nullptr);
+    EXPECT_FALSE(app->panel()->isVisible());
+    EXPECT_TRUE(app->panel()->windowFlags().testFlag(Qt::Popup));
 
     app->openPanel();
     ASSERT_NE(app->panel(), nullptr);

@@ -6,6 +6,7 @@
 #include <QTimer>
 #include <QToolButton>
 
+#include "app/displays/ScreenSnapshotService.h"
 #include "app/ui/panel/DisplayCardView.h"
 #include "app/ui/panel/TrayPanelView.h"
 #include "tests/ui/UiFixture.h"
@@ -20,6 +21,20 @@ protected:
         view->resize(gridWidth + 24, height);
         view->show();
         ASSERT_TRUE(waitUntil([&] { return view->isVisible(); }));
+    }
+    QList<DisplaySnapshot> placeholders() const {
+        QList<DisplaySnapshot> displays;
+        for (const DisplayDescriptor& descriptor : ScreenSnapshotService::currentDisplayDescriptors()) {
+            displays.append(DisplaySnapshot::placeholder(descriptor));
+        }
+        return displays;
+    }
+    int visibleCards() const {
+        int count = 0;
+        for (DisplayCardView* card : view->findChildren<DisplayCardView*>()) {
+            count += card->isVisibleTo(view.get()) ? 1 : 0;
+        }
+        return count;
     }
     QWidget* page(const char* name) const { return view->findChild<QWidget*>(QLatin1String(name)); }
 
@@ -303,6 +318,90 @@ TEST_F(TrayPanel, QuitEndsTheProgramAndAnswersControlQ) {
     QObject::connect(&guard, &QTimer::timeout, [] { QCoreApplication::exit(1); });
     guard.start(5000);
     EXPECT_EQ(QCoreApplication::exec(), 0);
+}
+
+TEST_F(TrayPanel, TellsOncePerShowingWhenEveryCardAndThenEveryPreviewIsPainted) {
+    setDisplayCount(2);
+    makeController();
+    showPanel();
+    QSignalSpy cardsPainted(view.get(), &TrayPanelView::cardsPainted);
+    QSignalSpy previewsPainted(view.get(), &TrayPanelView::previewsPainted);
+    controller().refreshForMenuOpen();
+    ASSERT_TRUE(waitUntil([&] { return cardsPainted.count() == 1; }));
+    ASSERT_TRUE(waitUntil([&] { return previewsPainted.count() == 1; }));
+    for (DisplayCardView* card : view->cards()) {
+        EXPECT_FALSE(card->scaledPreview().isNull());
+    }
+    // Painting again within the same showing tells nothing new.
+    view->repaint();
+    EXPECT_EQ(cardsPainted.count(), 1);
+    EXPECT_EQ(previewsPainted.count(), 1);
+    // Shown again, it tells again once it has painted.
+    view->hide();
+    view->show();
+    ASSERT_TRUE(waitUntil([&] { return cardsPainted.count() == 2 && previewsPainted.count() == 2; }));
+}
+
+TEST_F(TrayPanel, CardsPreparedBeforeTheOpeningAreTheOnesItShows) {
+    setDisplayCount(3);
+    makeController();
+    view = std::make_unique<TrayPanelView>(controller());
+    view->resize(640, 420);
+    const TrayPanelView::State before = view->state();
+    view->prepare(placeholders());
+    // Preparing changes nothing that is shown.
+    EXPECT_EQ(view->state(), before);
+    EXPECT_TRUE(view->cards().isEmpty());
+    const QList<DisplayCardView*> prepared = view->findChildren<DisplayCardView*>();
+    ASSERT_EQ(prepared.size(), 3);
+
+    view->show();
+    controller().refreshForMenuOpen();
+    ASSERT_EQ(view->cards().size(), 3);
+    for (int i = 0; i < 3; ++i) {
+        EXPECT_TRUE(prepared.contains(view->cards()[i]));
+        EXPECT_EQ(view->cards()[i]->display().name, QStringLiteral("Display %1").arg(i + 1));
+    }
+    EXPECT_EQ(view->findChildren<DisplayCardView*>().size(), 3);
+}
+
+TEST_F(TrayPanel, PreparedForThreeDisplaysItShowsWhateverIsConnectedAtTheOpening) {
+    setDisplayCount(3);
+    makeController();
+    view = std::make_unique<TrayPanelView>(controller());
+    view->resize(640, 420);
+    view->prepare(placeholders());
+    setDisplayCount(2);
+    view->show();
+    controller().refreshForMenuOpen();
+    ASSERT_EQ(view->cards().size(), 2);
+    EXPECT_EQ(visibleCards(), 2);
+    EXPECT_EQ(view->cards()[0]->display().name, QStringLiteral("Display 1"));
+    EXPECT_EQ(view->cards()[1]->display().name, QStringLiteral("Display 2"));
+    EXPECT_TRUE(view->findChild<QWidget*>(QStringLiteral("singleDisplayHint"))->isHidden());
+
+    setDisplayCount(4);
+    controller().refreshForMenuOpen();
+    ASSERT_EQ(view->cards().size(), 4);
+    // A card added to the shown panel, and its new buttons, show once the event loop runs.
+    const auto targetsOf = [&](DisplayCardView* card) {
+        int targets = 0;
+        for (QPushButton* button : card->findChildren<QPushButton*>(QStringLiteral("moveTargetButton"))) {
+            targets += button->isVisibleTo(view.get()) ? 1 : 0;
+        }
+        return targets;
+    };
+    EXPECT_TRUE(waitUntil([&] { return visibleCards() == 4 && targetsOf(view->cards()[3]) == 3; }));
+    for (int i = 0; i < 4; ++i) {
+        EXPECT_EQ(view->cards()[i]->display().name, QStringLiteral("Display %1").arg(i + 1));
+        // Each card offers the other three displays as targets (buttons it replaced are hidden, then deleted).
+        EXPECT_EQ(targetsOf(view->cards()[i]), 3) << i;
+    }
+    setDisplayCount(1);
+    controller().refreshForMenuOpen();
+    ASSERT_EQ(view->cards().size(), 1);
+    EXPECT_EQ(visibleCards(), 1);
+    EXPECT_TRUE(view->findChild<QWidget*>(QStringLiteral("singleDisplayHint"))->isVisibleTo(view.get()));
 }
 
 }  // namespace

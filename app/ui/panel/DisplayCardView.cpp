@@ -445,4 +445,5 @@ void DisplayCardView::paintEvent(QPaintEvent*) {
     } else {
         painter.fillPath(clip, QColor(128, 128, 128, 56));
     }
+    Q_EMIT painted(!m_scaledPreview.isNull());
 }

@@ -55,6 +55,10 @@ public:
     // button of this card leads there (its own index, or no such display).
     bool moveToDisplayIndex(int index);
 
+Q_SIGNALS:
+    // The card was painted; withPreview tells whether the captured picture was part of it.
+    void painted(bool withPreview);
+
 protected:
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;

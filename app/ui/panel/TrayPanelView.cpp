@@ -9,6 +9,7 @@
 #include <QPushButton>
 #include <QStackedLayout>
 #include <QVBoxLayout>
+#include <algorithm>
 
 #include "app/controller/AppController.h"
 #include "app/ui/common/CapabilityText.h"
@@ -244,30 +245,61 @@ void TrayPanelView::updateCards() {
     // No cards while the permission request is shown.
     const QList<DisplaySnapshot> displays =
         m_state == State::Displays ? m_controller.displays() : QList<DisplaySnapshot>();
-    if (m_cards.size() != displays.size()) {
-        while (QLayoutItem* item = m_cardRow->takeAt(0)) {
-            delete item;
-        }
-        for (DisplayCardView* card : m_cards) {
-            // Later: a card's own button may be what started this change.
-            card->hide();
-            card->deleteLater();
-        }
-        m_cards.clear();
-        m_cardRow->addStretch(1);
-        for (qsizetype i = 0; i < displays.size(); ++i) {
-            auto* card = new DisplayCardView(m_controller, m_grid);
-            m_cardRow->addWidget(card, 0, Qt::AlignTop);
-            m_cards.append(card);
-        }
-        m_cardRow->addStretch(1);
-    }
+    useCards(displays.size());
     m_singleDisplayHint->setVisible(displays.size() == 1);
     layoutCards();
 }
 
+void TrayPanelView::useCards(qsizetype count) {
+    if (m_cards.size() == count) {
+        return;
+    }
+    // Cards are hidden, never deleted: one of their buttons may be what started this change, and the next
+    // change back needs them again.
+    while (m_cards.size() > count) {
+        DisplayCardView* card = m_cards.takeLast();
+        card->hide();
+        m_spareCards.prepend(card);
+    }
+    if (m_cardRow->count() == 0) {
+        m_cardRow->addStretch(1);
+        m_cardRow->addStretch(1);
+    }
+    while (m_cards.size() < count) {
+        DisplayCardView* card = nullptr;
+        if (!m_spareCards.isEmpty()) {
+            card = m_spareCards.takeFirst();
+            card->show();
+        } else {
+            card = new DisplayCardView(m_controller, m_grid);
+            connect(card, &DisplayCardView::painted, this,
+                    [this, card](bool withPreview) { notePainted(card, withPreview); });
+            // Before the closing stretch, after every card made before.
+            m_cardRow->insertWidget(m_cardRow->count() - 1, card, 0, Qt::AlignTop);
+        }
+        m_cards.append(card);
+    }
+    m_paintedCards.clear();
+    m_cardsWithPreview.clear();
+}
+
+void TrayPanelView::prepare(const QList<DisplaySnapshot>& displays) {
+    const State shown = m_state;
+    m_pages->setCurrentWidget(m_gridPage);
+    useCards(displays.size());
+    m_singleDisplayHint->setVisible(displays.size() == 1);
+    layoutCards(displays, true);
+    // Painting once lays everything out and fills the caches of fonts, icons and styles.
+    window()->grab();
+    m_state = shown;
+    render();
+}
+
 void TrayPanelView::layoutCards() {
-    const QList<DisplaySnapshot>& displays = m_controller.displays();
+    layoutCards(m_controller.displays(), m_controller.isLoadingPreviews());
+}
+
+void TrayPanelView::layoutCards(const QList<DisplaySnapshot>& displays, bool isLoading) {
     if (m_cards.isEmpty() || m_cards.size() != displays.size()) {
         return;
     }
@@ -275,7 +307,7 @@ void TrayPanelView::layoutCards() {
     const double previewHeight = PanelGeometry::previewHeight(cardWidth);
     for (qsizetype i = 0; i < m_cards.size(); ++i) {
         const DisplaySnapshot& display = displays[i];
-        const bool loading = m_controller.isLoadingPreviews() && !display.previewImage.has_value();
+        const bool loading = isLoading && !display.previewImage.has_value();
         m_cards[i]->setFixedWidth(qRound(cardWidth));
         m_cards[i]->setDisplay(display, displays, previewHeight, loading);
     }
@@ -369,7 +401,33 @@ bool TrayPanelView::handleCardKey(DisplayCardView* card, QWidget* control, int k
     return true;
 }
 
+void TrayPanelView::notePainted(DisplayCardView* card, bool withPreview) {
+    if (!isVisible()) {
+        return;
+    }
+    m_paintedCards.insert(card);
+    if (withPreview) {
+        m_cardsWithPreview.insert(card);
+    }
+    const auto everyCard = [this](const QSet<DisplayCardView*>& painted) {
+        return std::all_of(m_cards.cbegin(), m_cards.cend(),
+                           [&painted](DisplayCardView* each) { return painted.contains(each); });
+    };
+    if (!m_cardsPaintedTold && everyCard(m_paintedCards)) {
+        m_cardsPaintedTold = true;
+        Q_EMIT cardsPainted();
+    }
+    if (!m_previewsPaintedTold && everyCard(m_cardsWithPreview)) {
+        m_previewsPaintedTold = true;
+        Q_EMIT previewsPainted();
+    }
+}
+
 void TrayPanelView::showEvent(QShowEvent* event) {
+    m_paintedCards.clear();
+    m_cardsWithPreview.clear();
+    m_cardsPaintedTold = false;
+    m_previewsPaintedTold = false;
     QWidget::showEvent(event);
     // Opened from the tray by keyboard or mouse, the panel is ready for the keyboard at once.
     focusFirstControl();

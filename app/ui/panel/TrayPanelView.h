@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QList>
+#include <QSet>
 #include <QWidget>
 
 #include "app/model/Models.h"
@@ -26,6 +27,10 @@ public:
     // What the panel shows for a permission state, an empty or filled display list and the loading flag.
     static State stateFor(const PermissionState& permissions, bool displaysEmpty, bool isLoading);
 
+    // Builds and lays out the cards for these displays ahead of an opening, and paints the panel once
+    // off screen, so that the opening only fills them in. What the panel shows stays as it was.
+    void prepare(const QList<DisplaySnapshot>& displays);
+
     State state() const { return m_state; }
     QList<DisplayCardView*> cards() const { return m_cards; }
     // Width the row of cards shares.
@@ -39,6 +44,10 @@ Q_SIGNALS:
     void dismissRequested();
     // The Settings button was pressed, after the panel was asked to close.
     void settingsRequested();
+    // Since the panel was last shown, every card has been painted: at all, and with its preview picture.
+    // Each is told once per showing.
+    void cardsPainted();
+    void previewsPainted();
 
 protected:
     void resizeEvent(QResizeEvent* event) override;
@@ -55,11 +64,15 @@ private:
 
     void render();
     void updateCards();
+    // Shows count cards, taking them from the spare ones before making new ones.
+    void useCards(qsizetype count);
     void layoutCards();
+    void layoutCards(const QList<DisplaySnapshot>& displays, bool isLoading);
     void updateKeyboardOrder();
     void focusFirstControl();
     // Arrow keys between and within cards, digits for a card's target display.
     bool handleCardKey(DisplayCardView* card, QWidget* control, int key);
+    void notePainted(DisplayCardView* card, bool withPreview);
 
     AppController& m_controller;
     State m_state = State::PermissionsRequired;
@@ -74,6 +87,13 @@ private:
     QHBoxLayout* m_cardRow = nullptr;
     QWidget* m_singleDisplayHint = nullptr;
     QList<DisplayCardView*> m_cards;
+    // Cards made before and hidden while fewer displays are shown, kept in the row after the shown ones.
+    QList<DisplayCardView*> m_spareCards;
     QPushButton* m_settingsButton = nullptr;
     QPushButton* m_quitButton = nullptr;
+    // The cards painted since the panel was shown.
+    QSet<DisplayCardView*> m_paintedCards;
+    QSet<DisplayCardView*> m_cardsWithPreview;
+    bool m_cardsPaintedTold = false;
+    bool m_previewsPaintedTold = false;
 };
