@@ -332,8 +332,12 @@ Try &apos;lattica --help&apos;.
         <translation>Die GNOME-Shell-Erweiterung von Lattica (%1) antwortet nicht. Melden Sie sich ab und wieder an und starten Sie Lattica dann erneut.</translation>
     </message>
     <message>
-        <source>Lattica cannot take pictures of the monitors on GNOME yet: the panel shows each monitor without a preview.</source>
-        <translation>Unter GNOME kann Lattica noch keine Bilder der Bildschirme aufnehmen: Das Panel zeigt jeden Bildschirm ohne Vorschau.</translation>
+        <source>GNOME Shell did not take a picture of the monitors (%1): the panel shows each monitor without a preview. Log out and back in if Lattica&apos;s extension was updated since.</source>
+        <translation>GNOME Shell hat kein Bild der Bildschirme aufgenommen (%1): Das Panel zeigt jeden Bildschirm ohne Vorschau. Melden Sie sich ab und wieder an, falls die Erweiterung von Lattica seitdem aktualisiert wurde.</translation>
+    </message>
+    <message>
+        <source>no picture came back</source>
+        <translation>es kam kein Bild zurück</translation>
     </message>
 </context>
 <context>
