@@ -106,10 +106,11 @@ KWinBridge::~KWinBridge() {
         QFile::remove(m_scripts.filePath(m_watcherName + QStringLiteral(".js")));
     }
     m_bus.unregisterObject(QString::fromLatin1(KWinBridgeReceiver::kPath));
-    // Calls already queued for the receiver are dropped with it on its own thread.
-    QMetaObject::invokeMethod(m_receiver, &QObject::deleteLater);
     m_thread.quit();
     m_thread.wait();
+    // Its thread has ended, so nothing runs on the receiver now; calls still queued for it go with it.
+    // (A deleteLater queued to the thread could be left unrun when the thread's loop quits first.)
+    delete m_receiver;
     QDBusConnection::disconnectFromBus(m_bus.name());
 }
 
