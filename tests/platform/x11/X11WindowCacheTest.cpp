@@ -13,8 +13,9 @@
 #include "platform/x11/X11WindowCache.h"
 #include "platform/x11/X11WindowDesktopEntries.h"
 #include "platform/x11/X11WindowList.h"
-#include "tests/support/VirtualDesktop.h"
+#include "platform/x11/XcbReply.h"
 #include "tests/platform/x11/X11DesktopFixture.h"
+#include "tests/support/VirtualDesktop.h"
 
 namespace {
 
@@ -121,7 +122,15 @@ TEST_F(X11WindowCacheTest, WindowResizedShowsInTheNextRead) {
     const uint32_t size[] = {500, 350};
     xcb_configure_window(xcb(), window, XCB_CONFIG_WINDOW_WIDTH | XCB_CONFIG_WINDOW_HEIGHT, size);
     xcb_flush(xcb());
-    ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return frameFromTree(window).size() != before.size(); }));
+    // The window manager resizes its frame and the client in two steps; the resize is done once the
+    // client has the size asked for and the frame has grown around it.
+    auto clientSize = [&] {
+        const XcbReply<xcb_get_geometry_reply_t> geometry(
+            xcb_get_geometry_reply(xcb(), xcb_get_geometry(xcb(), window), nullptr));
+        return geometry ? QSize(geometry->width, geometry->height) : QSize();
+    };
+    ASSERT_TRUE(VirtualDesktop::waitUntil(
+        [&] { return clientSize() == QSize(500, 350) && frameFromTree(window).size() != before.size(); }));
     EXPECT_TRUE(near(boundsOf(listed(window)), frameFromTree(window), 0.0));
 }
 
