@@ -14,7 +14,7 @@ if [ ${#TARGETS[@]} -eq 0 ]; then
     TARGETS=(PreferencesFileFuzzer ShortcutJsonFuzzer DisplayRecordsFuzzer AppcastFuzzer EdidFuzzer DesktopEntryFuzzer)
 fi
 
-export CCACHE_BASEDIR=$ROOT
+export CCACHE_BASEDIR=$ROOT CCACHE_NOHASHDIR=1
 cmake -S "$ROOT" -B "$BUILD_DIR" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DCMAKE_CXX_COMPILER=clang++ \
     -DLATTICA_FUZZ=ON -DLATTICA_BUILD_TESTS=OFF -DLATTICA_BUILD_BENCHMARKS=OFF >/dev/null
 cmake --build "$BUILD_DIR" -j"$(nproc)" --target "${TARGETS[@]}"

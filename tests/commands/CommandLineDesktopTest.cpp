@@ -15,33 +15,11 @@
 #include <QRegularExpression>
 #include <QTemporaryDir>
 
+#include "tests/support/PrivateSessionBus.h"
 #include "tests/support/VirtualDesktop.h"
 #include "tests/testclient/TestClient.h"
 
 namespace {
-
-// A session bus for this test alone; it ends with the test.
-class PrivateSessionBus {
-public:
-    PrivateSessionBus() {
-        m_daemon.start(QStringLiteral("dbus-daemon"),
-                       {QStringLiteral("--session"), QStringLiteral("--nofork"), QStringLiteral("--print-address=1")});
-        if (m_daemon.waitForStarted(5000) && m_daemon.waitForReadyRead(5000)) {
-            m_address = QString::fromUtf8(m_daemon.readLine()).trimmed();
-        }
-    }
-    ~PrivateSessionBus() {
-        QDBusConnection::disconnectFromBus(QStringLiteral("test"));
-        m_daemon.terminate();
-        m_daemon.waitForFinished(5000);
-    }
-    const QString& address() const { return m_address; }
-    QDBusConnection connection() const { return QDBusConnection::connectToBus(m_address, QStringLiteral("test")); }
-
-private:
-    QProcess m_daemon;
-    QString m_address;
-};
 
 struct ProcessOutcome {
     int status = -1;

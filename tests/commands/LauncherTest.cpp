@@ -14,35 +14,12 @@
 #include <QTemporaryDir>
 #include <QTimer>
 
+#include "tests/support/PrivateSessionBus.h"
+
 namespace {
 
 const QString kLauncher = QStringLiteral(LATTICA_LAUNCHER_BINARY);
 const QString kProgram = QStringLiteral(LATTICA_PROGRAM_BINARY);
-
-// A session bus for this test alone; it ends with the test.
-class PrivateSessionBus {
-public:
-    PrivateSessionBus() {
-        m_daemon.start(QStringLiteral("dbus-daemon"),
-                       {QStringLiteral("--session"), QStringLiteral("--nofork"), QStringLiteral("--print-address=1")});
-        if (m_daemon.waitForStarted(5000) && m_daemon.waitForReadyRead(5000)) {
-            m_address = QString::fromUtf8(m_daemon.readLine()).trimmed();
-        }
-    }
-    ~PrivateSessionBus() {
-        QDBusConnection::disconnectFromBus(QStringLiteral("launcher-test"));
-        m_daemon.terminate();
-        m_daemon.waitForFinished(5000);
-    }
-    const QString& address() const { return m_address; }
-    QDBusConnection connection() const {
-        return QDBusConnection::connectToBus(m_address, QStringLiteral("launcher-test"));
-    }
-
-private:
-    QProcess m_daemon;
-    QString m_address;
-};
 
 // Stands in for the running instance: answers every call of its object as told, and notes which Qt
 // libraries the caller had loaded while it waited for the answer.

@@ -8,22 +8,7 @@
 #include <QString>
 #include <QTemporaryDir>
 
-// A session bus of the test's own; it ends with the object.
-class PrivateSessionBus {
-public:
-    PrivateSessionBus();
-    ~PrivateSessionBus();
-    PrivateSessionBus(const PrivateSessionBus&) = delete;
-    PrivateSessionBus& operator=(const PrivateSessionBus&) = delete;
-
-    const QString& address() const { return m_address; }
-    QDBusConnection connection() const;
-
-private:
-    QProcess m_daemon;
-    QString m_address;
-    QString m_connectionName;
-};
+#include "tests/support/PrivateSessionBus.h"
 
 // The real program, run by a test: its own configuration folder and session bus, no update check over
 // the network, its standard error kept for the test to read.
