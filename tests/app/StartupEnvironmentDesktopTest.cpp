@@ -13,6 +13,7 @@
 #include <cstdlib>
 
 #include "tests/support/VirtualDesktop.h"
+#include "tests/support/XcbProbe.h"
 
 namespace {
 
@@ -114,17 +115,10 @@ QByteArray windowClass(xcb_connection_t* connection, xcb_window_t window) {
     return value;
 }
 
-xcb_atom_t atom(xcb_connection_t* connection, const char* name) {
-    xcb_intern_atom_reply_t* reply =
-        xcb_intern_atom_reply(connection, xcb_intern_atom(connection, 0, uint16_t(qstrlen(name)), name), nullptr);
-    const xcb_atom_t value = reply != nullptr ? reply->atom : xcb_atom_t(XCB_ATOM_NONE);
-    std::free(reply);
-    return value;
-}
-
 qint64 windowPid(xcb_connection_t* connection, xcb_window_t window) {
     xcb_get_property_reply_t* reply = xcb_get_property_reply(
-        connection, xcb_get_property(connection, 0, window, atom(connection, "_NET_WM_PID"), XCB_ATOM_CARDINAL, 0, 1),
+        connection,
+        xcb_get_property(connection, 0, window, XcbProbe::atom(connection, "_NET_WM_PID"), XCB_ATOM_CARDINAL, 0, 1),
         nullptr);
     qint64 pid = -1;
     if (reply != nullptr && xcb_get_property_value_length(reply) == 4) {

@@ -17,7 +17,7 @@
 #include "platform/WindowControl.h"
 #include "platform/x11/X11Connection.h"
 #include "platform/x11/X11Platform.h"
-#include "tests/faults/XcbProbe.h"
+#include "tests/support/XcbProbe.h"
 #include "tests/support/VirtualDesktop.h"
 #include "tests/testclient/TestClient.h"
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "tests/faults/XcbProbe.h"
+#include "tests/support/XcbProbe.h"
 
 #include <xcb/res.h>
 
