@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "app/commands/CommandLine.h"
 
+#include <algorithm>
+
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QJsonArray>
@@ -13,12 +15,15 @@ namespace {
 
 // The command list of --help, from the command table.
 QString commandHelp() {
-    constexpr int kUsageWidth = 36;
+    // Summaries line up two spaces after the longest usage.
+    qsizetype usageWidth = 0;
+    for (const CommandTable::Command& command : CommandTable::commands()) {
+        usageWidth = std::max(usageWidth, command.usage.size());
+    }
     QString text = QCoreApplication::translate("CommandLine", "\nCommands:\n");
     for (const CommandTable::Command& command : CommandTable::commands()) {
-        const QString usage = QStringLiteral("  ") + command.usage;
-        text += usage.size() < kUsageWidth ? usage.leftJustified(kUsageWidth) : usage + QLatin1String("  ");
-        text += CommandTable::translated(command.summary) + QLatin1Char('\n');
+        text += QStringLiteral("  ") + command.usage.leftJustified(usageWidth + 2) +
+                CommandTable::translated(command.summary) + QLatin1Char('\n');
     }
     return text +
            QCoreApplication::translate(
