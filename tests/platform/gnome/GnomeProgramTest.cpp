@@ -8,7 +8,7 @@
 #include <QStandardPaths>
 #include <QTemporaryDir>
 
-#include "tests/platform/gnome/LatticaProgram.h"
+#include "tests/platform/gnome/GnomeSessionProgram.h"
 #include "tests/platform/gnome/ShellScreenshot.h"
 #include "tests/platform/kwin/KWinSessionFixture.h"
 #include "tests/support/VirtualDesktop.h"
@@ -61,11 +61,11 @@ protected:
     }
 
     QTemporaryDir m_config;
-    LatticaProgram m_lattica{m_config.path()};
+    GnomeSessionProgram m_lattica{m_config.path()};
 };
 
 TEST_F(GnomeProgramTest, OnGnomeWaylandACommandReachesTheShellThroughTheExtension) {
-    const LatticaProgram::Finished finished = m_lattica.run({QStringLiteral("displays")});
+    const GnomeSessionProgram::Finished finished = m_lattica.run({QStringLiteral("displays")});
     EXPECT_EQ(finished.status, 0) << finished.errors.toStdString();
     EXPECT_TRUE(finished.output.contains(QLatin1String("Meta-"))) << finished.output.toStdString();
     EXPECT_TRUE(finished.output.contains(QLatin1String("1280x720+1920+0"))) << finished.output.toStdString();
@@ -99,7 +99,7 @@ TEST_F(GnomeProgramTest, TheTrayProgramRunsAsAWaylandClientAndMovesWindows) {
     }));
     // The second monitor starts at x 1920, and the Shell opens windows on the first.
     ASSERT_LT(frameOf(before).x(), 1920) << before.join(QLatin1Char(' ')).toStdString();
-    const LatticaProgram::Finished moved = m_lattica.run(
+    const GnomeSessionProgram::Finished moved = m_lattica.run(
         {QStringLiteral("move-app"), QString::number(client.pid()), QStringLiteral("--to"), QStringLiteral("2")});
     EXPECT_EQ(moved.status, 0) << moved.output.toStdString() << moved.errors.toStdString();
     const QStringList after = m_lattica.windowLine(QStringLiteral("moved-window"));

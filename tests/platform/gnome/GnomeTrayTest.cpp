@@ -10,7 +10,7 @@
 #include <QStandardPaths>
 #include <QTemporaryDir>
 
-#include "tests/platform/gnome/LatticaProgram.h"
+#include "tests/platform/gnome/GnomeSessionProgram.h"
 #include "tests/platform/gnome/RemoteDesktopInput.h"
 #include "tests/platform/gnome/ShellScreenshot.h"
 #include "tests/support/VirtualDesktop.h"
@@ -89,7 +89,7 @@ protected:
     }
 
     QTemporaryDir m_config;
-    LatticaProgram m_lattica{m_config.path()};
+    GnomeSessionProgram m_lattica{m_config.path()};
 };
 
 // The AppIndicator extension (Debian's gnome-shell-extension-appindicator) hosts the icon in the top bar.

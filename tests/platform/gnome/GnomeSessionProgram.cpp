@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
-#include "tests/platform/gnome/LatticaProgram.h"
+#include "tests/platform/gnome/GnomeSessionProgram.h"
 
 #include "tests/support/VirtualDesktop.h"
 
-LatticaProgram::LatticaProgram(QString config) : m_config(std::move(config)) {}
+GnomeSessionProgram::GnomeSessionProgram(QString config) : m_config(std::move(config)) {}
 
-LatticaProgram::~LatticaProgram() {
+GnomeSessionProgram::~GnomeSessionProgram() {
     if (m_process.state() != QProcess::NotRunning) {
         m_process.terminate();
         if (!m_process.waitForFinished(10000)) {
@@ -15,7 +15,7 @@ LatticaProgram::~LatticaProgram() {
     }
 }
 
-QProcessEnvironment LatticaProgram::environment() const {
+QProcessEnvironment GnomeSessionProgram::environment() const {
     QProcessEnvironment environment = VirtualDesktop::programEnvironment(m_config);
     // The program chooses its toolkit backend itself: Wayland on GNOME Shell.
     environment.remove(QStringLiteral("QT_QPA_PLATFORM"));
@@ -23,7 +23,7 @@ QProcessEnvironment LatticaProgram::environment() const {
     return environment;
 }
 
-LatticaProgram::Finished LatticaProgram::run(const QStringList& arguments) const {
+GnomeSessionProgram::Finished GnomeSessionProgram::run(const QStringList& arguments) const {
     QProcess process;
     process.setProcessEnvironment(environment());
     process.start(QStringLiteral(LATTICA_BINARY), arguments);
@@ -35,7 +35,7 @@ LatticaProgram::Finished LatticaProgram::run(const QStringList& arguments) const
             QString::fromUtf8(process.readAllStandardOutput()), QString::fromUtf8(process.readAllStandardError())};
 }
 
-QStringList LatticaProgram::windowLine(const QString& title) const {
+QStringList GnomeSessionProgram::windowLine(const QString& title) const {
     for (const QString& line : run({QStringLiteral("windows")}).output.split(QLatin1Char('\n'), Qt::SkipEmptyParts)) {
         const QStringList fields = line.split(QStringLiteral("  "));
         if (fields.size() >= 6 && fields.at(5) == title) {
@@ -45,14 +45,14 @@ QStringList LatticaProgram::windowLine(const QString& title) const {
     return {};
 }
 
-bool LatticaProgram::start() {
+bool GnomeSessionProgram::start() {
     m_process.setProcessEnvironment(environment());
     m_process.setProcessChannelMode(QProcess::MergedChannels);
     m_process.start(QStringLiteral(LATTICA_BINARY), {});
     return m_process.waitForStarted();
 }
 
-bool LatticaProgram::waitForOutput(const QString& text, int timeoutMs) {
+bool GnomeSessionProgram::waitForOutput(const QString& text, int timeoutMs) {
     return VirtualDesktop::waitUntil(
                [&] {
                    m_process.waitForReadyRead(50);

@@ -8,7 +8,7 @@
 
 // The real program in the GNOME session, with a configuration folder of its own: one-off commands, and
 // the tray program kept running.
-class LatticaProgram {
+class GnomeSessionProgram {
 public:
     struct Finished {
         int status = -1;
@@ -16,8 +16,8 @@ public:
         QString errors;
     };
 
-    explicit LatticaProgram(QString config);
-    ~LatticaProgram();
+    explicit GnomeSessionProgram(QString config);
+    ~GnomeSessionProgram();
 
     // Runs `lattica ARGUMENTS` to its end.
     Finished run(const QStringList& arguments) const;
