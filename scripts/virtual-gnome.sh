@@ -123,6 +123,8 @@ start_session() {
         gsettings set org.gnome.shell enabled-extensions "[$(IFS=,; echo "${enabled[*]}")]"
     fi
     gsettings set org.gnome.shell welcome-dialog-last-shown-version '999' 2>/dev/null || true
+    # Tests push the pointer into the top left corner to place it; there it would open the overview.
+    gsettings set org.gnome.desktop.interface enable-hot-corners false
 
     local monitors=() part
     IFS=',' read -ra parts <<<"$LAYOUT"

@@ -93,10 +93,10 @@ protected:
 };
 
 // The AppIndicator extension (Debian's gnome-shell-extension-appindicator) hosts the icon in the top bar.
-// Until an item has once answered its activation, the extension activates it on a click (it takes the
-// button's press and release for the two halves of a double click); afterwards a click opens the item's
-// menu and a double click activates it.
-TEST_F(GnomeTrayTest, TheIconSitsInTheTopBarAndAClickOnItOpensThePanel) {
+// It counts the presses and releases that reach the icon: the second activates the item, unless the
+// first press has opened the item's menu (once the menu is loaded, a click shows Settings and Quit).
+// A double click activates the item either way.
+TEST_F(GnomeTrayTest, TheIconSitsInTheTopBarAndADoubleClickOnItOpensThePanel) {
     // A remote desktop session adds the Shell's "screen is shared" item to the top bar: it starts first.
     RemoteDesktopInput input;
     ASSERT_TRUE(input.start()) << input.error().toStdString();
@@ -128,6 +128,7 @@ TEST_F(GnomeTrayTest, TheIconSitsInTheTopBarAndAClickOnItOpensThePanel) {
     EXPECT_LE(icon.width(), 3 * kTopBarHeight) << icon.width() << "x" << icon.height();
 
     ASSERT_TRUE(input.movePointerTo(icon.center())) << input.error().toStdString();
+    ASSERT_TRUE(input.click()) << input.error().toStdString();
     ASSERT_TRUE(input.click()) << input.error().toStdString();
     EXPECT_TRUE(m_lattica.waitForOutput(QStringLiteral("shown at"))) << m_lattica.output().toStdString();
 
