@@ -19,7 +19,7 @@
 #include "platform/WindowList.h"
 #include "platform/gnome/GnomePlatform.h"
 #include "platform/gnome/GnomeShellBridge.h"
-#include "tests/platform/gnome/RemoteDesktopKeys.h"
+#include "tests/platform/gnome/RemoteDesktopInput.h"
 #include "tests/platform/kwin/KWinSessionFixture.h"
 #include "tests/support/VirtualDesktop.h"
 
@@ -121,7 +121,7 @@ int main(int argc, char** argv) {
     shortcuts.setShortcut(KeyboardShortcuts::Shortcut(kTwoKeyCode, kControlOption),
                           KeyboardShortcuts::Name(AppController::shortcutNameRawValue(displays[1].persistentID)));
     QSignalSpy pressed(Platform::services().hotKeys, &HotKeys::pressed);
-    RemoteDesktopKeys keys;
+    RemoteDesktopInput keys;
     if (!keys.start()) {
         return fail("Mutter's remote desktop refused a session");
     }
@@ -130,27 +130,27 @@ int main(int argc, char** argv) {
     int missed = 0;
     for (int i = 0; i < kPresses; ++i) {
         const int target = i % 2 == 0 ? 1 : 0;
-        const int digit = target == 1 ? RemoteDesktopKeys::kEvdevTwo : kEvdevOne;
+        const int digit = target == 1 ? RemoteDesktopInput::kEvdevTwo : kEvdevOne;
         const QString moved = QStringLiteral("Moved focused window to ") + displays[target].name + QLatin1Char('.');
         controller.setStatusMessage(QString());
         const qsizetype pressesBefore = pressed.size();
-        keys.send(RemoteDesktopKeys::kEvdevLeftControl, true);
-        keys.send(RemoteDesktopKeys::kEvdevLeftAlt, true);
+        keys.send(RemoteDesktopInput::kEvdevLeftControl, true);
+        keys.send(RemoteDesktopInput::kEvdevLeftAlt, true);
         keys.send(digit, true);
         keys.send(digit, false);
         if (!VirtualDesktop::waitUntil([&] { return pressed.size() > pressesBefore; }, 2000)) {
             ++missed;
-            keys.send(RemoteDesktopKeys::kEvdevLeftAlt, false);
-            keys.send(RemoteDesktopKeys::kEvdevLeftControl, false);
+            keys.send(RemoteDesktopInput::kEvdevLeftAlt, false);
+            keys.send(RemoteDesktopInput::kEvdevLeftControl, false);
             continue;
         }
         // On GNOME the shortcut is released when its modifiers are: the timed moment.
         QElapsedTimer timer;
         timer.start();
-        keys.send(RemoteDesktopKeys::kEvdevLeftAlt, false);
+        keys.send(RemoteDesktopInput::kEvdevLeftAlt, false);
         const bool confirmed = VirtualDesktop::waitUntil([&] { return controller.statusMessage() == moved; }, 2000);
         const double elapsedMs = static_cast<double>(timer.nsecsElapsed()) / 1e6;
-        keys.send(RemoteDesktopKeys::kEvdevLeftControl, false);
+        keys.send(RemoteDesktopInput::kEvdevLeftControl, false);
         if (confirmed) {
             latencies.push_back(elapsedMs);
         } else {

@@ -31,5 +31,8 @@ set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_DEPENDS "libqt6svg6, hicolor-icon-theme")
 # Qt's own texts in the user's language (Lattica's are compiled in).
 set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "qt6-translations-l10n")
+# GNOME shows the tray icon only through this extension. Suggested, not recommended: it depends on GNOME
+# Shell, which a recommendation would bring onto every other desktop.
+set(CPACK_DEBIAN_PACKAGE_SUGGESTS "gnome-shell-extension-appindicator")
 
 include(CPack)

@@ -22,6 +22,8 @@ PACKAGES=(
   # GNOME Shell, headless, for the GNOME backend's tests (scripts/virtual-gnome.sh); gjs parses the Shell
   # extension's entry files
   gnome-shell gjs
+  # The Shell's host of tray icons, for the tray test on GNOME
+  gnome-shell-extension-appindicator
   # libdbus, for the `lattica` launcher that calls the running instance without loading Qt
   libdbus-1-dev
   # The accessibility bus and a Python AT-SPI client, to use the panel as a screen reader does

@@ -5,13 +5,14 @@
 # different sizes, Xwayland on demand, and Lattica's Shell extension installed and enabled before the
 # shell starts. It stops exactly the processes it started.
 #
-#   virtual-gnome.sh start [--layout 1920x1080,1280x720] [--no-extension | --extension-disabled]
-#       starts a session (--extension-disabled installs the extension without turning it on) and prints the variables that reach it (WAYLAND_DISPLAY,
-#       DBUS_SESSION_BUS_ADDRESS, DBUS_SYSTEM_BUS_ADDRESS, XDG_RUNTIME_DIR, HOME, XDG_CONFIG_HOME,
-#       XDG_DATA_HOME) and "STATE=<file>"
+#   virtual-gnome.sh start [--layout 1920x1080,1280x720] [--no-extension | --extension-disabled] [--tray]
+#       starts a session (--extension-disabled installs the extension without turning it on; --tray turns
+#       on the AppIndicator extension, the Shell's host of tray icons, and installs Lattica's icons) and prints the variables that reach
+#       it (WAYLAND_DISPLAY, DBUS_SESSION_BUS_ADDRESS, DBUS_SYSTEM_BUS_ADDRESS, XDG_RUNTIME_DIR, HOME,
+#       XDG_CONFIG_HOME, XDG_DATA_HOME) and "STATE=<file>"
 #   virtual-gnome.sh stop STATE
 #       stops the session described by a state file
-#   virtual-gnome.sh run [--layout ...] [--no-extension | --extension-disabled] -- COMMAND [ARGS...]
+#   virtual-gnome.sh run [--layout ...] [--no-extension | --extension-disabled] [--tray] -- COMMAND [ARGS...]
 #       starts a session, runs the command in it (with LATTICA_GNOME_LAYOUT set to the layout), stops
 #       the session and exits with the command's status
 set -uo pipefail
@@ -23,6 +24,10 @@ READY_TIMEOUT=20   # seconds for any one step to become ready
 HERE=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 EXTENSION_SOURCE=$HERE/../gnome-extension
 EXTENSION_UUID=lattica@lattica.app
+ICON_SOURCE=$HERE/../packaging/icons
+# Debian's gnome-shell-extension-appindicator, installed system-wide.
+TRAY_UUID=ubuntu-appindicators@ubuntu.com
+TRAY=0
 
 log() { echo "virtual-gnome: $*" >&2; }
 
@@ -32,6 +37,7 @@ parse_options() {
             --layout) LAYOUT=$2; shift 2 ;;
             --no-extension) EXTENSION=0; shift ;;
             --extension-disabled) ENABLED=0; shift ;;
+            --tray) TRAY=1; shift ;;
             --) shift; REST=("$@"); return ;;
             *) log "unknown option $1"; exit 2 ;;
         esac
@@ -67,6 +73,15 @@ install_extension() {
     cp "$EXTENSION_SOURCE"/metadata.json "$EXTENSION_SOURCE"/*.js "$target"/
 }
 
+# Puts Lattica's icons where an installation puts them, in the session's data folder, so that the
+# Shell finds the tray icon the program names.
+install_icons() {
+    local icons=$XDG_DATA_HOME/icons/hicolor
+    mkdir -p "$icons/scalable/apps" "$icons/symbolic/apps"
+    cp "$ICON_SOURCE"/app.lattica.Lattica.svg "$icons/scalable/apps/"
+    cp "$ICON_SOURCE"/app.lattica.Lattica-symbolic.svg "$icons/symbolic/apps/"
+}
+
 start_session() {
     command -v gnome-shell >/dev/null || { log "gnome-shell is not installed"; return 3; }
     local root
@@ -92,11 +107,24 @@ start_session() {
     [ -n "$address" ] || { log "timed out waiting for the private system bus"; stop_session "$STATE"; return 1; }
     export DBUS_SYSTEM_BUS_ADDRESS=$address
 
+    local enabled=()
     if ((EXTENSION)); then
         install_extension
-        ((ENABLED)) && gsettings set org.gnome.shell enabled-extensions "['$EXTENSION_UUID']"
+        ((ENABLED)) && enabled+=("'$EXTENSION_UUID'")
+    fi
+    if ((TRAY)); then
+        [ -d "/usr/share/gnome-shell/extensions/$TRAY_UUID" ] || {
+            log "--tray needs gnome-shell-extension-appindicator"; stop_session "$STATE"; return 3
+        }
+        enabled+=("'$TRAY_UUID'")
+        install_icons
+    fi
+    if ((${#enabled[@]})); then
+        gsettings set org.gnome.shell enabled-extensions "[$(IFS=,; echo "${enabled[*]}")]"
     fi
     gsettings set org.gnome.shell welcome-dialog-last-shown-version '999' 2>/dev/null || true
+    # Tests push the pointer into the top left corner to place it; there it would open the overview.
+    gsettings set org.gnome.desktop.interface enable-hot-corners false
 
     local monitors=() part
     IFS=',' read -ra parts <<<"$LAYOUT"
@@ -211,7 +239,7 @@ case "$command" in
         exit "$status"
         ;;
     *)
-        sed -n '2,16p' "$0" >&2
+        sed -n '2,17p' "$0" >&2
         exit 2
         ;;
 esac

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "tests/platform/gnome/RemoteDesktopKeys.h"
+#include "tests/platform/gnome/RemoteDesktopInput.h"
 
 #include <QDBusConnection>
 #include <QDBusMessage>
@@ -19,13 +19,13 @@ QDBusMessage call(const QString& path, const QString& interface, const QString& 
 
 }  // namespace
 
-RemoteDesktopKeys::~RemoteDesktopKeys() {
+RemoteDesktopInput::~RemoteDesktopInput() {
     if (!m_session.isEmpty()) {
         call(m_session, kSessionInterface, QStringLiteral("Stop"));
     }
 }
 
-bool RemoteDesktopKeys::start() {
+bool RemoteDesktopInput::start() {
     const QDBusMessage created =
         call(QStringLiteral("/org/gnome/Mutter/RemoteDesktop"), kService, QStringLiteral("CreateSession"));
     if (created.type() != QDBusMessage::ReplyMessage || created.arguments().isEmpty()) {
@@ -41,9 +41,26 @@ bool RemoteDesktopKeys::start() {
     return true;
 }
 
-bool RemoteDesktopKeys::send(int evdevCode, bool pressed) {
-    const QDBusMessage reply = call(m_session, kSessionInterface, QStringLiteral("NotifyKeyboardKeycode"),
-                                    {static_cast<uint>(evdevCode), pressed});
+bool RemoteDesktopInput::send(int evdevCode, bool pressed) {
+    return notify(QStringLiteral("NotifyKeyboardKeycode"), {static_cast<uint>(evdevCode), pressed});
+}
+
+bool RemoteDesktopInput::movePointerTo(QPoint point) {
+    // Far past any corner of the desktop; the pointer stops at the edge.
+    constexpr double kPastTheEdge = -100000.0;
+    return notify(QStringLiteral("NotifyPointerMotionRelative"), {kPastTheEdge, kPastTheEdge}) &&
+           notify(QStringLiteral("NotifyPointerMotionRelative"),
+                  {static_cast<double>(point.x()), static_cast<double>(point.y())});
+}
+
+bool RemoteDesktopInput::click() {
+    constexpr int kEvdevLeftButton = 0x110;
+    return notify(QStringLiteral("NotifyPointerButton"), {kEvdevLeftButton, true}) &&
+           notify(QStringLiteral("NotifyPointerButton"), {kEvdevLeftButton, false});
+}
+
+bool RemoteDesktopInput::notify(const QString& method, const QVariantList& arguments) {
+    const QDBusMessage reply = call(m_session, kSessionInterface, method, arguments);
     if (reply.type() != QDBusMessage::ReplyMessage) {
         m_error = reply.errorMessage();
         return false;
