@@ -295,6 +295,48 @@ Result X11WindowControl::activate(WindowId window) {
     return changed(xid, m_placer.activate(xid));
 }
 
+QList<PlacementResult> X11WindowControl::place(const QList<WindowPlacement>& placements) {
+    QList<PlacementResult> results(placements.size());
+    QList<X11WindowPlacer::Placement> batch;
+    QList<qsizetype> batchIndexes;
+    std::optional<QPoint> origin;
+    for (qsizetype i = 0; i < placements.size(); ++i) {
+        const WindowPlacement& placement = placements[i];
+        const bool sizeAsked = placement.size.has_value();
+        auto refused = [sizeAsked](Result result) {
+            return PlacementResult{result, sizeAsked ? std::optional(result) : std::nullopt};
+        };
+        if (!std::isfinite(placement.topLeft.x()) || !std::isfinite(placement.topLeft.y())) {
+            results[i] = refused(Result::Failure);
+            continue;
+        }
+        if (const Result result = canChange(placement.window); result != Result::Ok) {
+            results[i] = refused(result);
+            continue;
+        }
+        // A size no window can take fails on its own; the move still goes ahead, as it would alone.
+        const bool sizeUsable = sizeAsked && std::isfinite(placement.size->width()) &&
+                                std::isfinite(placement.size->height()) && placement.size->width() >= 1 &&
+                                placement.size->height() >= 1;
+        if (!origin) {
+            origin = m_reader.readRoot(X11WindowReader::GlobalOrigin).globalOriginInRoot;
+        }
+        batch.append({static_cast<xcb_window_t>(placement.window), placement.topLeft.toPoint() + *origin,
+                      sizeUsable ? std::optional(placement.size->toSize()) : std::nullopt});
+        batchIndexes.append(i);
+    }
+    const QList<PlacementResult> placed = m_placer.place(batch);
+    for (qsizetype j = 0; j < batch.size(); ++j) {
+        const qsizetype i = batchIndexes[j];
+        PlacementResult result = placed.value(j);
+        if (placements[i].size && !batch[j].frameSize) {
+            result.size = Result::Failure;
+        }
+        results[i] = {changed(batch[j].window, result.position), result.size};
+    }
+    return results;
+}
+
 Result X11WindowControl::unhide(pid_t) {
     return Result::Unsupported;  // X11 has no hidden applications
 }
