@@ -88,6 +88,21 @@ TEST_F(X11WindowCacheTest, ClearedCacheReadsEveryWindowAgain) {
     EXPECT_GT(nextSequence() - before, 40u * 5);
 }
 
+TEST_F(X11WindowCacheTest, ClearedCacheWatchesNoWindowAgain) {
+    const QList<quint32> windows = client.openMany(QStringLiteral("few"), 40, placement(0, 100, 100, 300, 200));
+    ASSERT_EQ(windows.size(), 40);
+    cache->clear();
+    quint32 before = nextSequence();
+    list();
+    const quint32 firstRead = nextSequence() - before;
+    cache->clear();
+    before = nextSequence();
+    list();
+    const quint32 secondRead = nextSequence() - before;
+    // Each window is watched once; the selection stays with the server until the window ends.
+    EXPECT_LE(secondRead + 40, firstRead);
+}
+
 TEST_F(X11WindowCacheTest, TitleChangedAfterAReadShowsInTheNextRead) {
     const quint32 window = client.open(QStringLiteral("before"), placement(0, 100, 100, 300, 200));
     ASSERT_NE(window, 0u);
