@@ -49,9 +49,10 @@ private:
         QList<X11WindowFacts> managed;  // front to back
     };
     bool windowManagerRunning();
-    // Reads, in one batch, the root fields, the windows with their fields, and the managed windows
-    // when `managed` is set.
-    Batch read(unsigned rootFields, const QHash<xcb_window_t, unsigned>& windowFields, bool managed);
+    // Reads, in one batch, the root fields, the windows with their fields (and unlistedFields more for
+    // those the window manager does not list), and the managed windows when `managed` is set.
+    Batch read(unsigned rootFields, const QHash<xcb_window_t, unsigned>& windowFields, bool managed,
+               unsigned unlistedFields = 0);
     Batch readFacts(const QList<WindowId>& windows);
     Reading<QList<WindowId>> listOf(pid_t application, WindowScope scope, const Batch& batch) const;
     // The active window when the owner (any owner when nothing) has it.
