@@ -17,9 +17,6 @@ namespace {
 
 // Events of one configuration change arrive in bursts; announce the change once they settle.
 constexpr int kCoalesceMilliseconds = 40;
-// Monitors defined with `xrandr --setmonitor` (a split ultrawide, a virtual desktop) change without any
-// RandR event; a cheap look at the monitor list catches those.
-constexpr int kPollMilliseconds = 500;
 
 }  // namespace
 
@@ -35,40 +32,19 @@ X11Monitors::X11Monitors(X11Connection& connection) : m_connection(connection), 
                                XCB_RANDR_NOTIFY_MASK_SCREEN_CHANGE | XCB_RANDR_NOTIFY_MASK_OUTPUT_CHANGE |
                                    XCB_RANDR_NOTIFY_MASK_CRTC_CHANGE | XCB_RANDR_NOTIFY_MASK_OUTPUT_PROPERTY |
                                    XCB_RANDR_NOTIFY_MASK_RESOURCE_CHANGE);
-        m_connection.flush();
     }
+    // Monitors defined with `xrandr --setmonitor` (a split ultrawide, a virtual desktop) come and go
+    // without any RandR event; the server tells of them with a ConfigureNotify of the root window.
+    XcbReply<xcb_get_window_attributes_reply_t> attributes(
+        xcb_get_window_attributes_reply(xcb, xcb_get_window_attributes(xcb, m_connection.root()), nullptr));
+    const uint32_t rootMask = (attributes ? attributes->your_event_mask : 0) | XCB_EVENT_MASK_STRUCTURE_NOTIFY;
+    xcb_change_window_attributes(xcb, m_connection.root(), XCB_CW_EVENT_MASK, &rootMask);
+    m_connection.flush();
     m_coalesceTimer.setSingleShot(true);
     m_coalesceTimer.setInterval(kCoalesceMilliseconds);
     connect(&m_coalesceTimer, &QTimer::timeout, this, &X11Monitors::checkForConfigurationChange);
     m_eventHandler = m_connection.addEventHandler([this](xcb_generic_event_t* event) { return handleEvent(event); });
     m_signalledMonitors = fetchMonitors();
-    m_lastSignature = monitorSignature();
-    m_pollTimer.setInterval(kPollMilliseconds);
-    connect(&m_pollTimer, &QTimer::timeout, this, &X11Monitors::pollForUnannouncedChange);
-    m_pollTimer.start();
-}
-
-QByteArray X11Monitors::monitorSignature() {
-    xcb_connection_t* xcb = m_connection.xcb();
-    if (!m_hasRandr15 || m_connection.hasError()) {
-        return {};
-    }
-    XcbReply<xcb_randr_get_monitors_reply_t> reply(
-        xcb_randr_get_monitors_reply(xcb, xcb_randr_get_monitors(xcb, m_connection.root(), 1), nullptr));
-    if (!reply) {
-        return {};
-    }
-    // The reply's fixed part carries a timestamp; the monitors follow it.
-    const auto* begin = reinterpret_cast<const char*>(reply.get() + 1);
-    return QByteArray(begin, static_cast<qsizetype>(reply->length) * 4);
-}
-
-void X11Monitors::pollForUnannouncedChange() {
-    const QByteArray signature = monitorSignature();
-    if (signature != m_lastSignature) {
-        m_lastSignature = signature;
-        m_coalesceTimer.start();
-    }
 }
 
 X11Monitors::~X11Monitors() {
@@ -77,15 +53,17 @@ X11Monitors::~X11Monitors() {
 
 bool X11Monitors::handleEvent(xcb_generic_event_t* event) {
     const uint8_t type = event->response_type & 0x7f;
-    if (m_randrFirstEvent != 0 &&
-        (type == m_randrFirstEvent + XCB_RANDR_SCREEN_CHANGE_NOTIFY || type == m_randrFirstEvent + XCB_RANDR_NOTIFY)) {
+    const bool randrEvent = m_randrFirstEvent != 0 && (type == m_randrFirstEvent + XCB_RANDR_SCREEN_CHANGE_NOTIFY ||
+                                                       type == m_randrFirstEvent + XCB_RANDR_NOTIFY);
+    const bool rootConfigured = type == XCB_CONFIGURE_NOTIFY &&
+                                reinterpret_cast<xcb_configure_notify_event_t*>(event)->window == m_connection.root();
+    if (randrEvent || rootConfigured) {
         m_coalesceTimer.start();
     }
     return false;
 }
 
 void X11Monitors::checkForConfigurationChange() {
-    m_lastSignature = monitorSignature();
     const QList<RandrMonitor> monitors = fetchMonitors();
     if (monitors != m_signalledMonitors) {
         m_signalledMonitors = monitors;

@@ -22,6 +22,8 @@ public:
 
     QList<Monitor> monitors() override;
     QImage capture(MonitorId id) override;
+    // True from a configuration event until the monitors have been compared with the last announced ones.
+    bool isChangePending() const { return m_coalesceTimer.isActive(); }
 
 private:
     // A monitor as RandR reports it, in root coordinates.
@@ -36,17 +38,12 @@ private:
     QList<RandrMonitor> fetchMonitors();
     bool handleEvent(xcb_generic_event_t* event);
     void checkForConfigurationChange();
-    // The raw monitor list as the server reports it; cheap enough to poll.
-    QByteArray monitorSignature();
-    void pollForUnannouncedChange();
 
     X11Connection& m_connection;
     int m_eventHandler = 0;
     uint8_t m_randrFirstEvent = 0;
     bool m_hasRandr15 = false;
     QTimer m_coalesceTimer;
-    QTimer m_pollTimer;
-    QByteArray m_lastSignature;
     QList<RandrMonitor> m_signalledMonitors;  // the configuration last announced
     QMutex m_rectMutex;
     QHash<MonitorId, QRect> m_rootRects;  // read by capture threads

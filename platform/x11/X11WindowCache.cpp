@@ -47,6 +47,13 @@ X11WindowCache::Known X11WindowCache::lookup(xcb_window_t window) const {
 }
 
 void X11WindowCache::watch(xcb_window_t window) {
+    {
+        QMutexLocker lock(&m_mutex);
+        if (m_watched.contains(window)) {
+            return;
+        }
+        m_watched.insert(window);
+    }
     X11WindowEvents::watch(m_connection->xcb(), window);
 }
 
@@ -90,6 +97,10 @@ bool X11WindowCache::takeNews(xcb_generic_event_t* event) {
     }
     QMutexLocker lock(&m_mutex);
     noteNews(window);
+    // The server forgets what was selected on a window that has ended.
+    if ((event->response_type & 0x7f) == XCB_DESTROY_NOTIFY) {
+        m_watched.remove(window);
+    }
     return true;
 }
 

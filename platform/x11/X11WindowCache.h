@@ -6,6 +6,7 @@
 #include <QHash>
 #include <QList>
 #include <QMutex>
+#include <QSet>
 #include <memory>
 
 #include "platform/x11/X11WindowFacts.h"
@@ -49,7 +50,8 @@ public:
 
     // Nothing when the window was never read or has changed since.
     Known lookup(xcb_window_t window) const;
-    // Asks the server for news of a window; sent before its first read.
+    // Asks the server for news of a window; sent before its first read, and again only once the window
+    // has ended (its number may then be given to a new window).
     void watch(xcb_window_t window);
     void store(const X11WindowFacts& facts, unsigned fields, quint64 mark);
     // Drops what is known of a window, as if news of it had come.
@@ -68,6 +70,7 @@ private:
     int m_handlerId = 0;
     mutable QMutex m_mutex;
     QHash<xcb_window_t, Known> m_known;
+    QSet<xcb_window_t> m_watched;
     quint64 m_sequence = 0;
     // The last news of each window, for reads that were under way when it came.
     QHash<xcb_window_t, quint64> m_news;

@@ -2,6 +2,7 @@
 #include "platform/x11/X11WindowControl.h"
 
 #include <QFileInfo>
+#include <QSet>
 #include <cmath>
 
 #include "platform/x11/X11Connection.h"
@@ -51,7 +52,7 @@ bool X11WindowControl::windowManagerRunning() {
 }
 
 X11WindowControl::Batch X11WindowControl::read(unsigned rootFields, const QHash<xcb_window_t, unsigned>& windowFields,
-                                               bool managed) {
+                                               bool managed, unsigned unlistedFields) {
     Batch batch;
     if (m_connection.hasError() || !windowManagerRunning()) {
         return batch;
@@ -62,6 +63,9 @@ X11WindowControl::Batch X11WindowControl::read(unsigned rootFields, const QHash<
     if (managed) {
         rootFields |= X11WindowReader::ClientList | X11WindowReader::CurrentDesktop;
     }
+    if (unlistedFields != 0) {
+        rootFields |= X11WindowReader::ClientList;
+    }
     if (rootFields != 0) {
         batch.root = m_batchReader.readRoot(rootFields);
     }
@@ -69,6 +73,14 @@ X11WindowControl::Batch X11WindowControl::read(unsigned rootFields, const QHash<
     // Stage 2: the windows asked about, the active window's owner, and every managed window's owner,
     // desktop and state when an application's list is wanted.
     QHash<xcb_window_t, unsigned> fields = windowFields;
+    if (unlistedFields != 0) {
+        const QSet<xcb_window_t> listed(batch.root.clientListStacking.cbegin(), batch.root.clientListStacking.cend());
+        for (auto it = fields.begin(); it != fields.end(); ++it) {
+            if (!listed.contains(it.key())) {
+                it.value() |= unlistedFields;
+            }
+        }
+    }
     if (batch.root.activeWindow != XCB_NONE) {
         fields[batch.root.activeWindow] |= X11WindowFacts::Attributes | X11WindowFacts::Pid;
     }
@@ -182,9 +194,8 @@ X11WindowControl::Batch X11WindowControl::readFacts(const QList<WindowId>& windo
     QHash<xcb_window_t, unsigned> fields;
     for (WindowId window : windows) {
         if (isWindowNumber(window)) {
-            fields.insert(static_cast<xcb_window_t>(window), X11WindowFacts::Attributes | X11WindowFacts::Type |
-                                                                 X11WindowFacts::Transient | X11WindowFacts::State |
-                                                                 X11WindowFacts::Geometry);
+            fields.insert(static_cast<xcb_window_t>(window),
+                          X11WindowFacts::Type | X11WindowFacts::State | X11WindowFacts::Geometry);
         }
     }
     if (fields.isEmpty()) {
@@ -192,7 +203,22 @@ X11WindowControl::Batch X11WindowControl::readFacts(const QList<WindowId>& windo
         batch.permitted = !m_connection.hasError() && windowManagerRunning();
         return batch;
     }
-    return read(X11WindowReader::GlobalOrigin, fields, false);
+    // A window the window manager lists is not override-redirect (it manages only the others), so only
+    // the others' attributes are read. WM_TRANSIENT_FOR is read afterwards for the few windows whose role
+    // depends on it.
+    Batch batch = read(X11WindowReader::GlobalOrigin, fields, false, X11WindowFacts::Attributes);
+    QList<X11WindowReader::Request> transients;
+    for (const X11WindowFacts& facts : std::as_const(batch.windows)) {
+        if (facts.exists && m_kinds.roleNeedsTransientFor(facts)) {
+            transients.append({facts.window, X11WindowFacts::Transient});
+        }
+    }
+    for (const X11WindowFacts& read : m_batchReader.readWindows(transients)) {
+        X11WindowFacts& facts = batch.windows[read.window];
+        facts.transientFor = read.transientFor;
+        facts.exists = facts.exists && read.exists;
+    }
+    return batch;
 }
 
 Reading<X11WindowFacts> X11WindowControl::windowOf(WindowId window, const Batch& batch) const {
@@ -293,6 +319,48 @@ Result X11WindowControl::activate(WindowId window) {
     }
     const auto xid = static_cast<xcb_window_t>(window);
     return changed(xid, m_placer.activate(xid));
+}
+
+QList<PlacementResult> X11WindowControl::place(const QList<WindowPlacement>& placements) {
+    QList<PlacementResult> results(placements.size());
+    QList<X11WindowPlacer::Placement> batch;
+    QList<qsizetype> batchIndexes;
+    std::optional<QPoint> origin;
+    for (qsizetype i = 0; i < placements.size(); ++i) {
+        const WindowPlacement& placement = placements[i];
+        const bool sizeAsked = placement.size.has_value();
+        auto refused = [sizeAsked](Result result) {
+            return PlacementResult{result, sizeAsked ? std::optional(result) : std::nullopt};
+        };
+        if (!std::isfinite(placement.topLeft.x()) || !std::isfinite(placement.topLeft.y())) {
+            results[i] = refused(Result::Failure);
+            continue;
+        }
+        if (const Result result = canChange(placement.window); result != Result::Ok) {
+            results[i] = refused(result);
+            continue;
+        }
+        // A size no window can take fails on its own; the move still goes ahead, as it would alone.
+        const bool sizeUsable = sizeAsked && std::isfinite(placement.size->width()) &&
+                                std::isfinite(placement.size->height()) && placement.size->width() >= 1 &&
+                                placement.size->height() >= 1;
+        if (!origin) {
+            origin = m_reader.readRoot(X11WindowReader::GlobalOrigin).globalOriginInRoot;
+        }
+        batch.append({static_cast<xcb_window_t>(placement.window), placement.topLeft.toPoint() + *origin,
+                      sizeUsable ? std::optional(placement.size->toSize()) : std::nullopt});
+        batchIndexes.append(i);
+    }
+    const QList<PlacementResult> placed = m_placer.place(batch);
+    for (qsizetype j = 0; j < batch.size(); ++j) {
+        const qsizetype i = batchIndexes[j];
+        PlacementResult result = placed.value(j);
+        if (placements[i].size && !batch[j].frameSize) {
+            result.size = Result::Failure;
+        }
+        results[i] = {changed(batch[j].window, result.position), result.size};
+    }
+    return results;
 }
 
 Result X11WindowControl::unhide(pid_t) {

@@ -6,6 +6,7 @@
 #include <QMutex>
 
 #include "platform/WindowControl.h"
+#include "platform/WindowPlacer.h"
 #include "platform/x11/X11WindowKinds.h"
 #include "platform/x11/X11WindowPlacer.h"
 #include "platform/x11/X11WindowReader.h"
@@ -14,8 +15,9 @@ class X11Connection;
 
 // Window control on an X11 desktop with an EWMH window manager: applications are processes that own
 // managed windows, windows are client XIDs, and the focus is _NET_ACTIVE_WINDOW. Reads are safe on any
-// thread and a batch costs at most three round trips; changes belong to the main thread.
-class X11WindowControl : public WindowControl {
+// thread and a batch costs at most three round trips; changes belong to the main thread, and a batch of
+// them waits for the window manager once for all its windows.
+class X11WindowControl : public WindowControl, public WindowPlacer {
 public:
     // With a cache, batches of reads go through it; changes and their confirmations never do.
     explicit X11WindowControl(X11Connection& connection, X11WindowCache* cache = nullptr);
@@ -35,6 +37,7 @@ public:
     Result unminimise(WindowId window) override;
     Result activate(WindowId window) override;
     Result unhide(pid_t application) override;
+    QList<PlacementResult> place(const QList<WindowPlacement>& placements) override;
 
 private:
     // What one batch of reads fetched: the root's facts, the windows asked about (and the active
@@ -46,9 +49,10 @@ private:
         QList<X11WindowFacts> managed;  // front to back
     };
     bool windowManagerRunning();
-    // Reads, in one batch, the root fields, the windows with their fields, and the managed windows
-    // when `managed` is set.
-    Batch read(unsigned rootFields, const QHash<xcb_window_t, unsigned>& windowFields, bool managed);
+    // Reads, in one batch, the root fields, the windows with their fields (and unlistedFields more for
+    // those the window manager does not list), and the managed windows when `managed` is set.
+    Batch read(unsigned rootFields, const QHash<xcb_window_t, unsigned>& windowFields, bool managed,
+               unsigned unlistedFields = 0);
     Batch readFacts(const QList<WindowId>& windows);
     Reading<QList<WindowId>> listOf(pid_t application, WindowScope scope, const Batch& batch) const;
     // The active window when the owner (any owner when nothing) has it.

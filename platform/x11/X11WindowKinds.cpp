@@ -116,6 +116,14 @@ WindowRole X11WindowKinds::role(const X11WindowFacts& facts) const {
     return WindowRole::Other;
 }
 
+bool X11WindowKinds::roleNeedsTransientFor(const X11WindowFacts& facts) const {
+    X11WindowFacts transient = facts;
+    transient.transientFor = facts.window;
+    X11WindowFacts alone = facts;
+    alone.transientFor = XCB_NONE;
+    return role(transient) != role(alone);
+}
+
 bool X11WindowKinds::isOnDesktop(const X11WindowFacts& facts, std::optional<quint32> currentDesktop) const {
     return !facts.desktop || !currentDesktop || *facts.desktop == kAllDesktops || *facts.desktop == *currentDesktop;
 }

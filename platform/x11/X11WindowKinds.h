@@ -31,6 +31,8 @@ public:
     Kind kind(const X11WindowFacts& facts) const;
     int layer(const X11WindowFacts& facts) const;
     WindowRole role(const X11WindowFacts& facts) const;
+    // Whether the window's role depends on WM_TRANSIENT_FOR: it has no type we know, or it is modal.
+    bool roleNeedsTransientFor(const X11WindowFacts& facts) const;
     bool isOnscreen(const X11WindowFacts& facts, std::optional<quint32> currentDesktop) const;
     // On the current desktop (or on all desktops), whether minimised or not.
     bool isOnDesktop(const X11WindowFacts& facts, std::optional<quint32> currentDesktop) const;

@@ -4,11 +4,14 @@
 #include <xcb/xcb.h>
 
 #include <QDeadlineTimer>
+#include <QHash>
 #include <QPoint>
 #include <QSize>
 #include <functional>
+#include <optional>
 
 #include "platform/WindowControl.h"
+#include "platform/WindowPlacer.h"
 #include "platform/x11/X11WindowFacts.h"
 
 class X11Connection;
@@ -37,7 +40,41 @@ public:
     // Asks the window manager to raise and focus the window; done once _NET_ACTIVE_WINDOW names it.
     Result activate(xcb_window_t window);
 
+    // Where one window of a batch goes: its outer frame's top-left corner (root coordinates) and, when
+    // set, its outer frame's size.
+    struct Placement {
+        xcb_window_t window = XCB_NONE;
+        QPoint rootTopLeft;
+        std::optional<QSize> frameSize;
+    };
+    // Places many windows at once: each window's position and size go in one request, every request is
+    // sent before the first confirmation is awaited, and each confirmation is taken from the window
+    // manager's report of the change. Windows in a size state are moved one by one, as moveFrame does.
+    QList<PlacementResult> place(const QList<Placement>& placements);
+
 private:
+    // A window of a batch whose change has been sent.
+    struct SentPlacement {
+        qsizetype index = 0;
+        X11WindowFacts facts;  // as the window manager last reported or a read found it
+        QPoint beforeTopLeft;
+        QSize beforeSize;
+        bool moves = false;
+        bool resizes = false;
+        bool confirmed = false;
+        bool hasNews = false;  // something about the window came that did not confirm it
+    };
+    void sendPlacement(const SentPlacement& sent, const Placement& placement, bool withSize);
+    bool isPlaced(const SentPlacement& sent, const Placement& placement) const;
+    // Waits until every sent change is confirmed, reading the windows whose news does not say, or until the
+    // window manager has confirmed nothing for the time limit. Reads at the end those never confirmed.
+    void awaitPlacements(QList<SentPlacement>& sent, const QList<Placement>& placements);
+    // Takes one event about a window of the batch into what is known of it; true when it confirms it.
+    bool takeReport(xcb_generic_event_t* event, QList<SentPlacement>& sent,
+                    const QHash<xcb_window_t, qsizetype>& byWindow, const QList<Placement>& placements);
+    void readAgain(QList<SentPlacement>& sent, const QList<qsizetype>& which, const QList<Placement>& placements);
+    static PlacementResult outcome(const SentPlacement& sent, const Placement& placement);
+
     // How long a window must stay silent to count as settled after a change of state.
     static constexpr int kQuietMilliseconds = 15;
     // The longest wait for the window manager to take a window out of its size states or back in. Longer

@@ -7,6 +7,8 @@
 #include <cstring>
 #include <memory>
 
+#include <QSet>
+
 #include "platform/x11/X11Connection.h"
 #include "platform/x11/X11DisplayClients.h"
 #include "platform/x11/X11WindowOwners.h"
@@ -33,25 +35,6 @@ XcbReply<Reply> take(xcb_connection_t* xcb, Cookie cookie, Fetch fetch, bool* go
 
 XcbReply<xcb_get_property_reply_t> takeProperty(xcb_connection_t* xcb, xcb_get_property_cookie_t cookie, bool* gone) {
     return take<xcb_get_property_reply_t>(xcb, cookie, xcb_get_property_reply, gone);
-}
-
-// The pid the server knows for the client that created a window; nothing for a client it cannot
-// name (one that connected over the network).
-std::optional<pid_t> clientPid(xcb_connection_t* xcb, xcb_res_query_client_ids_cookie_t cookie, bool* gone) {
-    const auto reply = take<xcb_res_query_client_ids_reply_t>(xcb, cookie, xcb_res_query_client_ids_reply, gone);
-    if (!reply) {
-        return std::nullopt;
-    }
-    for (auto it = xcb_res_query_client_ids_ids_iterator(reply.get()); it.rem > 0; xcb_res_client_id_value_next(&it)) {
-        if ((it.data->spec.mask & XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID) != 0 &&
-            xcb_res_client_id_value_value_length(it.data) >= 1) {
-            const uint32_t pid = xcb_res_client_id_value_value(it.data)[0];
-            if (pid > 0 && pid <= 0x7fffffffu) {
-                return static_cast<pid_t>(pid);
-            }
-        }
-    }
-    return std::nullopt;
 }
 
 QList<uint32_t> cardinals(const xcb_get_property_reply_t* reply) {
@@ -217,13 +200,11 @@ void X11WindowReader::sendFields(PendingWindow& entry) {
     if (f & X11WindowFacts::Desktop) {
         entry.desktop = property(m_atoms.desktop, XCB_ATOM_CARDINAL, 1);
     }
-    if (f & X11WindowFacts::Pid) {
+    // Where the server names the process behind each client, what a client says of itself is not used
+    // (see X11WindowOwners::ownerOf); it is still asked when nothing else would tell that the window is gone.
+    if ((f & X11WindowFacts::Pid) && (!m_hasResource || f == X11WindowFacts::Pid)) {
         entry.pid = property(m_atoms.pid, XCB_ATOM_CARDINAL, 1);
-        if (m_hasResource) {
-            const xcb_res_client_id_spec_t spec{w, XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID};
-            entry.clientPid = xcb_res_query_client_ids(xcb, 1, &spec);
-            entry.askedClientPid = true;
-        }
+        entry.askedNetWmPid = true;
     }
     if (f & X11WindowFacts::Opacity) {
         entry.opacity = property(m_atoms.opacity, XCB_ATOM_CARDINAL, 1);
@@ -239,7 +220,56 @@ void X11WindowReader::sendFields(PendingWindow& entry) {
     }
 }
 
-X11WindowFacts X11WindowReader::collectFields(const PendingWindow& entry, X11DisplayClients& displayClients) {
+X11WindowReader::PendingOwners X11WindowReader::sendOwnerRequest(const QList<PendingWindow>& windows) {
+    PendingOwners pending;
+    if (!m_hasResource) {
+        return pending;
+    }
+    QList<xcb_res_client_id_spec_t> specs;
+    QSet<uint32_t> clients;
+    for (const PendingWindow& entry : windows) {
+        const uint32_t client = entry.request.window & ~m_resourceIdMask;
+        if ((entry.sentFields & X11WindowFacts::Pid) && client != 0 && !clients.contains(client)) {
+            clients.insert(client);
+            specs.append({entry.request.window, XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID});
+        }
+    }
+    if (specs.isEmpty()) {
+        return pending;
+    }
+    pending.cookie =
+        xcb_res_query_client_ids(m_connection.xcb(), static_cast<uint32_t>(specs.size()), specs.constData());
+    pending.asked = true;
+    return pending;
+}
+
+X11WindowReader::ClientPids X11WindowReader::collectOwners(const PendingOwners& pending) {
+    ClientPids pids;
+    if (!pending.asked) {
+        return pids;
+    }
+    bool unused = false;
+    const auto reply = take<xcb_res_query_client_ids_reply_t>(m_connection.xcb(), pending.cookie,
+                                                              xcb_res_query_client_ids_reply, &unused);
+    if (!reply) {
+        return pids;
+    }
+    // Each answer names its client by the client's resource base; a client that has gone, or that the
+    // server cannot name (one connected over the network), has none.
+    for (auto it = xcb_res_query_client_ids_ids_iterator(reply.get()); it.rem > 0; xcb_res_client_id_value_next(&it)) {
+        if ((it.data->spec.mask & XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID) != 0 &&
+            xcb_res_client_id_value_value_length(it.data) >= 1) {
+            const uint32_t pid = xcb_res_client_id_value_value(it.data)[0];
+            if (pid > 0 && pid <= 0x7fffffffu) {
+                pids.insert(it.data->spec.client & ~m_resourceIdMask, static_cast<pid_t>(pid));
+            }
+        }
+    }
+    return pids;
+}
+
+X11WindowFacts X11WindowReader::collectFields(const PendingWindow& entry, const PendingOwners& owners,
+                                              const ClientPids& clientPids, X11DisplayClients& displayClients) {
     xcb_connection_t* xcb = m_connection.xcb();
     X11WindowFacts facts;
     facts.window = entry.request.window;
@@ -287,13 +317,18 @@ X11WindowFacts X11WindowReader::collectFields(const PendingWindow& entry, X11Dis
     }
     if (f & X11WindowFacts::Pid) {
         X11WindowOwners::PidSources sources;
-        const std::optional<uint32_t> pid = firstCardinal(takeProperty(xcb, entry.pid, &gone).get());
-        if (pid && *pid > 0 && *pid <= 0x7fffffffu) {
-            sources.netWmPid = static_cast<pid_t>(*pid);
+        if (entry.askedNetWmPid) {
+            const std::optional<uint32_t> pid = firstCardinal(takeProperty(xcb, entry.pid, &gone).get());
+            if (pid && *pid > 0 && *pid <= 0x7fffffffu) {
+                sources.netWmPid = static_cast<pid_t>(*pid);
+            }
         }
-        sources.serverNamesClients = entry.askedClientPid;
-        if (entry.askedClientPid) {
-            sources.clientPid = clientPid(xcb, entry.clientPid, &gone);
+        sources.serverNamesClients = owners.asked;
+        if (owners.asked) {
+            const auto found = clientPids.constFind(facts.window & ~m_resourceIdMask);
+            if (found != clientPids.constEnd()) {
+                sources.clientPid = *found;
+            }
         } else if (sources.netWmPid) {
             sources.netWmPidIsAClient = displayClients.holdsConnection(*sources.netWmPid);
         }
@@ -353,14 +388,15 @@ X11WindowReader::PendingWindows X11WindowReader::sendWindowRequests(const QList<
             pending.usesCache = pending.usesCache || (entry.known.fields & request.fields) != 0;
         }
         entry.sentFields = request.fields & ~entry.known.fields;
-        // Watched again with every read from the server: a window number can be given to a new window
-        // once the old one is gone, and the new one has to be watched too.
+        // Watched before its first read from the server, and again once it has ended: a window number can
+        // be given to a new window then, and the new one has to be watched too.
         if (m_cache != nullptr && entry.sentFields != 0) {
             m_cache->watch(request.window);
         }
         sendFields(entry);
         pending.windows.append(entry);
     }
+    pending.owners = sendOwnerRequest(pending.windows);
     // What the cache knew is checked against the news that came in before this point: when the reply
     // to this request is in, so is every event sent before it.
     if (pending.usesCache) {
@@ -373,8 +409,9 @@ QList<X11WindowFacts> X11WindowReader::collectWindows(PendingWindows& pending) {
     QList<X11WindowFacts> result;
     result.reserve(pending.windows.size());
     X11DisplayClients displayClients(xcb_get_file_descriptor(m_connection.xcb()));
+    const ClientPids clientPids = collectOwners(pending.owners);
     for (const PendingWindow& entry : pending.windows) {
-        X11WindowFacts facts = collectFields(entry, displayClients);
+        X11WindowFacts facts = collectFields(entry, pending.owners, clientPids, displayClients);
         if (m_cache != nullptr && facts.exists) {
             m_cache->store(facts, entry.sentFields, pending.mark);
             X11WindowFacts known = entry.known.facts;
@@ -420,9 +457,11 @@ void X11WindowReader::rereadChanged(const PendingWindows& pending, QList<X11Wind
         sendFields(entry);
         again.append(entry);
     }
+    const PendingOwners owners = sendOwnerRequest(again);
     X11DisplayClients displayClients(xcb_get_file_descriptor(m_connection.xcb()));
+    const ClientPids clientPids = collectOwners(owners);
     for (qsizetype k = 0; k < changed.size(); ++k) {
-        const X11WindowFacts facts = collectFields(again[k], displayClients);
+        const X11WindowFacts facts = collectFields(again[k], owners, clientPids, displayClients);
         m_cache->store(facts, again[k].sentFields, mark);
         result[changed[k]] = facts;
     }

@@ -48,15 +48,20 @@ public:
         xcb_get_property_cookie_t state{};
         xcb_get_property_cookie_t desktop{};
         xcb_get_property_cookie_t pid{};
-        xcb_res_query_client_ids_cookie_t clientPid{};
-        bool askedClientPid = false;
+        bool askedNetWmPid = false;
         xcb_get_property_cookie_t opacity{};
         xcb_get_property_cookie_t title{};
         xcb_get_property_cookie_t wmClass{};
         xcb_get_property_cookie_t hints{};
     };
+    // One question to the server for the processes behind the clients of many windows.
+    struct PendingOwners {
+        xcb_res_query_client_ids_cookie_t cookie{};
+        bool asked = false;
+    };
     struct PendingWindows {
         QList<PendingWindow> windows;
+        PendingOwners owners;
         quint64 mark = 0;
         bool usesCache = false;  // some facts came from the cache
         xcb_get_input_focus_cookie_t newsBarrier{};
@@ -75,8 +80,15 @@ public:
     QList<X11WindowFacts> collectWindows(PendingWindows& pending);
 
 private:
+    // The process behind each client connection, by the bits every resource of the client shares.
+    using ClientPids = QHash<uint32_t, pid_t>;
+
     void sendFields(PendingWindow& entry);
-    X11WindowFacts collectFields(const PendingWindow& entry, X11DisplayClients& displayClients);
+    // Asks once for the clients of every window whose owner is wanted; X-Resource answers per client.
+    PendingOwners sendOwnerRequest(const QList<PendingWindow>& windows);
+    ClientPids collectOwners(const PendingOwners& pending);
+    X11WindowFacts collectFields(const PendingWindow& entry, const PendingOwners& owners, const ClientPids& clientPids,
+                                 X11DisplayClients& displayClients);
     // Reads again every window whose cached facts were used although news of it had come in.
     void rereadChanged(const PendingWindows& pending, QList<X11WindowFacts>& result);
 

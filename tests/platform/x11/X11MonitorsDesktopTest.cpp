@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <QSignalSpy>
+#include <cstdlib>
 
 #include "app/displays/ScreenSnapshotService.h"
 #include "platform/x11/X11Connection.h"
@@ -42,6 +43,20 @@ protected:
     }
 
     Monitors* monitors() const { return m_platform->services().monitors; }
+    X11Monitors* x11Monitors() const { return static_cast<X11Monitors*>(monitors()); }
+
+    // A round trip: every event the server sent before answering it has been read and handed to the
+    // handlers, so the events of every change made so far have reached the monitors.
+    void takeInServerEvents() const {
+        X11Connection& connection = m_platform->connection();
+        std::free(xcb_get_input_focus_reply(connection.xcb(), xcb_get_input_focus(connection.xcb()), nullptr));
+        connection.dispatchPendingEvents();
+    }
+    // Every change made so far has been looked at, and announced if it changed the monitors.
+    void settle() const {
+        takeInServerEvents();
+        ASSERT_TRUE(VirtualDesktop::waitUntil([this] { return !x11Monitors()->isChangePending(); }));
+    }
 
     std::unique_ptr<X11Platform> m_platform;
 };
@@ -86,16 +101,71 @@ TEST_F(X11MonitorsDesktopTest, AddingAndRemovingAMonitorSignalsOncePerChange) {
                                   {QStringLiteral("--delmonitor"), QStringLiteral("VIRTUAL-%1").arg(count)}),
               0);
     ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return spy.count() >= 1; }));
-    // Let any late events of the same change arrive; they must not be announced again.
-    VirtualDesktop::waitUntil([] { return false; }, 300);
+    // Any late events of the same change must not announce it again.
+    settle();
     EXPECT_EQ(spy.count(), 1);
     EXPECT_EQ(ScreenSnapshotService::currentDisplayDescriptors().size(), count - 1);
 
     defineMonitor(count - 1, false);
     ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return spy.count() >= 2; }));
-    VirtualDesktop::waitUntil([] { return false; }, 300);
+    settle();
     EXPECT_EQ(spy.count(), 2);
     EXPECT_EQ(ScreenSnapshotService::currentDisplayDescriptors().size(), count);
+}
+
+TEST_F(X11MonitorsDesktopTest, NothingIsLookedAtWhileNothingChanges) {
+    settle();
+    QSignalSpy spy(monitors(), &Monitors::changed);
+    // Other news of the root window is no reason to read the monitors.
+    ASSERT_EQ(VirtualDesktop::run(
+                  QStringLiteral("xprop"),
+                  {QStringLiteral("-root"), QStringLiteral("-f"), QStringLiteral("_LATTICA_TEST"), QStringLiteral("8s"),
+                   QStringLiteral("-set"), QStringLiteral("_LATTICA_TEST"), QStringLiteral("x")}),
+              0);
+    takeInServerEvents();
+    EXPECT_FALSE(x11Monitors()->isChangePending());
+    EXPECT_EQ(spy.count(), 0);
+}
+
+TEST_F(X11MonitorsDesktopTest, NewsOfTheRootThatChangesNoMonitorIsLookedAtButNotAnnounced) {
+    settle();
+    QSignalSpy spy(monitors(), &Monitors::changed);
+    // The server's report that the root window was configured, with nothing changed.
+    X11Connection& connection = m_platform->connection();
+    const xcb_screen_t* screen = connection.screen();
+    xcb_configure_notify_event_t event{};
+    event.response_type = XCB_CONFIGURE_NOTIFY;
+    event.event = screen->root;
+    event.window = screen->root;
+    event.width = screen->width_in_pixels;
+    event.height = screen->height_in_pixels;
+    xcb_send_event(connection.xcb(), 0, screen->root, XCB_EVENT_MASK_STRUCTURE_NOTIFY,
+                   reinterpret_cast<const char*>(&event));
+    takeInServerEvents();
+    EXPECT_TRUE(x11Monitors()->isChangePending());
+    settle();
+    EXPECT_EQ(spy.count(), 0);
+}
+
+TEST_F(X11MonitorsDesktopTest, MovingAMonitorIsAnnouncedWithItsNewBounds) {
+    QSignalSpy spy(monitors(), &Monitors::changed);
+    const int count = VirtualDesktop::layout().size();
+    const QString name = QStringLiteral("VIRTUAL-%1").arg(count);
+    ASSERT_EQ(VirtualDesktop::run(QStringLiteral("xrandr"), {QStringLiteral("--delmonitor"), name}), 0);
+    ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return spy.count() >= 1; }));
+    settle();
+    const QRect last = VirtualDesktop::layout().last();
+    const QRect lower(last.x(), last.y() + 10, last.width(), last.height() - 10);
+    ASSERT_EQ(
+        VirtualDesktop::run(QStringLiteral("xrandr"), {QStringLiteral("--setmonitor"), name,
+                                                       VirtualDesktop::monitorGeometry(lower), QStringLiteral("none")}),
+        0);
+    ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return spy.count() >= 2; }));
+    settle();
+    EXPECT_EQ(spy.count(), 2);
+    const QList<Monitor> listed = monitors()->monitors();
+    ASSERT_EQ(listed.size(), count);
+    EXPECT_EQ(listed.last().bounds.height(), lower.height());
 }
 
 TEST_F(X11MonitorsDesktopTest, CaptureOfAMonitorHasItsSize) {

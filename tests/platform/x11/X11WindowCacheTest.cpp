@@ -88,6 +88,38 @@ TEST_F(X11WindowCacheTest, ClearedCacheReadsEveryWindowAgain) {
     EXPECT_GT(nextSequence() - before, 40u * 5);
 }
 
+TEST_F(X11WindowCacheTest, ClearedCacheWatchesNoWindowAgain) {
+    const QList<quint32> windows = client.openMany(QStringLiteral("few"), 40, placement(0, 100, 100, 300, 200));
+    ASSERT_EQ(windows.size(), 40);
+    cache->clear();
+    quint32 before = nextSequence();
+    list();
+    const quint32 firstRead = nextSequence() - before;
+    cache->clear();
+    before = nextSequence();
+    list();
+    const quint32 secondRead = nextSequence() - before;
+    // Each window is watched once; the selection stays with the server until the window ends.
+    EXPECT_LE(secondRead + 40, firstRead);
+}
+
+TEST_F(X11WindowCacheTest, FactsOfListedWindowsAskNothingPerWindow) {
+    const QList<quint32> windows = client.openMany(QStringLiteral("known"), 40, placement(0, 100, 100, 300, 200));
+    ASSERT_EQ(windows.size(), 40);
+    list();
+    const quint32 before = nextSequence();
+    const QList<WindowFacts> facts =
+        Platform::services().windowControl->facts(QList<WindowId>(windows.cbegin(), windows.cend()));
+    const quint32 requests = nextSequence() - before - 1;
+    ASSERT_EQ(facts.size(), 40);
+    for (const WindowFacts& window : facts) {
+        EXPECT_EQ(window.role, (Reading<WindowRole>{Result::Ok, WindowRole::Window}));
+        EXPECT_EQ(window.frame.result, Result::Ok);
+    }
+    // The list has read what the roles, frames and states need of windows the window manager lists.
+    EXPECT_LT(requests, 20u);
+}
+
 TEST_F(X11WindowCacheTest, TitleChangedAfterAReadShowsInTheNextRead) {
     const quint32 window = client.open(QStringLiteral("before"), placement(0, 100, 100, 300, 200));
     ASSERT_NE(window, 0u);

@@ -3,16 +3,18 @@
 #include <xcb/xcb.h>
 
 #include <QTemporaryDir>
+#include <algorithm>
 #include <atomic>
 #include <cstdlib>
+#include <memory>
 #include <thread>
 
 #include "platform/Platform.h"
 #include "platform/x11/X11Connection.h"
 #include "platform/x11/X11WindowDesktopEntries.h"
 #include "platform/x11/X11WindowList.h"
-#include "tests/support/VirtualDesktop.h"
 #include "tests/platform/x11/X11DesktopFixture.h"
+#include "tests/support/VirtualDesktop.h"
 
 namespace {
 
@@ -64,6 +66,34 @@ TEST_F(X11WindowListTest, WindowWithoutNetWmPidGetsItsOwnerThroughXResource) {
     const std::optional<WindowEntry> entry = entryFor(window);
     ASSERT_TRUE(entry.has_value());
     EXPECT_EQ(entry->pid, client.pid());
+}
+
+TEST_F(X11WindowListTest, WindowsOfSeveralClientsInOneListEachHaveTheirOwnOwner) {
+    // The server is asked once for the processes behind every client of the list.
+    std::vector<std::unique_ptr<TestClient>> owners;
+    QList<quint32> windows;
+    for (int i = 0; i < 3; ++i) {
+        owners.push_back(std::make_unique<TestClient>());
+        ASSERT_TRUE(owners.back()->start());
+        windows.append(owners.back()->open(QStringLiteral("owned%1").arg(i), placement(i, 100, 100, 300, 200)));
+        ASSERT_NE(windows.last(), 0u);
+    }
+    const quint32 own = client.open(QStringLiteral("fixture"), placement(0, 500, 300, 300, 200));
+    ASSERT_NE(own, 0u);
+    const QList<WindowEntry> entries = list();
+    for (int i = 0; i < 3; ++i) {
+        const auto found = std::find_if(entries.cbegin(), entries.cend(),
+                                        [&](const WindowEntry& entry) { return entry.id == windows[i]; });
+        ASSERT_NE(found, entries.cend()) << i;
+        EXPECT_EQ(found->pid, owners[i]->pid()) << i;
+    }
+    const auto found =
+        std::find_if(entries.cbegin(), entries.cend(), [&](const WindowEntry& entry) { return entry.id == own; });
+    ASSERT_NE(found, entries.cend());
+    EXPECT_EQ(found->pid, client.pid());
+    for (const auto& owner : owners) {
+        owner->exit();
+    }
 }
 
 TEST_F(X11WindowListTest, DocksDesktopsMenusAndKeepAboveWindowsHaveNonZeroLayers) {
