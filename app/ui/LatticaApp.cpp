@@ -11,6 +11,7 @@
 #include <QScreen>
 #include <QTimer>
 #include <QVBoxLayout>
+#include <QWindow>
 #include <QtMath>
 #include <chrono>
 #include <cstdio>
@@ -47,7 +48,19 @@ LatticaApp::LatticaApp(AppController& controller, WindowPresenter& windows, Tray
     : m_controller(controller),
       m_menuWatcher(std::make_unique<KeyboardShortcuts::MenuWatcher>(controller.shortcuts())),
       m_windows(windows),
-      m_trayHost(trayHost) {}
+      m_trayHost(trayHost) {
+    // Told once the focus an opening asked for has come (see m_panelAwaitsFocus).
+    connect(qApp, &QGuiApplication::focusWindowChanged, this, [this](const QWindow* window) {
+        if (m_panel && window != nullptr && window == m_panel->windowHandle()) {
+            m_panelAwaitsFocus = false;
+        }
+    });
+    connect(qApp, &QGuiApplication::applicationStateChanged, this, [this](Qt::ApplicationState state) {
+        if (state == Qt::ApplicationActive) {
+            m_panelAwaitsFocus = false;
+        }
+    });
+}
 
 LatticaApp::~LatticaApp() = default;
 
@@ -223,6 +236,10 @@ void LatticaApp::openPanel() {
     if (m_panelIsPopup) {
         placePanel();
     }
+    // Inactive, or still taking the hidden panel for the focused window: the focus this opening asks
+    // for is told after whatever focus change of the previous showing is still unread.
+    m_panelAwaitsFocus = QGuiApplication::applicationState() != Qt::ApplicationActive ||
+                         QGuiApplication::focusWindow() == m_panel->windowHandle();
     m_panel->show();
     m_panel->raise();
     m_panel->activateWindow();
@@ -254,6 +271,16 @@ bool LatticaApp::eventFilter(QObject* watched, QEvent* event) {
         if (event->type() == QEvent::Hide) {
             qCDebug(lcPanelPaint, "hidden at %lld", monotonicNanoseconds());
             m_controller.setPreviewsShown(false);
+        }
+        // The toolkit closes popups when the program is told it lost the focus. A closing panel's focus-out
+        // read only after the panel was opened again (a busy program, a quick second click) would close
+        // the new opening at once, before it paints. A click outside still closes it.
+        if (event->type() == QEvent::Close && m_panelIsPopup && m_panelAwaitsFocus &&
+            QGuiApplication::applicationState() != Qt::ApplicationActive &&
+            QGuiApplication::mouseButtons() == Qt::NoButton) {
+            qCDebug(lcPanelPaint, "stale deactivation ignored at %lld", monotonicNanoseconds());
+            event->ignore();
+            return true;
         }
         if (event->type() == QEvent::KeyPress && static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape) {
             closePanel();

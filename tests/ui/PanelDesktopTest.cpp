@@ -206,6 +206,11 @@ protected:
             10000);
     }
 
+    void giveTheFocusToNoWindow() {
+        xcb_set_input_focus(xcb(), XCB_INPUT_FOCUS_NONE, XCB_NONE, XCB_CURRENT_TIME);
+        xcb_flush(xcb());
+    }
+
     QPoint trayIconCentre() const {
         const QRect icon = app->trayIcon()->geometry();
         return {icon.x() + icon.width() / 2, icon.y() + icon.height() / 2};
@@ -334,6 +339,37 @@ TEST_F(PanelOnDesktop, TrayClickOpensThePanelWithOneCardPerMonitorAndPreviews) {
                     watcher.firstPaintWasPlaceholder ? "placeholders" : "the capture had already arrived",
                     static_cast<long long>(watcher.previewsPainted));
     }
+}
+
+// The toolkit closes popups when the program is told it lost the focus. Told before the panel has the
+// focus it asked for, that is the focus leaving an earlier showing, read late (a busy program, a quick
+// second click): the new opening stays open and paints. Once the panel has the focus, it closes.
+TEST_F(PanelOnDesktop, DeactivationToldBeforeThePanelHasTheFocusLeavesItOpen) {
+    // The program had the focus in a window of its own, and has been told that it lost it.
+    {
+        QWidget other;
+        other.setWindowTitle(QStringLiteral("other"));
+        other.resize(200, 100);
+        other.show();
+        other.activateWindow();
+        ASSERT_TRUE(
+            VirtualDesktop::waitUntil([&] { return QGuiApplication::focusWindow() == other.windowHandle(); }, 5000));
+        giveTheFocusToNoWindow();
+        ASSERT_TRUE(VirtualDesktop::waitUntil(
+            [&] { return QGuiApplication::applicationState() != Qt::ApplicationActive; }, 5000));
+    }
+    app->openPanel();
+    // What the toolkit does on a deactivation, before the panel's focus has been read.
+    EXPECT_FALSE(app->panel()->close());
+    EXPECT_TRUE(app->panel()->isVisible());
+    ASSERT_TRUE(VirtualDesktop::waitUntil(
+        [&] { return QGuiApplication::focusWindow() == app->panel()->windowHandle(); }, 5000));
+    ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return previewsArrived(); }, 10000));
+    EXPECT_TRUE(app->panel()->isVisible());
+
+    // Once the panel has its focus, the same closing closes it.
+    EXPECT_TRUE(app->panel()->close());
+    EXPECT_FALSE(app->panel()->isVisible());
 }
 
 TEST_F(PanelOnDesktop, ClickOnTheTrayIconWhileOpenClosesThePanel) {
