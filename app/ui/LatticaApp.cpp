@@ -232,6 +232,7 @@ void LatticaApp::openPanel() {
     m_anchorPointer = QCursor::pos();
     m_controller.setPreviewsShown(true);
     m_controller.refreshForMenuOpen();
+    qCDebug(lcPanelPaint, "refreshed at %lld", monotonicNanoseconds());
     resizePanel();
     if (m_panelIsPopup) {
         placePanel();
@@ -240,6 +241,13 @@ void LatticaApp::openPanel() {
     // for is told after whatever focus change of the previous showing is still unread.
     m_panelAwaitsFocus = QGuiApplication::applicationState() != Qt::ApplicationActive ||
                          QGuiApplication::focusWindow() == m_panel->windowHandle();
+    if (lcPanelPaint().isDebugEnabled()) {
+        // The window's expose and the content's first paint after showing, for the trace.
+        m_panel->winId();
+        m_panel->windowHandle()->installEventFilter(this);
+        m_content->installEventFilter(this);
+        m_tracePaint = true;
+    }
     m_panel->show();
     m_panel->raise();
     m_panel->activateWindow();
@@ -265,6 +273,13 @@ void LatticaApp::togglePanel() {
 }
 
 bool LatticaApp::eventFilter(QObject* watched, QEvent* event) {
+    if (m_panel && watched == m_panel->windowHandle() && event->type() == QEvent::Expose) {
+        qCDebug(lcPanelPaint, "exposed at %lld", monotonicNanoseconds());
+    }
+    if (m_tracePaint && watched == m_content && event->type() == QEvent::Paint) {
+        m_tracePaint = false;
+        qCDebug(lcPanelPaint, "painting at %lld", monotonicNanoseconds());
+    }
     if (m_panel && watched == m_panel.get()) {
         // However the panel went (Escape, a click outside, a move), its pictures are not needed until the
         // next opening takes new ones.
