@@ -323,12 +323,14 @@ struct Opening {
     double handled = 0;  // when the program began to open the panel
     QRect frame;
     // The program's own steps, each from the one before: the refresh, the show, the window's expose, the
-    // first paint of the panel's content, and the cards painted and handed to the X server.
+    // first paint of the panel's content, the cards drawn, and the turn of the event loop in which they
+    // were handed to the X server.
     std::vector<double> steps;
 };
 
 // The program's trace lines for the steps of an opening, in order.
-const char* const kOpeningSteps[] = {"opening", "refreshed", "shown", "exposed", "painting", "cards painted"};
+const char* const kOpeningSteps[] = {"opening",  "refreshed",   "shown",        "exposed",
+                                     "painting", "cards drawn", "cards painted"};
 
 // One click on the icon, until the previews are painted; then a second click closes the panel.
 std::optional<Opening> openAndClose(Desktop& desktop, Program& program, QPoint icon) {

@@ -165,7 +165,11 @@ void LatticaApp::ensurePanel(bool asPopup) {
     layout->addWidget(m_content);
     connect(m_content, &TrayPanelView::dismissRequested, this, &LatticaApp::closePanel);
     connect(m_content, &TrayPanelView::settingsRequested, &m_windows, &WindowPresenter::showSettingsWindow);
-    connect(m_content, &TrayPanelView::cardsPainted, this, [this] { tracePainted(this, "cards painted"); });
+    connect(m_content, &TrayPanelView::cardsPainted, this, [this] {
+        // Drawn into the window's buffer now; handed to the X server right after, in the same turn.
+        qCDebug(lcPanelPaint, "cards drawn at %lld", monotonicNanoseconds());
+        tracePainted(this, "cards painted");
+    });
     connect(m_content, &TrayPanelView::previewsPainted, this, [this] { tracePainted(this, "previews painted"); });
     m_panel->installEventFilter(this);
     resizePanel();
@@ -289,11 +293,11 @@ bool LatticaApp::eventFilter(QObject* watched, QEvent* event) {
         }
         // The toolkit closes popups when the program is told it lost the focus. A closing panel's focus-out
         // read only after the panel was opened again (a busy program, a quick second click) would close
-        // the new opening at once, before it paints. A click outside still closes it.
+        // the new opening at once, before it paints. A click outside still closes it. (The toolkit asks
+        // again a bounded number of times; each asking is refused here.)
         if (event->type() == QEvent::Close && m_panelIsPopup && m_panelAwaitsFocus &&
             QGuiApplication::applicationState() != Qt::ApplicationActive &&
             QGuiApplication::mouseButtons() == Qt::NoButton) {
-            qCDebug(lcPanelPaint, "stale deactivation ignored at %lld", monotonicNanoseconds());
             event->ignore();
             return true;
         }
