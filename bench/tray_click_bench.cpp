@@ -20,12 +20,15 @@
 #include <QRect>
 #include <QRegularExpression>
 #include <QTemporaryDir>
+#include <QTimer>
 #include <algorithm>
 #include <chrono>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <functional>
+#include <iterator>
 #include <optional>
 #include <vector>
 
@@ -42,18 +45,25 @@ double msSince(qint64 start, qint64 end) {
     return static_cast<double>(end - start) / 1e6;
 }
 
-// Spins the event loop until the predicate holds or the time passes.
-bool waitFor(const std::function<bool()>& predicate, int timeoutMs) {
+// Runs the event loop until the predicate holds or the time passes. The loop sleeps until an event comes
+// (the program's trace) or, for a predicate that asks the X server, until the next look every pollMs: a
+// busy wait would take one of the machine's processors from the program it measures.
+bool waitFor(const std::function<bool()>& predicate, int timeoutMs, int pollMs = 2) {
     QElapsedTimer clock;
     clock.start();
+    QTimer wake;
+    wake.start(pollMs > 0 ? pollMs : timeoutMs);
     while (!predicate()) {
-        if (clock.elapsed() > timeoutMs) {
+        if (clock.elapsed() >= timeoutMs) {
             return false;
         }
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 1);
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     }
     return true;
 }
+
+// For predicates that only read the program's trace, which comes as events.
+constexpr int kOnEventsOnly = 0;
 
 // The benchmark's own X connection: monitors, the tray's windows, and XTEST clicks.
 class Desktop {
@@ -312,7 +322,15 @@ struct Opening {
     double previews = 0;
     double handled = 0;  // when the program began to open the panel
     QRect frame;
+    // The program's own steps, each from the one before: the refresh, the show, the window's expose, the
+    // first paint of the panel's content, the cards drawn, and the turn of the event loop in which they
+    // were handed to the X server.
+    std::vector<double> steps;
 };
+
+// The program's trace lines for the steps of an opening, in order.
+const char* const kOpeningSteps[] = {"opening",  "refreshed",   "shown",        "exposed",
+                                     "painting", "cards drawn", "cards painted"};
 
 // One click on the icon, until the previews are painted; then a second click closes the panel.
 std::optional<Opening> openAndClose(Desktop& desktop, Program& program, QPoint icon) {
@@ -331,21 +349,30 @@ std::optional<Opening> openAndClose(Desktop& desktop, Program& program, QPoint i
                 previews = program.stamp(QStringLiteral("previews painted"), clicked);
                 return cards && previews;
             },
-            10000)) {
+            10000, kOnEventsOnly)) {
         std::fprintf(stderr, "tray_click_bench: after the click the panel %s, %s its cards and %s its previews\n",
                      program.stamp(QStringLiteral("shown"), clicked) ? "showed" : "did not show",
                      cards ? "painted" : "did not paint", previews ? "painted" : "did not paint");
         desktop.click(icon);
-        waitFor([&] { return program.stamp(QStringLiteral("hidden"), clicked).has_value(); }, 5000);
+        waitFor([&] { return program.stamp(QStringLiteral("hidden"), clicked).has_value(); }, 5000, kOnEventsOnly);
         return std::nullopt;
     }
     const qint64 handled = program.stamp(QStringLiteral("opening"), clicked).value_or(*cards);
-    Opening opening{msSince(clicked, *cards), msSince(clicked, *previews), msSince(clicked, handled),
-                    program.shownFrame(clicked).value_or(QRect())};
+    Opening opening{msSince(clicked, *cards),
+                    msSince(clicked, *previews),
+                    msSince(clicked, handled),
+                    program.shownFrame(clicked).value_or(QRect()),
+                    {}};
+    qint64 previous = clicked;
+    for (const char* step : kOpeningSteps) {
+        const std::optional<qint64> at = program.stamp(QString::fromLatin1(step), clicked);
+        opening.steps.push_back(at ? msSince(previous, *at) : BenchSummary::kNone);
+        previous = at.value_or(previous);
+    }
     const qint64 closing = now();
     // The open panel holds the pointer: a click on the icon is outside it and closes it.
     desktop.click(icon);
-    if (!waitFor([&] { return program.stamp(QStringLiteral("hidden"), closing).has_value(); }, 10000)) {
+    if (!waitFor([&] { return program.stamp(QStringLiteral("hidden"), closing).has_value(); }, 10000, kOnEventsOnly)) {
         std::fputs("tray_click_bench: the panel did not close on a click of the icon\n", stderr);
         return std::nullopt;
     }
@@ -413,6 +440,9 @@ int main(int argc, char** argv) {
     std::vector<double> firstHandledToCards;
     std::vector<double> laterHandledToCards;
     std::vector<double> clickToHandled;
+    // Per step of the opening, first openings and later ones.
+    std::vector<std::vector<double>> firstSteps(std::size(kOpeningSteps));
+    std::vector<std::vector<double>> laterSteps(std::size(kOpeningSteps));
     double rssAfterStart = -1;
     double rssAfterSoak = -1;
     Idle idleAfterStart;
@@ -483,6 +513,11 @@ int main(int argc, char** argv) {
             (i == 0 ? firstPreviews : laterPreviews).push_back(opening->previews);
             (i == 0 ? firstHandledToCards : laterHandledToCards).push_back(opening->cards - opening->handled);
             clickToHandled.push_back(opening->handled);
+            for (size_t step = 0; step < opening->steps.size(); ++step) {
+                if (!std::isnan(opening->steps[step])) {
+                    (i == 0 ? firstSteps : laterSteps)[step].push_back(opening->steps[step]);
+                }
+            }
         }
         if (last) {
             for (int i = perMonitor; i < soak; ++i) {
@@ -511,6 +546,16 @@ int main(int argc, char** argv) {
                          Target::atMost(16));
     BenchSummary::timing("program starts opening -> cards painted, later openings", laterHandledToCards,
                          Target::atMost(16));
+    for (size_t step = 0; step < std::size(kOpeningSteps); ++step) {
+        const QString name = step == 0
+                                 ? QStringLiteral("click -> %1").arg(QLatin1String(kOpeningSteps[0]))
+                                 : QStringLiteral("%1 -> %2")
+                                       .arg(QLatin1String(kOpeningSteps[step - 1]), QLatin1String(kOpeningSteps[step]));
+        BenchSummary::timing(QStringLiteral("  step %1, first opening").arg(name), firstSteps[step],
+                             Target::atMost(BenchSummary::kNone));
+        BenchSummary::timing(QStringLiteral("  step %1, later openings").arg(name), laterSteps[step],
+                             Target::atMost(BenchSummary::kNone));
+    }
     BenchSummary::figure(QStringLiteral("resident memory after start"), rssAfterStart, "MiB", Target::atMost(40));
     BenchSummary::figure(QStringLiteral("resident memory growth after %1 openings").arg(std::max(soak, perMonitor)),
                          rssAfterSoak - rssAfterStart, "MiB", Target::atMost(5));

@@ -11,6 +11,7 @@
 #include <QScreen>
 #include <QTimer>
 #include <QVBoxLayout>
+#include <QWindow>
 #include <QtMath>
 #include <chrono>
 #include <cstdio>
@@ -47,7 +48,19 @@ LatticaApp::LatticaApp(AppController& controller, WindowPresenter& windows, Tray
     : m_controller(controller),
       m_menuWatcher(std::make_unique<KeyboardShortcuts::MenuWatcher>(controller.shortcuts())),
       m_windows(windows),
-      m_trayHost(trayHost) {}
+      m_trayHost(trayHost) {
+    // Told once the focus an opening asked for has come (see m_panelAwaitsFocus).
+    connect(qApp, &QGuiApplication::focusWindowChanged, this, [this](const QWindow* window) {
+        if (m_panel && window != nullptr && window == m_panel->windowHandle()) {
+            m_panelAwaitsFocus = false;
+        }
+    });
+    connect(qApp, &QGuiApplication::applicationStateChanged, this, [this](Qt::ApplicationState state) {
+        if (state == Qt::ApplicationActive) {
+            m_panelAwaitsFocus = false;
+        }
+    });
+}
 
 LatticaApp::~LatticaApp() = default;
 
@@ -152,7 +165,11 @@ void LatticaApp::ensurePanel(bool asPopup) {
     layout->addWidget(m_content);
     connect(m_content, &TrayPanelView::dismissRequested, this, &LatticaApp::closePanel);
     connect(m_content, &TrayPanelView::settingsRequested, &m_windows, &WindowPresenter::showSettingsWindow);
-    connect(m_content, &TrayPanelView::cardsPainted, this, [this] { tracePainted(this, "cards painted"); });
+    connect(m_content, &TrayPanelView::cardsPainted, this, [this] {
+        // Drawn into the window's buffer now; handed to the X server right after, in the same turn.
+        qCDebug(lcPanelPaint, "cards drawn at %lld", monotonicNanoseconds());
+        tracePainted(this, "cards painted");
+    });
     connect(m_content, &TrayPanelView::previewsPainted, this, [this] { tracePainted(this, "previews painted"); });
     m_panel->installEventFilter(this);
     resizePanel();
@@ -219,9 +236,21 @@ void LatticaApp::openPanel() {
     m_anchorPointer = QCursor::pos();
     m_controller.setPreviewsShown(true);
     m_controller.refreshForMenuOpen();
+    qCDebug(lcPanelPaint, "refreshed at %lld", monotonicNanoseconds());
     resizePanel();
     if (m_panelIsPopup) {
         placePanel();
+    }
+    // Inactive, or still taking the hidden panel for the focused window: the focus this opening asks
+    // for is told after whatever focus change of the previous showing is still unread.
+    m_panelAwaitsFocus = QGuiApplication::applicationState() != Qt::ApplicationActive ||
+                         QGuiApplication::focusWindow() == m_panel->windowHandle();
+    if (lcPanelPaint().isDebugEnabled()) {
+        // The window's expose and the content's first paint after showing, for the trace.
+        m_panel->winId();
+        m_panel->windowHandle()->installEventFilter(this);
+        m_content->installEventFilter(this);
+        m_tracePaint = true;
     }
     m_panel->show();
     m_panel->raise();
@@ -248,12 +277,29 @@ void LatticaApp::togglePanel() {
 }
 
 bool LatticaApp::eventFilter(QObject* watched, QEvent* event) {
+    if (m_panel && watched == m_panel->windowHandle() && event->type() == QEvent::Expose) {
+        qCDebug(lcPanelPaint, "exposed at %lld", monotonicNanoseconds());
+    }
+    if (m_tracePaint && watched == m_content && event->type() == QEvent::Paint) {
+        m_tracePaint = false;
+        qCDebug(lcPanelPaint, "painting at %lld", monotonicNanoseconds());
+    }
     if (m_panel && watched == m_panel.get()) {
         // However the panel went (Escape, a click outside, a move), its pictures are not needed until the
         // next opening takes new ones.
         if (event->type() == QEvent::Hide) {
             qCDebug(lcPanelPaint, "hidden at %lld", monotonicNanoseconds());
             m_controller.setPreviewsShown(false);
+        }
+        // The toolkit closes popups when the program is told it lost the focus. A closing panel's focus-out
+        // read only after the panel was opened again (a busy program, a quick second click) would close
+        // the new opening at once, before it paints. A click outside still closes it. (The toolkit asks
+        // again a bounded number of times; each asking is refused here.)
+        if (event->type() == QEvent::Close && m_panelIsPopup && m_panelAwaitsFocus &&
+            QGuiApplication::applicationState() != Qt::ApplicationActive &&
+            QGuiApplication::mouseButtons() == Qt::NoButton) {
+            event->ignore();
+            return true;
         }
         if (event->type() == QEvent::KeyPress && static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape) {
             closePanel();

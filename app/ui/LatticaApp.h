@@ -78,6 +78,11 @@ private:
     std::unique_ptr<QWidget> m_panel;
     TrayPanelView* m_content = nullptr;
     bool m_panelIsPopup = true;
+    // From an opening until the program has been told that the panel has the focus. A deactivation told
+    // meanwhile is the focus leaving the panel's previous showing, read late; it must not close this one.
+    bool m_panelAwaitsFocus = false;
+    // The next paint of the panel's content is the first of an opening (for the paint trace).
+    bool m_tracePaint = false;
     QRect m_anchorIcon;
     QPoint m_anchorPointer;
 };

@@ -93,6 +93,10 @@ protected:
             }
         }
         app->closePanel();
+        if (m_focusThief != XCB_NONE) {
+            xcb_destroy_window(xcb(), m_focusThief);
+            xcb_flush(xcb());
+        }
         QCoreApplication::processEvents();
         app.reset();
         QThreadPool::globalInstance()->waitForDone();
@@ -206,6 +210,23 @@ protected:
             10000);
     }
 
+    // Gives the keyboard focus to a window of the test's own connection, which the program does not know:
+    // an unmanaged one, so that no window manager hands the focus back.
+    void takeTheFocusAway() {
+        const xcb_window_t window = xcb_generate_id(xcb());
+        const uint32_t overrideRedirect = 1;
+        xcb_create_window(xcb(), XCB_COPY_FROM_PARENT, window, platform->connection().root(), -10, -10, 1, 1, 0,
+                          XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, XCB_CW_OVERRIDE_REDIRECT,
+                          &overrideRedirect);
+        xcb_map_window(xcb(), window);
+        xcb_set_input_focus(xcb(), XCB_INPUT_FOCUS_POINTER_ROOT, window, XCB_CURRENT_TIME);
+        xcb_flush(xcb());
+        if (m_focusThief != XCB_NONE) {
+            xcb_destroy_window(xcb(), m_focusThief);
+        }
+        m_focusThief = window;
+    }
+
     QPoint trayIconCentre() const {
         const QRect icon = app->trayIcon()->geometry();
         return {icon.x() + icon.width() / 2, icon.y() + icon.height() / 2};
@@ -281,6 +302,7 @@ protected:
 
 private:
     QTemporaryDir m_config;
+    xcb_window_t m_focusThief = XCB_NONE;
 };
 
 TEST_F(PanelOnDesktop, TrayClickOpensThePanelWithOneCardPerMonitorAndPreviews) {
@@ -334,6 +356,48 @@ TEST_F(PanelOnDesktop, TrayClickOpensThePanelWithOneCardPerMonitorAndPreviews) {
                     watcher.firstPaintWasPlaceholder ? "placeholders" : "the capture had already arrived",
                     static_cast<long long>(watcher.previewsPainted));
     }
+}
+
+// The toolkit closes popups when the program is told it lost the focus. Told before the panel has the
+// focus it asked for, that is the focus leaving an earlier showing, read late (a busy program, a quick
+// second click): the new opening stays open and paints. Once the panel has the focus, it closes.
+TEST_F(PanelOnDesktop, DeactivationToldBeforeThePanelHasTheFocusLeavesItOpen) {
+    // The program had the focus in a window of its own, and has been told that it lost it. On a busy
+    // machine the toolkit sometimes keeps taking itself for active (it expects a focus-in that belongs to
+    // no window of its own): the focus is handed over again, and the test is skipped, saying so, when
+    // the program still cannot be made inactive.
+    {
+        QWidget other;
+        other.setWindowTitle(QStringLiteral("other"));
+        other.resize(200, 100);
+        other.show();
+        // Away from the program's windows: focus changes under the pointer are told to them too.
+        movePointer(monitors[1].center());
+        bool inactive = false;
+        for (int attempt = 0; attempt < 3 && !inactive; ++attempt) {
+            other.activateWindow();
+            ASSERT_TRUE(VirtualDesktop::waitUntil(
+                [&] { return QGuiApplication::focusWindow() == other.windowHandle(); }, 5000));
+            takeTheFocusAway();
+            inactive = VirtualDesktop::waitUntil(
+                [&] { return QGuiApplication::applicationState() != Qt::ApplicationActive; }, 3000);
+        }
+        if (!inactive) {
+            GTEST_SKIP() << "the toolkit was not told that the program lost the focus; nothing to test";
+        }
+    }
+    app->openPanel();
+    // What the toolkit does on a deactivation, before the panel's focus has been read.
+    EXPECT_FALSE(app->panel()->close());
+    EXPECT_TRUE(app->panel()->isVisible());
+    ASSERT_TRUE(VirtualDesktop::waitUntil(
+        [&] { return QGuiApplication::focusWindow() == app->panel()->windowHandle(); }, 5000));
+    ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return previewsArrived(); }, 10000));
+    EXPECT_TRUE(app->panel()->isVisible());
+
+    // Once the panel has its focus, the same closing closes it.
+    EXPECT_TRUE(app->panel()->close());
+    EXPECT_FALSE(app->panel()->isVisible());
 }
 
 TEST_F(PanelOnDesktop, ClickOnTheTrayIconWhileOpenClosesThePanel) {
