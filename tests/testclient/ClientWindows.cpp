@@ -208,10 +208,6 @@ void ClientWindows::open(const Command& command, const std::string& name) {
         }
     }
 
-    if (command.has("vanish-when-moved")) {
-        m_vanishWhenMoved.emplace(command.value("vanish-when-moved"), window);
-    }
-    m_openedAt[window] = {x, y};
     m_windows[name] = window;
     m_names[window] = name;
     m_unreported.insert(window);
@@ -261,23 +257,6 @@ void ClientWindows::handleEvent(xcb_generic_event_t* event) {
             }
             break;
         }
-        case XCB_CONFIGURE_NOTIFY: {
-            // The window manager tells a client its new place in root coordinates with a synthetic event.
-            auto* notify = reinterpret_cast<xcb_configure_notify_event_t*>(event);
-            const auto name = m_names.find(notify->window);
-            const auto origin = m_openedAt.find(notify->window);
-            if ((event->response_type & 0x80) == 0 || name == m_names.end() || origin == m_openedAt.end() ||
-                std::abs(notify->x - origin->second.first) + std::abs(notify->y - origin->second.second) < 500) {
-                break;
-            }
-            const auto [first, last] = m_vanishWhenMoved.equal_range(name->second);
-            for (auto it = first; it != last; ++it) {
-                xcb_destroy_window(m_connection, it->second);
-            }
-            m_vanishWhenMoved.erase(first, last);
-            xcb_flush(m_connection);
-            break;
-        }
         case XCB_DESTROY_NOTIFY: {
             const xcb_window_t window = reinterpret_cast<xcb_destroy_notify_event_t*>(event)->window;
             const auto found = m_names.find(window);
@@ -285,7 +264,6 @@ void ClientWindows::handleEvent(xcb_generic_event_t* event) {
                 say("closed " + found->second);
                 m_windows.erase(found->second);
                 m_unreported.erase(window);
-                m_openedAt.erase(window);
                 m_names.erase(found);
             }
             break;

@@ -32,7 +32,4 @@ private:
     std::map<std::string, xcb_window_t> m_windows;
     std::map<xcb_window_t, std::string> m_names;
     std::set<xcb_window_t> m_unreported;
-    // Where each window was asked to open, and the windows to destroy once another one is moved far away.
-    std::map<xcb_window_t, std::pair<int, int>> m_openedAt;
-    std::multimap<std::string, xcb_window_t> m_vanishWhenMoved;
 };

@@ -3,7 +3,6 @@
 //   open name=N [count=K] [type=normal|dialog|utility|toolbar|dock|splash|desktop|notification|menu|override]
 //        [title="..."] [x= y= w= h=] [opacity=0..1] [states=minimized,maximized,fullscreen,above,skip-taskbar,modal]
 //        [class=instance.Class] [pid=yes|no] [color=#rrggbb] [icon=#rrggbb] [fixed=yes] [transient-for=N]
-//        [vanish-when-moved=N]   (destroyed as soon as the window manager moves window N far away)
 //   close name=N
 //   exit
 // It exits at the end of its input, and when the X server goes away.
