@@ -15,6 +15,7 @@
 #include <QtMath>
 #include <chrono>
 #include <cstdio>
+#include <functional>
 
 #include "KeyboardShortcuts/widgets/MenuWatcher.h"
 #include "app/controller/AppController.h"
@@ -42,6 +43,23 @@ void tracePainted(QObject* context, const char* what) {
     }
 }
 
+// Runs a step when the application is told to quit, before it handles that itself.
+class QuitWatcher : public QObject {
+public:
+    QuitWatcher(QObject* parent, std::function<void()> step) : QObject(parent), m_step(std::move(step)) {}
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (watched == qApp && event->type() == QEvent::Quit) {
+            m_step();
+        }
+        return false;
+    }
+
+private:
+    std::function<void()> m_step;
+};
+
 }  // namespace
 
 LatticaApp::LatticaApp(AppController& controller, WindowPresenter& windows, TrayHost* trayHost)
@@ -60,6 +78,8 @@ LatticaApp::LatticaApp(AppController& controller, WindowPresenter& windows, Tray
             m_panelAwaitsFocus = false;
         }
     });
+    // Quitting closes every window first and gives up if one refuses: nothing may refuse from then on.
+    qApp->installEventFilter(new QuitWatcher(this, [this] { m_panelAwaitsFocus = false; }));
 }
 
 LatticaApp::~LatticaApp() = default;
@@ -290,12 +310,13 @@ bool LatticaApp::eventFilter(QObject* watched, QEvent* event) {
         if (event->type() == QEvent::Hide) {
             qCDebug(lcPanelPaint, "hidden at %lld", monotonicNanoseconds());
             m_controller.setPreviewsShown(false);
+            m_panelAwaitsFocus = false;
         }
         // The toolkit closes popups when the program is told it lost the focus. A closing panel's focus-out
         // read only after the panel was opened again (a busy program, a quick second click) would close
         // the new opening at once, before it paints. A click outside still closes it. (The toolkit asks
         // again a bounded number of times; each asking is refused here.)
-        if (event->type() == QEvent::Close && m_panelIsPopup && m_panelAwaitsFocus &&
+        if (event->type() == QEvent::Close && m_panelIsPopup && m_panelAwaitsFocus && m_panel->isVisible() &&
             QGuiApplication::applicationState() != Qt::ApplicationActive &&
             QGuiApplication::mouseButtons() == Qt::NoButton) {
             event->ignore();

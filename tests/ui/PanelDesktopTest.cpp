@@ -227,6 +227,32 @@ protected:
         m_focusThief = window;
     }
 
+    // The program had the focus in a window of its own, and is told that it lost it. On a busy machine the
+    // toolkit sometimes keeps taking itself for active (it expects a focus-in that belongs to no window of
+    // its own): the focus is handed over again, up to three times; false when the program is still active,
+    // and the caller skips its test, saying so.
+    bool makeTheProgramInactive() {
+        QWidget other;
+        other.setWindowTitle(QStringLiteral("other"));
+        other.resize(200, 100);
+        other.show();
+        // Away from the program's windows: focus changes under the pointer are told to them too.
+        movePointer(monitors[1].center());
+        for (int attempt = 0; attempt < 3; ++attempt) {
+            other.activateWindow();
+            if (!VirtualDesktop::waitUntil([&] { return QGuiApplication::focusWindow() == other.windowHandle(); },
+                                           5000)) {
+                return false;
+            }
+            takeTheFocusAway();
+            if (VirtualDesktop::waitUntil([&] { return QGuiApplication::applicationState() != Qt::ApplicationActive; },
+                                          3000)) {
+                return true;
+            }
+        }
+        return false;
+    }
+
     QPoint trayIconCentre() const {
         const QRect icon = app->trayIcon()->geometry();
         return {icon.x() + icon.width() / 2, icon.y() + icon.height() / 2};
@@ -362,29 +388,8 @@ TEST_F(PanelOnDesktop, TrayClickOpensThePanelWithOneCardPerMonitorAndPreviews) {
 // focus it asked for, that is the focus leaving an earlier showing, read late (a busy program, a quick
 // second click): the new opening stays open and paints. Once the panel has the focus, it closes.
 TEST_F(PanelOnDesktop, DeactivationToldBeforeThePanelHasTheFocusLeavesItOpen) {
-    // The program had the focus in a window of its own, and has been told that it lost it. On a busy
-    // machine the toolkit sometimes keeps taking itself for active (it expects a focus-in that belongs to
-    // no window of its own): the focus is handed over again, and the test is skipped, saying so, when
-    // the program still cannot be made inactive.
-    {
-        QWidget other;
-        other.setWindowTitle(QStringLiteral("other"));
-        other.resize(200, 100);
-        other.show();
-        // Away from the program's windows: focus changes under the pointer are told to them too.
-        movePointer(monitors[1].center());
-        bool inactive = false;
-        for (int attempt = 0; attempt < 3 && !inactive; ++attempt) {
-            other.activateWindow();
-            ASSERT_TRUE(VirtualDesktop::waitUntil(
-                [&] { return QGuiApplication::focusWindow() == other.windowHandle(); }, 5000));
-            takeTheFocusAway();
-            inactive = VirtualDesktop::waitUntil(
-                [&] { return QGuiApplication::applicationState() != Qt::ApplicationActive; }, 3000);
-        }
-        if (!inactive) {
-            GTEST_SKIP() << "the toolkit was not told that the program lost the focus; nothing to test";
-        }
+    if (!makeTheProgramInactive()) {
+        GTEST_SKIP() << "the toolkit was not told that the program lost the focus; nothing to test";
     }
     app->openPanel();
     // What the toolkit does on a deactivation, before the panel's focus has been read.
@@ -398,6 +403,20 @@ TEST_F(PanelOnDesktop, DeactivationToldBeforeThePanelHasTheFocusLeavesItOpen) {
     // Once the panel has its focus, the same closing closes it.
     EXPECT_TRUE(app->panel()->close());
     EXPECT_FALSE(app->panel()->isVisible());
+}
+
+// An opening that ended before the focus came leaves no refusal behind: the hidden panel closes when the
+// toolkit asks, as on quitting, which gives up when any window refuses.
+TEST_F(PanelOnDesktop, PanelHiddenBeforeItsFocusCameRefusesNoLaterClosing) {
+    if (!makeTheProgramInactive()) {
+        GTEST_SKIP() << "the toolkit was not told that the program lost the focus; nothing to test";
+    }
+    app->openPanel();
+    EXPECT_FALSE(app->panel()->close());
+    app->closePanel();
+    ASSERT_FALSE(app->panel()->isVisible());
+    EXPECT_NE(QGuiApplication::applicationState(), Qt::ApplicationActive);
+    EXPECT_TRUE(app->panel()->close());
 }
 
 TEST_F(PanelOnDesktop, ClickOnTheTrayIconWhileOpenClosesThePanel) {
