@@ -34,18 +34,20 @@ struct KWinOutputDevice {
 // open to every client, unlike KWin's output management.
 class KWinOutputDevices {
 public:
-    // Nothing when there is no Wayland display to connect to.
+    // Nothing when there is no Wayland display to connect to. The connection is made at the first call
+    // of devices().
     static std::unique_ptr<KWinOutputDevices> connect();
     ~KWinOutputDevices();
     KWinOutputDevices(const KWinOutputDevices&) = delete;
     KWinOutputDevices& operator=(const KWinOutputDevices&) = delete;
 
     // The devices as KWin describes them once it has answered everything asked before; an empty list
-    // when it does not answer in time. Connects again after KWin has gone away. Safe from any thread.
+    // when it does not answer in time. Connects again after a failure or after KWin has gone away. Safe
+    // from any thread.
     QList<KWinOutputDevice> devices();
 
     // How long KWin may take to answer.
-    static constexpr int kAnswerTimeoutMs = 1000;
+    static constexpr int kAnswerTimeoutMs = 5000;
 
     struct Device;
 
