@@ -105,7 +105,7 @@ protected:
         EXPECT_EQ(command.exitCode(), 0) << arguments.join(QLatin1Char(' ')).toStdString();
     }
 
-    // The program's windows in KWin whose frame is at least that wide, or narrower.
+    // The program's windows in KWin (pop-up menus aside).
     QList<KWinWindow> programWindows() const {
         QList<KWinWindow> windows;
         for (const KWinWindow& window : platform->bridge().state().windows) {
