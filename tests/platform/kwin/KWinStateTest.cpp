@@ -33,7 +33,7 @@ TEST(KWinStateTest, ReadsTheScriptsState) {
     EXPECT_EQ(state->screens[1].geometry, QRectF(1920, 0, 2560, 1440));
     EXPECT_EQ(state->screens[1].workArea, QRectF(1920, 0, 2560, 1400));
     EXPECT_TRUE(state->screens[0].workArea.isNull());  // where the script does not say
-    ASSERT_EQ(state->windows.size(), 3);  // the one without an id is left out
+    ASSERT_EQ(state->windows.size(), 3);               // the one without an id is left out
     EXPECT_EQ(state->activeUuid, QStringLiteral("{b}"));
 
     const KWinWindow* kate = state->window(QStringLiteral("{a}"));
