@@ -24,6 +24,10 @@ struct Monitor {
     quint32 serial = 0;
     // The monitor's position among the outputs of its screen.
     quint32 unit = 0;
+    // Where the identity comes from the EDID but earlier versions of the program did not read it there:
+    // the display number they knew the monitor by, so that what they stored under it is found again; 0
+    // when there is none.
+    MonitorId formerId = 0;
 
     bool operator==(const Monitor&) const = default;
 };

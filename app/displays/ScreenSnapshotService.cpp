@@ -17,6 +17,7 @@ QList<DisplayDescriptor> ScreenSnapshotService::currentDisplayDescriptors() {
         descriptor.index = index++;
         descriptor.name = monitor.name;
         descriptor.bounds = monitor.bounds;
+        descriptor.formerPersistentID = formerDisplayIdentifier(monitor);
         descriptors.append(descriptor);
     }
     return descriptors;
@@ -30,4 +31,12 @@ QString ScreenSnapshotService::stableDisplayIdentifier(const Monitor& monitor) {
         return QStringLiteral("v%1-m%2-u%3").arg(monitor.vendor).arg(monitor.model).arg(monitor.unit);
     }
     return QStringLiteral("display-%1").arg(monitor.id);
+}
+
+QString ScreenSnapshotService::formerDisplayIdentifier(const Monitor& monitor) {
+    if (monitor.formerId == 0) {
+        return {};
+    }
+    const QString former = QStringLiteral("display-%1").arg(monitor.formerId);
+    return former == stableDisplayIdentifier(monitor) ? QString() : former;
 }

@@ -37,6 +37,9 @@ namespace ScreenSnapshotService {
 QList<DisplayDescriptor> currentDisplayDescriptors();
 // "v<vendor>-m<model>-s<serial>", "v<vendor>-m<model>-u<unit>" or "display-<id>".
 QString stableDisplayIdentifier(const Monitor& monitor);
+// "display-<formerId>" for a monitor that earlier versions knew by that number, when it differs from its
+// stable identifier now; empty otherwise.
+QString formerDisplayIdentifier(const Monitor& monitor);
 
 // One snapshot per descriptor with picture, window counts and application groups. Runs off the main thread.
 QList<DisplaySnapshot> captureDisplaySnapshots(const QList<DisplayDescriptor>& descriptors);

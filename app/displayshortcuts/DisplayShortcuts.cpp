@@ -42,6 +42,9 @@ void DisplayShortcuts::refresh(const QList<DisplayDescriptor>& descriptors) {
     }
 
     for (const DisplayDescriptor& descriptor : descriptors) {
+        if (!recordByID.contains(descriptor.persistentID)) {
+            takeOverFormerRecord(descriptor, descriptorByID, recordByID);
+        }
         ShortcutDisplayRecord record = recordByID.value(descriptor.persistentID);
         record.id = descriptor.persistentID;
         record.lastKnownName = descriptor.name;
@@ -74,6 +77,26 @@ void DisplayShortcuts::refresh(const QList<DisplayDescriptor>& descriptors) {
         }
     }
     registerHandlers();
+}
+
+void DisplayShortcuts::takeOverFormerRecord(const DisplayDescriptor& descriptor,
+                                            const QHash<QString, DisplayDescriptor>& descriptorByID,
+                                            QHash<QString, ShortcutDisplayRecord>& recordByID) {
+    const QString& former = descriptor.formerPersistentID;
+    // A connected display that still goes by the former identifier keeps its record.
+    if (former.isEmpty() || !recordByID.contains(former) || descriptorByID.contains(former)) {
+        return;
+    }
+    ShortcutDisplayRecord record = recordByID.take(former);
+    record.id = descriptor.persistentID;
+    recordByID.insert(record.id, record);
+    // The old name lets go of the key combination before the new one takes it: both would hold one hot key.
+    const KeyboardShortcuts::Name formerName(shortcutName(former));
+    const std::optional<KeyboardShortcuts::Shortcut> shortcut = m_shortcuts.shortcut(formerName);
+    m_shortcuts.setShortcut(std::nullopt, formerName);
+    if (shortcut) {
+        m_shortcuts.setShortcut(shortcut, KeyboardShortcuts::Name(shortcutName(record.id)));
+    }
 }
 
 void DisplayShortcuts::registerHandlers() {

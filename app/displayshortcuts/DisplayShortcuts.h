@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <QHash>
 #include <QList>
 #include <QObject>
 #include <QSet>
@@ -27,8 +28,9 @@ public:
 
     // Reads the stored records; an undecodable value is kept aside and reads as none.
     void load();
-    // Updates the records from the connected displays (new ones added, names and positions refreshed),
-    // sorts them by last known position then name, stores them and registers their handlers.
+    // Updates the records from the connected displays (new ones added, names and positions refreshed, the
+    // record of a display's former identifier taken over), sorts them by last known position then name,
+    // stores them and registers their handlers.
     void refresh(const QList<DisplayDescriptor>& connected);
     // Forgets an unplugged display: its record, its shortcut and its handler. False when the display is not
     // one of the disconnected ones.
@@ -47,6 +49,11 @@ Q_SIGNALS:
 
 private:
     void save();
+    // A display that settings stored by earlier versions know by another identifier gets the record and the
+    // shortcut kept under that identifier.
+    void takeOverFormerRecord(const DisplayDescriptor& descriptor,
+                              const QHash<QString, DisplayDescriptor>& descriptorByID,
+                              QHash<QString, ShortcutDisplayRecord>& recordByID);
     void registerHandlers();
 
     Preferences& m_preferences;

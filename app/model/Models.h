@@ -17,6 +17,9 @@ struct DisplayDescriptor {
     int index = 0;  // 1-based position in the platform's screen order
     QString name;
     QRectF bounds;  // global display space, origin at the main display's top-left corner, y downwards
+    // The identifier that settings stored by earlier versions know the display by, when it differs from
+    // persistentID; empty when there is none.
+    QString formerPersistentID;
 
     bool operator==(const DisplayDescriptor&) const = default;
 };

@@ -43,6 +43,10 @@ void KWinBridgeReceiver::answer(const QString& answer, const QString& state) {
     m_bridge.receiveAnswer(answer.toUtf8(), state.toUtf8());
 }
 
+QString KWinBridgeReceiver::ownWindowShown(const QString& window) {
+    return m_bridge.ownWindowRule(window);
+}
+
 std::unique_ptr<KWinBridge> KWinBridge::connect(QString* problem) {
     auto fail = [problem](const QString& why) {
         if (problem != nullptr) {
@@ -170,6 +174,7 @@ QString KWinBridge::loadScript(const QString& name, const QString& lastLine) {
     }
     const QString service = m_bus.baseService();
     file.write(QStringLiteral("var LATTICA_SERVICE = \"%1\";\n").arg(service).toUtf8());
+    file.write(QStringLiteral("var LATTICA_PID = %1;\n").arg(::getpid()).toUtf8());
     file.write(m_library.toUtf8());
     file.write("\n");
     file.write(lastLine.toUtf8());
@@ -247,6 +252,27 @@ std::optional<QJsonValue> KWinBridge::request(QJsonObject command, int timeoutMs
                                      : QByteArray("nothing"))
                           << "in" << clock.nsecsElapsed() / 1e6 << "ms";
     return result;
+}
+
+void KWinBridge::setOwnWindowRules(const QList<OwnWindowRule>& rules) {
+    const QMutexLocker lock(&m_mutex);
+    m_ownWindowRules = rules;
+}
+
+QString KWinBridge::ownWindowRule(const QString& window) const {
+    const QJsonObject described = QJsonDocument::fromJson(window.toUtf8()).object();
+    const QString caption = described.value(QLatin1String("caption")).toString();
+    const QSize size(qRound(described.value(QLatin1String("width")).toDouble()),
+                     qRound(described.value(QLatin1String("height")).toDouble()));
+    const QMutexLocker lock(&m_mutex);
+    const OwnWindowRule* found = nullptr;
+    for (const OwnWindowRule& candidate : m_ownWindowRules) {
+        if (candidate.title == caption && (found == nullptr || (candidate.size == size && found->size != size))) {
+            found = &candidate;
+        }
+    }
+    return found == nullptr ? QStringLiteral("{}")
+                            : QString::fromUtf8(QJsonDocument(found->rule).toJson(QJsonDocument::Compact));
 }
 
 void KWinBridge::onKWinOwnerChanged(const QString& newOwner) {

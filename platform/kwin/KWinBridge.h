@@ -6,8 +6,10 @@
 #include <QHash>
 #include <QJsonObject>
 #include <QJsonValue>
+#include <QList>
 #include <QMutex>
 #include <QObject>
+#include <QSize>
 #include <QTemporaryDir>
 #include <QThread>
 #include <QWaitCondition>
@@ -55,6 +57,21 @@ public:
     // How many command scripts the bridge has run (a batch is one).
     int commandCount() const { return m_nextToken - 1; }
 
+    // What KWin does with one of our windows as it appears: a JSON object with "skipTaskbar",
+    // "skipSwitcher", "place" ("pointer") and "activate", each optional. A window is known by its title
+    // and its size, which tell the toolkit's window and KWin's apart.
+    struct OwnWindowRule {
+        QString title;
+        QSize size;
+        QJsonObject rule;
+    };
+    // Where several rules fit a window, the first one of the list counts. Windows without a rule are left
+    // as KWin made them.
+    void setOwnWindowRules(const QList<OwnWindowRule>& rules);
+    // The rule for a window described as {"caption", "width", "height"} (the script's JSON), as compact
+    // JSON; "{}" when there is none. Safe from any thread.
+    QString ownWindowRule(const QString& window) const;
+
     // The session bus connection of the bridge (for other KWin interfaces).
     QDBusConnection bus() const { return m_bus; }
 
@@ -98,6 +115,7 @@ private:
     quint64 m_stateSerial = 0;
     bool m_watching = false;
     QHash<int, QJsonValue> m_answers;
+    QList<OwnWindowRule> m_ownWindowRules;
     QHash<QString, WindowId> m_ids;
     QHash<WindowId, QString> m_uuids;
     WindowId m_nextId = 1;

@@ -19,6 +19,9 @@ public Q_SLOTS:
     Q_SCRIPTABLE void push(const QString& state);
     // A command's answer ({"token": n, "result": "..."}) and the state after it.
     Q_SCRIPTABLE void answer(const QString& answer, const QString& state);
+    // One of our windows appeared in KWin ({"caption", "width", "height"}): what KWin is to do with it
+    // (KWinBridge::setOwnWindowRules).
+    Q_SCRIPTABLE QString ownWindowShown(const QString& window);
 
 private:
     KWinBridge& m_bridge;

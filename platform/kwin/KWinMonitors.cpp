@@ -2,14 +2,17 @@
 #include "platform/kwin/KWinMonitors.h"
 
 #include <QCoreApplication>
-#include <QCryptographicHash>
 #include <QGuiApplication>
+#include <QLoggingCategory>
 #include <QScreen>
 #include <QThread>
 
 #include "platform/kwin/KWinBridge.h"
+#include "platform/kwin/KWinMonitorList.h"
+#include "platform/kwin/KWinOutputDevices.h"
 #include "platform/kwin/KWinScreenCapture.h"
-#include "platform/kwin/KWinSpace.h"
+
+Q_LOGGING_CATEGORY(lcKWinMonitors, "lattica.kwin.monitors", QtInfoMsg)
 
 namespace {
 
@@ -30,38 +33,28 @@ QString toolkitNameFor(const QRectF& geometry) {
 
 }  // namespace
 
-KWinMonitors::KWinMonitors(KWinBridge& bridge, KWinScreenCapture* capture) : m_bridge(bridge), m_capture(capture) {
+KWinMonitors::KWinMonitors(KWinBridge& bridge, KWinScreenCapture* capture, KWinOutputDevices* devices)
+    : m_bridge(bridge), m_capture(capture), m_devices(devices) {
     connect(&m_bridge, &KWinBridge::screensChanged, this, &Monitors::changed, Qt::QueuedConnection);
-}
-
-MonitorId KWinMonitors::idForName(const QString& name) {
-    const QByteArray digest = QCryptographicHash::hash(name.toUtf8(), QCryptographicHash::Sha1);
-    quint32 id = 0;
-    for (int i = 0; i < 4; ++i) {
-        id = (id << 8) | static_cast<quint8>(digest.at(i));
-    }
-    return id == 0 ? 1 : id;
 }
 
 QList<Monitor> KWinMonitors::monitors() {
     const KWinState state = m_bridge.state();
+    const QList<KWinOutputDevice> devices = m_devices != nullptr ? m_devices->devices() : QList<KWinOutputDevice>{};
+    QStringList changes;
+    const QList<KWinListedMonitor> listed = KWinMonitorList::build(state, devices, toolkitNameFor, &changes);
     QList<Monitor> monitors;
-    for (qsizetype i = 0; i < state.screens.size(); ++i) {
-        const KWinScreen& screen = state.screens.at(i);
-        Monitor monitor;
-        monitor.name = screen.name.isEmpty() ? toolkitNameFor(screen.geometry) : screen.name;
-        const QString key = monitor.name.isEmpty() ? QStringLiteral("screen-%1").arg(i) : monitor.name;
-        monitor.id = idForName(key);
-        monitor.bounds = KWinSpace::toDisplaySpace(state, screen.geometry);
-        monitor.primary = i == 0;
-        monitor.unit = static_cast<quint32>(i);
-        monitors.append(monitor);
+    const QMutexLocker lock(&m_mutex);
+    for (const KWinListedMonitor& entry : listed) {
+        monitors.append(entry.monitor);
+        m_connectors.insert(entry.monitor.id, entry.connector);
     }
-    // The command line runs on a QCoreApplication: the thread check must not assume a GUI application.
-    const QCoreApplication* application = QCoreApplication::instance();
-    if (application != nullptr && QThread::currentThread() == application->thread()) {
-        const QMutexLocker lock(&m_mutex);
-        m_listed = monitors;
+    for (const QString& change : std::as_const(changes)) {
+        // Said once per configuration that needs it, not at every look at the monitors.
+        if (!m_reportedIdentityChanges.contains(change)) {
+            m_reportedIdentityChanges.insert(change);
+            qCWarning(lcKWinMonitors).noquote() << change;
+        }
     }
     return monitors;
 }
@@ -70,14 +63,10 @@ QImage KWinMonitors::capture(MonitorId id) {
     if (m_capture == nullptr) {
         return {};
     }
-    QString name;
+    QString connector;
     {
         const QMutexLocker lock(&m_mutex);
-        for (const Monitor& monitor : std::as_const(m_listed)) {
-            if (monitor.id == id) {
-                name = monitor.name;
-            }
-        }
+        connector = m_connectors.value(id);
     }
-    return name.isEmpty() ? QImage() : m_capture->captureScreen(name);
+    return connector.isEmpty() ? QImage() : m_capture->captureScreen(connector);
 }

@@ -1,31 +1,34 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <QHash>
 #include <QMutex>
+#include <QSet>
 
 #include "platform/Monitors.h"
 
 class KWinBridge;
+class KWinOutputDevices;
 class KWinScreenCapture;
 
-// KWin's screens as its watcher script reports them. Plasma 5.27's scripts give no output names: those
-// come from the toolkit's screens (the Wayland outputs) with the same geometry.
+// KWin's screens as its watcher script reports them, identified by the EDID that KWin's output devices
+// carry (KWinMonitorList). Plasma 5.27's scripts give no output names: those come from the output devices,
+// else from the toolkit's screens with the same geometry.
 class KWinMonitors : public Monitors {
     Q_OBJECT
 public:
-    KWinMonitors(KWinBridge& bridge, KWinScreenCapture* capture);
+    // Without output devices (no Wayland connection) monitors are known by their connectors alone.
+    KWinMonitors(KWinBridge& bridge, KWinScreenCapture* capture, KWinOutputDevices* devices);
 
     QList<Monitor> monitors() override;
     QImage capture(MonitorId id) override;
 
-    // A number for an output name that stays the same while the output is connected and across
-    // reconnections; never 0.
-    static MonitorId idForName(const QString& name);
-
 private:
     KWinBridge& m_bridge;
     KWinScreenCapture* m_capture;
-    // The monitors as the main thread last listed them: capture, on other threads, names them the same.
+    KWinOutputDevices* m_devices;
+    // The connectors of the monitors as last listed: capture, on other threads, asks KWin by connector.
     QMutex m_mutex;
-    QList<Monitor> m_listed;
+    QHash<MonitorId, QString> m_connectors;
+    QSet<QString> m_reportedIdentityChanges;
 };

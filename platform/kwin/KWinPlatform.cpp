@@ -5,6 +5,7 @@
 #include "platform/kwin/KWinBridge.h"
 #include "platform/kwin/KWinGlobalShortcuts.h"
 #include "platform/kwin/KWinMonitors.h"
+#include "platform/kwin/KWinOutputDevices.h"
 #include "platform/kwin/KWinOwnWindows.h"
 #include "platform/kwin/KWinRunningApplications.h"
 #include "platform/kwin/KWinScreenCapture.h"
@@ -27,6 +28,7 @@ struct KWinPlatform::Owned {
     std::unique_ptr<KWinGlobalShortcuts> hotKeys;
     std::unique_ptr<KWinApplicationNames> names;
     std::unique_ptr<KWinScreenCapture> capture;
+    std::unique_ptr<KWinOutputDevices> outputDevices;
     std::unique_ptr<KWinMonitors> monitors;
     std::unique_ptr<KWinWindowList> windowList;
     std::unique_ptr<KWinRunningApplications> runningApplications;
@@ -64,7 +66,8 @@ std::unique_ptr<KWinPlatform> KWinPlatform::connect(QString* problem) {
     owned.hotKeys = std::make_unique<KWinGlobalShortcuts>(kwin.bus(), owned.keyboardLayout.get());
     owned.names = std::make_unique<KWinApplicationNames>();
     owned.capture = std::make_unique<KWinScreenCapture>(kwin.bus());
-    owned.monitors = std::make_unique<KWinMonitors>(kwin, owned.capture.get());
+    owned.outputDevices = KWinOutputDevices::connect();
+    owned.monitors = std::make_unique<KWinMonitors>(kwin, owned.capture.get(), owned.outputDevices.get());
     owned.windowList = std::make_unique<KWinWindowList>(kwin, *owned.names);
     owned.runningApplications = std::make_unique<KWinRunningApplications>(kwin, *owned.names);
     owned.windowControl = std::make_unique<KWinWindowControl>(kwin);
@@ -115,6 +118,7 @@ KWinPlatform::~KWinPlatform() {
     owned.runningApplications.reset();
     owned.windowList.reset();
     owned.monitors.reset();
+    owned.outputDevices.reset();
     owned.capture.reset();
     owned.names.reset();
     owned.hotKeys.reset();

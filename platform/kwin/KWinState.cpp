@@ -41,6 +41,7 @@ KWinWindow windowOf(const QJsonObject& object) {
     window.special = flag(object, "special");
     window.popup = flag(object, "popup");
     window.skipTaskbar = flag(object, "skipTaskbar");
+    window.skipSwitcher = flag(object, "skipSwitcher");
     window.keepAbove = flag(object, "keepAbove");
     window.managed = object.value(QLatin1String("managed")).toBool(true);
     window.onCurrentDesktop = object.value(QLatin1String("onCurrentDesktop")).toBool(true);
@@ -81,7 +82,8 @@ std::optional<KWinState> KWinState::parse(const QByteArray& json) {
     state.activeUuid = root.value(QLatin1String("active")).toString();
     for (const QJsonValue& value : root.value(QLatin1String("screens")).toArray()) {
         const QJsonObject object = value.toObject();
-        state.screens.append(KWinScreen{object.value(QLatin1String("name")).toString(), rectOf(object)});
+        state.screens.append(KWinScreen{object.value(QLatin1String("name")).toString(), rectOf(object),
+                                        rectOf(object.value(QLatin1String("workArea")).toObject())});
     }
     for (const QJsonValue& value : root.value(QLatin1String("windows")).toArray()) {
         KWinWindow window = windowOf(value.toObject());

@@ -30,6 +30,7 @@ struct KWinWindow {
     bool special = false;
     bool popup = false;
     bool skipTaskbar = false;
+    bool skipSwitcher = false;  // left out of Alt+Tab
     bool keepAbove = false;
     bool managed = true;
     bool onCurrentDesktop = true;
@@ -49,6 +50,7 @@ struct KWinWindow {
 struct KWinScreen {
     QString name;  // empty where KWin's scripts do not tell it (Plasma 5.27)
     QRectF geometry;
+    QRectF workArea;  // the geometry less the panels
 
     bool operator==(const KWinScreen&) const = default;
 };

@@ -31,18 +31,32 @@ function readScreenNames() {
     }
 }
 
+function rectOf(r) {
+    return {x: r.x, y: r.y, width: r.width, height: r.height};
+}
+
+// Where windows may be placed on a screen: the screen less the panels.
+function workAreaOf(index) {
+    if (api6) {
+        return workspace.clientArea(KWin.PlacementArea, workspace.screens[index], workspace.currentDesktop);
+    }
+    return workspace.clientArea(KWin.PlacementArea, index, workspace.currentDesktop);
+}
+
 function screenList() {
     var screens = [];
     if (api6) {
         for (var i = 0; i < workspace.screens.length; i++) {
             var output = workspace.screens[i];
             var g = output.geometry;
-            screens.push({name: output.name || "", x: g.x, y: g.y, width: g.width, height: g.height});
+            screens.push({name: output.name || "", x: g.x, y: g.y, width: g.width, height: g.height,
+                          workArea: rectOf(workAreaOf(i))});
         }
     } else {
         for (var n = 0; n < workspace.numScreens; n++) {
             var area = workspace.clientArea(KWin.ScreenArea, n, workspace.currentDesktop);
-            screens.push({name: screenNames[n] || "", x: area.x, y: area.y, width: area.width, height: area.height});
+            screens.push({name: screenNames[n] || "", x: area.x, y: area.y, width: area.width, height: area.height,
+                          workArea: rectOf(workAreaOf(n))});
         }
     }
     return screens;
@@ -118,6 +132,7 @@ function describe(window) {
         popup: !!window.popupWindow || !!window.notification || !!window.criticalNotification ||
             !!window.onScreenDisplay || !!window.tooltip || !!window.splash || !!window.menu,
         skipTaskbar: !!window.skipTaskbar,
+        skipSwitcher: !!window.skipSwitcher,
         keepAbove: !!window.keepAbove,
         managed: window.managed !== false,
         onCurrentDesktop: isOnCurrentDesktop(window),
@@ -205,7 +220,7 @@ function push() {
 function watchWindow(window) {
     var names = ["frameGeometryChanged", "captionChanged", "minimizedChanged", "fullScreenChanged",
                  "desktopChanged", "desktopsChanged", "screenChanged", "outputChanged", "stackingOrderChanged",
-                 "keepAboveChanged", "skipTaskbarChanged", "opacityChanged", "windowClassChanged",
+                 "keepAboveChanged", "skipTaskbarChanged", "skipSwitcherChanged", "opacityChanged", "windowClassChanged",
                  "desktopFileNameChanged", "hiddenChanged", "activeChanged"];
     for (var i = 0; i < names.length; i++) {
         connectSignal(window, names[i], push);
@@ -225,6 +240,7 @@ function startWatching() {
     var added = api6 ? "windowAdded" : "clientAdded";
     connectSignal(workspace, added, function (window) {
         watchWindow(window);
+        askAboutOwnWindow(window);
         push();
     });
     connectSignal(workspace, api6 ? "windowRemoved" : "clientRemoved", function (window) {
@@ -404,19 +420,108 @@ function activate(window) {
     }
 }
 
-// Lattica's own windows: kept out of the taskbar or shown in it, and the front-most one activated.
+// ---- Lattica's own windows. A Wayland client can neither keep itself out of the taskbar nor place its
+// own windows: KWin does both for it. Each window is known by its title, without the " <2>" that KWin
+// adds to repeated ones.
+
+function plainCaption(window) {
+    return String(window.caption || "").replace(/\u200e/g, "").replace(/ <\d+>$/, "");
+}
+
+// Puts the window next to the pointer, on the pointer's screen and inside its work area: centred on the
+// pointer across, below it in the upper half of the screen and above it in the lower half.
+function placeAtPointer(window) {
+    var pointer = workspace.cursorPos;
+    var index = screenAtPoint(pointer.x, pointer.y);
+    var area = workAreaOf(index < 0 ? 0 : index);
+    var f = window.frameGeometry;
+    var x = pointer.x - Math.floor(f.width / 2);
+    var y = pointer.y > area.y + area.height / 2 ? pointer.y - f.height : pointer.y;
+    // A window larger than the area keeps its top-left corner inside.
+    x = Math.max(area.x, Math.min(x, area.x + area.width - f.width));
+    y = Math.max(area.y, Math.min(y, area.y + area.height - f.height));
+    window.frameGeometry = {x: x, y: y, width: f.width, height: f.height};
+}
+
+// rule: {skipTaskbar, skipSwitcher, place: "pointer", activate}, each optional.
+function applyOwnRule(window, rule) {
+    if (window.deleted) {
+        return;
+    }
+    if (rule.skipTaskbar !== undefined) {
+        window.skipTaskbar = rule.skipTaskbar;
+        window.skipPager = rule.skipTaskbar;
+    }
+    if (rule.skipSwitcher !== undefined) {
+        window.skipSwitcher = rule.skipSwitcher;
+    }
+    if (rule.place === "pointer") {
+        placeAtPointer(window);
+    }
+    if (rule.activate) {
+        activate(window);
+    }
+}
+
+// How Lattica knows its windows: by title and size (a frameless window and a decorated one may share a
+// title).
+function describeOwnWindow(window) {
+    var client = window.clientGeometry || window.frameGeometry;
+    return {caption: plainCaption(window), width: client.width, height: client.height};
+}
+
+// The watcher asks Lattica what to do with each window of its own as the window appears.
+function askAboutOwnWindow(window) {
+    if (typeof LATTICA_PID === "undefined" || window.pid !== LATTICA_PID || window.popupWindow) {
+        return;
+    }
+    callDBus(LATTICA_SERVICE, "/lattica/kwin", "org.lattica.KWinBridge", "ownWindowShown",
+             JSON.stringify(describeOwnWindow(window)), function (reply) {
+                 var rule = null;
+                 try {
+                     rule = JSON.parse(reply);
+                 } catch (error) {
+                     return;
+                 }
+                 applyOwnRule(window, rule);
+                 push();
+             });
+}
+
+// The rule of the list ([{caption, width, height, rule}]) for a window: the first of its title and size,
+// else the first of its title.
+function ownRuleFor(rules, window) {
+    var described = describeOwnWindow(window);
+    var found = null;
+    for (var i = 0; i < rules.length; i++) {
+        var candidate = rules[i];
+        if (candidate.caption !== described.caption) {
+            continue;
+        }
+        var sameSize = Math.abs(candidate.width - described.width) < 1 &&
+            Math.abs(candidate.height - described.height) < 1;
+        if (sameSize) {
+            return candidate.rule;
+        }
+        if (found === null) {
+            found = candidate.rule;
+        }
+    }
+    return found;
+}
+
+// Applies the rules to Lattica's windows, and the rule for other windows to those without one; the
+// front-most window is activated when asked.
 function ownWindows(command) {
     var list = allWindows();
     var front = null;
     for (var i = 0; i < list.length; i++) {
         var window = list[i];
-        if (window.pid !== command.pid || window.deleted) {
+        if (window.pid !== command.pid || window.deleted || window.popupWindow) {
             continue;
         }
-        if (command.skipTaskbar !== undefined) {
-            window.skipTaskbar = command.skipTaskbar;
-            window.skipPager = command.skipTaskbar;
-        }
+        var rule = ownRuleFor(command.rules || [], window);
+        applyOwnRule(window, rule !== null ? rule : (command.otherWindows || {}));
         if (!window.minimized && (front === null || window.stackingOrder > front.stackingOrder)) {
             front = window;
         }

@@ -94,4 +94,17 @@ TEST_F(DisplayDescriptorsTest, ListedDescriptorsCarryTheIdentifierOfTheirMonitor
     EXPECT_EQ(descriptors[1].persistentID, QStringLiteral("display-4"));
 }
 
+TEST_F(DisplayDescriptorsTest, AMonitorKnownByAFormerNumberCarriesThatIdentifierBeside) {
+    platform.monitors.setMonitors(
+        {{.id = 9, .vendor = 16, .model = 32, .serial = 3, .formerId = 9}, {.id = 4, .formerId = 4}, {.id = 5}});
+    const QList<DisplayDescriptor> descriptors = ScreenSnapshotService::currentDisplayDescriptors();
+    ASSERT_EQ(descriptors.size(), 3);
+    EXPECT_EQ(descriptors[0].persistentID, QStringLiteral("v16-m32-s3"));
+    EXPECT_EQ(descriptors[0].formerPersistentID, QStringLiteral("display-9"));
+    // Without EDID numbers the identifier is the former one: nothing to carry.
+    EXPECT_EQ(descriptors[1].persistentID, QStringLiteral("display-4"));
+    EXPECT_TRUE(descriptors[1].formerPersistentID.isEmpty());
+    EXPECT_TRUE(descriptors[2].formerPersistentID.isEmpty());
+}
+
 }  // namespace

@@ -108,4 +108,78 @@ TEST_F(ShortcutDisplayHandlersTest, HandlerOfADestroyedControllerDoesNothing) {
     EXPECT_EQ(messages, 1);
 }
 
+// A monitor that earlier versions identified by its display number alone, now read with its EDID.
+Monitor identifiedLater(MonitorId id, const QString& name, quint32 serial, qreal x = 0) {
+    Monitor monitor = display(id, name, serial, x);
+    monitor.formerId = id;
+    return monitor;
+}
+
+TEST_F(ShortcutDisplayHandlersTest, DisplayStoredUnderItsFormerIdentifierKeepsRecordAndShortcut) {
+    // What an earlier version stored: the record and the shortcut under "display-12".
+    platform.settings.setData(QStringLiteral("shortcutDisplayRecords.v1"),
+                              R"([{"id":"display-12","lastKnownName":"Old","lastKnownIndex":1}])");
+    shortcuts.setShortcut(Shortcut(20, kControlOption), displayName(QStringLiteral("display-12")));
+    platform.monitors.setMonitors({identifiedLater(12, QStringLiteral("Desk"), 77)});
+
+    AppController controller(shortcuts, updater);
+    ASSERT_EQ(controller.connectedShortcutDisplays().size(), 1);
+    EXPECT_EQ(controller.connectedShortcutDisplays()[0].id, QStringLiteral("v16-m32-s77"));
+    EXPECT_TRUE(controller.disconnectedShortcutDisplays().isEmpty());
+    ASSERT_EQ(controller.shortcutDisplayRecords().size(), 1);
+    EXPECT_EQ(controller.shortcutDisplayRecords()[0].id, QStringLiteral("v16-m32-s77"));
+    EXPECT_EQ(controller.shortcutDisplayRecords()[0].lastKnownName, QStringLiteral("Desk"));
+    EXPECT_EQ(shortcuts.shortcut(displayName(QStringLiteral("v16-m32-s77"))), Shortcut(20, kControlOption));
+    EXPECT_FALSE(shortcuts.isStored(displayName(QStringLiteral("display-12"))));
+    EXPECT_EQ(controller.registeredShortcutDisplayIDs(), QSet<QString>{QStringLiteral("v16-m32-s77")});
+    // Its hot key is held once (beside the two of SetUp), and it moves to the display.
+    EXPECT_EQ(platform.hotKeys.registrations().size(), 3);
+    tap(20);
+    EXPECT_EQ(controller.statusMessage(), QStringLiteral("No focused window was found to move."));
+}
+
+TEST_F(ShortcutDisplayHandlersTest, DisplayReadWithItsEdidLaterTakesOverItsRecordWhileRunning) {
+    platform.monitors.setMonitors({display(5, QStringLiteral("Main"), 1), {.id = 12, .name = QStringLiteral("Old")}});
+    shortcuts.setShortcut(Shortcut(20, kControlOption), displayName(QStringLiteral("display-12")));
+    AppController controller(shortcuts, updater);
+    ASSERT_EQ(controller.connectedShortcutDisplays()[1].id, QStringLiteral("display-12"));
+
+    platform.monitors.changeMonitors(
+        {display(5, QStringLiteral("Main"), 1), identifiedLater(12, QStringLiteral("Desk"), 77, 1920)});
+    QCoreApplication::processEvents();
+    ASSERT_EQ(controller.connectedShortcutDisplays().size(), 2);
+    EXPECT_EQ(controller.connectedShortcutDisplays()[1].id, QStringLiteral("v16-m32-s77"));
+    EXPECT_TRUE(controller.disconnectedShortcutDisplays().isEmpty());
+    EXPECT_EQ(shortcuts.shortcut(displayName(QStringLiteral("v16-m32-s77"))), Shortcut(20, kControlOption));
+    EXPECT_FALSE(shortcuts.shortcut(displayName(QStringLiteral("display-12"))).has_value());
+    EXPECT_EQ(platform.hotKeys.registrations().size(), 3);
+}
+
+TEST_F(ShortcutDisplayHandlersTest, FormerIdentifierStillInUseIsNotTakenOver) {
+    // Display number 12 is connected without EDID; another monitor names it as its former number.
+    platform.monitors.setMonitors({{.id = 12, .name = QStringLiteral("Plain")}});
+    shortcuts.setShortcut(Shortcut(20, kControlOption), displayName(QStringLiteral("display-12")));
+    AppController controller(shortcuts, updater);
+    platform.monitors.changeMonitors(
+        {{.id = 12, .name = QStringLiteral("Plain")}, identifiedLater(12, QStringLiteral("Desk"), 77, 1920)});
+    QCoreApplication::processEvents();
+    ASSERT_EQ(controller.connectedShortcutDisplays().size(), 2);
+    EXPECT_EQ(controller.shortcutDisplayRecords().size(), 2);
+    EXPECT_EQ(shortcuts.shortcut(displayName(QStringLiteral("display-12"))), Shortcut(20, kControlOption));
+    EXPECT_FALSE(shortcuts.shortcut(displayName(QStringLiteral("v16-m32-s77"))).has_value());
+}
+
+TEST_F(ShortcutDisplayHandlersTest, DisplayWithARecordOfItsOwnLeavesTheFormerOneAlone) {
+    platform.settings.setData(QStringLiteral("shortcutDisplayRecords.v1"),
+                              R"([{"id":"display-5","lastKnownName":"Old","lastKnownIndex":1},)"
+                              R"({"id":"v16-m32-s1","lastKnownName":"Main","lastKnownIndex":1}])");
+    shortcuts.setShortcut(Shortcut(20, kControlOption), displayName(QStringLiteral("display-5")));
+    platform.monitors.setMonitors({identifiedLater(5, QStringLiteral("Main"), 1)});
+    AppController controller(shortcuts, updater);
+    ASSERT_EQ(controller.disconnectedShortcutDisplays().size(), 1);
+    EXPECT_EQ(controller.disconnectedShortcutDisplays()[0].id, QStringLiteral("display-5"));
+    EXPECT_EQ(shortcuts.shortcut(displayName(QStringLiteral("display-5"))), Shortcut(20, kControlOption));
+    EXPECT_EQ(shortcuts.shortcut(displayName(QStringLiteral("v16-m32-s1"))), Shortcut(18, kControlOption));
+}
+
 }  // namespace

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // lattica-kwin-fake-keys: presses and releases keys through KWin's fake-input Wayland protocol, as told on
-// standard input, one command a line: "down CODE" or "up CODE" (evdev key codes), "exit". It answers
+// standard input, one command a line: "down CODE" or "up CODE" (evdev key codes), "pointer X Y" (moves the
+// pointer there, in KWin's global logical coordinates), "exit". It answers
 // "ready" once KWin has accepted it and "done" once KWin has handled each command.
 #include <wayland-client.h>
 
@@ -47,7 +48,12 @@ int main() {
     char line[256];
     while (std::fgets(line, sizeof line, stdin) != nullptr) {
         unsigned code = 0;
-        if (std::sscanf(line, "down %u", &code) == 1) {
+        double x = 0;
+        double y = 0;
+        if (std::sscanf(line, "pointer %lf %lf", &x, &y) == 2) {
+            org_kde_kwin_fake_input_pointer_motion_absolute(g_fakeInput, wl_fixed_from_double(x),
+                                                            wl_fixed_from_double(y));
+        } else if (std::sscanf(line, "down %u", &code) == 1) {
             org_kde_kwin_fake_input_keyboard_key(g_fakeInput, code, WL_KEYBOARD_KEY_STATE_PRESSED);
         } else if (std::sscanf(line, "up %u", &code) == 1) {
             org_kde_kwin_fake_input_keyboard_key(g_fakeInput, code, WL_KEYBOARD_KEY_STATE_RELEASED);

@@ -5,6 +5,8 @@
 #include "platform/Monitors.h"
 #include "platform/Platform.h"
 #include "platform/WindowControl.h"
+#include "platform/kwin/KWinMonitorList.h"
+#include "platform/kwin/KWinOutputDevices.h"
 #include "tests/platform/kwin/KWinSessionFixture.h"
 #include "tests/support/VirtualDesktop.h"
 
@@ -86,6 +88,13 @@ TEST_F(KWinOutputsTest, AnOutputTurnedOffLeavesTheListAndComesBackWithItsIdentit
     ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return changes > 0 && monitors.monitors().size() == 2; }))
         << monitors.monitors().size() << " monitors after " << changes << " changes";
     const QList<Monitor> without = monitors.monitors();
+    if (const std::unique_ptr<KWinOutputDevices> reader = KWinOutputDevices::connect()) {
+        for (const KWinOutputDevice& device : reader->devices()) {
+            EXPECT_EQ(device.enabled, device.name != before[2].name) << device.name.toStdString();
+        }
+    } else {
+        ADD_FAILURE() << "no output devices";
+    }
     EXPECT_EQ(without[0].id, before[0].id);
     EXPECT_EQ(without[1].id, before[1].id);
     EXPECT_TRUE(near(without[1].bounds, before[1].bounds));
@@ -109,6 +118,31 @@ TEST_F(KWinOutputsTest, AnOutputTurnedOffLeavesTheListAndComesBackWithItsIdentit
         EXPECT_EQ(after[i].name, before[i].name) << i;
     }
     EXPECT_EQ(after[2].bounds.size(), before[2].bounds.size());
+}
+
+TEST_F(KWinOutputsTest, OutputDevicesDescribeEachVirtualOutputWithoutEdid) {
+    const std::unique_ptr<KWinOutputDevices> reader = KWinOutputDevices::connect();
+    ASSERT_TRUE(reader);
+    const QList<KWinOutputDevice> devices = reader->devices();
+    const QList<QRect> wanted = layout();
+    ASSERT_EQ(devices.size(), wanted.size());
+    for (qsizetype i = 0; i < devices.size(); ++i) {
+        // KWin's virtual outputs have no EDID; their connectors are their only identity.
+        EXPECT_EQ(devices[i].name, QStringLiteral("Virtual-%1").arg(i));
+        EXPECT_TRUE(devices[i].enabled);
+        EXPECT_TRUE(devices[i].edid.isEmpty());
+        EXPECT_FALSE(devices[i].uuid.isEmpty());
+        EXPECT_TRUE(near(devices[i].geometry(), wanted[i], 3)) << i;
+    }
+    // So each monitor keeps the number of its connector, as before EDIDs were read.
+    const QList<Monitor> monitors = Platform::services().monitors->monitors();
+    ASSERT_EQ(monitors.size(), wanted.size());
+    for (const Monitor& monitor : monitors) {
+        EXPECT_EQ(monitor.id, KWinMonitorList::idForConnector(monitor.name));
+        EXPECT_EQ(monitor.vendor, 0u);
+        EXPECT_EQ(monitor.serial, 0u);
+        EXPECT_EQ(monitor.formerId, 0u);
+    }
 }
 
 }  // namespace

@@ -79,6 +79,11 @@ bool FakeKeys::send(const char* command, int evdevCode) {
     return answer() == "done";
 }
 
+bool FakeKeys::movePointer(const QPoint& point) {
+    m_process.write(QStringLiteral("pointer %1 %2\n").arg(point.x()).arg(point.y()).toUtf8());
+    return answer() == "done";
+}
+
 QByteArray FakeKeys::answer() {
     while (!m_process.canReadLine() && m_process.waitForReadyRead(5000)) {
     }

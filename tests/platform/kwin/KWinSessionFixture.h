@@ -32,7 +32,8 @@ private:
     QStringList m_lines;
 };
 
-// Presses keys as a keyboard would, through KWin's fake-input protocol (lattica-kwin-fake-keys).
+// Presses keys and moves the pointer as a user would, through KWin's fake-input protocol
+// (lattica-kwin-fake-keys).
 class FakeKeys {
 public:
     static constexpr int kEvdevLeftControl = 29;
@@ -41,8 +42,12 @@ public:
 
     ~FakeKeys();
     bool start();
+    static constexpr int kEvdevEscape = 1;
+
     // Sends "down CODE" or "up CODE" and waits until KWin has handled it.
     bool send(const char* command, int evdevCode);
+    // Moves the pointer to a point of KWin's global logical space and waits until KWin has handled it.
+    bool movePointer(const QPoint& point);
 
 private:
     QByteArray answer();

@@ -12,14 +12,15 @@ namespace {
 const QByteArray kState = R"({
   "api": 5,
   "screens": [{"name": "", "x": 0, "y": 0, "width": 1920, "height": 1080},
-              {"name": "", "x": 1920, "y": 0, "width": 2560, "height": 1440}],
+              {"name": "", "x": 1920, "y": 0, "width": 2560, "height": 1440,
+               "workArea": {"x": 1920, "y": 0, "width": 2560, "height": 1400}}],
   "active": "{b}",
   "windows": [
     {"id": "{a}", "pid": 10, "resourceClass": "kate", "caption": "notes", "x": 10, "y": 20, "width": 300,
      "height": 200, "normal": true, "stacking": 1, "screen": 0, "opacity": 0.5},
     {"id": "{b}", "pid": 11, "resourceClass": "dolphin", "x": 2000, "y": 40, "width": 500, "height": 400,
      "dialog": true, "minimized": true, "maximizedH": true, "maximizedV": true, "stacking": 2, "screen": 1,
-     "onCurrentDesktop": false},
+     "onCurrentDesktop": false, "skipTaskbar": true, "skipSwitcher": true},
     {"id": "{c}", "pid": 12, "dock": true, "stacking": 3},
     {"pid": 13}
   ]})";
@@ -30,7 +31,9 @@ TEST(KWinStateTest, ReadsTheScriptsState) {
     EXPECT_EQ(state->api, 5);
     ASSERT_EQ(state->screens.size(), 2);
     EXPECT_EQ(state->screens[1].geometry, QRectF(1920, 0, 2560, 1440));
-    ASSERT_EQ(state->windows.size(), 3);  // the one without an id is left out
+    EXPECT_EQ(state->screens[1].workArea, QRectF(1920, 0, 2560, 1400));
+    EXPECT_TRUE(state->screens[0].workArea.isNull());  // where the script does not say
+    ASSERT_EQ(state->windows.size(), 3);               // the one without an id is left out
     EXPECT_EQ(state->activeUuid, QStringLiteral("{b}"));
 
     const KWinWindow* kate = state->window(QStringLiteral("{a}"));
@@ -46,6 +49,8 @@ TEST(KWinStateTest, ReadsTheScriptsState) {
     EXPECT_TRUE(dolphin->minimized);
     EXPECT_TRUE(dolphin->maximizedHorizontally && dolphin->maximizedVertically);
     EXPECT_FALSE(dolphin->onCurrentDesktop);
+    EXPECT_TRUE(dolphin->skipTaskbar && dolphin->skipSwitcher);
+    EXPECT_FALSE(kate->skipTaskbar || kate->skipSwitcher);
     EXPECT_EQ(state->window(QStringLiteral("{missing}")), nullptr);
 }
 
