@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <QWindow>
+
 // Whether this program's windows show in the desktop's taskbar (and pager). A tray utility usually
 // keeps out of it; the user may ask for it.
 //
@@ -8,6 +10,21 @@
 // Alt+Tab while it is open, whatever the choice: its QWindow carries this property, set to true before the
 // window is first shown.
 inline constexpr char kAlwaysInTaskbarProperty[] = "latticaAlwaysInTaskbar";
+
+// Whether a window is of a kind that a taskbar lists: popups, tooltips, splash screens and desktop windows
+// never are.
+inline bool isTaskbarKind(const QWindow& window) {
+    switch (window.type()) {
+        case Qt::Window:
+        case Qt::Dialog:
+        case Qt::Sheet:
+        case Qt::Drawer:
+        case Qt::Tool:
+            return true;
+        default:
+            return false;
+    }
+}
 
 class TaskbarPresence {
 public:

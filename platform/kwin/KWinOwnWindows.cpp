@@ -17,20 +17,6 @@ bool isPanel(const QWindow& window) {
     return window.type() == Qt::Popup && window.transientParent() == nullptr;
 }
 
-// Whether a window is of a kind that a taskbar lists.
-bool isOrdinaryTopLevel(const QWindow& window) {
-    switch (window.type()) {
-        case Qt::Window:
-        case Qt::Dialog:
-        case Qt::Sheet:
-        case Qt::Drawer:
-        case Qt::Tool:
-            return true;
-        default:
-            return false;
-    }
-}
-
 // The title KWin sees: the toolkit gives an untitled window the application's name.
 QString shownTitle(const QWindow& window) {
     return window.title().isEmpty() ? QCoreApplication::applicationName() : window.title();
@@ -67,7 +53,7 @@ QJsonObject KWinOwnWindows::ruleFor(const QWindow& window) const {
                 {QStringLiteral("place"), QStringLiteral("pointer")},
                 {QStringLiteral("activate"), true}};
     }
-    if (!isOrdinaryTopLevel(window)) {
+    if (!isTaskbarKind(window)) {
         return {};
     }
     const bool skip = !m_shown && !window.property(kAlwaysInTaskbarProperty).toBool();

@@ -31,19 +31,7 @@ X11TaskbarPresence::~X11TaskbarPresence() {
 }
 
 bool X11TaskbarPresence::isOrdinaryTopLevel(const QWindow& window) {
-    if (!window.isTopLevel()) {
-        return false;
-    }
-    switch (window.type()) {
-        case Qt::Window:
-        case Qt::Dialog:
-        case Qt::Sheet:
-        case Qt::Drawer:
-        case Qt::Tool:
-            return true;
-        default:
-            return false;  // popups, tooltips, splash screens and desktop windows never show in a taskbar
-    }
+    return window.isTopLevel() && isTaskbarKind(window);
 }
 
 bool X11TaskbarPresence::skips(const QWindow& window) const {
