@@ -15,17 +15,12 @@
 #include <QRegularExpression>
 #include <QTemporaryDir>
 
+#include "tests/support/FinishedProcess.h"
 #include "tests/support/PrivateSessionBus.h"
 #include "tests/support/VirtualDesktop.h"
 #include "tests/testclient/TestClient.h"
 
 namespace {
-
-struct ProcessOutcome {
-    int status = -1;
-    QString out;
-    QString err;
-};
 
 class CommandLineDesktop : public ::testing::Test {
 protected:
@@ -46,17 +41,8 @@ protected:
     }
 
     // Runs `lattica ARGS` to its end.
-    ProcessOutcome lattica(const QStringList& arguments) {
-        QProcess process;
-        process.setProcessEnvironment(environment);
-        process.start(QStringLiteral(LATTICA_BINARY), arguments);
-        ProcessOutcome run;
-        if (process.waitForFinished(30000)) {
-            run.status = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
-        }
-        run.out = QString::fromUtf8(process.readAllStandardOutput());
-        run.err = QString::fromUtf8(process.readAllStandardError());
-        return run;
+    FinishedProcess lattica(const QStringList& arguments) {
+        return runToEnd(QStringLiteral(LATTICA_BINARY), arguments, environment, 30000);
     }
     // Starts the tray program and waits until it answers on the bus.
     bool startProgram() {
@@ -133,10 +119,10 @@ TEST_F(CommandLineDesktop, DisplaysJsonListsTheThreeMonitorsInProcessAndThroughT
         if (running) {
             ASSERT_TRUE(startProgram());
         }
-        const ProcessOutcome run = lattica({QStringLiteral("displays"), QStringLiteral("--json")});
-        ASSERT_EQ(run.status, 0) << run.err.toStdString();
-        const QJsonArray displays = QJsonDocument::fromJson(run.out.toUtf8()).array();
-        ASSERT_EQ(displays.size(), 3) << run.out.toStdString();
+        const FinishedProcess run = lattica({QStringLiteral("displays"), QStringLiteral("--json")});
+        ASSERT_EQ(run.status, 0) << run.errors.toStdString();
+        const QJsonArray displays = QJsonDocument::fromJson(run.output.toUtf8()).array();
+        ASSERT_EQ(displays.size(), 3) << run.output.toStdString();
         for (int i = 0; i < 3; ++i) {
             const QJsonObject display = displays[i].toObject();
             const QJsonObject bounds = display[QStringLiteral("bounds")].toObject();
@@ -159,36 +145,37 @@ TEST_F(CommandLineDesktop, MoveFocusedToNextWrapsFromTheLastMonitorToTheFirst) {
     ASSERT_TRUE(focus(window));
     ASSERT_EQ(monitorOf(window), 2);
 
-    const ProcessOutcome run =
+    const FinishedProcess run =
         lattica({QStringLiteral("move-focused"), QStringLiteral("--to"), QStringLiteral("next")});
-    EXPECT_EQ(run.status, 0) << run.err.toStdString();
-    EXPECT_TRUE(run.out.startsWith(QStringLiteral("Moved focused window to "))) << run.out.toStdString();
+    EXPECT_EQ(run.status, 0) << run.errors.toStdString();
+    EXPECT_TRUE(run.output.startsWith(QStringLiteral("Moved focused window to "))) << run.output.toStdString();
     EXPECT_EQ(monitorOf(window), 0);
 
     // Left of the first monitor there is none: a bad target, and the window stays.
-    const ProcessOutcome left =
+    const FinishedProcess left =
         lattica({QStringLiteral("move-focused"), QStringLiteral("--to"), QStringLiteral("left")});
     EXPECT_EQ(left.status, 2);
-    EXPECT_TRUE(left.err.contains(QStringLiteral("There is no monitor to the left of"))) << left.err.toStdString();
+    EXPECT_TRUE(left.errors.contains(QStringLiteral("There is no monitor to the left of")))
+        << left.errors.toStdString();
     EXPECT_EQ(monitorOf(window), 0);
 
-    const ProcessOutcome right =
+    const FinishedProcess right =
         lattica({QStringLiteral("move-focused"), QStringLiteral("--to"), QStringLiteral("right")});
-    EXPECT_EQ(right.status, 0) << right.err.toStdString();
+    EXPECT_EQ(right.status, 0) << right.errors.toStdString();
     EXPECT_EQ(monitorOf(window), 1);
 }
 
 TEST_F(CommandLineDesktop, BadTargetsAndArgumentsExitWithTwo) {
-    const ProcessOutcome monitor = lattica({QStringLiteral("move-all"), QStringLiteral("--from"), QStringLiteral("1"),
-                                            QStringLiteral("--to"), QStringLiteral("9")});
+    const FinishedProcess monitor = lattica({QStringLiteral("move-all"), QStringLiteral("--from"), QStringLiteral("1"),
+                                             QStringLiteral("--to"), QStringLiteral("9")});
     EXPECT_EQ(monitor.status, 2);
-    EXPECT_TRUE(monitor.err.contains(QStringLiteral("There is no monitor 9"))) << monitor.err.toStdString();
-    const ProcessOutcome command = lattica({QStringLiteral("teleport")});
+    EXPECT_TRUE(monitor.errors.contains(QStringLiteral("There is no monitor 9"))) << monitor.errors.toStdString();
+    const FinishedProcess command = lattica({QStringLiteral("teleport")});
     EXPECT_EQ(command.status, 2);
-    EXPECT_TRUE(command.err.contains(QStringLiteral("'teleport' is not a command")));
-    const ProcessOutcome help = lattica({QStringLiteral("--help")});
+    EXPECT_TRUE(command.errors.contains(QStringLiteral("'teleport' is not a command")));
+    const FinishedProcess help = lattica({QStringLiteral("--help")});
     EXPECT_EQ(help.status, 0);
-    EXPECT_TRUE(help.out.contains(QStringLiteral("move-focused --to TARGET")));
+    EXPECT_TRUE(help.output.contains(QStringLiteral("move-focused --to TARGET")));
 }
 
 TEST_F(CommandLineDesktop, MoveAppBringsEveryWindowIncludingMinimisedOnesThroughTheInstance) {
@@ -205,10 +192,10 @@ TEST_F(CommandLineDesktop, MoveAppBringsEveryWindowIncludingMinimisedOnesThrough
                                                               QStringLiteral("--sync"), QString::number(second)}),
               0);
 
-    const ProcessOutcome run = lattica({QStringLiteral("move-app"), QString::number(client.pid()),
-                                        QStringLiteral("--to"), QStringLiteral("3"), QStringLiteral("--json")});
-    ASSERT_EQ(run.status, 0) << run.err.toStdString() << run.out.toStdString();
-    const QJsonObject result = QJsonDocument::fromJson(run.out.toUtf8()).object();
+    const FinishedProcess run = lattica({QStringLiteral("move-app"), QString::number(client.pid()),
+                                         QStringLiteral("--to"), QStringLiteral("3"), QStringLiteral("--json")});
+    ASSERT_EQ(run.status, 0) << run.errors.toStdString() << run.output.toStdString();
+    const QJsonObject result = QJsonDocument::fromJson(run.output.toUtf8()).object();
     EXPECT_EQ(result[QStringLiteral("moved")].toInt(), 2);
     EXPECT_EQ(monitorOf(first), 2);
     // The minimised window is shown again after its move; the window manager maps it in its own time.
@@ -230,9 +217,9 @@ TEST_F(CommandLineDesktop, SecondLaunchOpensTheFirstsPanelAndWritesNoPreferences
     const QDateTime modified = QFileInfo(preferences).lastModified();
     file.close();
 
-    const ProcessOutcome second = lattica({});
-    EXPECT_EQ(second.status, 0) << second.err.toStdString();
-    EXPECT_TRUE(second.out.contains(QStringLiteral("already running"))) << second.out.toStdString();
+    const FinishedProcess second = lattica({});
+    EXPECT_EQ(second.status, 0) << second.errors.toStdString();
+    EXPECT_TRUE(second.output.contains(QStringLiteral("already running"))) << second.output.toStdString();
     EXPECT_TRUE(VirtualDesktop::waitUntil([] { return panelIsVisible(); }, 10000));
     EXPECT_EQ(program.state(), QProcess::Running);
 
@@ -308,11 +295,11 @@ TEST_F(CommandLineDesktop, SwapExchangesTheWindowsOfTwoMonitorsOfDifferentSizesE
     const QPointF placeOfA = relativeCentre(a, first);
     const QPointF placeOfB = relativeCentre(b, second);
 
-    const ProcessOutcome run =
+    const FinishedProcess run =
         lattica({QStringLiteral("swap"), QStringLiteral("1"), QStringLiteral("2"), QStringLiteral("--keep-size")});
-    EXPECT_EQ(run.status, 0) << run.err.toStdString();
+    EXPECT_EQ(run.status, 0) << run.errors.toStdString();
     // Run in this process, the mover's diagnostic lines come first.
-    EXPECT_TRUE(run.out.endsWith(QStringLiteral("\nMoved 2 of 2 windows.\n"))) << run.out.toStdString();
+    EXPECT_TRUE(run.output.endsWith(QStringLiteral("\nMoved 2 of 2 windows.\n"))) << run.output.toStdString();
     // The window manager confirms the moves in its own time.
     EXPECT_TRUE(VirtualDesktop::waitUntil([&] { return monitorOf(a) == 1 && monitorOf(b) == 0; }))
         << monitorOf(a) << " " << monitorOf(b);
@@ -325,9 +312,9 @@ TEST_F(CommandLineDesktop, SwapExchangesTheWindowsOfTwoMonitorsOfDifferentSizesE
 }
 
 TEST_F(CommandLineDesktop, PanelWithoutARunningInstanceSaysSo) {
-    const ProcessOutcome run = lattica({QStringLiteral("panel")});
+    const FinishedProcess run = lattica({QStringLiteral("panel")});
     EXPECT_EQ(run.status, 1);
-    EXPECT_TRUE(run.err.contains(QStringLiteral("Lattica is not running."))) << run.err.toStdString();
+    EXPECT_TRUE(run.errors.contains(QStringLiteral("Lattica is not running."))) << run.errors.toStdString();
 }
 
 }  // namespace

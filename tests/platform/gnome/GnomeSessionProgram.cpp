@@ -24,15 +24,7 @@ QProcessEnvironment GnomeSessionProgram::environment() const {
 }
 
 GnomeSessionProgram::Finished GnomeSessionProgram::run(const QStringList& arguments) const {
-    QProcess process;
-    process.setProcessEnvironment(environment());
-    process.start(QStringLiteral(LATTICA_BINARY), arguments);
-    if (!process.waitForFinished(20000)) {
-        process.kill();
-        process.waitForFinished();
-    }
-    return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1,
-            QString::fromUtf8(process.readAllStandardOutput()), QString::fromUtf8(process.readAllStandardError())};
+    return runToEnd(QStringLiteral(LATTICA_BINARY), arguments, environment());
 }
 
 QStringList GnomeSessionProgram::windowLine(const QString& title) const {

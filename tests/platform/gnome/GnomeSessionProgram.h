@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include "tests/support/FinishedProcess.h"
+
 #include <QProcess>
 #include <QProcessEnvironment>
 #include <QString>
@@ -10,11 +12,7 @@
 // the tray program kept running.
 class GnomeSessionProgram {
 public:
-    struct Finished {
-        int status = -1;
-        QString output;
-        QString errors;
-    };
+    using Finished = FinishedProcess;
 
     explicit GnomeSessionProgram(QString config);
     ~GnomeSessionProgram();

@@ -5,32 +5,19 @@
 #include <QStandardPaths>
 #include <QTemporaryDir>
 
+#include "tests/support/FinishedProcess.h"
 #include "tests/support/VirtualDesktop.h"
 
 namespace {
 
-struct Finished {
-    int status = -1;
-    QString output;
-    QString errors;
-};
-
-Finished runLattica(const QStringList& arguments, const QString& forcedBackend = {}) {
+FinishedProcess runLattica(const QStringList& arguments, const QString& forcedBackend = {}) {
     QTemporaryDir config;
     QProcessEnvironment environment = VirtualDesktop::programEnvironment(config.path());
     environment.remove(QStringLiteral("QT_QPA_PLATFORM"));
     if (!forcedBackend.isEmpty()) {
         environment.insert(QStringLiteral("LATTICA_BACKEND"), forcedBackend);
     }
-    QProcess process;
-    process.setProcessEnvironment(environment);
-    process.start(QStringLiteral(LATTICA_BINARY), arguments);
-    if (!process.waitForFinished(20000)) {
-        process.kill();
-        process.waitForFinished();
-    }
-    return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1,
-            QString::fromUtf8(process.readAllStandardOutput()), QString::fromUtf8(process.readAllStandardError())};
+    return runToEnd(QStringLiteral(LATTICA_BINARY), arguments, environment);
 }
 
 class KWinProgramTest : public ::testing::Test {
@@ -46,14 +33,14 @@ protected:
 };
 
 TEST_F(KWinProgramTest, OnPlasmaWaylandTheProgramUsesKWinAndNamesItsOutputs) {
-    const Finished finished = runLattica({QStringLiteral("displays")});
+    const FinishedProcess finished = runLattica({QStringLiteral("displays")});
     EXPECT_EQ(finished.status, 0) << finished.errors.toStdString();
     EXPECT_TRUE(finished.output.contains(QStringLiteral("Virtual-0"))) << finished.output.toStdString();
     EXPECT_TRUE(finished.output.contains(QStringLiteral("2560x1440+1920+0"))) << finished.output.toStdString();
 }
 
 TEST_F(KWinProgramTest, ForcingX11ReachesOnlyXwayland) {
-    const Finished finished = runLattica({QStringLiteral("displays")}, QStringLiteral("x11"));
+    const FinishedProcess finished = runLattica({QStringLiteral("displays")}, QStringLiteral("x11"));
     // Xwayland's outputs, not KWin's.
     EXPECT_EQ(finished.status, 0) << finished.errors.toStdString();
     EXPECT_TRUE(finished.output.contains(QStringLiteral("XWAYLAND0"))) << finished.output.toStdString();
@@ -61,7 +48,7 @@ TEST_F(KWinProgramTest, ForcingX11ReachesOnlyXwayland) {
 }
 
 TEST_F(KWinProgramTest, ForcingGnomeOnPlasmaSaysTheShellCannotBeReached) {
-    const Finished finished = runLattica({QStringLiteral("displays")}, QStringLiteral("gnome"));
+    const FinishedProcess finished = runLattica({QStringLiteral("displays")}, QStringLiteral("gnome"));
     EXPECT_EQ(finished.status, 3);
     EXPECT_TRUE(finished.errors.contains(QStringLiteral("cannot reach GNOME Shell"))) << finished.errors.toStdString();
 }
