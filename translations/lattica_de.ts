@@ -400,6 +400,10 @@ Try &apos;lattica --help&apos;.
         <source>Quit</source>
         <translation>Beenden</translation>
     </message>
+    <message>
+        <source>Open panel</source>
+        <translation>Panel öffnen</translation>
+    </message>
 </context>
 <context>
     <name>MonitorTargets</name>

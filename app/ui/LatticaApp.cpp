@@ -95,12 +95,30 @@ QIcon LatticaApp::trayIconImage(bool statusNotifierHost) {
     if (!statusNotifierHost) {
         return programIcon();
     }
-    return QIcon::fromTheme(QStringLiteral("app.lattica.Lattica-symbolic"), programIcon());
+    for (const QString& name :
+         {QStringLiteral("app.lattica.Lattica-symbolic"), QStringLiteral("app.lattica.Lattica")}) {
+        const QIcon themed = QIcon::fromTheme(name);
+        if (!themed.isNull() && !themed.availableSizes().isEmpty()) {
+            return themed;
+        }
+    }
+    // The host looks an icon's name up in its own theme, which knows no drawn symbol: without a name of
+    // ours the toolkit sends the pixels instead.
+    const QIcon drawn = programIcon();
+    QIcon pixels;
+    for (const int size : {16, 22, 24, 32, 48, 64}) {
+        pixels.addPixmap(drawn.pixmap(QSize(size, size), 1.0));
+    }
+    return pixels;
 }
 
 void LatticaApp::start() {
-    // For trays that keep clicks to themselves: the same two actions as the panel's footer.
+    // For trays that keep clicks to themselves: the panel, and the same two actions as the panel's footer.
     m_trayMenu = std::make_unique<QMenu>();
+    // Hosts that show the menu on a single click reach the panel through it.
+    QAction* open = m_trayMenu->addAction(tr("Open panel"), this, &LatticaApp::openPanel);
+    m_trayMenu->setDefaultAction(open);
+    m_trayMenu->addSeparator();
     m_trayMenu->addAction(SymbolIcons::icon(QStringLiteral("gearshape")), tr("Settings"), this,
                           [this] { m_windows.showSettingsWindow(); });
     QAction* quit =

@@ -48,8 +48,9 @@ public:
     // The program's icon from the icon theme (app.lattica.Lattica), else drawn at whatever size is asked for.
     static QIcon programIcon();
     // The icon in the tray. A StatusNotifierItem host gets the theme's monochrome
-    // app.lattica.Lattica-symbolic by name and paints it in the colour of its text; an XEmbed tray shows
-    // an icon's pixels as they are, so it gets the full-colour programIcon().
+    // app.lattica.Lattica-symbolic by name and paints it in the colour of its text (the full-colour one by
+    // name when only that is installed, else the drawn icon as pixels at tray sizes, without a name); an
+    // XEmbed tray shows an icon's pixels as they are, so it gets the full-colour programIcon().
     static QIcon trayIconImage(bool statusNotifierHost);
 
 Q_SIGNALS:

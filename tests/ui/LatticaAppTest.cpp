@@ -239,18 +239,35 @@ TEST_F(LatticaAppWithoutTray, ClosingTheWindowKeepsTheProgramWhileADisplayShortc
                                          KeyboardShortcuts::Name(AppController::shortcutNameRawValue(display)));
 }
 
-TEST_F(LatticaAppWithoutTray, TrayMenuOffersSettingsAndQuit) {
+TEST_F(LatticaAppWithoutTray, TrayMenuOffersThePanelFirstThenSettingsAndQuit) {
     makeController();
     start();
+    QList<QAction*> actions;
     QStringList texts;
     for (QAction* action : app->trayMenu()->actions()) {
-        texts.append(action->text());
+        if (!action->isSeparator()) {
+            actions.append(action);
+            texts.append(action->text());
+        }
     }
-    EXPECT_EQ(texts, (QStringList{QStringLiteral("Settings"), QStringLiteral("Quit")}));
-    app->trayMenu()->actions()[0]->trigger();
+    ASSERT_EQ(texts, (QStringList{QStringLiteral("Open panel"), QStringLiteral("Settings"), QStringLiteral("Quit")}));
+    // The panel's item is the one a host may show as the default.
+    EXPECT_EQ(app->trayMenu()->defaultAction(), actions[0]);
+
+    actions[1]->trigger();
     ASSERT_NE(windows().settingsWindow(), nullptr);
     EXPECT_TRUE(windows().settingsWindow()->isVisible());
     windows().settingsWindow()->close();
+
+    // Without a tray the panel window is open from the start: closed, the menu's item opens it again.
+    ASSERT_TRUE(waitUntil([&] { return app->panel() && app->panel()->isVisible(); }));
+    app->closePanel();
+    ASSERT_FALSE(app->panel()->isVisible());
+    int shown = 0;
+    QObject::connect(app.get(), &LatticaApp::panelShown, [&shown] { ++shown; });
+    actions[0]->trigger();
+    EXPECT_EQ(shown, 1);
+    EXPECT_TRUE(app->panel()->isVisible());
 }
 
 TEST_F(LatticaAppWithoutTray, LaunchSequenceRunsOnceTheEventLoopRuns) {
@@ -304,22 +321,40 @@ private:
     QString m_savedTheme;
 };
 
+// The share of a picture's pixels in the program's blue, opaque.
+double blueShare(const QImage& image) {
+    int blue = 0;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            const QColor colour = image.pixelColor(x, y);
+            blue += colour.alpha() > 200 && colour.blue() > 200 && colour.red() < 120 ? 1 : 0;
+        }
+    }
+    return double(blue) / (image.width() * image.height());
+}
+
 TEST_F(ProgramIcon, IsDrawnAtTheSizeTheTrayAsksFor) {
-    // No theme has the program's icons: both are the drawn symbol.
+    // No theme has the program's icons: the program's icon and an XEmbed tray's are the drawn symbol.
     EXPECT_EQ(LatticaApp::programIcon().name(), QStringLiteral("rectangle.on.rectangle.angled"));
-    EXPECT_EQ(LatticaApp::trayIconImage(true).name(), QStringLiteral("rectangle.on.rectangle.angled"));
     EXPECT_EQ(LatticaApp::trayIconImage(false).name(), QStringLiteral("rectangle.on.rectangle.angled"));
     for (const int size : {16, 22, 24, 48}) {
         const QImage image = LatticaApp::programIcon().pixmap(size, size).toImage();
         ASSERT_EQ(image.size(), QSize(size, size));
-        int blue = 0;
-        for (int y = 0; y < size; ++y) {
-            for (int x = 0; x < size; ++x) {
-                const QColor colour = image.pixelColor(x, y);
-                blue += colour.alpha() > 200 && colour.blue() > 200 && colour.red() < 120 ? 1 : 0;
-            }
-        }
-        EXPECT_GT(blue, size * size / 8) << size;
+        EXPECT_GT(blueShare(image), 1.0 / 8) << size;
+    }
+}
+
+TEST_F(ProgramIcon, AStatusNotifierHostGetsTheDrawnIconAsPixelsWhenNoneIsInstalled) {
+    // A name the host's theme does not know would show as a placeholder: the icon has none, so the
+    // toolkit hands the host its pixels.
+    const QIcon tray = LatticaApp::trayIconImage(true);
+    EXPECT_TRUE(tray.name().isEmpty()) << tray.name().toStdString();
+    const QList<QSize> sizes = tray.availableSizes();
+    for (const int size : {16, 22, 24, 32, 48, 64}) {
+        EXPECT_TRUE(sizes.contains(QSize(size, size))) << size;
+        const QImage image = tray.pixmap(QSize(size, size)).toImage();
+        ASSERT_EQ(image.size(), QSize(size, size));
+        EXPECT_GT(blueShare(image), 1.0 / 8) << size;
     }
 }
 

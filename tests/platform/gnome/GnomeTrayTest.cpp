@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
 
+#include <QDBusArgument>
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
+#include <QDBusObjectPath>
 #include <QDBusVariant>
 #include <QDir>
 #include <QImage>
@@ -44,6 +46,116 @@ QString itemOfProcess(qint64 pid) {
         }
     }
     return {};
+}
+
+// A property of the item's org.kde.StatusNotifierItem interface, as the host reads it.
+QVariant itemProperty(const QString& item, const QString& property) {
+    const QString service = item.section(QLatin1Char('@'), 0, 0);
+    const QString path =
+        item.contains(QLatin1Char('@')) ? item.section(QLatin1Char('@'), 1) : QStringLiteral("/StatusNotifierItem");
+    QDBusMessage message = QDBusMessage::createMethodCall(
+        service, path, QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"));
+    message.setArguments({QStringLiteral("org.kde.StatusNotifierItem"), property});
+    const QDBusMessage reply = QDBusConnection::sessionBus().call(message, QDBus::Block, 5000);
+    if (reply.type() != QDBusMessage::ReplyMessage || reply.arguments().isEmpty()) {
+        return {};
+    }
+    return reply.arguments().constFirst().value<QDBusVariant>().variant();
+}
+
+// The sizes of the pictures in an IconPixmap property (an array of width, height and ARGB bytes), those
+// whose bytes fill them.
+QList<QSize> pixmapSizes(const QVariant& iconPixmap) {
+    QList<QSize> sizes;
+    if (!iconPixmap.canConvert<QDBusArgument>()) {
+        return sizes;
+    }
+    const auto argument = iconPixmap.value<QDBusArgument>();
+    argument.beginArray();
+    while (!argument.atEnd()) {
+        int width = 0;
+        int height = 0;
+        QByteArray bytes;
+        argument.beginStructure();
+        argument >> width >> height >> bytes;
+        argument.endStructure();
+        if (width > 0 && height > 0 && bytes.size() == qsizetype(width) * height * 4) {
+            sizes.append(QSize(width, height));
+        }
+    }
+    argument.endArray();
+    return sizes;
+}
+
+// The item's menu as com.canonical.dbusmenu publishes it: each entry's id and label, in the order shown,
+// separators and hidden entries left out.
+struct MenuEntry {
+    int id = 0;
+    QString label;
+};
+
+QList<MenuEntry> menuEntries(const QString& item) {
+    const QString service = item.section(QLatin1Char('@'), 0, 0);
+    const QString menuPath = itemProperty(item, QStringLiteral("Menu")).value<QDBusObjectPath>().path();
+    QDBusMessage message = QDBusMessage::createMethodCall(service, menuPath, QStringLiteral("com.canonical.dbusmenu"),
+                                                          QStringLiteral("GetLayout"));
+    message.setArguments({0, 1, QStringList()});
+    const QDBusMessage reply = QDBusConnection::sessionBus().call(message, QDBus::Block, 5000);
+    QList<MenuEntry> entries;
+    if (reply.type() != QDBusMessage::ReplyMessage || reply.arguments().size() < 2) {
+        return entries;
+    }
+    // The root: (id, properties, children), each child a variant holding the same structure.
+    const auto root = reply.arguments().at(1).value<QDBusArgument>();
+    int rootId = 0;
+    QVariantMap rootProperties;
+    root.beginStructure();
+    root >> rootId >> rootProperties;
+    root.beginArray();
+    while (!root.atEnd()) {
+        QDBusVariant child;
+        root >> child;
+        const auto entry = child.variant().value<QDBusArgument>();
+        MenuEntry read;
+        QVariantMap properties;
+        entry.beginStructure();
+        entry >> read.id >> properties;
+        entry.endStructure();
+        read.label = properties.value(QStringLiteral("label")).toString();
+        if (properties.value(QStringLiteral("type")).toString() != QLatin1String("separator") &&
+            properties.value(QStringLiteral("visible"), true).toBool()) {
+            entries.append(read);
+        }
+    }
+    root.endArray();
+    root.endStructure();
+    return entries;
+}
+
+// Tells the program that an entry of its menu was clicked, as the host does.
+bool clickMenuEntry(const QString& item, int id) {
+    const QString service = item.section(QLatin1Char('@'), 0, 0);
+    const QString menuPath = itemProperty(item, QStringLiteral("Menu")).value<QDBusObjectPath>().path();
+    QDBusMessage message = QDBusMessage::createMethodCall(service, menuPath, QStringLiteral("com.canonical.dbusmenu"),
+                                                          QStringLiteral("Event"));
+    message.setArguments({id, QStringLiteral("clicked"), QVariant::fromValue(QDBusVariant(0)), 0U});
+    return QDBusConnection::sessionBus().call(message, QDBus::Block, 5000).type() == QDBusMessage::ReplyMessage;
+}
+
+// The part of a picture that differs from another of the same size.
+QRect changedArea(const QImage& before, const QImage& after) {
+    QRect changed;
+    if (before.size() != after.size()) {
+        return changed;
+    }
+    for (int y = 0; y < before.height(); ++y) {
+        for (int x = 0; x < before.width(); ++x) {
+            if (before.pixel(x, y) != after.pixel(x, y)) {
+                changed |= QRect(x, y, 1, 1);
+            }
+        }
+    }
+    return changed;
 }
 
 // The place of an item added to the top bar, from pictures of the bar before and after. The bar's right
@@ -88,15 +200,40 @@ protected:
         }
     }
 
+    // Starts the program and waits until it has registered its item.
+    QString startAndWaitForItem() {
+        if (!m_lattica.start()) {
+            return {};
+        }
+        QString item;
+        VirtualDesktop::waitUntil([&] {
+            item = itemOfProcess(m_lattica.processId());
+            return !item.isEmpty() || !m_lattica.isRunning();
+        });
+        return item;
+    }
+
+    // A picture of the area once it has stopped changing (an opening or closing menu is animated).
+    static QImage settled(ShellScreenshot& screenshot, const QRect& area) {
+        QImage previous = screenshot.area(area);
+        QImage current;
+        VirtualDesktop::waitUntil([&] {
+            current = screenshot.area(area);
+            const bool same = !current.isNull() && current == previous;
+            previous = current;
+            return same;
+        });
+        return current;
+    }
+
     QTemporaryDir m_config;
     GnomeSessionProgram m_lattica{m_config.path()};
 };
 
 // The AppIndicator extension (Debian's gnome-shell-extension-appindicator) hosts the icon in the top bar.
-// It counts the presses and releases that reach the icon: the second activates the item, unless the
-// first press has opened the item's menu (once the menu is loaded, a click shows Settings and Quit).
-// A double click activates the item either way.
-TEST_F(GnomeTrayTest, TheIconSitsInTheTopBarAndADoubleClickOnItOpensThePanel) {
+// A double click activates the item; a single click opens the item's menu once the double-click time
+// has passed, and the menu's first item opens the panel.
+TEST_F(GnomeTrayTest, TheIconSitsInTheTopBarAndADoubleClickOnItOrItsMenuOpensThePanel) {
     // A remote desktop session adds the Shell's "screen is shared" item to the top bar: it starts first.
     RemoteDesktopInput input;
     ASSERT_TRUE(input.start()) << input.error().toStdString();
@@ -109,13 +246,10 @@ TEST_F(GnomeTrayTest, TheIconSitsInTheTopBarAndADoubleClickOnItOpensThePanel) {
     const QImage bare = screenshot.area(topBar);
     ASSERT_FALSE(bare.isNull()) << screenshot.error().toStdString();
 
-    ASSERT_TRUE(m_lattica.start());
-    QString item;
-    ASSERT_TRUE(VirtualDesktop::waitUntil([&] {
-        item = itemOfProcess(m_lattica.processId());
-        return !item.isEmpty() || !m_lattica.isRunning();
-    }));
+    const QString item = startAndWaitForItem();
     ASSERT_FALSE(item.isEmpty()) << m_lattica.output().toStdString();
+    // The session has the program's icons installed: the host gets the monochrome one by name.
+    EXPECT_EQ(itemProperty(item, QStringLiteral("IconName")).toString().toStdString(), "app.lattica.Lattica-symbolic");
     EXPECT_FALSE(m_lattica.output().contains(QLatin1String("no system tray is available")))
         << m_lattica.output().toStdString();
 
@@ -132,6 +266,46 @@ TEST_F(GnomeTrayTest, TheIconSitsInTheTopBarAndADoubleClickOnItOpensThePanel) {
     ASSERT_TRUE(input.click()) << input.error().toStdString();
     EXPECT_TRUE(m_lattica.waitForOutput(QStringLiteral("shown at"))) << m_lattica.output().toStdString();
 
+    const int openings = int(m_lattica.output().count(QStringLiteral("shown at")));
+
+    // A single click opens the menu, once the double-click time has passed, below the icon (the panel
+    // shows at the desktop's top left corner, away from it).
+    const QRect belowIcon =
+        QRect(icon.center().x() - 300, kTopBarHeight, 600, 400).intersected(QRect(0, 0, primaryWidth, 4000));
+    const QImage withoutMenu = settled(screenshot, belowIcon);
+    ASSERT_FALSE(withoutMenu.isNull()) << screenshot.error().toStdString();
+    ASSERT_TRUE(input.movePointerTo(icon.center())) << input.error().toStdString();
+    ASSERT_TRUE(input.click()) << input.error().toStdString();
+    QRect menu;
+    ASSERT_TRUE(VirtualDesktop::waitUntil([&] {
+        menu = changedArea(withoutMenu, screenshot.area(belowIcon));
+        return menu.height() > 40;
+    })) << "no menu below the icon";
+    menu = changedArea(withoutMenu, settled(screenshot, belowIcon)).translated(belowIcon.topLeft());
+    const QString savedMenu = QDir::current().filePath(QStringLiteral("gnome-tray-menu.png"));
+    screenshot.area(menu.adjusted(-10, -10, 10, 10)).save(savedMenu);
+    std::printf("[ picture ] the icon's menu at %d,%d %dx%d: %s\n", menu.x(), menu.y(), menu.width(), menu.height(),
+                qPrintable(savedMenu));
+    // What the program wrote meanwhile is read (the text is there already: this returns at once).
+    m_lattica.waitForOutput(QStringLiteral("shown at"), 100);
+    EXPECT_EQ(m_lattica.output().count(QStringLiteral("shown at")), openings) << "the single click opened the panel";
+
+    // Its first entry, "Open panel", opens the panel. Clicked through the menu's D-Bus interface, as the
+    // host reports a click on it: the remote desktop's pointer reaches a point by way of the desktop's top
+    // left corner (over the top bar's Activities button), and a click sent so onto the entry does not
+    // open the panel.
+    const QList<MenuEntry> entries = menuEntries(item);
+    ASSERT_FALSE(entries.isEmpty());
+    EXPECT_EQ(entries.constFirst().label.toStdString(), "Open panel");
+    ASSERT_TRUE(clickMenuEntry(item, entries.constFirst().id));
+    EXPECT_TRUE(VirtualDesktop::waitUntil(
+        [&] {
+            m_lattica.waitForOutput(QStringLiteral("shown at"), 50);
+            return m_lattica.output().count(QStringLiteral("shown at")) == openings + 1;
+        },
+        20000))
+        << m_lattica.output().toStdString();
+
     // The top bar around the icon as it is now, for a look.
     const QString saved = QDir::current().filePath(QStringLiteral("gnome-tray-icon.png"));
     screenshot.area(topBar)
@@ -139,6 +313,25 @@ TEST_F(GnomeTrayTest, TheIconSitsInTheTopBarAndADoubleClickOnItOpensThePanel) {
         .save(saved);
     std::printf("[ picture ] the icon in the top bar, at %d,%d %dx%d: %s\n", icon.x(), icon.y(), icon.width(),
                 icon.height(), qPrintable(saved));
+}
+
+// Run from the build tree, with no icon theme holding the program's icons, the host gets the drawn icon's
+// pixels and no name its theme would not know.
+TEST_F(GnomeTrayTest, WithoutInstalledIconsTheHostGetsTheIconsPixels) {
+    QTemporaryDir dataHome;
+    ASSERT_TRUE(dataHome.isValid());
+    const QByteArray savedDataHome = qgetenv("XDG_DATA_HOME");
+    qputenv("XDG_DATA_HOME", dataHome.path().toLocal8Bit());
+    const QString item = startAndWaitForItem();
+    qputenv("XDG_DATA_HOME", savedDataHome);
+    ASSERT_FALSE(item.isEmpty()) << m_lattica.output().toStdString();
+
+    const QString name = itemProperty(item, QStringLiteral("IconName")).toString();
+    EXPECT_NE(name.toStdString(), "rectangle.on.rectangle.angled");
+    EXPECT_TRUE(name.isEmpty()) << name.toStdString();
+    const QList<QSize> sizes = pixmapSizes(itemProperty(item, QStringLiteral("IconPixmap")));
+    EXPECT_FALSE(sizes.isEmpty());
+    EXPECT_TRUE(sizes.contains(QSize(16, 16)) && sizes.contains(QSize(64, 64)));
 }
 
 }  // namespace
