@@ -4,7 +4,6 @@
 #include <QElapsedTimer>
 #include <QFile>
 #include <QProcess>
-#include <QStandardPaths>
 #include <QTemporaryDir>
 
 #include "platform/Platform.h"
@@ -19,14 +18,12 @@ namespace {
 
 // KWin's script for Lattica replaced (LATTICA_KWIN_SCRIPT) by one that does not load, or whose commands
 // fail: Lattica says so and nothing hangs or crashes.
-class KWinBrokenScriptTest : public ::testing::Test {
+class KWinBrokenScriptTest : public KWinSessionTest {
 protected:
     void SetUp() override {
-        if (qEnvironmentVariableIsEmpty("LATTICA_KWIN_LAYOUT")) {
-            if (QStandardPaths::findExecutable(QStringLiteral("kwin_wayland")).isEmpty()) {
-                GTEST_SKIP() << "kwin_wayland is not installed (scripts/install-deps.sh installs it)";
-            }
-            FAIL() << "run this test inside scripts/virtual-kwin.sh run -- (ctest does)";
+        KWinSessionTest::SetUp();
+        if (IsSkipped() || HasFatalFailure()) {
+            return;
         }
         ASSERT_TRUE(folder.isValid());
     }

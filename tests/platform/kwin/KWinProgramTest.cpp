@@ -2,9 +2,9 @@
 #include <gtest/gtest.h>
 
 #include <QProcess>
-#include <QStandardPaths>
 #include <QTemporaryDir>
 
+#include "tests/platform/kwin/KWinSessionFixture.h"
 #include "tests/support/FinishedProcess.h"
 #include "tests/support/VirtualDesktop.h"
 
@@ -20,17 +20,7 @@ FinishedProcess runLattica(const QStringList& arguments, const QString& forcedBa
     return runToEnd(QStringLiteral(LATTICA_BINARY), arguments, environment);
 }
 
-class KWinProgramTest : public ::testing::Test {
-protected:
-    void SetUp() override {
-        if (qEnvironmentVariableIsEmpty("LATTICA_KWIN_LAYOUT")) {
-            if (QStandardPaths::findExecutable(QStringLiteral("kwin_wayland")).isEmpty()) {
-                GTEST_SKIP() << "kwin_wayland is not installed (scripts/install-deps.sh installs it)";
-            }
-            FAIL() << "run this test inside scripts/virtual-kwin.sh run -- (ctest does)";
-        }
-    }
-};
+class KWinProgramTest : public KWinSessionTest {};
 
 TEST_F(KWinProgramTest, OnPlasmaWaylandTheProgramUsesKWinAndNamesItsOutputs) {
     const FinishedProcess finished = runLattica({QStringLiteral("displays")});

@@ -6,7 +6,6 @@
 #include <QDBusConnectionInterface>
 #include <QDir>
 #include <QProcess>
-#include <QStandardPaths>
 
 #include "platform/Monitors.h"
 #include "platform/Platform.h"
@@ -15,22 +14,15 @@
 #include "platform/WindowList.h"
 #include "platform/kwin/KWinBridge.h"
 #include "platform/kwin/KWinPlatform.h"
+#include "tests/platform/kwin/KWinSessionFixture.h"
 #include "tests/support/VirtualDesktop.h"
 
 namespace {
 
 // KWin goes away under Lattica and another KWin takes its place on the session bus. The test runs on
 // the offscreen platform: a Wayland client would end with its compositor.
-class KWinRestartTest : public ::testing::Test {
+class KWinRestartTest : public KWinSessionTest {
 protected:
-    void SetUp() override {
-        if (qEnvironmentVariableIsEmpty("LATTICA_KWIN_LAYOUT")) {
-            if (QStandardPaths::findExecutable(QStringLiteral("kwin_wayland")).isEmpty()) {
-                GTEST_SKIP() << "kwin_wayland is not installed (scripts/install-deps.sh installs it)";
-            }
-            FAIL() << "run this test inside scripts/virtual-kwin.sh run -- (ctest does)";
-        }
-    }
     void TearDown() override {
         if (m_replacement.state() != QProcess::NotRunning) {
             m_replacement.terminate();

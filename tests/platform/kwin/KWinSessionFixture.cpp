@@ -90,12 +90,19 @@ QByteArray FakeKeys::answer() {
     return m_process.readLine().trimmed();
 }
 
-void KWinSessionFixture::SetUp() {
+void KWinSessionTest::SetUp() {
     if (qEnvironmentVariableIsEmpty("LATTICA_KWIN_LAYOUT")) {
         if (QStandardPaths::findExecutable(QStringLiteral("kwin_wayland")).isEmpty()) {
             GTEST_SKIP() << "kwin_wayland is not installed (scripts/install-deps.sh installs it)";
         }
         FAIL() << "run this test inside scripts/virtual-kwin.sh run -- (ctest does)";
+    }
+}
+
+void KWinSessionFixture::SetUp() {
+    KWinSessionTest::SetUp();
+    if (IsSkipped() || HasFatalFailure()) {
+        return;
     }
     QString problem;
     platform = KWinPlatform::connect(&problem);

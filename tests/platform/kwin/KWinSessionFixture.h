@@ -54,9 +54,15 @@ private:
     QProcess m_process;
 };
 
-// A test inside the headless KWin session of scripts/virtual-kwin.sh, with the KWin services installed.
-// Skipped when kwin_wayland is not installed.
-class KWinSessionFixture : public ::testing::Test {
+// A test that runs inside the headless KWin session of scripts/virtual-kwin.sh: skipped when kwin_wayland
+// is not installed, failed when run outside the session.
+class KWinSessionTest : public ::testing::Test {
+protected:
+    void SetUp() override;
+};
+
+// The same, with the KWin services installed, a native Wayland client and an X11 one.
+class KWinSessionFixture : public KWinSessionTest {
 protected:
     void SetUp() override;
     void TearDown() override;
