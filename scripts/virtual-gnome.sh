@@ -21,6 +21,8 @@ LAYOUT=1920x1080,1280x720
 EXTENSION=1
 ENABLED=1
 READY_TIMEOUT=20   # seconds for any one step to become ready
+# shellcheck source=scripts/wayland-session.sh
+source "$(dirname "${BASH_SOURCE[0]}")/wayland-session.sh"
 HERE=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
 EXTENSION_SOURCE=$HERE/../gnome-extension
 EXTENSION_UUID=lattica@lattica.app
@@ -45,27 +47,6 @@ parse_options() {
     REST=()
 }
 
-# Reads one line from a fifo, waiting at most READY_TIMEOUT seconds for a writer.
-read_fifo() {
-    local fifo=$1 line=""
-    exec {fd}<>"$fifo"
-    read -r -t "$READY_TIMEOUT" -u "$fd" line
-    local status=$?
-    exec {fd}<&-
-    printf '%s\n' "$line"
-    return "$status"
-}
-
-# Starts a dbus-daemon of the given kind on a private socket, records its pid under KEY and prints its
-# address once it listens.
-start_bus() {
-    local key=$1 config=$2 fifo=$root/$1-ready
-    mkfifo "$fifo"
-    dbus-daemon --config-file="$config" --nofork --nopidfile --print-address=3 3>"$fifo" >/dev/null 2>&1 &
-    echo "$key=$!" >>"$STATE"
-    read_fifo "$fifo"
-}
-
 # Installs the extension into the session's data folder (the shell reads its own schema-less metadata).
 install_extension() {
     local target=$XDG_DATA_HOME/gnome-shell/extensions/$EXTENSION_UUID
@@ -84,18 +65,12 @@ install_icons() {
 
 start_session() {
     command -v gnome-shell >/dev/null || { log "gnome-shell is not installed"; return 3; }
-    local root
-    root=$(mktemp -d /tmp/lattica-gnome.XXXXXX)
-    STATE=$root/state
-    echo "ROOT=$root" >"$STATE"
     # dconf and the shell read these when they start: they are set before the bus that starts them.
-    export XDG_RUNTIME_DIR=$root/runtime HOME=$root/home XDG_CONFIG_HOME=$root/home/.config
+    make_session_root lattica-gnome
+    local root
+    root=$(dirname "$STATE")
     export XDG_DATA_HOME=$root/home/.local/share XDG_CACHE_HOME=$root/home/.cache
-    mkdir -p "$XDG_RUNTIME_DIR" "$XDG_CONFIG_HOME" "$XDG_DATA_HOME" "$XDG_CACHE_HOME"
-    chmod 700 "$XDG_RUNTIME_DIR"
-    if [ ! -d /tmp/.X11-unix ]; then
-        mkdir -p /tmp/.X11-unix && chmod 1777 /tmp/.X11-unix
-    fi
+    mkdir -p "$XDG_DATA_HOME" "$XDG_CACHE_HOME"
 
     local address
     address=$(start_bus BUS_PID /usr/share/dbus-1/session.conf)
@@ -188,58 +163,21 @@ stop_session() {
     local state=$1
     [ -f "$state" ] || return 0
     local root
-    root=$(sed -n 's/^ROOT=//p' "$state")
+    root=$(state_value "$state" ROOT)
     # Stop in reverse order of starting: the shell (and with it Xwayland), then the buses.
     for key in SHELL_PID SYSTEM_BUS_PID BUS_PID; do
-        local pid
-        pid=$(sed -n "s/^$key=//p" "$state")
-        [ -n "$pid" ] || continue
-        kill "$pid" 2>/dev/null || continue
-        local waited=0
-        while kill -0 "$pid" 2>/dev/null && ((waited < 100)); do
-            wait "$pid" 2>/dev/null || sleep 0.05
-            waited=$((waited + 1))
-        done
-        kill -9 "$pid" 2>/dev/null || true
-        wait "$pid" 2>/dev/null || true
+        stop_process "$(state_value "$state" "$key")"
     done
     [ -n "$root" ] && rm -rf "$root"
 }
 
 print_session() {
-    echo "WAYLAND_DISPLAY=$WAYLAND_DISPLAY"
-    echo "DBUS_SESSION_BUS_ADDRESS=$DBUS_SESSION_BUS_ADDRESS"
-    echo "DBUS_SYSTEM_BUS_ADDRESS=$DBUS_SYSTEM_BUS_ADDRESS"
-    echo "XDG_RUNTIME_DIR=$XDG_RUNTIME_DIR"
-    echo "HOME=$HOME"
-    echo "XDG_CONFIG_HOME=$XDG_CONFIG_HOME"
-    echo "XDG_DATA_HOME=$XDG_DATA_HOME"
-    echo "STATE=$STATE"
+    print_variables WAYLAND_DISPLAY DBUS_SESSION_BUS_ADDRESS DBUS_SYSTEM_BUS_ADDRESS XDG_RUNTIME_DIR HOME \
+        XDG_CONFIG_HOME XDG_DATA_HOME STATE
 }
 
-command=${1:-}
-shift || true
-case "$command" in
-    start)
-        parse_options "$@"
-        start_session || exit 1
-        print_session
-        ;;
-    stop)
-        stop_session "${1:?state file}"
-        ;;
-    run)
-        parse_options "$@"
-        ((${#REST[@]})) || { log "run needs a command after --"; exit 2; }
-        start_session || exit 1
-        export XDG_SESSION_TYPE=wayland XDG_CURRENT_DESKTOP=GNOME LATTICA_GNOME_LAYOUT=$LAYOUT
-        "${REST[@]}"
-        status=$?
-        stop_session "$STATE"
-        exit "$status"
-        ;;
-    *)
-        sed -n '2,17p' "$0" >&2
-        exit 2
-        ;;
-esac
+export_run_environment() {
+    export XDG_SESSION_TYPE=wayland XDG_CURRENT_DESKTOP=GNOME LATTICA_GNOME_LAYOUT=$LAYOUT
+}
+
+session_main 17 "$@"

@@ -24,6 +24,8 @@ set -uo pipefail
 LAYOUT=1920x1080,2560x1440,1280x720
 CAPTURE_CHECKS=0   # 1 keeps KWin's screenshot restriction, as on a real desktop
 READY_TIMEOUT=15   # seconds for any one step to become ready
+# shellcheck source=scripts/wayland-session.sh
+source "$(dirname "${BASH_SOURCE[0]}")/wayland-session.sh"
 
 log() { echo "virtual-kwin: $*" >&2; }
 
@@ -39,17 +41,6 @@ parse_options() {
     REST=()
 }
 
-# Reads one line from a fifo, waiting at most READY_TIMEOUT seconds for a writer.
-read_fifo() {
-    local fifo=$1 line=""
-    exec {fd}<>"$fifo"
-    read -r -t "$READY_TIMEOUT" -u "$fd" line
-    local status=$?
-    exec {fd}<&-
-    printf '%s\n' "$line"
-    return "$status"
-}
-
 start_session() {
     local widths=() heights=() part max_width=0 max_height=0
     IFS=',' read -ra parts <<<"$LAYOUT"
@@ -61,24 +52,14 @@ start_session() {
     done
     local count=${#widths[@]}
 
+    make_session_root lattica-kwin
     local root
-    root=$(mktemp -d /tmp/lattica-kwin.XXXXXX)
-    STATE=$root/state
-    echo "ROOT=$root" >"$STATE"
-    export XDG_RUNTIME_DIR=$root/runtime HOME=$root/home XDG_CONFIG_HOME=$root/home/.config
-    mkdir -p "$XDG_RUNTIME_DIR" "$XDG_CONFIG_HOME" "$root/bin"
-    chmod 700 "$XDG_RUNTIME_DIR"
-    # Xwayland puts its socket there; a container may not have it yet.
-    if [ ! -d /tmp/.X11-unix ]; then
-        mkdir -p /tmp/.X11-unix && chmod 1777 /tmp/.X11-unix
-    fi
+    root=$(dirname "$STATE")
+    mkdir -p "$root/bin"
 
     # A private session bus; it reports its address once it listens.
-    mkfifo "$root/bus-ready"
-    dbus-daemon --session --nofork --nopidfile --print-address=3 3>"$root/bus-ready" >/dev/null 2>&1 &
-    echo "BUS_PID=$!" >>"$STATE"
     local address
-    address=$(read_fifo "$root/bus-ready")
+    address=$(start_bus BUS_PID /usr/share/dbus-1/session.conf)
     if [ -z "$address" ]; then
         log "timed out waiting for the session bus"; stop_session "$STATE"; return 1
     fi
@@ -191,15 +172,15 @@ stop_session() {
     local state=$1
     [ -f "$state" ] || return 0
     local root
-    root=$(sed -n 's/^ROOT=//p' "$state")
+    root=$(state_value "$state" ROOT)
     # Stop in reverse order of starting: KWin (and with it Xwayland), then what the bus started for us
     # (the KScreen backend launcher), then the bus.
-    stop_process "$(sed -n 's/^KWIN_PID=//p' "$state")"
+    stop_process "$(state_value "$state" KWIN_PID)"
     local address
-    address=$(sed -n 's/^BUS_ADDRESS=//p' "$state")
+    address=$(state_value "$state" BUS_ADDRESS)
     [ -n "$address" ] && DBUS_SESSION_BUS_ADDRESS=$address stop_kscreen_launcher
     local bus
-    bus=$(sed -n 's/^BUS_PID=//p' "$state")
+    bus=$(state_value "$state" BUS_PID)
     if [ -n "$bus" ]; then
         local child
         for child in $(pgrep -P "$bus"); do
@@ -210,55 +191,19 @@ stop_session() {
     [ -n "$root" ] && rm -rf "$root"
 }
 
-# Ends a process: politely, then after five seconds for good.
-stop_process() {
-    local pid=$1 waited=0
-    [ -n "$pid" ] || return 0
-    kill "$pid" 2>/dev/null || return 0
-    while kill -0 "$pid" 2>/dev/null && ((waited < 100)); do
-        wait "$pid" 2>/dev/null || sleep 0.05
-        waited=$((waited + 1))
-    done
-    kill -9 "$pid" 2>/dev/null || true
-    wait "$pid" 2>/dev/null || true
-}
-
 print_session() {
-    echo "WAYLAND_DISPLAY=$WAYLAND_DISPLAY"
-    echo "DISPLAY=$DISPLAY"
-    echo "DBUS_SESSION_BUS_ADDRESS=$DBUS_SESSION_BUS_ADDRESS"
-    echo "XDG_RUNTIME_DIR=$XDG_RUNTIME_DIR"
-    echo "HOME=$HOME"
-    echo "XDG_CONFIG_HOME=$XDG_CONFIG_HOME"
-    echo "STATE=$STATE"
+    print_variables WAYLAND_DISPLAY DISPLAY DBUS_SESSION_BUS_ADDRESS XDG_RUNTIME_DIR HOME XDG_CONFIG_HOME STATE
 }
 
-command=${1:-}
-shift || true
-case "$command" in
-    start)
-        parse_options "$@"
-        start_session || exit 1
-        print_session
-        ;;
-    stop)
-        stop_session "${1:?state file}"
-        ;;
-    run)
-        parse_options "$@"
-        ((${#REST[@]})) || { log "run needs a command after --"; exit 2; }
-        start_session || exit 1
-        export XDG_SESSION_TYPE=wayland XDG_CURRENT_DESKTOP=KDE LATTICA_KWIN_LAYOUT=$LAYOUT
-        "${REST[@]}"
-        status=$?
-        stop_session "$STATE"
-        exit "$status"
-        ;;
-    output)
-        switch_output "${1:?output name}" "${2:?enable or disable}"
-        ;;
-    *)
-        sed -n '2,15p' "$0" >&2
-        exit 2
-        ;;
-esac
+export_run_environment() {
+    export XDG_SESSION_TYPE=wayland XDG_CURRENT_DESKTOP=KDE LATTICA_KWIN_LAYOUT=$LAYOUT
+}
+
+# Handles the commands only this script has; returns 1 for one it does not know.
+extra_command() {
+    [ "$1" = output ] || return 1
+    switch_output "${2:?output name}" "${3:?enable or disable}"
+    exit
+}
+
+session_main 15 "$@"
