@@ -20,6 +20,7 @@
 
 #include "app/displays/ScreenSnapshotService.h"
 #include "bench/BenchTable.h"
+#include "bench/DesktopObserver.h"
 #include "platform/x11/X11Platform.h"
 #include "tests/testclient/TestClient.h"
 
@@ -27,63 +28,6 @@ namespace {
 
 constexpr int kRepetitions = 20;
 constexpr int kConfirmTimeoutMs = 5000;
-
-// Watches a window's frame on a connection of its own and tells when the window manager has put it
-// on a monitor.
-class FrameWatch {
-public:
-    explicit FrameWatch(xcb_window_t window) : m_connection(xcb_connect(nullptr, nullptr)) {
-        xcb_screen_t* screen = xcb_setup_roots_iterator(xcb_get_setup(m_connection)).data;
-        m_root = screen->root;
-        m_frame = topLevelOf(window);
-        const uint32_t mask = XCB_EVENT_MASK_STRUCTURE_NOTIFY;
-        xcb_change_window_attributes(m_connection, m_frame, XCB_CW_EVENT_MASK, &mask);
-        xcb_flush(m_connection);
-    }
-    ~FrameWatch() { xcb_disconnect(m_connection); }
-    FrameWatch(const FrameWatch&) = delete;
-    FrameWatch& operator=(const FrameWatch&) = delete;
-
-    void drain() {
-        while (xcb_generic_event_t* event = xcb_poll_for_event(m_connection)) {
-            std::free(event);
-        }
-    }
-    // True once a ConfigureNotify shows the frame's centre inside the monitor.
-    bool arrived(const QRect& monitor) {
-        bool inside = false;
-        while (xcb_generic_event_t* event = xcb_poll_for_event(m_connection)) {
-            if ((event->response_type & 0x7f) == XCB_CONFIGURE_NOTIFY) {
-                auto* configure = reinterpret_cast<xcb_configure_notify_event_t*>(event);
-                const QRect rect(configure->x, configure->y, configure->width, configure->height);
-                inside = inside || (configure->window == m_frame && monitor.contains(rect.center()));
-            }
-            std::free(event);
-        }
-        return inside;
-    }
-
-private:
-    xcb_window_t topLevelOf(xcb_window_t window) {
-        for (;;) {
-            xcb_query_tree_reply_t* tree =
-                xcb_query_tree_reply(m_connection, xcb_query_tree(m_connection, window), nullptr);
-            if (tree == nullptr) {
-                return window;
-            }
-            const xcb_window_t parent = tree->parent;
-            std::free(tree);
-            if (parent == m_root || parent == XCB_NONE) {
-                return window;
-            }
-            window = parent;
-        }
-    }
-
-    xcb_connection_t* m_connection;
-    xcb_window_t m_root = XCB_NONE;
-    xcb_window_t m_frame = XCB_NONE;
-};
 
 // A session bus for the benchmark alone.
 struct PrivateBus {
@@ -149,7 +93,9 @@ int main(int argc, char** argv) {
         std::fputs("command_bench: the test client's window did not open or take focus\n", stderr);
         return 1;
     }
-    FrameWatch watch(window);
+    // Watches the window's frame: the window manager has put it on a monitor.
+    DesktopObserver watch;
+    const xcb_window_t frame = watch.frameOf(window);
     int monitor = 0;  // where the window is now
 
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
@@ -172,14 +118,14 @@ int main(int argc, char** argv) {
         bool arrived = false;
         const bool done = waitFor(
             [&] {
-                arrived = arrived || watch.arrived(monitors[next]);
+                arrived = arrived || watch.frameArrived(frame, monitors[next]);
                 return confirmed ? arrived : process.state() == QProcess::NotRunning;
             },
             kConfirmTimeoutMs);
         const double elapsed = static_cast<double>(timer.nsecsElapsed()) / 1e6;
         process.waitForFinished(kConfirmTimeoutMs);
         // The tools that confirm nothing: the next move starts from where the window really is.
-        waitFor([&] { return arrived || (arrived = watch.arrived(monitors[next])); }, kConfirmTimeoutMs);
+        waitFor([&] { return arrived || (arrived = watch.frameArrived(frame, monitors[next])); }, kConfirmTimeoutMs);
         if (done && arrived && process.exitCode() == 0) {
             timing.times.push_back(elapsed);
             monitor = next;
@@ -254,7 +200,7 @@ int main(int argc, char** argv) {
             busCalls.push_back(elapsed);
         }
         const int next = (monitor + 1) % monitors.size();
-        if (waitFor([&] { return watch.arrived(monitors[next]); }, kConfirmTimeoutMs)) {
+        if (waitFor([&] { return watch.frameArrived(frame, monitors[next]); }, kConfirmTimeoutMs)) {
             monitor = next;
         }
     }

@@ -3,8 +3,6 @@
 // confirmation (a ConfigureNotify of the window's frame) that the focused window sits on that display.
 // Run it on a virtual desktop: bench/run-benchmarks.sh, or scripts/virtual-desktop.sh run -- <this>.
 #include <xcb/xcb.h>
-#include <xcb/xcb_keysyms.h>
-#include <xcb/xtest.h>
 
 #include <QApplication>
 #include <QElapsedTimer>
@@ -16,6 +14,7 @@
 #include "KeyboardShortcuts/ActionShortcuts.h"
 #include "app/controller/AppController.h"
 #include "app/displays/ScreenSnapshotService.h"
+#include "bench/DesktopObserver.h"
 #include "platform/x11/X11Platform.h"
 #include "tests/testclient/TestClient.h"
 
@@ -27,74 +26,6 @@ constexpr int kOneKeyCode = 18;  // Carbon key codes of the digits 1 and 2
 constexpr int kTwoKeyCode = 19;
 constexpr xcb_keysym_t kControlL = 0xffe3;
 constexpr xcb_keysym_t kAltL = 0xffe9;
-
-// An observer on its own connection: sends the key events and watches the frames move.
-class Observer {
-public:
-    Observer() : m_connection(xcb_connect(nullptr, nullptr)) {
-        m_screen = xcb_setup_roots_iterator(xcb_get_setup(m_connection)).data;
-        const uint32_t mask = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
-        xcb_change_window_attributes(m_connection, m_screen->root, XCB_CW_EVENT_MASK, &mask);
-        m_symbols = xcb_key_symbols_alloc(m_connection);
-        xcb_flush(m_connection);
-    }
-    ~Observer() {
-        xcb_key_symbols_free(m_symbols);
-        xcb_disconnect(m_connection);
-    }
-
-    xcb_keycode_t keycode(xcb_keysym_t symbol) {
-        xcb_keycode_t* codes = xcb_key_symbols_get_keycode(m_symbols, symbol);
-        const xcb_keycode_t code = codes != nullptr ? codes[0] : 0;
-        std::free(codes);
-        return code;
-    }
-    void key(uint8_t type, xcb_keycode_t code) {
-        xcb_test_fake_input(m_connection, type, code, XCB_CURRENT_TIME, XCB_NONE, 0, 0, 0);
-        xcb_flush(m_connection);
-    }
-    // The top-level window that holds the client: its frame under a reparenting window manager.
-    xcb_window_t frameOf(xcb_window_t window) {
-        for (;;) {
-            xcb_query_tree_reply_t* tree =
-                xcb_query_tree_reply(m_connection, xcb_query_tree(m_connection, window), nullptr);
-            if (tree == nullptr) {
-                return window;
-            }
-            const xcb_window_t parent = tree->parent;
-            std::free(tree);
-            if (parent == m_screen->root || parent == XCB_NONE) {
-                return window;
-            }
-            window = parent;
-        }
-    }
-    void drain() {
-        while (xcb_generic_event_t* event = xcb_poll_for_event(m_connection)) {
-            std::free(event);
-        }
-    }
-    // True once a ConfigureNotify shows the frame's centre inside the rectangle (root coordinates).
-    bool frameArrived(xcb_window_t frame, const QRect& target) {
-        bool arrived = false;
-        while (xcb_generic_event_t* event = xcb_poll_for_event(m_connection)) {
-            if ((event->response_type & 0x7f) == XCB_CONFIGURE_NOTIFY) {
-                auto* configure = reinterpret_cast<xcb_configure_notify_event_t*>(event);
-                const QRect rect(configure->x, configure->y, configure->width, configure->height);
-                if (configure->window == frame && target.contains(rect.center())) {
-                    arrived = true;
-                }
-            }
-            std::free(event);
-        }
-        return arrived;
-    }
-
-private:
-    xcb_connection_t* m_connection;
-    xcb_screen_t* m_screen;
-    xcb_key_symbols_t* m_symbols;
-};
 
 double percentile(std::vector<double> values, double fraction) {
     std::sort(values.begin(), values.end());
@@ -133,7 +64,7 @@ int main(int argc, char** argv) {
         KeyboardShortcuts::Shortcut(kTwoKeyCode, kControlOption),
         KeyboardShortcuts::Name(AppController::shortcutNameRawValue(displays[1].persistentID)));
 
-    Observer observer;
+    DesktopObserver observer;
     const xcb_window_t frame = observer.frameOf(window);
     const xcb_keycode_t control = observer.keycode(kControlL);
     const xcb_keycode_t alt = observer.keycode(kAltL);

@@ -7,8 +7,6 @@
 #include <sys/types.h>
 #include <xcb/res.h>
 #include <xcb/xcb.h>
-#include <xcb/xcb_keysyms.h>
-#include <xcb/xtest.h>
 
 #include <QCoreApplication>
 #include <QDBusConnection>
@@ -28,6 +26,7 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "bench/DesktopObserver.h"
 #include "tests/testclient/TestClient.h"
 
 namespace {
@@ -50,71 +49,12 @@ struct Holdings {
 };
 
 // The soak's own X connection: key presses through XTEST, frame moves, and the X-Resource figures.
-class Desktop {
+class Desktop : public DesktopObserver {
 public:
-    Desktop() : m_connection(xcb_connect(nullptr, nullptr)) {
-        m_screen = xcb_setup_roots_iterator(xcb_get_setup(m_connection)).data;
-        const uint32_t mask = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
-        xcb_change_window_attributes(m_connection, m_screen->root, XCB_CW_EVENT_MASK, &mask);
-        m_symbols = xcb_key_symbols_alloc(m_connection);
-        xcb_flush(m_connection);
-    }
-    ~Desktop() {
-        xcb_key_symbols_free(m_symbols);
-        xcb_disconnect(m_connection);
-    }
-    bool ok() const { return xcb_connection_has_error(m_connection) == 0; }
-
-    void tap(const QList<xcb_keysym_t>& chord) {
-        for (const xcb_keysym_t symbol : chord) {
-            key(XCB_KEY_PRESS, symbol);
-        }
-        for (auto it = chord.crbegin(); it != chord.crend(); ++it) {
-            key(XCB_KEY_RELEASE, *it);
-        }
-        xcb_flush(m_connection);
-    }
-    // The top-level window that holds the client: its frame under a reparenting window manager.
-    xcb_window_t frameOf(xcb_window_t window) {
-        for (;;) {
-            xcb_query_tree_reply_t* tree =
-                xcb_query_tree_reply(m_connection, xcb_query_tree(m_connection, window), nullptr);
-            if (tree == nullptr) {
-                return window;
-            }
-            const xcb_window_t parent = tree->parent;
-            std::free(tree);
-            if (parent == m_screen->root || parent == XCB_NONE) {
-                return window;
-            }
-            window = parent;
-        }
-    }
-    // True once a ConfigureNotify shows the frame's centre inside the rectangle (root coordinates).
-    bool frameArrived(xcb_window_t frame, const QRect& target) {
-        bool arrived = false;
-        while (xcb_generic_event_t* event = xcb_poll_for_event(m_connection)) {
-            if ((event->response_type & 0x7f) == XCB_CONFIGURE_NOTIFY) {
-                auto* configure = reinterpret_cast<xcb_configure_notify_event_t*>(event);
-                const QRect rect(configure->x, configure->y, configure->width, configure->height);
-                arrived = arrived || (configure->window == frame && target.contains(rect.center()));
-            }
-            std::free(event);
-        }
-        return arrived;
-    }
-    // A top-level window's rectangle in root coordinates.
-    QRect geometry(xcb_window_t window) {
-        xcb_get_geometry_reply_t* reply =
-            xcb_get_geometry_reply(m_connection, xcb_get_geometry(m_connection, window), nullptr);
-        const QRect rect = reply != nullptr ? QRect(reply->x, reply->y, reply->width, reply->height) : QRect();
-        std::free(reply);
-        return rect;
-    }
     // The X clients of a process and what they hold on the server.
     void addXFigures(qint64 pid, Holdings& holdings) {
         xcb_res_query_clients_reply_t* clients =
-            xcb_res_query_clients_reply(m_connection, xcb_res_query_clients(m_connection), nullptr);
+            xcb_res_query_clients_reply(connection(), xcb_res_query_clients(connection()), nullptr);
         if (clients == nullptr) {
             return;
         }
@@ -125,7 +65,7 @@ public:
             }
             ++holdings.xClients;
             if (auto* resources = xcb_res_query_client_resources_reply(
-                    m_connection, xcb_res_query_client_resources(m_connection, base), nullptr)) {
+                    connection(), xcb_res_query_client_resources(connection(), base), nullptr)) {
                 for (auto type = xcb_res_query_client_resources_types_iterator(resources); type.rem > 0;
                      xcb_res_type_next(&type)) {
                     holdings.xResources += type.data->count;
@@ -133,7 +73,7 @@ public:
                 std::free(resources);
             }
             if (auto* pixmaps = xcb_res_query_client_pixmap_bytes_reply(
-                    m_connection, xcb_res_query_client_pixmap_bytes(m_connection, base), nullptr)) {
+                    connection(), xcb_res_query_client_pixmap_bytes(connection(), base), nullptr)) {
                 holdings.xPixmapBytes += pixmaps->bytes;
                 std::free(pixmaps);
             }
@@ -142,16 +82,10 @@ public:
     }
 
 private:
-    void key(uint8_t type, xcb_keysym_t symbol) {
-        xcb_keycode_t* codes = xcb_key_symbols_get_keycode(m_symbols, symbol);
-        const xcb_keycode_t code = codes != nullptr ? codes[0] : 0;
-        std::free(codes);
-        xcb_test_fake_input(m_connection, type, code, XCB_CURRENT_TIME, XCB_NONE, 0, 0, 0);
-    }
     qint64 clientPid(uint32_t resourceBase) {
         xcb_res_client_id_spec_t spec{resourceBase, XCB_RES_CLIENT_ID_MASK_LOCAL_CLIENT_PID};
         auto* reply =
-            xcb_res_query_client_ids_reply(m_connection, xcb_res_query_client_ids(m_connection, 1, &spec), nullptr);
+            xcb_res_query_client_ids_reply(connection(), xcb_res_query_client_ids(connection(), 1, &spec), nullptr);
         qint64 pid = 0;
         if (reply != nullptr) {
             for (auto it = xcb_res_query_client_ids_ids_iterator(reply); it.rem > 0;
@@ -164,10 +98,6 @@ private:
         }
         return pid;
     }
-
-    xcb_connection_t* m_connection;
-    xcb_screen_t* m_screen;
-    xcb_key_symbols_t* m_symbols;
 };
 
 qint64 residentKiB(qint64 pid) {
@@ -394,7 +324,7 @@ int main(int argc, char** argv) {
                       {QStringLiteral("windowactivate"), QStringLiteral("--sync"), QString::number(window)});
     const xcb_window_t frame = desktop.frameOf(window);
     auto moveTo = [&](int index) {
-        desktop.frameArrived(frame, QRect());  // drop older events
+        desktop.drain();
         desktop.tap({kControlL, kAltL, index == 0 ? xcb_keysym_t('1') : xcb_keysym_t('2')});
         return waitFor([&] { return desktop.frameArrived(frame, targets.at(index)); }, 5000);
     };
