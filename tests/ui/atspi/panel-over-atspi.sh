@@ -65,6 +65,16 @@ window=$(xdotool search --classname '^lattica-atspi-window$' | head -n1)
 window_x() { xdotool getwindowgeometry "$window" | sed -n 's/ *Position: \([-0-9]*\),.*/\1/p'; }
 echo "atspi: window $window at x=$(window_x)"
 
+# The screen reader's side listens first, as it runs before the programs it reads.
+mkfifo "$WORK/to-reader"
+exec {to_reader}<>"$WORK/to-reader"
+/usr/bin/python3 "$HERE/press-panel-button.py" 'Move .+ from screen 1 to .+' 30 "$LATTICA" panel \
+    <"$WORK/to-reader" >"$WORK/reader.log" 2>&1 &
+reader_pid=$!
+pids+=($reader_pid)
+wait_for 10 grep -q '^listening$' "$WORK/reader.log" ||
+    { cat "$WORK/reader.log"; echo "atspi: the AT-SPI listener did not start"; exit 1; }
+
 mkdir -p "$WORK/config"
 XDG_CONFIG_HOME=$WORK/config LATTICA_APPCAST_URL=http://127.0.0.1:9/appcast.xml "$LATTICA" >"$WORK/lattica.log" 2>&1 &
 lattica_pid=$!
@@ -75,9 +85,10 @@ wait_for 20 dbus-send --session --print-reply --dest=org.freedesktop.DBus /org/f
     { cat "$WORK/lattica.log"; echo "atspi: Lattica did not start"; exit 1; }
 
 # A move button of the first card, found by the name a screen reader speaks, once the panel opens.
+echo "$lattica_pid" >&"$to_reader"
 status=0
-/usr/bin/python3 "$HERE/press-panel-button.py" "$lattica_pid" 'Move .+ from screen 1 to .+' 30 "$LATTICA" panel ||
-    status=$?
+wait "$reader_pid" || status=$?
+grep -v '^listening$' "$WORK/reader.log" || true
 if [ "$status" -ne 0 ]; then
     cat "$WORK/lattica.log"
     echo "atspi: the move button was not pressed"

@@ -5,7 +5,11 @@ The panel is a popup, which toolkits leave out of the application's list of wind
 finds it through the focus, which the panel puts on its first card when it opens. From there the panel's
 buttons are read, and the one whose accessible name matches the pattern is pressed. While none is found,
 Tab moves the focus on, every two seconds.
-Usage: press-panel-button.py PID REGEX TIMEOUT_SECONDS OPEN_COMMAND...
+As a screen reader does, it listens before the program starts: a toolkit learns of the listeners once,
+when its bridge starts, and of later ones from the registry's signal, which a listener registered while
+the bridge starts can miss. So it prints "listening" once its listener is in place, then reads the
+program's process id from its input, and then opens the panel.
+Usage: press-panel-button.py REGEX TIMEOUT_SECONDS OPEN_COMMAND...
 Exit status 0 pressed, 1 not found, 2 failed."""
 import re
 import subprocess
@@ -41,8 +45,8 @@ def window_of(node):
 
 
 def main():
-    pid, pattern, timeout = int(sys.argv[1]), re.compile(sys.argv[2]), float(sys.argv[3])
-    command = sys.argv[4:]
+    pattern, timeout = re.compile(sys.argv[1]), float(sys.argv[2])
+    command = sys.argv[3:]
     outcome = {"status": 1, "names": []}
 
     def on_focus(event):
@@ -68,6 +72,12 @@ def main():
 
     listener = Atspi.EventListener.new(on_focus)
     listener.register("object:state-changed:focused")
+    print("listening", flush=True)
+    line = sys.stdin.readline()
+    if not line.strip().isdigit():
+        print("no process id on the input, but %r" % line)
+        return 2
+    pid = int(line)
 
     def give_up():
         print("no button matches %r; the buttons seen are: %r" % (pattern.pattern, outcome["names"]))
