@@ -8,10 +8,13 @@
 #include <cstdio>
 
 QList<QRect> VirtualDesktop::layout() {
+    return sideBySide(qEnvironmentVariable("LATTICA_TEST_LAYOUT", QStringLiteral("1920x1080,2560x1440,1280x1024")));
+}
+
+QList<QRect> VirtualDesktop::sideBySide(const QString& sizes) {
     QList<QRect> monitors;
     int x = 0;
-    const QString spec = qEnvironmentVariable("LATTICA_TEST_LAYOUT", QStringLiteral("1920x1080,2560x1440,1280x1024"));
-    for (const QString& part : spec.split(QLatin1Char(','), Qt::SkipEmptyParts)) {
+    for (const QString& part : sizes.split(QLatin1Char(','), Qt::SkipEmptyParts)) {
         const QStringList size = part.split(QLatin1Char('x'));
         const int width = size.value(0).toInt();
         const int height = size.value(1).toInt();

@@ -12,6 +12,9 @@ namespace VirtualDesktop {
 
 // The monitors the desktop was started with, left to right, in root coordinates.
 QList<QRect> layout();
+// Monitors of the sizes given as "WxH,WxH,...", side by side from the origin, their tops aligned: how the
+// virtual desktops and sessions arrange them.
+QList<QRect> sideBySide(const QString& sizes);
 // The geometry argument of `xrandr --setmonitor` for a monitor rectangle (at about 96 dots per inch).
 QString monitorGeometry(const QRect& rect);
 // Runs a command to its end and returns its exit status; its output goes to the test log.

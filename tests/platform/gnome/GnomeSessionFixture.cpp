@@ -5,6 +5,7 @@
 #include <QStandardPaths>
 
 #include "platform/Platform.h"
+#include "tests/platform/ListedWindows.h"
 #include "tests/support/VirtualDesktop.h"
 
 void GnomeSessionFixture::SetUp() {
@@ -29,31 +30,9 @@ void GnomeSessionFixture::TearDown() {
 }
 
 QList<QRect> GnomeSessionFixture::layout() {
-    QList<QRect> monitors;
-    int x = 0;
-    for (const QString& part :
-         qEnvironmentVariable("LATTICA_GNOME_LAYOUT").split(QLatin1Char(','), Qt::SkipEmptyParts)) {
-        const int width = part.section(QLatin1Char('x'), 0, 0).toInt();
-        const int height = part.section(QLatin1Char('x'), 1, 1).toInt();
-        monitors.append(QRect(x, 0, width, height));
-        x += width;
-    }
-    return monitors;
+    return VirtualDesktop::sideBySide(qEnvironmentVariable("LATTICA_GNOME_LAYOUT"));
 }
 
 std::optional<WindowEntry> GnomeSessionFixture::waitForWindow(const QString& title, int timeoutMs) {
-    std::optional<WindowEntry> found;
-    VirtualDesktop::waitUntil(
-        [&] {
-            const auto entries = Platform::services().windowList->windows(DesktopWindows::Exclude);
-            for (const WindowEntry& entry : entries.value_or(QList<WindowEntry>{})) {
-                if (entry.title == title) {
-                    found = entry;
-                    return true;
-                }
-            }
-            return false;
-        },
-        timeoutMs);
-    return found;
+    return ListedWindows::waitFor(title, timeoutMs);
 }

@@ -5,6 +5,7 @@
 #include <QStandardPaths>
 
 #include "platform/Platform.h"
+#include "tests/platform/ListedWindows.h"
 #include "tests/support/VirtualDesktop.h"
 
 WaylandClient::~WaylandClient() {
@@ -117,33 +118,11 @@ void KWinSessionFixture::TearDown() {
 }
 
 QList<QRect> KWinSessionFixture::layout() {
-    QList<QRect> outputs;
-    int x = 0;
-    for (const QString& part :
-         qEnvironmentVariable("LATTICA_KWIN_LAYOUT").split(QLatin1Char(','), Qt::SkipEmptyParts)) {
-        const int width = part.section(QLatin1Char('x'), 0, 0).toInt();
-        const int height = part.section(QLatin1Char('x'), 1, 1).toInt();
-        outputs.append(QRect(x, 0, width, height));
-        x += width;
-    }
-    return outputs;
+    return VirtualDesktop::sideBySide(qEnvironmentVariable("LATTICA_KWIN_LAYOUT"));
 }
 
 std::optional<WindowEntry> KWinSessionFixture::waitForWindow(const QString& title, int timeoutMs) {
-    std::optional<WindowEntry> found;
-    VirtualDesktop::waitUntil(
-        [&] {
-            const auto entries = Platform::services().windowList->windows(DesktopWindows::Exclude);
-            for (const WindowEntry& entry : entries.value_or(QList<WindowEntry>{})) {
-                if (entry.title == title) {
-                    found = entry;
-                    return true;
-                }
-            }
-            return false;
-        },
-        timeoutMs);
-    return found;
+    return ListedWindows::waitFor(title, timeoutMs);
 }
 
 std::optional<WindowEntry> KWinSessionFixture::entryFor(qint64 id) {
