@@ -47,6 +47,16 @@ QString windowManagerName() {
                                   {QStringLiteral("-id"), window, QStringLiteral("_NET_WM_NAME")});
 }
 
+// Counts key-down and key-up runs of one name.
+struct Counter {
+    int downs = 0;
+    int ups = 0;
+    void attach(ActionShortcuts& shortcuts, const Name& name) {
+        shortcuts.onKeyDown(name, [this] { ++downs; });
+        shortcuts.onKeyUp(name, [this] { ++ups; });
+    }
+};
+
 class ShortcutsDesktopTest : public ::testing::Test {
 protected:
     static void SetUpTestSuite() {
@@ -98,6 +108,13 @@ protected:
         return VirtualDesktop::waitUntil([&] { return ((keyboard.modifierState() & mask) != 0) == on; }, 3000);
     }
 
+    // Assigns the shortcut to the first display's name and counts its runs.
+    Counter& countedDisplayShortcut(const Shortcut& shortcut) {
+        shortcuts->setShortcut(shortcut, displayName);
+        displayRuns.attach(*shortcuts, displayName);
+        return displayRuns;
+    }
+
     static QTemporaryDir* s_config;
     static X11Platform* s_platform;
     XTestKeyboard keyboard;
@@ -105,26 +122,15 @@ protected:
     std::unique_ptr<MenuWatcher> menuWatcher;
     Name sentinel{QStringLiteral("sentinel")};
     int sentinelCount = 0;
+    const Name displayName{QStringLiteral("display.1")};
+    Counter displayRuns;
 };
 
 QTemporaryDir* ShortcutsDesktopTest::s_config = nullptr;
 X11Platform* ShortcutsDesktopTest::s_platform = nullptr;
 
-// Counts key-down and key-up runs of one name.
-struct Counter {
-    int downs = 0;
-    int ups = 0;
-    void attach(ActionShortcuts& shortcuts, const Name& name) {
-        shortcuts.onKeyDown(name, [this] { ++downs; });
-        shortcuts.onKeyUp(name, [this] { ++ups; });
-    }
-};
-
 TEST_F(ShortcutsDesktopTest, RegisteredShortcutFiresOneKeyDownAndOneKeyUp) {
-    const Name name(QStringLiteral("display.1"));
-    shortcuts->setShortcut(kControlOptionK, name);
-    Counter counter;
-    counter.attach(*shortcuts, name);
+    Counter& counter = countedDisplayShortcut(kControlOptionK);
     keyboard.type(kControlAlt, XTestKeyboard::keyK);
     ASSERT_TRUE(settle());
     EXPECT_EQ(counter.downs, 1);
@@ -135,10 +141,7 @@ TEST_F(ShortcutsDesktopTest, CommandShortcutFiresOnSuperKey) {
     if (windowManagerName().contains(QStringLiteral("IceWM"))) {
         GTEST_SKIP() << "IceWM grabs the Super keys itself (Win95Keys), so Super combinations never reach a client";
     }
-    const Name name(QStringLiteral("display.1"));
-    shortcuts->setShortcut(kControlCommandK, name);
-    Counter counter;
-    counter.attach(*shortcuts, name);
+    Counter& counter = countedDisplayShortcut(kControlCommandK);
     keyboard.type(kControlSuper, XTestKeyboard::keyK);
     ASSERT_TRUE(settle());
     EXPECT_EQ(counter.downs, 1);
@@ -148,10 +151,7 @@ TEST_F(ShortcutsDesktopTest, CommandShortcutFiresOnSuperKey) {
 TEST_F(ShortcutsDesktopTest, FiresWithNumLockOn) {
     ASSERT_NE(hotKeys().numLockMask(), 0) << "NumLock sits on a real modifier";
     ASSERT_TRUE(setLock(XTestKeyboard::numLock, hotKeys().numLockMask(), true));
-    const Name name(QStringLiteral("display.1"));
-    shortcuts->setShortcut(kControlOptionK, name);
-    Counter counter;
-    counter.attach(*shortcuts, name);
+    Counter& counter = countedDisplayShortcut(kControlOptionK);
     keyboard.type(kControlAlt, XTestKeyboard::keyK);
     const bool settled = settle();
     EXPECT_TRUE(setLock(XTestKeyboard::numLock, hotKeys().numLockMask(), false));
@@ -162,10 +162,7 @@ TEST_F(ShortcutsDesktopTest, FiresWithNumLockOn) {
 
 TEST_F(ShortcutsDesktopTest, FiresWithCapsLockOn) {
     ASSERT_TRUE(setLock(XTestKeyboard::capsLock, XCB_MOD_MASK_LOCK, true));
-    const Name name(QStringLiteral("display.1"));
-    shortcuts->setShortcut(kControlOptionK, name);
-    Counter counter;
-    counter.attach(*shortcuts, name);
+    Counter& counter = countedDisplayShortcut(kControlOptionK);
     keyboard.type(kControlAlt, XTestKeyboard::keyK);
     const bool settled = settle();
     EXPECT_TRUE(setLock(XTestKeyboard::capsLock, XCB_MOD_MASK_LOCK, false));
@@ -177,10 +174,7 @@ TEST_F(ShortcutsDesktopTest, FiresWithCapsLockOn) {
 TEST_F(ShortcutsDesktopTest, FiresWithNumLockAndCapsLockOn) {
     ASSERT_TRUE(setLock(XTestKeyboard::numLock, hotKeys().numLockMask(), true));
     ASSERT_TRUE(setLock(XTestKeyboard::capsLock, XCB_MOD_MASK_LOCK, true));
-    const Name name(QStringLiteral("display.1"));
-    shortcuts->setShortcut(kControlOptionK, name);
-    Counter counter;
-    counter.attach(*shortcuts, name);
+    Counter& counter = countedDisplayShortcut(kControlOptionK);
     keyboard.type(kControlAlt, XTestKeyboard::keyK);
     const bool settled = settle();
     EXPECT_TRUE(setLock(XTestKeyboard::capsLock, XCB_MOD_MASK_LOCK, false));
@@ -192,10 +186,7 @@ TEST_F(ShortcutsDesktopTest, FiresWithNumLockAndCapsLockOn) {
 
 TEST_F(ShortcutsDesktopTest, HeldKeyThatAutoRepeatsFiresOneKeyUp) {
     EXPECT_TRUE(hotKeys().hasDetectableAutoRepeat());
-    const Name name(QStringLiteral("display.1"));
-    shortcuts->setShortcut(kControlOptionK, name);
-    Counter counter;
-    counter.attach(*shortcuts, name);
+    Counter& counter = countedDisplayShortcut(kControlOptionK);
     const int repeatsBefore = hotKeys().suppressedRepeats();
     keyboard.press(XTestKeyboard::controlL);
     keyboard.press(XTestKeyboard::altL);
@@ -362,10 +353,7 @@ TEST_F(ShortcutsDesktopTest, ServerKeysCountAsSystemShortcuts) {
 }
 
 TEST_F(ShortcutsDesktopTest, NothingFiresWhileRecorderRecordsAndAssignedShortcutIsRecorded) {
-    const Name name(QStringLiteral("display.1"));
-    shortcuts->setShortcut(kControlOptionK, name);
-    Counter counter;
-    counter.attach(*shortcuts, name);
+    Counter& counter = countedDisplayShortcut(kControlOptionK);
 
     QWidget window;
     auto* layout = new QVBoxLayout(&window);
@@ -398,10 +386,7 @@ TEST_F(ShortcutsDesktopTest, NothingFiresWhileRecorderRecordsAndAssignedShortcut
 }
 
 TEST_F(ShortcutsDesktopTest, WithOurMenuOpenShortcutRunsHandlerAndMenuDoesNotAct) {
-    const Name name(QStringLiteral("display.1"));
-    shortcuts->setShortcut(kControlOptionK, name);
-    Counter counter;
-    counter.attach(*shortcuts, name);
+    Counter& counter = countedDisplayShortcut(kControlOptionK);
 
     QMenu menu;
     QAction* item = menu.addAction(QStringLiteral("&Keep"));
@@ -427,10 +412,7 @@ TEST_F(ShortcutsDesktopTest, WithOurMenuOpenShortcutRunsHandlerAndMenuDoesNotAct
 }
 
 TEST_F(ShortcutsDesktopTest, WithOurPopupPanelOpenShortcutRunsHandler) {
-    const Name name(QStringLiteral("display.1"));
-    shortcuts->setShortcut(kControlOptionK, name);
-    Counter counter;
-    counter.attach(*shortcuts, name);
+    Counter& counter = countedDisplayShortcut(kControlOptionK);
 
     // Shown like the tray panel: a popup, which holds the keyboard grabbed while it is open.
     QWidget panel(nullptr, Qt::Popup | Qt::FramelessWindowHint);
@@ -466,10 +448,7 @@ TEST_F(ShortcutsDesktopTest, DisplayedCharacterFollowsLayoutWhileSamePhysicalKey
         [&] { return controlZ.presentableDescription() == QStringLiteral("Ctrl+Alt+Y"); }, 5000);
     const QString yKey = Shortcut(Key::y, ModifierFlag::command).presentableDescription();
 
-    const Name name(QStringLiteral("display.1"));
-    shortcuts->setShortcut(controlZ, name);
-    Counter counter;
-    counter.attach(*shortcuts, name);
+    Counter& counter = countedDisplayShortcut(controlZ);
     keyboard.type(kControlAlt, XTestKeyboard::keyZ);
     const bool settled = settle();
     VirtualDesktop::run(QStringLiteral("setxkbmap"), {QStringLiteral("us")});
@@ -530,10 +509,7 @@ TEST_F(ShortcutsDesktopTest, RecorderDoesNotStartRecordingWhenItsWindowOpens) {
 TEST_F(ShortcutsDesktopTest, NumLockMovedToAnotherModifierIsFollowed) {
     const uint16_t original = hotKeys().numLockMask();
     ASSERT_EQ(original, XCB_MOD_MASK_2);
-    const Name name(QStringLiteral("display.1"));
-    shortcuts->setShortcut(kControlOptionK, name);
-    Counter counter;
-    counter.attach(*shortcuts, name);
+    Counter& counter = countedDisplayShortcut(kControlOptionK);
     ASSERT_EQ(
         VirtualDesktop::run(QStringLiteral("xmodmap"), {QStringLiteral("-e"), QStringLiteral("clear mod2"),
                                                         QStringLiteral("-e"), QStringLiteral("add mod3 = Num_Lock")}),
@@ -554,10 +530,7 @@ TEST_F(ShortcutsDesktopTest, NumLockMovedToAnotherModifierIsFollowed) {
 
 // Prints how long a key press typed through XTEST takes to reach the handler.
 TEST_F(ShortcutsDesktopTest, PressToHandlerLatencyFigures) {
-    const Name name(QStringLiteral("display.1"));
-    shortcuts->setShortcut(kControlOptionK, name);
-    Counter counter;
-    counter.attach(*shortcuts, name);
+    Counter& counter = countedDisplayShortcut(kControlOptionK);
     keyboard.press(XTestKeyboard::controlL);
     keyboard.press(XTestKeyboard::altL);
     constexpr int kPresses = 100;
