@@ -63,6 +63,9 @@ bool isCenterLike(const QPointF& normalizedCenter);
 // The size on the destination that keeps the frame's share of the source display, at least one point
 // and at most the destination's size.
 QSizeF adjustedSize(const QRectF& frame, const QRectF& source, const QRectF& destination);
+// The size in whole pixels, as the window manager applies it: rounded, at least one pixel and no larger
+// than the destination's whole pixels.
+QSizeF wholePixelSize(const QSizeF& size, const QRectF& destination);
 // The origin on the destination that keeps the normalised centre, clamped into the destination.
 QPointF destinationOrigin(const QPointF& normalizedCenter, const QSizeF& size, const QRectF& destination);
 // Keeps a window of the given size inside the display; a window at least as large as the display is

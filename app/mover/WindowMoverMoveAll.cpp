@@ -109,11 +109,14 @@ void moveKeepingSize(const QList<PlannedMove>& moves, WindowMoveReport& report) 
 }
 
 // Places and sizes every planned window in one batch, reads the sizes they took, and places them again
-// by those sizes in a second batch, with each centre measured on its source display.
+// by those sizes in a second batch, with each centre measured on its source display. The size asked for
+// is in whole pixels, as the window manager applies it: a window that takes it is placed the second time
+// exactly where the first placement put it, which the window control confirms without waiting.
 void moveAdjustingSize(const QList<PlannedMove>& moves, WindowMoveReport& report) {
     QList<WindowPlacement> first;
     for (const PlannedMove& move : moves) {
-        const QSizeF targetSize = WindowMover::adjustedSize(move.plan.frame, move.plan.source, move.plan.destination);
+        const QSizeF targetSize = WindowMover::wholePixelSize(
+            WindowMover::adjustedSize(move.plan.frame, move.plan.source, move.plan.destination), move.plan.destination);
         first.append({move.window, WindowMover::destinationOrigin(move.plan.center, targetSize, move.plan.destination),
                       targetSize});
     }
