@@ -67,8 +67,8 @@ QList<WindowId> windowsOf(const QList<PlannedMove>& moves) {
     return windows;
 }
 
-// Moves every planned window in one batch and reads them back in one; fills each record's writes,
-// target and frame after. The outcome is Moved or NotMoved.
+// Moves every planned window in one batch and reads back in one those whose frame the window control
+// did not tell with its result; fills each record's writes, target and frame after. The outcome is Moved or NotMoved.
 void moveKeepingSize(const QList<PlannedMove>& moves, WindowMoveReport& report) {
     QList<WindowPlacement> placements;
     for (const PlannedMove& move : moves) {
@@ -77,7 +77,7 @@ void moveKeepingSize(const QList<PlannedMove>& moves, WindowMoveReport& report) 
             {move.window, WindowMover::destinationOrigin(move.plan.center, size, move.plan.destination), std::nullopt});
     }
     const QList<PlacementResult> results = WindowMover::place(placements);
-    const QList<std::optional<QRectF>> after = WindowMover::frames(windowsOf(moves));
+    const QList<std::optional<QRectF>> after = WindowMover::framesAfter(windowsOf(moves), results);
 
     for (qsizetype i = 0; i < moves.size(); ++i) {
         const MovePlan& plan = moves[i].plan;
@@ -122,7 +122,7 @@ void moveAdjustingSize(const QList<PlannedMove>& moves, WindowMoveReport& report
     }
     const QList<PlacementResult> firstResults = WindowMover::place(first);
     const QList<WindowId> windows = windowsOf(moves);
-    const QList<std::optional<QRectF>> resized = WindowMover::frames(windows);
+    const QList<std::optional<QRectF>> resized = WindowMover::framesAfter(windows, firstResults);
 
     QList<WindowPlacement> final;
     QList<QSizeF> actualSizes;
@@ -137,7 +137,7 @@ void moveAdjustingSize(const QList<PlannedMove>& moves, WindowMoveReport& report
                       std::nullopt});
     }
     const QList<PlacementResult> finalResults = WindowMover::place(final);
-    const QList<std::optional<QRectF>> after = WindowMover::frames(windows);
+    const QList<std::optional<QRectF>> after = WindowMover::framesAfter(windows, finalResults);
 
     for (qsizetype i = 0; i < moves.size(); ++i) {
         const MovePlan& plan = moves[i].plan;

@@ -167,6 +167,26 @@ QList<std::optional<QRectF>> WindowMover::frames(const QList<WindowId>& windows)
     return read;
 }
 
+QList<std::optional<QRectF>> WindowMover::framesAfter(const QList<WindowId>& windows,
+                                                      const QList<PlacementResult>& results) {
+    QList<std::optional<QRectF>> after(windows.size());
+    QList<WindowId> unknown;
+    QList<qsizetype> unknownIndexes;
+    for (qsizetype i = 0; i < windows.size(); ++i) {
+        if (const std::optional<QRectF> told = results.value(i).frame) {
+            after[i] = told;
+        } else {
+            unknown.append(windows[i]);
+            unknownIndexes.append(i);
+        }
+    }
+    const QList<std::optional<QRectF>> read = frames(unknown);
+    for (qsizetype j = 0; j < unknownIndexes.size(); ++j) {
+        after[unknownIndexes[j]] = read.value(j);
+    }
+    return after;
+}
+
 void WindowMover::revealMovedWindowsForApplication(const QList<WindowId>& windows, pid_t application,
                                                    const QString& appLabel) {
     const Result unhide = windowControl()->unhide(application);
