@@ -137,6 +137,20 @@ TEST_F(MoveAllWindows, WindowListIsReadOncePerMove) {
     EXPECT_EQ(platform.windowList.lastDesktopWindows(), DesktopWindows::Exclude);
 }
 
+TEST_F(MoveAllWindows, WindowsOfEveryApplicationAreReadInOneBatchAndTheirFactsInAnother) {
+    addWindow(100, 11, kCentred);
+    addWindow(100, 12, QRectF(10, 10, 300, 200));
+    addWindow(101, 21, QRectF(600, 300, 400, 300));
+    addWindow(102, 31, QRectF(1000, 500, 500, 400));
+    const int batches = platform.windowControl.batchCount();
+    const int reads = platform.windowControl.readCount();
+    EXPECT_EQ(moveAll(), (WindowMoveResult{4, 4}));
+    // The lists of all three applications, the facts of all four windows, and the read-back after the
+    // moves; no window or list is read on its own.
+    EXPECT_EQ(platform.windowControl.batchCount(), batches + 3);
+    EXPECT_EQ(platform.windowControl.readCount(), reads);
+}
+
 TEST_F(MoveAllWindows, UnavailableWindowListStillMovesWindowsOnTheSourceByFrame) {
     addWindow(100, 11, kCentred);
     platform.windowList.setWindowList(std::nullopt);
