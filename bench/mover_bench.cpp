@@ -8,6 +8,7 @@
 #include <QApplication>
 #include <QElapsedTimer>
 #include <QProcess>
+#include <cstdlib>
 #include <optional>
 
 #include "app/displays/ScreenSnapshotService.h"
@@ -32,9 +33,18 @@ QList<DisplaySnapshot> displays() {
     return snapshots;
 }
 
+// Where every window stands: its outer frame's corner (root coordinates, the global space here) and
+// its client's size, as a _NET_MOVERESIZE_WINDOW request gives them.
+struct Layout {
+    QList<QPoint> corners;
+    QList<QSize> clientSizes;
+};
+
 // What any mover that waits for the window manager must spend: a _NET_MOVERESIZE_WINDOW request
 // for each window and its ConfigureNotify, with nothing read. One window after another, or all
-// requests at once and then all confirmations.
+// requests at once and then all confirmations. Each is timed on the same moves the mover made, between
+// the same two monitors, only the other way: from where the mover put the windows back to where it
+// found them (and, for all at once, forth again).
 class WindowManagerFloor {
 public:
     explicit WindowManagerFloor(const QList<quint32>& windows) : m_windows(windows) {
@@ -47,23 +57,47 @@ public:
         m_moveResize = m_connection->atom("_NET_MOVERESIZE_WINDOW");
     }
 
-    void moveOneAfterAnother(QPoint topLeft) {
+    Layout layout() {
+        Layout now;
+        const QList<WindowFacts> facts =
+            Platform::services().windowControl->facts({m_windows.cbegin(), m_windows.cend()});
+        QList<xcb_get_geometry_cookie_t> cookies;
         for (quint32 window : m_windows) {
-            request(window, topLeft);
-            awaitConfirmations({window});
+            cookies.append(xcb_get_geometry(m_connection->xcb(), window));
+        }
+        for (qsizetype i = 0; i < m_windows.size(); ++i) {
+            now.corners.append(facts.value(i).frame.value.value_or(QRectF()).topLeft().toPoint());
+            xcb_get_geometry_reply_t* reply = xcb_get_geometry_reply(m_connection->xcb(), cookies[i], nullptr);
+            now.clientSizes.append(reply != nullptr ? QSize(reply->width, reply->height) : QSize());
+            std::free(reply);
+        }
+        return now;
+    }
+
+    // Takes in the news of moves made before (the mover's among them), so that only the reports of the
+    // floor's own requests confirm them.
+    void forgetEarlierNews() {
+        std::free(xcb_get_input_focus_reply(m_connection->xcb(), xcb_get_input_focus(m_connection->xcb()), nullptr));
+        m_connection->dispatchPendingEvents();
+    }
+
+    void moveOneAfterAnother(const Layout& to) {
+        for (qsizetype i = 0; i < m_windows.size(); ++i) {
+            request(m_windows[i], to.corners[i]);
+            awaitConfirmations({m_windows[i]});
         }
     }
-    void moveAllAtOnce(QPoint topLeft) {
-        for (quint32 window : m_windows) {
-            request(window, topLeft);
+    void moveAllAtOnce(const Layout& to) {
+        for (qsizetype i = 0; i < m_windows.size(); ++i) {
+            request(m_windows[i], to.corners[i]);
         }
         awaitConfirmations(m_windows);
     }
-    // The same with a new size for every window, each in the same request as its position: what the
-    // window manager alone spends on the writes of a move that adjusts sizes.
-    void moveAndResizeAllAtOnce(QPoint topLeft, QSize size) {
-        for (quint32 window : m_windows) {
-            request(window, topLeft, size);
+    // The same with each window's size in the same request as its position: what the window manager
+    // alone spends on the writes of a move that adjusts sizes.
+    void moveAndResizeAllAtOnce(const Layout& to) {
+        for (qsizetype i = 0; i < m_windows.size(); ++i) {
+            request(m_windows[i], to.corners[i], to.clientSizes[i]);
         }
         awaitConfirmations(m_windows);
     }
@@ -143,36 +177,42 @@ int main(int argc, char** argv) {
         ::close(devNull);
     };
     // The mover and the window manager alone take turns, so that both see the same load on a shared
-    // machine. Each mover run takes the windows from one monitor to the other; the window manager then
-    // moves them about on the monitor where they now are, ready for the next run.
+    // machine. Each mover run takes the windows from the first monitor to the second; the window manager
+    // then makes the same moves back (and forth and back again for all at once), so that every run starts
+    // from the same place.
     std::vector<double> keepSizeTimes;
     std::vector<double> adjustSizeTimes;
     std::vector<double> inTurnTimes;
     std::vector<double> allAtOnceTimes;
     std::vector<double> withSizesTimes;
     WindowManagerFloor floor(windows);
-    int direction = 0;
     int movedKeeping = 0;
     int movedAdjusting = 0;
+    const auto time = [&floor](const std::function<void()>& action) {
+        floor.forgetEarlierNews();
+        return BenchTable::measure(1, action).median;
+    };
     for (int round = 0; round < kRounds; ++round) {
         for (const bool adjust : {false, true}) {
-            const DisplaySnapshot& from = all[direction % 2];
-            const DisplaySnapshot& to = all[(direction + 1) % 2];
-            ++direction;
+            const Layout before = floor.layout();
             quiet([&] {
                 QElapsedTimer timer;
                 timer.start();
-                const int moved = WindowMover::moveWindows(from, to, adjust, std::nullopt, false).counts.movedCount;
+                const int moved =
+                    WindowMover::moveWindows(all[0], all[1], adjust, std::nullopt, false).counts.movedCount;
                 (adjust ? adjustSizeTimes : keepSizeTimes).push_back(static_cast<double>(timer.nsecsElapsed()) / 1e6);
                 (adjust ? movedAdjusting : movedKeeping) = moved;
             });
-            const QPoint corner = to.bounds.topLeft().toPoint() + QPoint(150, 150);
-            inTurnTimes.push_back(BenchTable::measure(1, [&] { floor.moveOneAfterAnother(corner); }).median);
-            allAtOnceTimes.push_back(
-                BenchTable::measure(1, [&] { floor.moveAllAtOnce(corner + QPoint(40, 30)); }).median);
-            const QSize size = adjust ? QSize(420, 310) : QSize(380, 290);
-            withSizesTimes.push_back(
-                BenchTable::measure(1, [&] { floor.moveAndResizeAllAtOnce(corner + QPoint(80, 60), size); }).median);
+            const Layout after = floor.layout();
+            if (adjust) {
+                withSizesTimes.push_back(time([&] { floor.moveAndResizeAllAtOnce(before); }));
+                withSizesTimes.push_back(time([&] { floor.moveAndResizeAllAtOnce(after); }));
+                withSizesTimes.push_back(time([&] { floor.moveAndResizeAllAtOnce(before); }));
+            } else {
+                inTurnTimes.push_back(time([&] { floor.moveOneAfterAnother(before); }));
+                allAtOnceTimes.push_back(time([&] { floor.moveAllAtOnce(after); }));
+                allAtOnceTimes.push_back(time([&] { floor.moveAllAtOnce(before); }));
+            }
         }
     }
     const BenchTable::Figures keepSize = BenchTable::summarize(keepSizeTimes);

@@ -3,6 +3,7 @@
 
 #include <QList>
 #include <QPointF>
+#include <QRectF>
 #include <QSizeF>
 #include <optional>
 
@@ -15,10 +16,13 @@ struct WindowPlacement {
     std::optional<QSizeF> size;
 };
 
-// How one placement went: the move, and the resize when a size was asked for.
+// How one placement went: the move, and the resize when a size was asked for; and, when the window
+// control learned it while confirming the change, the window's frame after it (what a read would give),
+// so that the caller need not read it again.
 struct PlacementResult {
     Result position = Result::Failure;
     std::optional<Result> size;
+    std::optional<QRectF> frame;
 
     bool operator==(const PlacementResult&) const = default;
 };

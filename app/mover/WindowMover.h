@@ -8,6 +8,7 @@
 #include <QSet>
 #include <QSizeF>
 #include <QString>
+#include <QStringList>
 #include <optional>
 
 #include "app/model/Models.h"
@@ -26,6 +27,12 @@ struct MovableWindows {
     Result visibleList = Result::Ok;
     Result includingMinimisedList = Result::Ok;
     std::optional<QList<WindowId>> windows;  // nothing when neither list gave a window
+};
+
+// An application's movable windows with the facts read about each, in the same order.
+struct MovableWindowsWithFacts {
+    MovableWindows movable;
+    QList<WindowFacts> facts;  // one per window of movable.windows
 };
 
 // A window and its frame as read through the window control.
@@ -63,6 +70,9 @@ bool isCenterLike(const QPointF& normalizedCenter);
 // The size on the destination that keeps the frame's share of the source display, at least one point
 // and at most the destination's size.
 QSizeF adjustedSize(const QRectF& frame, const QRectF& source, const QRectF& destination);
+// The size in whole pixels, as the window manager applies it: rounded, at least one pixel and no larger
+// than the destination's whole pixels.
+QSizeF wholePixelSize(const QSizeF& size, const QRectF& destination);
 // The origin on the destination that keeps the normalised centre, clamped into the destination.
 QPointF destinationOrigin(const QPointF& normalizedCenter, const QSizeF& size, const QRectF& destination);
 // Keeps a window of the given size inside the display; a window at least as large as the display is
@@ -85,6 +95,9 @@ WindowAttributeResult windows(pid_t application, WindowScope scope);
 // without repeats, filtered to the movable roles (unreadable roles pass); the merged list when the
 // filter leaves nothing; nothing when both lists are empty.
 MovableWindows movableWindows(pid_t application, const QString& appLabel);
+// The same for many applications (labels in the same order), from one read of all their window lists
+// and one of all their windows' facts; each window's facts come along.
+QList<MovableWindowsWithFacts> movableWindows(const QList<pid_t>& applications, const QStringList& appLabels);
 // Appends the window unless it is already in the list.
 void appendUnique(WindowId window, QList<WindowId>& list);
 // The window's frame when it reads.
@@ -108,6 +121,10 @@ QHash<QString, QRectF> allWindowFramesByOwnerAndWindowID(const std::optional<QLi
 QHash<pid_t, QSet<qint64>> sourceWindowIDsByOwnerPID(const QRectF& source);
 QHash<pid_t, QSet<qint64>> sourceWindowIDsByOwnerPID(const QRectF& source,
                                                      const std::optional<QList<WindowEntry>>& list);
+// The same with the regular applications' process ids already known.
+QHash<pid_t, QSet<qint64>> sourceWindowIDsByOwnerPID(const QRectF& source,
+                                                     const std::optional<QList<WindowEntry>>& list,
+                                                     const QSet<pid_t>& regularApplications);
 // Un-hides the application and un-minimises the given windows; failures are traced, never fatal.
 void revealMovedWindowsForApplication(const QList<WindowId>& windows, pid_t application, const QString& appLabel);
 // The first window of the list with a readable frame larger than one point.

@@ -15,5 +15,8 @@ namespace WindowMover {
 QList<PlacementResult> place(const QList<WindowPlacement>& placements);
 // The frames of many windows in one batch read; nothing for a window whose frame does not read.
 QList<std::optional<QRectF>> frames(const QList<WindowId>& windows);
+// The frames of placed windows, one per window in the order of their placements: a frame the window
+// control told with its result is not read again; the others are read in one batch.
+QList<std::optional<QRectF>> framesAfter(const QList<WindowId>& windows, const QList<PlacementResult>& results);
 
 }  // namespace WindowMover

@@ -32,6 +32,14 @@ QSizeF WindowMover::adjustedSize(const QRectF& frame, const QRectF& source, cons
     return {width, height};
 }
 
+QSizeF WindowMover::wholePixelSize(const QSizeF& size, const QRectF& destination) {
+    // A value that is not finite stays so, so that the write that would carry it is refused.
+    const auto axis = [](double value, double limit) {
+        return std::min(std::max(std::round(value), 1.0), std::max(std::floor(limit), 1.0));
+    };
+    return {axis(size.width(), destination.width()), axis(size.height(), destination.height())};
+}
+
 QPointF WindowMover::destinationOrigin(const QPointF& normalizedCenter, const QSizeF& size, const QRectF& destination) {
     const QPointF desired(destination.left() + normalizedCenter.x() * destination.width() - size.width() * 0.5,
                           destination.top() + normalizedCenter.y() * destination.height() - size.height() * 0.5);

@@ -21,9 +21,8 @@ struct WindowBeforeMove {
     std::optional<QRectF> frame;
 };
 
-// The frame of every window in one batch.
-QList<WindowBeforeMove> readFrames(const QList<WindowId>& windows) {
-    const QList<WindowFacts> facts = WindowMover::windowControl()->facts(windows);
+// Each window with its frame from the facts read with it.
+QList<WindowBeforeMove> withFrames(const QList<WindowId>& windows, const QList<WindowFacts>& facts) {
     QList<WindowBeforeMove> read;
     for (qsizetype i = 0; i < windows.size(); ++i) {
         const Reading<QRectF> frame = facts.value(i).frame;
@@ -67,8 +66,8 @@ QList<WindowId> windowsOf(const QList<PlannedMove>& moves) {
     return windows;
 }
 
-// Moves every planned window in one batch and reads them back in one; fills each record's writes,
-// target and frame after. The outcome is Moved or NotMoved.
+// Moves every planned window in one batch and reads back in one those whose frame the window control
+// did not tell with its result; fills each record's writes, target and frame after. The outcome is Moved or NotMoved.
 void moveKeepingSize(const QList<PlannedMove>& moves, WindowMoveReport& report) {
     QList<WindowPlacement> placements;
     for (const PlannedMove& move : moves) {
@@ -77,7 +76,7 @@ void moveKeepingSize(const QList<PlannedMove>& moves, WindowMoveReport& report) 
             {move.window, WindowMover::destinationOrigin(move.plan.center, size, move.plan.destination), std::nullopt});
     }
     const QList<PlacementResult> results = WindowMover::place(placements);
-    const QList<std::optional<QRectF>> after = WindowMover::frames(windowsOf(moves));
+    const QList<std::optional<QRectF>> after = WindowMover::framesAfter(windowsOf(moves), results);
 
     for (qsizetype i = 0; i < moves.size(); ++i) {
         const MovePlan& plan = moves[i].plan;
@@ -109,17 +108,20 @@ void moveKeepingSize(const QList<PlannedMove>& moves, WindowMoveReport& report) 
 }
 
 // Places and sizes every planned window in one batch, reads the sizes they took, and places them again
-// by those sizes in a second batch, with each centre measured on its source display.
+// by those sizes in a second batch, with each centre measured on its source display. The size asked for
+// is in whole pixels, as the window manager applies it: a window that takes it is placed the second time
+// exactly where the first placement put it, which the window control confirms without waiting.
 void moveAdjustingSize(const QList<PlannedMove>& moves, WindowMoveReport& report) {
     QList<WindowPlacement> first;
     for (const PlannedMove& move : moves) {
-        const QSizeF targetSize = WindowMover::adjustedSize(move.plan.frame, move.plan.source, move.plan.destination);
+        const QSizeF targetSize = WindowMover::wholePixelSize(
+            WindowMover::adjustedSize(move.plan.frame, move.plan.source, move.plan.destination), move.plan.destination);
         first.append({move.window, WindowMover::destinationOrigin(move.plan.center, targetSize, move.plan.destination),
                       targetSize});
     }
     const QList<PlacementResult> firstResults = WindowMover::place(first);
     const QList<WindowId> windows = windowsOf(moves);
-    const QList<std::optional<QRectF>> resized = WindowMover::frames(windows);
+    const QList<std::optional<QRectF>> resized = WindowMover::framesAfter(windows, firstResults);
 
     QList<WindowPlacement> final;
     QList<QSizeF> actualSizes;
@@ -134,7 +136,7 @@ void moveAdjustingSize(const QList<PlannedMove>& moves, WindowMoveReport& report
                       std::nullopt});
     }
     const QList<PlacementResult> finalResults = WindowMover::place(final);
-    const QList<std::optional<QRectF>> after = WindowMover::frames(windows);
+    const QList<std::optional<QRectF>> after = WindowMover::framesAfter(windows, finalResults);
 
     for (qsizetype i = 0; i < moves.size(); ++i) {
         const MovePlan& plan = moves[i].plan;
@@ -288,19 +290,53 @@ struct ApplicationToMove {
     QList<WindowBeforeMove> windows;
 };
 
-// Reads the application's windows; nothing (and a skip record) when it has none.
-std::optional<ApplicationToMove> readApplicationWindows(const RunningApplication& application,
-                                                        WindowMoveReport& report) {
-    const pid_t pid = application.pid;
-    const QString label = applicationLabel(application);
-    const MovableWindows movable = WindowMover::movableWindows(pid, label);
-    if (!movable.windows) {
-        qCDebug(lcMover).noquote() << label + QStringLiteral(": no accessible windows returned");
-        report.skippedApplications.append(
-            {pid, ApplicationSkipReason::NoWindows, movable.visibleList, movable.includingMinimisedList});
-        return std::nullopt;
+// Reads the windows of the applications in one batch, and their frames in another. In the order of the
+// running applications: the applications to move, and a skip record for each application left alone
+// (by its reason, or because it has no windows).
+QList<ApplicationToMove> readApplicationWindows(const QList<RunningApplication>& running,
+                                                const std::optional<QSet<pid_t>>& targetPIDs,
+                                                WindowMoveReport& report) {
+    QList<std::optional<ApplicationSkipReason>> reasons;
+    QList<pid_t> pids;
+    QStringList labels;
+    for (const RunningApplication& application : running) {
+        reasons.append(skipReason(application, targetPIDs));
+        if (!reasons.constLast()) {
+            pids.append(application.pid);
+            labels.append(applicationLabel(application));
+        }
     }
-    return ApplicationToMove{pid, label, readFrames(*movable.windows)};
+    const QList<MovableWindowsWithFacts> movable = WindowMover::movableWindows(pids, labels);
+    QList<ApplicationToMove> applications;
+    qsizetype read = 0;
+    for (qsizetype i = 0; i < running.size(); ++i) {
+        const pid_t pid = running[i].pid;
+        if (reasons[i]) {
+            report.skippedApplications.append({pid, *reasons[i]});
+            continue;
+        }
+        const QString& label = labels[read];
+        const MovableWindowsWithFacts& found = movable.value(read++);
+        if (!found.movable.windows) {
+            qCDebug(lcMover).noquote() << label + QStringLiteral(": no accessible windows returned");
+            report.skippedApplications.append({pid, ApplicationSkipReason::NoWindows, found.movable.visibleList,
+                                               found.movable.includingMinimisedList});
+            continue;
+        }
+        applications.append({pid, label, withFrames(*found.movable.windows, found.facts)});
+    }
+    return applications;
+}
+
+// The process ids of the regular applications that still run, as the window list's filters count them.
+QSet<pid_t> regularApplicationPIDs(const QList<RunningApplication>& running) {
+    QSet<pid_t> pids;
+    for (const RunningApplication& application : running) {
+        if (application.policy == ApplicationPolicy::Regular && !application.terminated) {
+            pids.insert(application.pid);
+        }
+    }
+    return pids;
 }
 
 // Plans one window's move from its leg's source to the leg's destination; nothing (and the record's
@@ -434,26 +470,21 @@ WindowMoveReport WindowMover::moveWindows(const QList<MoveLeg>& legs, bool adjus
     }
     // Every look-up reads one copy of the window list: listing is the costly part with many windows.
     const std::optional<QList<WindowEntry>> windowList = windowListIncludingOffscreen();
+    // The running applications are read once too, for the window list's owners and for the moves.
+    const QList<RunningApplication> running = Platform::services().runningApplications->runningApplications();
+    const QSet<pid_t> regular = regularApplicationPIDs(running);
     MoveContext move;
     move.frames = allWindowFramesByOwnerAndWindowID(windowList);
     move.adjustSize = adjustSizeToDestination;
     for (const MoveLeg& leg : legs) {
-        move.legs.append({leg.source, leg.destination, sourceWindowIDsByOwnerPID(leg.source.bounds, windowList)});
+        move.legs.append(
+            {leg.source, leg.destination, sourceWindowIDsByOwnerPID(leg.source.bounds, windowList, regular)});
         logLegStart(move.legs.constLast(), targetPIDs);
     }
 
     // Every window is read before the first one moves, so that the set is fixed: a window moved onto
     // another leg's source is not taken along a second time.
-    QList<ApplicationToMove> applications;
-    for (const RunningApplication& application : Platform::services().runningApplications->runningApplications()) {
-        if (const std::optional<ApplicationSkipReason> reason = skipReason(application, targetPIDs)) {
-            report.skippedApplications.append({application.pid, *reason});
-            continue;
-        }
-        if (std::optional<ApplicationToMove> windows = readApplicationWindows(application, report)) {
-            applications.append(std::move(*windows));
-        }
-    }
+    const QList<ApplicationToMove> applications = readApplicationWindows(running, targetPIDs, report);
     // The whole plan goes to the window control at once: where every change is a round trip to the
     // window manager, one batch costs about as much as one window.
     QList<PlannedMove> planned;

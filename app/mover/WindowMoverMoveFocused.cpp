@@ -65,7 +65,9 @@ WindowMoveReport WindowMover::moveFocusedWindow(const DisplaySnapshot& target,
     const QRectF& frame = context->frame;
     const WindowId window = context->window;
     const QPointF center = normalizedCenter(frame, S);
-    const QSizeF wanted = adjustSizeToDestination ? adjustedSize(frame, S, T) : frame.size();
+    // An adjusted size is asked for in whole pixels, as the window manager applies it: a window that takes
+    // it then already stands at the final origin, and the final write finds nothing to change.
+    const QSizeF wanted = adjustSizeToDestination ? wholePixelSize(adjustedSize(frame, S, T), T) : frame.size();
     const QPointF origin = destinationOrigin(center, wanted, T);
     record.targetSize = wanted;
 
@@ -79,7 +81,8 @@ WindowMoveReport WindowMover::moveFocusedWindow(const DisplaySnapshot& target,
         const PlacementResult prepared = place({{window, origin, wanted}}).value(0);
         record.writes.position = prepared.position;
         record.writes.size = prepared.size.value_or(Result::Failure);
-        const std::optional<QRectF> read = usableFrame(WindowMover::frame(window));
+        // The frame the window control confirmed the batch with, when it told it; else read.
+        const std::optional<QRectF> read = usableFrame(prepared.frame ? prepared.frame : WindowMover::frame(window));
         const QSizeF actualSize = read ? read->size() : wanted;
         const QPointF finalOrigin = destinationOrigin(center, actualSize, T);
         decidingWrite = setOrigin(window, finalOrigin);

@@ -34,47 +34,106 @@ void WindowMover::appendUnique(WindowId window, QList<WindowId>& list) {
     }
 }
 
-MovableWindows WindowMover::movableWindows(pid_t application, const QString& appLabel) {
-    const WindowAttributeResult primary = windows(application, WindowScope::Visible);
+namespace {
+
+WindowAttributeResult listResult(const Reading<QList<WindowId>>& reading) {
+    return {reading.result,
+            reading.result == Result::Ok ? reading.value.value_or(QList<WindowId>{}) : QList<WindowId>{}};
+}
+
+void traceListErrors(const QString& appLabel, const WindowAttributeResult& primary, const WindowAttributeResult& all) {
     if (primary.result != Result::Ok) {
         qCDebug(lcMover).noquote() << appLabel + QStringLiteral(": AXWindows error=") + errorName(primary.result);
     }
-    const WindowAttributeResult all = windows(application, WindowScope::IncludingMinimised);
     if (all.result != Result::Ok) {
         qCDebug(lcMover).noquote() << appLabel + QStringLiteral(": AXAllWindows error=") + errorName(all.result);
     }
+}
 
-    QList<WindowId> merged;
+// The windows of the primary list, then those only the full list has.
+QList<WindowId> merged(const WindowAttributeResult& primary, const WindowAttributeResult& all) {
+    QList<WindowId> windows;
     for (WindowId window : primary.windows) {
-        appendUnique(window, merged);
+        WindowMover::appendUnique(window, windows);
     }
     for (WindowId window : all.windows) {
-        appendUnique(window, merged);
+        WindowMover::appendUnique(window, windows);
     }
+    return windows;
+}
 
-    // One batch for the roles of all windows.
-    const QList<WindowFacts> facts = windowControl()->facts(merged);
+// Keeps the windows of movable (or unreadable) roles, else, when there are none, every window.
+MovableWindowsWithFacts filterByRole(const QString& appLabel, const WindowAttributeResult& primary,
+                                     const WindowAttributeResult& all, const QList<WindowId>& windows,
+                                     const QList<WindowFacts>& facts) {
+    MovableWindowsWithFacts kept{{primary.result, all.result, std::nullopt}, {}};
     QList<WindowId> filtered;
-    for (qsizetype i = 0; i < merged.size(); ++i) {
+    for (qsizetype i = 0; i < windows.size(); ++i) {
         const Reading<WindowRole> role = facts.value(i).role;
         if (role.result != Result::Ok || !role.value || WindowListFilters::isMovableRole(*role.value)) {
-            filtered.append(merged[i]);
+            filtered.append(windows[i]);
+            kept.facts.append(facts.value(i));
         }
     }
     if (!filtered.isEmpty()) {
-        return {primary.result, all.result, filtered};
+        kept.movable.windows = filtered;
+        return kept;
     }
-    if (merged.isEmpty()) {
+    if (windows.isEmpty()) {
         qCDebug(lcMover).noquote() << QStringLiteral("%1: no movable windows after filtering (primary=%2, all=%3)")
                                           .arg(appLabel, QString::number(primary.windows.size()),
                                                QString::number(all.windows.size()));
-        return {primary.result, all.result, std::nullopt};
+        return kept;
     }
     qCDebug(lcMover).noquote() << QStringLiteral(
                                       "%1: no movable windows by role filter, (primary=%2, all=%3, merged=%4)")
                                       .arg(appLabel, QString::number(primary.windows.size()),
-                                           QString::number(all.windows.size()), QString::number(merged.size()));
-    return {primary.result, all.result, merged};
+                                           QString::number(all.windows.size()), QString::number(windows.size()));
+    kept.movable.windows = windows;
+    kept.facts = facts.mid(0, windows.size());
+    return kept;
+}
+
+}  // namespace
+
+MovableWindows WindowMover::movableWindows(pid_t application, const QString& appLabel) {
+    const WindowAttributeResult primary = windows(application, WindowScope::Visible);
+    const WindowAttributeResult all = windows(application, WindowScope::IncludingMinimised);
+    traceListErrors(appLabel, primary, all);
+    const QList<WindowId> windows = merged(primary, all);
+    // One batch for the roles of all windows.
+    return filterByRole(appLabel, primary, all, windows, windowControl()->facts(windows)).movable;
+}
+
+QList<MovableWindowsWithFacts> WindowMover::movableWindows(const QList<pid_t>& applications,
+                                                           const QStringList& appLabels) {
+    QList<MovableWindowsWithFacts> answers;
+    if (applications.isEmpty()) {
+        return answers;
+    }
+    const QList<ApplicationWindows> lists = windowControl()->windowsOfApplications(applications);
+    QList<std::pair<WindowAttributeResult, WindowAttributeResult>> results;
+    QList<QList<WindowId>> windowsByApplication;
+    QList<WindowId> everyWindow;
+    for (qsizetype i = 0; i < applications.size(); ++i) {
+        const ApplicationWindows answered =
+            lists.value(i, {{Result::Failure, std::nullopt}, {Result::Failure, std::nullopt}});
+        results.append({listResult(answered.visible), listResult(answered.includingMinimised)});
+        windowsByApplication.append(merged(results[i].first, results[i].second));
+        everyWindow.append(windowsByApplication[i]);
+    }
+    // One batch for the roles and frames of every window of every application.
+    const QList<WindowFacts> facts = everyWindow.isEmpty() ? QList<WindowFacts>{} : windowControl()->facts(everyWindow);
+    qsizetype first = 0;
+    for (qsizetype i = 0; i < applications.size(); ++i) {
+        const QString& label = appLabels.at(i);
+        const auto& [primary, all] = results[i];
+        traceListErrors(label, primary, all);
+        const QList<WindowId>& windows = windowsByApplication[i];
+        answers.append(filterByRole(label, primary, all, windows, facts.mid(first, windows.size())));
+        first += windows.size();
+    }
+    return answers;
 }
 
 std::optional<QRectF> WindowMover::frame(WindowId window) {
@@ -165,6 +224,26 @@ QList<std::optional<QRectF>> WindowMover::frames(const QList<WindowId>& windows)
         read.append(frame.result == Result::Ok ? frame.value : std::nullopt);
     }
     return read;
+}
+
+QList<std::optional<QRectF>> WindowMover::framesAfter(const QList<WindowId>& windows,
+                                                      const QList<PlacementResult>& results) {
+    QList<std::optional<QRectF>> after(windows.size());
+    QList<WindowId> unknown;
+    QList<qsizetype> unknownIndexes;
+    for (qsizetype i = 0; i < windows.size(); ++i) {
+        if (const std::optional<QRectF> told = results.value(i).frame) {
+            after[i] = told;
+        } else {
+            unknown.append(windows[i]);
+            unknownIndexes.append(i);
+        }
+    }
+    const QList<std::optional<QRectF>> read = frames(unknown);
+    for (qsizetype j = 0; j < unknownIndexes.size(); ++j) {
+        after[unknownIndexes[j]] = read.value(j);
+    }
+    return after;
 }
 
 void WindowMover::revealMovedWindowsForApplication(const QList<WindowId>& windows, pid_t application,

@@ -39,11 +39,19 @@ QHash<pid_t, QSet<qint64>> WindowMover::sourceWindowIDsByOwnerPID(const QRectF& 
 
 QHash<pid_t, QSet<qint64>> WindowMover::sourceWindowIDsByOwnerPID(const QRectF& source,
                                                                   const std::optional<QList<WindowEntry>>& list) {
+    if (!list) {
+        return {};
+    }
+    return sourceWindowIDsByOwnerPID(source, list, WindowListFilters::regularApplicationPIDs());
+}
+
+QHash<pid_t, QSet<qint64>> WindowMover::sourceWindowIDsByOwnerPID(const QRectF& source,
+                                                                  const std::optional<QList<WindowEntry>>& list,
+                                                                  const QSet<pid_t>& regular) {
     QHash<pid_t, QSet<qint64>> idsByOwner;
     if (!list) {
         return idsByOwner;
     }
-    const QSet<pid_t> regular = WindowListFilters::regularApplicationPIDs();
     for (const WindowEntry& entry : *list) {
         if (!WindowListFilters::isUserWindow(entry, regular) || !Geometry::intersects(entry.frame, source)) {
             continue;

@@ -358,7 +358,10 @@ QList<PlacementResult> X11WindowControl::place(const QList<WindowPlacement>& pla
         if (placements[i].size && !batch[j].frameSize) {
             result.size = Result::Failure;
         }
-        results[i] = {changed(batch[j].window, result.position), result.size};
+        if (result.frame) {
+            result.frame->translate(-QPointF(*origin));
+        }
+        results[i] = {changed(batch[j].window, result.position), result.size, result.frame};
     }
     return results;
 }

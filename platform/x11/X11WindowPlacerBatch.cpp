@@ -51,8 +51,10 @@ QList<PlacementResult> X11WindowPlacer::place(const QList<Placement>& placements
         entry.beforeSize = facts.outerFrame().size();
         entry.moves = entry.beforeTopLeft != placement.rootTopLeft;
         entry.resizes = placement.frameSize && entry.beforeSize != *placement.frameSize;
+        // Already where and as large as asked: the window manager would report nothing, so there is
+        // nothing to wait for.
         if (!entry.moves && !entry.resizes) {
-            results[i] = {Result::Ok, sizeResult(Result::Ok)};
+            results[i] = {Result::Ok, sizeResult(Result::Ok), QRectF(facts.outerFrame())};
             continue;
         }
         sendPlacement(entry, placement, entry.resizes);
@@ -244,6 +246,8 @@ PlacementResult X11WindowPlacer::outcome(const SentPlacement& sent, const Placem
     const QRect frame = sent.facts.outerFrame();
     const QPoint target = placement.rootTopLeft;
     PlacementResult result;
+    // Taken from the window manager's report of the change or from a read made once it had answered.
+    result.frame = QRectF(frame);
     result.position = !sent.moves || frame.topLeft() == target || frame.topLeft() != sent.beforeTopLeft
                           ? Result::Ok
                           : Result::CannotComplete;

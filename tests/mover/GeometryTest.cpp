@@ -84,6 +84,21 @@ TEST(MoverGeometry, AdjustSizeIsNeverSmallerThanOnePoint) {
     EXPECT_EQ(size, QSizeF(1, 1));
 }
 
+TEST(MoverGeometry, WholePixelSizeRoundsToTheNearestPixel) {
+    EXPECT_EQ(WindowMover::wholePixelSize(QSizeF(1333.33, 934.5), kWide), QSizeF(1333, 935));
+    EXPECT_EQ(WindowMover::wholePixelSize(QSizeF(0.2, 1.4), kWide), QSizeF(1, 1));
+}
+
+TEST(MoverGeometry, WholePixelSizeStaysInsideAFractionalDestination) {
+    EXPECT_EQ(WindowMover::wholePixelSize(QSizeF(1280.6, 720.6), QRectF(0, 0, 1280.6, 720.4)), QSizeF(1280, 720));
+}
+
+TEST(MoverGeometry, WholePixelSizeKeepsAValueThatIsNotFinite) {
+    const QSizeF size = WindowMover::wholePixelSize(QSizeF(qQNaN(), 10), kWide);
+    EXPECT_TRUE(std::isnan(size.width()));
+    EXPECT_EQ(size.height(), 10);
+}
+
 TEST(MoverGeometry, DestinationOriginKeepsRelativeCentre) {
     // Centre at (0.25, 0.5) of the destination, minus half the size.
     const QPointF origin = WindowMover::destinationOrigin(QPointF(0.25, 0.5), QSizeF(400, 200), kWide);

@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: MIT
+#include <cmath>
+
 #include "tests/mover/MoverFixture.h"
 
 namespace {
@@ -68,6 +70,39 @@ TEST_F(MoveAllWindows, AdjustSizeKeepsShareOfDisplayWithThreeWrites) {
     EXPECT_EQ(record->frameAfter, QRectF(2560, 360, 1280, 720));
 }
 
+TEST_F(MoveAllWindows, AdjustSizeAsksForWholePixelsAndPlacesEachWindowTwiceAtTheSameOrigin) {
+    // Shares of the left display that give fractional sizes on the right one (1000 / 1920 * 2560 =
+    // 1333.3, 701 / 1920 * 2560 = 934.7).
+    addWindow(100, 11, QRectF(100, 100, 1000, 600));
+    addWindow(101, 12, QRectF(700, 500, 701, 333));
+    addWindow(102, 13, QRectF(1, 3, 517, 461));
+    EXPECT_EQ(moveAll(true), (WindowMoveResult{3, 3}));
+    for (WindowId window : {11, 12, 13}) {
+        SCOPED_TRACE(window);
+        const QList<FakeWindowControl::Request> moves =
+            platform.windowControl.requests(window, FakeWindowControl::Change::Move);
+        const QList<FakeWindowControl::Request> resizes =
+            platform.windowControl.requests(window, FakeWindowControl::Change::Resize);
+        // Still three writes: position, size, final position.
+        ASSERT_EQ(moves.size(), 2);
+        ASSERT_EQ(resizes.size(), 1);
+        const QSizeF asked = resizes[0].size;
+        EXPECT_EQ(asked, QSizeF(std::round(asked.width()), std::round(asked.height())));
+        // The window took the whole-pixel size, so the final origin computed from it is the first one.
+        EXPECT_EQ(moves[1].point, moves[0].point);
+        const WindowMoveRecord* record = report().window(window);
+        ASSERT_NE(record, nullptr);
+        EXPECT_EQ(record->outcome, WindowMoveOutcome::Moved);
+        EXPECT_EQ(record->writes, (WindowMoveWrites{Result::Ok, Result::Ok, Result::Ok}));
+        EXPECT_EQ(record->targetSize, asked);
+        EXPECT_EQ(record->targetOrigin, moves[0].point);
+        EXPECT_EQ(record->frameAfter, QRectF(moves[0].point, asked));
+        EXPECT_EQ(platform.windowControl.currentFrame(window), QRectF(moves[0].point, asked));
+    }
+    EXPECT_EQ(platform.windowControl.requests(11, FakeWindowControl::Change::Resize)[0].size, QSizeF(1333, 800));
+    EXPECT_EQ(platform.windowControl.requests(12, FakeWindowControl::Change::Resize)[0].size, QSizeF(935, 444));
+}
+
 TEST_F(MoveAllWindows, RefusedSizeKeepsSizeAndIsCentredByActualSize) {
     addWindow(100, 11, kCentred);
     platform.windowControl.ignoreChanges(11, FakeWindowControl::Change::Resize);
@@ -100,6 +135,20 @@ TEST_F(MoveAllWindows, WindowListIsReadOncePerMove) {
     moveAll();
     EXPECT_EQ(platform.windowList.queryCount(), queries + 1);
     EXPECT_EQ(platform.windowList.lastDesktopWindows(), DesktopWindows::Exclude);
+}
+
+TEST_F(MoveAllWindows, WindowsOfEveryApplicationAreReadInOneBatchAndTheirFactsInAnother) {
+    addWindow(100, 11, kCentred);
+    addWindow(100, 12, QRectF(10, 10, 300, 200));
+    addWindow(101, 21, QRectF(600, 300, 400, 300));
+    addWindow(102, 31, QRectF(1000, 500, 500, 400));
+    const int batches = platform.windowControl.batchCount();
+    const int reads = platform.windowControl.readCount();
+    EXPECT_EQ(moveAll(), (WindowMoveResult{4, 4}));
+    // The lists of all three applications, the facts of all four windows, and the read-back after the
+    // moves; no window or list is read on its own.
+    EXPECT_EQ(platform.windowControl.batchCount(), batches + 3);
+    EXPECT_EQ(platform.windowControl.readCount(), reads);
 }
 
 TEST_F(MoveAllWindows, UnavailableWindowListStillMovesWindowsOnTheSourceByFrame) {

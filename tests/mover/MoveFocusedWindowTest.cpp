@@ -152,6 +152,23 @@ TEST_F(MoveFocusedWindow, AdjustSizeResizesAndPlacesByNewSize) {
     EXPECT_EQ(report().windows[0].targetOrigin, QPointF(2560, 360));
 }
 
+TEST_F(MoveFocusedWindow, AdjustSizeAsksForWholePixelsAndTheFinalWriteGoesWhereTheFirstDid) {
+    // 1000 / 1920 * 2560 = 1333.3 and 701 / 1080 * 1440 = 934.7.
+    focus(QRectF(100, 100, 1000, 701));
+    EXPECT_EQ(moveTo(right, true), (WindowMoveResult{1, 1}));
+    const QList<FakeWindowControl::Request> moves =
+        platform.windowControl.requests(11, FakeWindowControl::Change::Move);
+    const QList<FakeWindowControl::Request> resizes =
+        platform.windowControl.requests(11, FakeWindowControl::Change::Resize);
+    ASSERT_EQ(moves.size(), 2);
+    ASSERT_EQ(resizes.size(), 1);
+    EXPECT_EQ(resizes[0].size, QSizeF(1333, 935));
+    EXPECT_EQ(moves[1].point, moves[0].point);
+    EXPECT_EQ(platform.windowControl.currentFrame(11), QRectF(moves[0].point, QSizeF(1333, 935)));
+    EXPECT_EQ(report().windows[0].targetSize, QSizeF(1333, 935));
+    EXPECT_EQ(report().windows[0].writes, (WindowMoveWrites{Result::Ok, Result::Ok, Result::Ok}));
+}
+
 TEST_F(MoveFocusedWindow, AdjustSizeWithRefusedSizeIsPlacedByActualSizeAndCountsMoved) {
     focus(kCentred);
     platform.windowControl.setChangeResult(11, FakeWindowControl::Change::Resize, Result::CannotComplete);

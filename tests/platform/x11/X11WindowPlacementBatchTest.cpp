@@ -23,6 +23,11 @@ protected:
         const Reading<QRectF> frame = control().frame(window);
         return frame.result == Result::Ok ? frame.value.value_or(QRectF()) : QRectF();
     }
+    // What a placement answered for its writes, without the frame it told.
+    static PlacementResult answers(PlacementResult result) {
+        result.frame.reset();
+        return result;
+    }
     static QString describe(const QRectF& r) {
         return QStringLiteral("(%1,%2 %3x%4)").arg(r.x()).arg(r.y()).arg(r.width()).arg(r.height());
     }
@@ -49,7 +54,9 @@ TEST_F(X11WindowPlacementBatchTest, EveryFrameLandsAtItsPlaceAndSize) {
     const QList<PlacementResult> results = placer().place(placements);
     ASSERT_EQ(results.size(), windows.size());
     for (int i = 0; i < windows.size(); ++i) {
-        EXPECT_EQ(results[i], (PlacementResult{Result::Ok, Result::Ok})) << "window " << i;
+        EXPECT_EQ(answers(results[i]), (PlacementResult{Result::Ok, Result::Ok})) << "window " << i;
+        // The frame told with the result is the one a read finds.
+        EXPECT_EQ(results[i].frame, readFrame(windows[i])) << "window " << i;
         EXPECT_TRUE(near(frameFromTree(windows[i]), expected[i]))
             << "window " << i << " at " << describe(frameFromTree(windows[i])).toStdString() << ", expected "
             << describe(expected[i]).toStdString();
@@ -72,7 +79,8 @@ TEST_F(X11WindowPlacementBatchTest, PositionsAloneKeepEverySize) {
     }
     const QList<PlacementResult> results = placer().place(placements);
     for (int i = 0; i < windows.size(); ++i) {
-        EXPECT_EQ(results.value(i), (PlacementResult{Result::Ok, std::nullopt})) << "window " << i;
+        EXPECT_EQ(answers(results.value(i)), (PlacementResult{Result::Ok, std::nullopt})) << "window " << i;
+        EXPECT_EQ(results.value(i).frame, expected[i]) << "window " << i;
         EXPECT_EQ(readFrame(windows[i]), expected[i]) << "window " << i;
         EXPECT_TRUE(near(frameFromTree(windows[i]), expected[i])) << "window " << i;
     }
@@ -110,6 +118,8 @@ TEST_F(X11WindowPlacementBatchTest, AWindowNobodyMovesCostsTheBatchOneBoundedWai
     for (int i = 0; i < ignored.size(); ++i) {
         EXPECT_EQ(results.value(windows.size() + i).position, Result::CannotComplete) << "ignored window " << i;
         EXPECT_EQ(readFrame(ignored[i]), ignoredBefore[i]);
+        // Where it still is, as read once the time was up.
+        EXPECT_EQ(results.value(windows.size() + i).frame, ignoredBefore[i]);
     }
     // One after another, the three unanswered windows would each wait the whole limit.
     EXPECT_GE(elapsed, X11WindowPlacer::kConfirmationMilliseconds - 5);
@@ -136,8 +146,9 @@ TEST_F(X11WindowPlacementBatchTest, FixedSizeWindowMovesAndAnswersForItsSize) {
         EXPECT_EQ(results[0].size, Result::CannotComplete);
         EXPECT_EQ(readFrame(stubborn).size(), before);
     }
-    EXPECT_EQ(results[1], (PlacementResult{Result::Ok, Result::Ok}));
+    EXPECT_EQ(answers(results[1]), (PlacementResult{Result::Ok, Result::Ok}));
     EXPECT_EQ(readFrame(plain), QRectF(QPointF(target + QPoint(1000, 0)), QSizeF(600, 500)));
+    EXPECT_EQ(results[0].frame, readFrame(stubborn));
 }
 
 TEST_F(X11WindowPlacementBatchTest, EachPlacementThatCannotBeMadeAnswersOnItsOwn) {
@@ -158,8 +169,51 @@ TEST_F(X11WindowPlacementBatchTest, EachPlacementThatCannotBeMadeAnswersOnItsOwn
     EXPECT_EQ(results[1], (PlacementResult{Result::Gone, std::nullopt}));
     EXPECT_EQ(results[2], (PlacementResult{Result::Failure, Result::Failure}));
     // A size no window can take fails; the move goes ahead.
-    EXPECT_EQ(results[3], (PlacementResult{Result::Ok, Result::Failure}));
+    EXPECT_EQ(answers(results[3]), (PlacementResult{Result::Ok, Result::Failure}));
     EXPECT_EQ(readFrame(plain).topLeft(), target);
+}
+
+TEST_F(X11WindowPlacementBatchTest, PlacementsTheWindowsAlreadyHaveAreConfirmedWithoutWaiting) {
+    const QList<quint32> windows = openWindows(QStringLiteral("inplace"), 6);
+    ASSERT_FALSE(windows.contains(0u));
+    // Each window asked for the frame it has, half of them with their size too: the window manager
+    // reports nothing for such a request, so a placer waiting for its report would wait the whole limit.
+    QList<WindowPlacement> placements;
+    QList<QRectF> before;
+    for (int i = 0; i < windows.size(); ++i) {
+        before.append(readFrame(windows[i]));
+        ASSERT_FALSE(before.last().isEmpty()) << "window " << i;
+        placements.append(
+            {windows[i], before[i].topLeft(), i % 2 == 0 ? std::optional(before[i].size()) : std::nullopt});
+    }
+    QElapsedTimer timer;
+    timer.start();
+    const QList<PlacementResult> results = placer().place(placements);
+    const qint64 elapsed = timer.elapsed();
+    ASSERT_EQ(results.size(), windows.size());
+    for (int i = 0; i < windows.size(); ++i) {
+        const std::optional<Result> size = i % 2 == 0 ? std::optional(Result::Ok) : std::nullopt;
+        EXPECT_EQ(answers(results[i]), (PlacementResult{Result::Ok, size})) << "window " << i;
+        EXPECT_EQ(results[i].frame, before[i]) << "window " << i;
+        EXPECT_EQ(readFrame(windows[i]), before[i]) << "window " << i;
+    }
+    EXPECT_LT(elapsed, X11WindowPlacer::kConfirmationMilliseconds / 2);
+
+    // Mixed with a window that does move, the batch waits only for that one's report.
+    const QPointF elsewhere = QPointF(monitors().value(1).topLeft() + QPoint(60, 70));
+    placements[0].topLeft = elsewhere;
+    timer.restart();
+    const QList<PlacementResult> mixed = placer().place(placements);
+    const qint64 mixedElapsed = timer.elapsed();
+    ASSERT_EQ(mixed.size(), windows.size());
+    EXPECT_EQ(answers(mixed[0]), (PlacementResult{Result::Ok, Result::Ok}));
+    EXPECT_EQ(readFrame(windows[0]), QRectF(elsewhere, before[0].size()));
+    EXPECT_EQ(mixed[0].frame, QRectF(elsewhere, before[0].size()));
+    for (int i = 1; i < windows.size(); ++i) {
+        EXPECT_EQ(mixed[i].position, Result::Ok) << "window " << i;
+        EXPECT_EQ(readFrame(windows[i]), before[i]) << "window " << i;
+    }
+    EXPECT_LT(mixedElapsed, X11WindowPlacer::kConfirmationMilliseconds / 2);
 }
 
 TEST_F(X11WindowPlacementBatchTest, MaximisedWindowInABatchEndsMaximisedOnTheTargetMonitor) {
@@ -175,8 +229,8 @@ TEST_F(X11WindowPlacementBatchTest, MaximisedWindowInABatchEndsMaximisedOnTheTar
         placer().place({{big, QPointF(target.topLeft()), QSizeF(800, 600)},
                         {plain, QPointF(target.topLeft() + QPoint(50, 50)), std::nullopt}});
     ASSERT_EQ(results.size(), 2);
-    EXPECT_EQ(results[0], (PlacementResult{Result::Ok, Result::Ok}));
-    EXPECT_EQ(results[1], (PlacementResult{Result::Ok, std::nullopt}));
+    EXPECT_EQ(answers(results[0]), (PlacementResult{Result::Ok, Result::Ok}));
+    EXPECT_EQ(answers(results[1]), (PlacementResult{Result::Ok, std::nullopt}));
     ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return target.contains(frameFromTree(big).center()); }));
     // Still maximised: it spans the target monitor's width, whatever size was asked for.
     const QRect frame = frameFromTree(big);
