@@ -300,6 +300,33 @@ TEST_F(X11WindowListTest, OrdinaryWindowIsListedWithOrWithoutDesktopWindows) {
     EXPECT_TRUE(entryFor(window, DesktopWindows::Exclude).has_value());
 }
 
+TEST_F(X11WindowListTest, ListWithoutTitlesHasEveryOtherFieldOfTheFullList) {
+    const quint32 window = client.open(QStringLiteral("titled"), placement(1, 100, 100, 400, 300));
+    const quint32 iconic =
+        client.open(QStringLiteral("iconic"), placement(0, 100, 100, 300, 200) + QStringLiteral(" states=minimized"));
+    const quint32 menu =
+        client.open(QStringLiteral("menu"), placement(0, 200, 200, 300, 200) + QStringLiteral(" type=override"));
+    ASSERT_NE(window, 0u);
+    ASSERT_NE(iconic, 0u);
+    ASSERT_NE(menu, 0u);
+    WindowList& windowList = *Platform::services().windowList;
+    const QList<WindowEntry> untitled =
+        windowList.windowsWithoutTitles(DesktopWindows::Include).value_or(QList<WindowEntry>{});
+    const QList<WindowEntry> titled = windowList.windows(DesktopWindows::Include).value_or(QList<WindowEntry>{});
+    ASSERT_EQ(untitled.size(), titled.size());
+    for (qsizetype i = 0; i < titled.size(); ++i) {
+        EXPECT_FALSE(untitled[i].title.has_value()) << untitled[i].id;
+        WindowEntry withTitle = untitled[i];
+        withTitle.title = titled[i].title;
+        EXPECT_EQ(withTitle, titled[i]) << titled[i].id;
+    }
+    for (quint32 listed : {window, iconic, menu}) {
+        EXPECT_TRUE(lists(untitled, listed)) << listed;
+    }
+    EXPECT_EQ(entryFor(window)->title, QStringLiteral("titled"));
+    EXPECT_FALSE(entryFor(iconic)->onScreen);
+}
+
 // Under a window manager the root's other children are mostly its frames, and it names a check window
 // made by its own connection; windows of that connection are not read. A check window that does not
 // name itself back (one left behind by a window manager that has gone) does not count.
