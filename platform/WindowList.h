@@ -35,4 +35,9 @@ public:
 
     // Every top-level window, front to back; nothing when the list is unavailable.
     virtual std::optional<QList<WindowEntry>> windows(DesktopWindows desktopWindows) = 0;
+    // The same list for callers that never show titles: an entry may come without its title, which
+    // saves a read per window where a title is one. Every other field is as in windows().
+    virtual std::optional<QList<WindowEntry>> windowsWithoutTitles(DesktopWindows desktopWindows) {
+        return windows(desktopWindows);
+    }
 };

@@ -61,7 +61,8 @@ QHash<pid_t, AXWindowMetadata> ScreenSnapshotService::axWindowMetadataByOwnerPID
 }
 
 QList<QualifiedWindow> ScreenSnapshotService::qualifyingWindows() {
-    const std::optional<QList<WindowEntry>> list = Platform::services().windowList->windows(DesktopWindows::Exclude);
+    const std::optional<QList<WindowEntry>> list =
+        Platform::services().windowList->windowsWithoutTitles(DesktopWindows::Exclude);
     if (!list) {
         return {};
     }

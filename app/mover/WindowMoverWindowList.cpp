@@ -5,7 +5,7 @@
 #include "platform/Platform.h"
 
 std::optional<QList<WindowEntry>> WindowMover::windowListIncludingOffscreen() {
-    return Platform::services().windowList->windows(DesktopWindows::Exclude);
+    return Platform::services().windowList->windowsWithoutTitles(DesktopWindows::Exclude);
 }
 
 QString WindowMover::windowListKey(pid_t pid, qint64 windowNumber) {

@@ -75,4 +75,7 @@ struct X11RootFacts {
     xcb_window_t activeWindow = XCB_NONE;
     std::optional<quint32> currentDesktop;
     QPoint globalOriginInRoot;  // the primary monitor's top-left corner
+    // The window the window manager names as its own (_NET_SUPPORTING_WM_CHECK), not yet checked to name
+    // itself back.
+    xcb_window_t windowManagerCheck = XCB_NONE;
 };

@@ -14,12 +14,20 @@ X11WindowList::X11WindowList(X11Connection& connection, X11WindowDesktopEntries&
     : m_reader(connection, cache), m_kinds(connection), m_entries(entries) {}
 
 std::optional<QList<WindowEntry>> X11WindowList::windows(DesktopWindows desktopWindows) {
+    return read(desktopWindows, true);
+}
+
+std::optional<QList<WindowEntry>> X11WindowList::windowsWithoutTitles(DesktopWindows desktopWindows) {
+    return read(desktopWindows, false);
+}
+
+std::optional<QList<WindowEntry>> X11WindowList::read(DesktopWindows desktopWindows, bool withTitles) {
     constexpr unsigned kFields = X11WindowFacts::Geometry | X11WindowFacts::Type | X11WindowFacts::State |
-                                 X11WindowFacts::Desktop | X11WindowFacts::Opacity | X11WindowFacts::Title |
-                                 X11WindowFacts::Class;
+                                 X11WindowFacts::Desktop | X11WindowFacts::Opacity | X11WindowFacts::Class;
     QElapsedTimer timer;
     timer.start();
-    const X11WindowTable table = X11WindowTable::read(m_reader, kFields, m_afterListing);
+    const X11WindowTable table =
+        X11WindowTable::read(m_reader, kFields | (withTitles ? X11WindowFacts::Title : 0u), m_afterListing);
     const qint64 readNs = timer.nsecsElapsed();
     if (!table.root.connected) {
         return std::nullopt;
@@ -53,7 +61,9 @@ std::optional<QList<WindowEntry>> X11WindowList::windows(DesktopWindows desktopW
         entry.layer = m_kinds.layer(facts);
         entry.opacity = facts.opacity.value_or(1.0);
         entry.onScreen = m_kinds.isOnscreen(facts, table.root.currentDesktop);
-        entry.title = facts.title;
+        if (withTitles) {
+            entry.title = facts.title;
+        }
         list.append(entry);
     }
     qCDebug(lcWindowList) << table.windows.size() << "windows: read" << readNs / 1000 << "us, owners"

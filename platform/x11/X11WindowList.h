@@ -18,12 +18,16 @@ public:
     X11WindowList(X11Connection& connection, X11WindowDesktopEntries& entries, X11WindowCache* cache = nullptr);
 
     std::optional<QList<WindowEntry>> windows(DesktopWindows desktopWindows) override;
+    // Leaves every title out: _NET_WM_NAME is a request of its own per window.
+    std::optional<QList<WindowEntry>> windowsWithoutTitles(DesktopWindows desktopWindows) override;
 
     // Runs between reading the window manager's list and reading the windows, so that tests can make
     // windows vanish at that moment.
     void setAfterListingHookForTesting(std::function<void()> hook) { m_afterListing = std::move(hook); }
 
 private:
+    std::optional<QList<WindowEntry>> read(DesktopWindows desktopWindows, bool withTitles);
+
     X11WindowReader m_reader;
     X11WindowKinds m_kinds;
     X11WindowDesktopEntries& m_entries;

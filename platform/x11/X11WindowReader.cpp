@@ -64,7 +64,8 @@ X11WindowReader::X11WindowReader(X11Connection& connection, X11WindowCache* cach
     : m_connection(cache != nullptr ? cache->connection() : connection), m_cache(cache) {
     m_connection.internAtoms({"_NET_CLIENT_LIST_STACKING", "_NET_ACTIVE_WINDOW", "_NET_CURRENT_DESKTOP",
                               "_NET_FRAME_EXTENTS", "_NET_WM_WINDOW_TYPE", "_NET_WM_STATE", "_NET_WM_DESKTOP",
-                              "_NET_WM_PID", "_NET_WM_WINDOW_OPACITY", "_NET_WM_NAME", "UTF8_STRING"});
+                              "_NET_WM_PID", "_NET_WM_WINDOW_OPACITY", "_NET_WM_NAME", "UTF8_STRING",
+                              "_NET_SUPPORTING_WM_CHECK"});
     m_atoms = {m_connection.atom("_NET_FRAME_EXTENTS"), m_connection.atom("_NET_WM_WINDOW_TYPE"),
                m_connection.atom("_NET_WM_STATE"),      m_connection.atom("_NET_WM_DESKTOP"),
                m_connection.atom("_NET_WM_PID"),        m_connection.atom("_NET_WM_WINDOW_OPACITY"),
@@ -95,7 +96,7 @@ X11RootFacts X11WindowReader::readRoot(unsigned fields) {
     auto property = [&](const char* name, xcb_atom_t type, uint32_t length) {
         return xcb_get_property(xcb, 0, root, m_connection.atom(name), type, 0, length);
     };
-    xcb_get_property_cookie_t clientList{}, active{}, desktop{};
+    xcb_get_property_cookie_t clientList{}, active{}, desktop{}, check{};
     xcb_query_tree_cookie_t tree{};
     xcb_randr_get_monitors_cookie_t monitors{};
     if (fields & ClientList) {
@@ -106,6 +107,9 @@ X11RootFacts X11WindowReader::readRoot(unsigned fields) {
     }
     if (fields & CurrentDesktop) {
         desktop = property("_NET_CURRENT_DESKTOP", XCB_ATOM_CARDINAL, 1);
+    }
+    if (fields & WindowManagerCheck) {
+        check = property("_NET_SUPPORTING_WM_CHECK", XCB_ATOM_WINDOW, 1);
     }
     if (fields & Children) {
         tree = xcb_query_tree(xcb, root);
@@ -135,6 +139,9 @@ X11RootFacts X11WindowReader::readRoot(unsigned fields) {
     }
     if (fields & CurrentDesktop) {
         facts.currentDesktop = firstCardinal(takeProperty(xcb, desktop, &unused).get());
+    }
+    if (fields & WindowManagerCheck) {
+        facts.windowManagerCheck = firstCardinal(takeProperty(xcb, check, &unused).get()).value_or(XCB_NONE);
     }
     if (fields & Children) {
         const auto reply = take<xcb_query_tree_reply_t>(xcb, tree, xcb_query_tree_reply, &unused);

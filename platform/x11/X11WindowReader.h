@@ -29,6 +29,7 @@ public:
         ActiveWindow = 1u << 2,
         CurrentDesktop = 1u << 3,
         GlobalOrigin = 1u << 5,
+        WindowManagerCheck = 1u << 6,
     };
     struct Request {
         xcb_window_t window = XCB_NONE;

@@ -5,6 +5,7 @@
 #include <QSet>
 
 #include "platform/x11/X11Connection.h"
+#include "platform/x11/X11WindowManagerWindows.h"
 
 namespace {
 
@@ -34,9 +35,9 @@ void merge(QList<X11WindowFacts>& windows, const QList<X11WindowFacts>& extra) {
 X11WindowTable X11WindowTable::read(X11WindowReader& reader, unsigned managedFields,
                                     const std::function<void()>& afterListing) {
     X11WindowTable table;
-    table.root =
-        reader.readRoot(X11WindowReader::ClientList | X11WindowReader::Children | X11WindowReader::ActiveWindow |
-                        X11WindowReader::CurrentDesktop | X11WindowReader::GlobalOrigin);
+    table.root = reader.readRoot(X11WindowReader::ClientList | X11WindowReader::Children |
+                                 X11WindowReader::ActiveWindow | X11WindowReader::CurrentDesktop |
+                                 X11WindowReader::GlobalOrigin | X11WindowReader::WindowManagerCheck);
     if (!table.root.connected) {
         return table;
     }
@@ -61,12 +62,26 @@ X11WindowTable X11WindowTable::read(X11WindowReader& reader, unsigned managedFie
         requests.append({*it, managedFirst});
     }
     const qsizetype managedCount = requests.size();
+    // Under a reparenting window manager most other root children are its frames, one per client. They
+    // and the window manager's other windows are made by its own connection, the one that made the check
+    // window it names, so their attributes are not read. That is checked in the same stage: a check
+    // window that does not name itself back is a stale one, and then every other root child is read.
+    X11WindowManagerWindows windowManagerWindows(reader.connection(), table.root);
+    QList<X11WindowReader::Request> windowManagerRequests;
     for (auto it = table.root.rootChildren.crbegin(); it != table.root.rootChildren.crend(); ++it) {
-        if (!managed.contains(*it)) {
+        if (managed.contains(*it)) {
+            continue;
+        }
+        if (windowManagerWindows.madeBy(*it)) {
+            windowManagerRequests.append({*it, X11WindowFacts::Attributes});
+        } else {
             requests.append({*it, X11WindowFacts::Attributes});
         }
     }
-    const QList<X11WindowFacts> stage2 = reader.readWindows(requests);
+    QList<X11WindowFacts> stage2 = reader.readWindows(requests);
+    if (!windowManagerRequests.isEmpty() && !windowManagerWindows.confirmed()) {
+        stage2 += reader.readWindows(windowManagerRequests);
+    }
 
     // Stage 3: the unmanaged windows' properties, the transient-for of managed windows without a type,
     // and the class of each owner's first window.

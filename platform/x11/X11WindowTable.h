@@ -9,8 +9,9 @@
 
 // Every top-level client window of the desktop, front to back: unmanaged (override-redirect) windows
 // first, top-most first, then the window manager's clients from its stacking list, reversed. Without a
-// window manager every mapped root child counts as unmanaged. Windows that vanish while being read are
-// left out.
+// window manager every mapped root child counts as unmanaged. The window manager's own windows (its
+// frames, menus and on-screen displays) are not client windows and are left out. Windows that vanish
+// while being read are left out.
 struct X11WindowTable {
     X11RootFacts root;
     QList<X11WindowFacts> windows;

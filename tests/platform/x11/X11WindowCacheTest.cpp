@@ -103,6 +103,40 @@ TEST_F(X11WindowCacheTest, ClearedCacheWatchesNoWindowAgain) {
     EXPECT_LE(secondRead + 40, firstRead);
 }
 
+TEST_F(X11WindowCacheTest, ColdReadAsksNothingOfFramesAndNoTitlesWhenLeftOut) {
+    WindowList& windowList = *Platform::services().windowList;
+    // Requests of a read with nothing known, once every window has been watched.
+    auto coldRequests = [&](bool withTitles) {
+        cache->clear();
+        const quint32 before = nextSequence();
+        const auto entries = withTitles ? windowList.windows(DesktopWindows::Include)
+                                        : windowList.windowsWithoutTitles(DesktopWindows::Include);
+        EXPECT_TRUE(entries.has_value());
+        return nextSequence() - before - 1;
+    };
+    ASSERT_EQ(client.openMany(QStringLiteral("first"), 10, placement(0, 100, 100, 300, 200)).size(), 10);
+    list();
+    const quint32 untitledBefore = coldRequests(false);
+    const quint32 titledBefore = coldRequests(true);
+    ASSERT_EQ(client.openMany(QStringLiteral("more"), 10, placement(0, 100, 100, 300, 200)).size(), 10);
+    list();
+    // Each window of the same owner costs its size, root position and frame extents, its type, state,
+    // desktop and opacity, and its title when asked; the frame the window manager made for it, nothing.
+    EXPECT_EQ(coldRequests(false) - untitledBefore, 10u * 7);
+    EXPECT_EQ(coldRequests(true) - titledBefore, 10u * 8);
+}
+
+TEST_F(X11WindowCacheTest, TitleReadAfterAListWithoutTitlesIsTheCurrentOne) {
+    const quint32 window = client.open(QStringLiteral("before"), placement(0, 100, 100, 300, 200));
+    ASSERT_NE(window, 0u);
+    ASSERT_EQ(titleOf(window), QStringLiteral("before"));
+    setTitle(window, "after");
+    const auto untitled = Platform::services().windowList->windowsWithoutTitles(DesktopWindows::Include);
+    ASSERT_TRUE(untitled.has_value());
+    ASSERT_TRUE(lists(*untitled, window));
+    EXPECT_EQ(titleOf(window), QStringLiteral("after"));
+}
+
 TEST_F(X11WindowCacheTest, FactsOfListedWindowsAskNothingPerWindow) {
     const QList<quint32> windows = client.openMany(QStringLiteral("known"), 40, placement(0, 100, 100, 300, 200));
     ASSERT_EQ(windows.size(), 40);

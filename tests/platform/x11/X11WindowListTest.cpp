@@ -300,4 +300,80 @@ TEST_F(X11WindowListTest, OrdinaryWindowIsListedWithOrWithoutDesktopWindows) {
     EXPECT_TRUE(entryFor(window, DesktopWindows::Exclude).has_value());
 }
 
+TEST_F(X11WindowListTest, ListWithoutTitlesHasEveryOtherFieldOfTheFullList) {
+    const quint32 window = client.open(QStringLiteral("titled"), placement(1, 100, 100, 400, 300));
+    const quint32 iconic =
+        client.open(QStringLiteral("iconic"), placement(0, 100, 100, 300, 200) + QStringLiteral(" states=minimized"));
+    const quint32 menu =
+        client.open(QStringLiteral("menu"), placement(0, 200, 200, 300, 200) + QStringLiteral(" type=override"));
+    ASSERT_NE(window, 0u);
+    ASSERT_NE(iconic, 0u);
+    ASSERT_NE(menu, 0u);
+    WindowList& windowList = *Platform::services().windowList;
+    const QList<WindowEntry> untitled =
+        windowList.windowsWithoutTitles(DesktopWindows::Include).value_or(QList<WindowEntry>{});
+    const QList<WindowEntry> titled = windowList.windows(DesktopWindows::Include).value_or(QList<WindowEntry>{});
+    ASSERT_EQ(untitled.size(), titled.size());
+    for (qsizetype i = 0; i < titled.size(); ++i) {
+        EXPECT_FALSE(untitled[i].title.has_value()) << untitled[i].id;
+        WindowEntry withTitle = untitled[i];
+        withTitle.title = titled[i].title;
+        EXPECT_EQ(withTitle, titled[i]) << titled[i].id;
+    }
+    for (quint32 listed : {window, iconic, menu}) {
+        EXPECT_TRUE(lists(untitled, listed)) << listed;
+    }
+    EXPECT_EQ(entryFor(window)->title, QStringLiteral("titled"));
+    EXPECT_FALSE(entryFor(iconic)->onScreen);
+}
+
+// Under a window manager the root's other children are mostly its frames, and it names a check window
+// made by its own connection; windows of that connection are not read. A check window that does not
+// name itself back (one left behind by a window manager that has gone) does not count.
+TEST_F(X11WindowListTest, WindowsOfTheConnectionOfAStaleCheckWindowAreStillListed) {
+    const quint32 normal = client.open(QStringLiteral("normal"), placement(0, 100, 100, 300, 200));
+    const quint32 menu =
+        client.open(QStringLiteral("menu"), placement(0, 200, 200, 300, 200) + QStringLiteral(" type=override"));
+    ASSERT_NE(normal, 0u);
+    ASSERT_NE(menu, 0u);
+    X11Connection& connection = platform->connection();
+    const std::unique_ptr<X11Connection> other = X11Connection::open(connection.displayName());
+    ASSERT_NE(other, nullptr);
+    xcb_connection_t* c = other->xcb();
+    const xcb_atom_t checkAtom = connection.atom("_NET_SUPPORTING_WM_CHECK");
+    xcb_get_property_reply_t* saved = xcb_get_property_reply(
+        xcb(), xcb_get_property(xcb(), 0, connection.root(), checkAtom, XCB_ATOM_WINDOW, 0, 1), nullptr);
+    ASSERT_NE(saved, nullptr);
+    ASSERT_EQ(xcb_get_property_value_length(saved), 4) << "the window manager names no check window";
+    const xcb_window_t windowManagerCheck = *static_cast<const xcb_window_t*>(xcb_get_property_value(saved));
+    std::free(saved);
+    // An override-redirect window, shown, made by the other connection.
+    const xcb_window_t popup = xcb_generate_id(c);
+    const uint32_t values[] = {1u};
+    xcb_create_window(c, XCB_COPY_FROM_PARENT, popup, other->root(), monitors()[0].x() + 50, monitors()[0].y() + 50,
+                      200, 150, 0, XCB_WINDOW_CLASS_INPUT_OUTPUT, XCB_COPY_FROM_PARENT, XCB_CW_OVERRIDE_REDIRECT,
+                      values);
+    xcb_map_window(c, popup);
+    auto setCheck = [c](xcb_window_t on, xcb_atom_t atom, xcb_window_t value) {
+        xcb_change_property(c, XCB_PROP_MODE_REPLACE, on, atom, XCB_ATOM_WINDOW, 32, 1, &value);
+        std::free(xcb_get_input_focus_reply(c, xcb_get_input_focus(c), nullptr));
+    };
+    setCheck(other->root(), checkAtom, popup);
+    const QList<WindowEntry> withStaleCheck = list();
+    // Once the popup names itself, its connection reads as the window manager's, and its windows are
+    // not listed; every client's window still is.
+    setCheck(popup, checkAtom, popup);
+    const QList<WindowEntry> withConfirmedCheck = list();
+    setCheck(other->root(), checkAtom, windowManagerCheck);
+    const QList<WindowEntry> restored = list();
+
+    EXPECT_TRUE(lists(withStaleCheck, popup));
+    EXPECT_FALSE(lists(withConfirmedCheck, popup));
+    EXPECT_TRUE(lists(restored, popup));
+    for (const QList<WindowEntry>* entries : {&withStaleCheck, &withConfirmedCheck, &restored}) {
+        EXPECT_TRUE(lists(*entries, normal));
+        EXPECT_TRUE(lists(*entries, menu));
+    }
+}
+
 }  // namespace
