@@ -166,6 +166,10 @@ void AppController::setPreviewsShown(bool shown) {
     const bool holdsPictures = std::any_of(m_displays.cbegin(), m_displays.cend(),
                                            [](const DisplaySnapshot& display) { return display.previewImage; });
     if (holdsPictures) {
+        // Letting tens of megabytes of pictures go takes milliseconds (the shared memory is unmapped):
+        // the last reference goes on a background thread, so that the program answers the next click at once.
+        QList<DisplaySnapshot> withPictures = m_displays;
         setDisplays(withoutPreviews(m_displays));
+        QThreadPool::globalInstance()->start([pictures = std::move(withPictures)]() mutable { pictures.clear(); });
     }
 }
