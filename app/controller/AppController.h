@@ -86,7 +86,9 @@ public:
     // The panel is about to show the previews over area (global space) and will tell when it has been
     // painted. Where the platform can, what lies there is captured now, before the panel covers it, and
     // the previews of this opening show it in the panel's place. Their capture then waits until the panel
-    // has been painted (or a short time has passed): the server draws the panel first.
+    // has been painted (or a short time has passed): the server draws the panel first. With an empty area
+    // (a window that a window manager may still move) or no picture of it, the monitors are captured at
+    // once, before the panel is mapped.
     void previewsViewShowing(const QRectF& area);
     // The panel's first paint since previewsViewShowing has been drawn.
     void previewsViewPainted();

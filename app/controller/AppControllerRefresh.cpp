@@ -90,7 +90,13 @@ void AppController::previewsViewShowing(const QRectF& area) {
         return;
     }
     // Taken before the panel is mapped: the platform answers once the picture is taken.
-    m_backdrop = {area, Platform::services().monitors->captureArea(area)};
+    const QImage under = area.isEmpty() ? QImage() : Platform::services().monitors->captureArea(area);
+    if (under.isNull()) {
+        // Nothing to show in the panel's place: the monitors are captured now, before the panel is mapped.
+        startPendingCapture();
+        return;
+    }
+    m_backdrop = {area, under};
     m_awaitingViewPaint = true;
     m_viewPaintBound.start();
 }

@@ -20,7 +20,12 @@ QImage FakeMonitors::capture(MonitorId id) {
 QImage FakeMonitors::captureArea(const QRectF& area) {
     m_capturedAreas.append(area);
     m_capturesBeforeAreas.append(m_captureCount);
-    if (!m_areaColour.isValid() || area.isEmpty()) {
+    // Like a real screen, an area that reaches past the monitors gives no picture.
+    QRectF screen;
+    for (const Monitor& monitor : m_monitors) {
+        screen = screen.united(monitor.bounds);
+    }
+    if (!m_areaColour.isValid() || area.isEmpty() || !screen.contains(area)) {
         return {};
     }
     QImage picture(area.toAlignedRect().size(), QImage::Format_RGB32);

@@ -92,6 +92,29 @@ TEST_F(PanelBackdrop, APanelHiddenBeforeItWasPaintedStartsTheCapture) {
     EXPECT_EQ(controller().displays()[0].visibleWindowCount, 0);
 }
 
+TEST_F(PanelBackdrop, APanelWithoutAKnownAreaHasTheMonitorsCapturedBeforeItIsMapped) {
+    platform.monitors.setAreaColour(kUnderThePanel);
+    controller().refreshForMenuOpen();
+    // An ordinary window, which a window manager may still move: no area.
+    controller().previewsViewShowing(QRectF());
+    EXPECT_TRUE(platform.monitors.capturedAreas().isEmpty());
+    // Started at once, without a turn of the event loop.
+    QThreadPool::globalInstance()->waitForDone();
+    EXPECT_EQ(platform.monitors.captureCount(), 2);
+    ASSERT_TRUE(waitUntil([&] { return previewsArrived(controller()); }));
+}
+
+TEST_F(PanelBackdrop, AnAreaWithoutAPictureHasTheMonitorsCapturedBeforeThePanelIsMapped) {
+    platform.monitors.setAreaColour(kUnderThePanel);
+    controller().refreshForMenuOpen();
+    // Reaching past the monitors: the fake, like the X11 platform, takes no picture of it.
+    controller().previewsViewShowing(QRectF(-500, -500, 400, 300));
+    ASSERT_EQ(platform.monitors.capturedAreas().size(), 1);
+    QThreadPool::globalInstance()->waitForDone();
+    EXPECT_EQ(platform.monitors.captureCount(), 2);
+    ASSERT_TRUE(waitUntil([&] { return previewsArrived(controller()); }));
+}
+
 TEST_F(PanelBackdrop, APlatformWithoutAreaPicturesCapturesTheMonitorsBeforeThePanelShows) {
     // The fake takes no area pictures unless told to.
     controller().refreshForMenuOpen();

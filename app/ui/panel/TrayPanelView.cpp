@@ -433,10 +433,8 @@ void TrayPanelView::showEvent(QShowEvent* event) {
     m_previewsPaintedTold = false;
     QWidget::showEvent(event);
     // Told before the window is mapped (the toolkit maps it after this event). Only a popup stands where
-    // it was put; a window manager may still move an ordinary window.
-    if (window()->windowType() == Qt::Popup) {
-        m_controller.previewsViewShowing(displaySpaceArea());
-    }
+    // it was put; a window manager may still move an ordinary window, so no area is known for one.
+    m_controller.previewsViewShowing(window()->windowType() == Qt::Popup ? displaySpaceArea() : QRectF());
     // Opened from the tray by keyboard or mouse, the panel is ready for the keyboard at once.
     focusFirstControl();
 }
