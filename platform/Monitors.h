@@ -46,6 +46,15 @@ public:
     // A full-resolution picture of the monitor's current contents; a null image when it cannot be taken.
     // Safe to call from any thread.
     virtual QImage capture(MonitorId id) = 0;
+    // Whether captureArea can take pictures here.
+    virtual bool canCaptureAreas() const { return false; }
+    // A full-resolution picture of an area of the global space, as it is on screen when the call returns
+    // (so that one of our windows shown afterwards is not in it); a null image when it cannot be taken.
+    // Safe to call from any thread.
+    virtual QImage captureArea(const QRectF& area) {
+        Q_UNUSED(area);
+        return {};
+    }
 
 Q_SIGNALS:
     // Emitted once per monitor configuration change, on the main thread.

@@ -63,6 +63,11 @@ AppController::AppController(KeyboardShortcuts::ActionShortcuts* shortcuts, std:
     connect(&m_shortcuts, &KeyboardShortcuts::ActionShortcuts::shortcutChanged, this,
             [this] { reviewPreferencesWrite(true); });
 
+    // A capture waits this long at most for the panel it was started for to be painted.
+    m_viewPaintBound.setSingleShot(true);
+    m_viewPaintBound.setInterval(50);
+    connect(&m_viewPaintBound, &QTimer::timeout, this, &AppController::startPendingCapture);
+
     // 10. A display configuration change rebuilds only the shortcut lists.
     QPointer<AppController> weakSelf(this);
     m_monitorsObserver = connect(

@@ -7,9 +7,12 @@
 #include <QPointer>
 #include <QSet>
 #include <QString>
+#include <QTimer>
 #include <QUuid>
 #include <memory>
+#include <optional>
 
+#include "app/controller/PreviewBackdrop.h"
 #include "app/displayshortcuts/DisplayShortcuts.h"
 #include "app/model/Models.h"
 #include "app/model/Preferences.h"
@@ -80,6 +83,15 @@ public:
     // Whether a view shows the preview pictures (the panel is open). While none does, the pictures are let
     // go, and captures (a move's refresh, one still running) keep none: the next opening takes new ones.
     void setPreviewsShown(bool shown);
+    // The panel is about to show the previews over area (global space) and will tell when it has been
+    // painted. Where the platform can, what lies there is captured now, before the panel covers it, and
+    // the previews of this opening show it in the panel's place. Their capture then waits until the panel
+    // has been painted (or a short time has passed): the server draws the panel first. With an empty area
+    // (a window that a window manager may still move) or no picture of it, the monitors are captured at
+    // once, before the panel is mapped.
+    void previewsViewShowing(const QRectF& area);
+    // The panel's first paint since previewsViewShowing has been drawn.
+    void previewsViewPainted();
 
     // Move commands; each reports its outcome in statusMessage.
     void moveWindows(const DisplaySnapshot& source, const DisplaySnapshot& destination);
@@ -150,6 +162,10 @@ private:
     void setDisplays(const QList<DisplaySnapshot>& displays);
     void setIsLoadingPreviews(bool loading);
     void applyCapturedSnapshots(const QList<DisplaySnapshot>& snapshots, const QUuid& token);
+    // Starts the background capture of a refresh; its previews show the backdrop where it lies.
+    void startCapture(const QList<DisplayDescriptor>& descriptors, const QUuid& token, const PreviewBackdrop& backdrop);
+    // Starts the capture that waits for the panel, if one still waits.
+    void startPendingCapture();
     // After a write of the preferences: a user's change that was not stored raises the notice, any
     // successful write clears it.
     void reviewPreferencesWrite(bool userChange);
@@ -178,5 +194,15 @@ private:
     DisplayShortcuts m_displayShortcuts;
     QUuid m_previewLoadID;
     bool m_previewsShown = true;
+    // A refresh's capture not started yet, because the panel may be about to show (see previewsViewShowing).
+    struct PendingCapture {
+        QList<DisplayDescriptor> descriptors;
+        QUuid token;
+    };
+    std::optional<PendingCapture> m_pendingCapture;
+    PreviewBackdrop m_backdrop;
+    bool m_awaitingViewPaint = false;
+    // How long a capture waits for the panel's paint at most.
+    QTimer m_viewPaintBound;
     QMetaObject::Connection m_monitorsObserver;
 };

@@ -16,3 +16,19 @@ QImage FakeMonitors::capture(MonitorId id) {
         std::any_of(m_monitors.cbegin(), m_monitors.cend(), [id](const Monitor& monitor) { return monitor.id == id; });
     return connected ? m_pictures.value(id) : QImage();
 }
+
+QImage FakeMonitors::captureArea(const QRectF& area) {
+    m_capturedAreas.append(area);
+    m_capturesBeforeAreas.append(m_captureCount);
+    // Like a real screen, an area that reaches past the monitors gives no picture.
+    QRectF screen;
+    for (const Monitor& monitor : m_monitors) {
+        screen = screen.united(monitor.bounds);
+    }
+    if (!m_areaColour.isValid() || area.isEmpty() || !screen.contains(area)) {
+        return {};
+    }
+    QImage picture(area.toAlignedRect().size(), QImage::Format_RGB32);
+    picture.fill(m_areaColour);
+    return picture;
+}

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <QColor>
 #include <QHash>
 #include <atomic>
 
@@ -18,12 +19,23 @@ public:
     void setPicture(MonitorId id, const QImage& picture) { m_pictures.insert(id, picture); }
     QImage picture(MonitorId id) const { return m_pictures.value(id); }
     int captureCount() const { return m_captureCount; }
+    // Lets captureArea answer, with pictures in this colour; an invalid colour (the default) leaves it unable.
+    void setAreaColour(const QColor& colour) { m_areaColour = colour; }
+    // The areas captureArea was asked for, and how many monitor captures had been taken before each.
+    QList<QRectF> capturedAreas() const { return m_capturedAreas; }
+    QList<int> capturesBeforeAreas() const { return m_capturesBeforeAreas; }
 
     QList<Monitor> monitors() override { return m_monitors; }
     QImage capture(MonitorId id) override;
+    bool canCaptureAreas() const override { return m_areaColour.isValid(); }
+    // Called on the main thread only: the controller takes these pictures there.
+    QImage captureArea(const QRectF& area) override;
 
 private:
     QList<Monitor> m_monitors;
     QHash<MonitorId, QImage> m_pictures;
     std::atomic<int> m_captureCount = 0;
+    QColor m_areaColour;
+    QList<QRectF> m_capturedAreas;
+    QList<int> m_capturesBeforeAreas;
 };

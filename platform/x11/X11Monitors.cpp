@@ -189,6 +189,9 @@ QList<X11Monitors::RandrMonitor> X11Monitors::fetchMonitors() {
     for (const RandrMonitor& monitor : monitors) {
         m_rootRects.insert(monitor.monitor.id, monitor.rootRect);
     }
+    if (!monitors.isEmpty()) {
+        m_globalOrigin = monitors.first().rootRect.topLeft();
+    }
     return monitors;
 }
 
@@ -218,4 +221,22 @@ QImage X11Monitors::capture(MonitorId id) {
         rect = *found;
     }
     return m_capture.capture(rect);
+}
+
+bool X11Monitors::canCaptureAreas() const {
+    return true;
+}
+
+QImage X11Monitors::captureArea(const QRectF& area) {
+    QPoint origin;
+    {
+        QMutexLocker lock(&m_rectMutex);
+        origin = m_globalOrigin;
+    }
+    // The whole pixels the area touches. The capture answers only once the server has taken the picture,
+    // so a window mapped after this call returns cannot be in it.
+    const QRect rect = area.toAlignedRect().translated(origin);
+    QImage picture = m_capture.capture(rect);
+    // Cut at the screen's edge, it would no longer be a picture of the area.
+    return picture.size() == rect.size() ? picture : QImage();
 }

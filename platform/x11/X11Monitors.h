@@ -22,6 +22,8 @@ public:
 
     QList<Monitor> monitors() override;
     QImage capture(MonitorId id) override;
+    bool canCaptureAreas() const override;
+    QImage captureArea(const QRectF& area) override;
     // True from a configuration event until the monitors have been compared with the last announced ones.
     bool isChangePending() const { return m_coalesceTimer.isActive(); }
 
@@ -47,6 +49,7 @@ private:
     QList<RandrMonitor> m_signalledMonitors;  // the configuration last announced
     QMutex m_rectMutex;
     QHash<MonitorId, QRect> m_rootRects;  // read by capture threads
+    QPoint m_globalOrigin;                // the primary monitor's top-left corner on the root window
     QSet<QString> m_reportedIdentityChanges;
     X11Capture m_capture;
 };

@@ -22,7 +22,9 @@
 #include "app/ui/LatticaApp.h"
 #include "app/ui/WindowPresenter.h"
 #include "app/ui/panel/DisplayCardView.h"
+#include "app/ui/panel/PanelGeometry.h"
 #include "app/ui/panel/TrayPanelView.h"
+#include "platform/Monitors.h"
 #include "platform/SettingsStore.h"
 #include "platform/TaskbarPresence.h"
 #include "platform/WindowList.h"
@@ -381,6 +383,83 @@ TEST_F(PanelOnDesktop, TrayClickOpensThePanelWithOneCardPerMonitorAndPreviews) {
                     opening, static_cast<long long>(watcher.cardsPainted),
                     watcher.firstPaintWasPlaceholder ? "placeholders" : "the capture had already arrived",
                     static_cast<long long>(watcher.previewsPainted));
+    }
+}
+
+// The panel is not in its own monitor's preview: where it stands, the preview shows what lies under it,
+// and everywhere else what the windows drew, on the first opening (the panel built before the click) and
+// on a later one.
+TEST_F(PanelOnDesktop, PreviewsShowWhatLiesUnderThePanelNotThePanel) {
+    ASSERT_TRUE(waitUntilTrayIconSettled());
+    // Where the panel will open: as the program places it, next to the icon on the icon's screen.
+    const QScreen* screen = QGuiApplication::screenAt(trayIconCentre());
+    ASSERT_NE(screen, nullptr);
+    const QRect icon = app->trayIcon()->geometry();
+    const QRect panel(
+        PanelGeometry::panelOrigin(app->panel()->size(), icon, trayIconCentre(), screen->availableGeometry()),
+        app->panel()->size());
+    int monitor = monitorOf(QRectF(panel));
+    ASSERT_GE(monitor, 0);
+    // One colour under the panel and a margin around it, short of the icon; another on the next monitor.
+    QRect under = panel.adjusted(-40, -40, 40, 0);
+    ASSERT_FALSE(under.intersects(icon)) << "the panel opens away from the icon";
+    const QColor underColour(0xcc, 0x22, 0x88);
+    const QColor otherColour(0x22, 0xaa, 0x44);
+    TestClient client;
+    ASSERT_TRUE(client.start());
+    ASSERT_NE(client.open(QStringLiteral("under"), QStringLiteral("type=override x=%1 y=%2 w=%3 h=%4 color=%5")
+                                                       .arg(under.x())
+                                                       .arg(under.y())
+                                                       .arg(under.width())
+                                                       .arg(under.height())
+                                                       .arg(underColour.name())),
+              0u);
+    const int other = (monitor + 1) % int(monitors.size());
+    const QRect otherRect(monitors[other].topLeft() + QPoint(100, 100), QSize(300, 200));
+    ASSERT_NE(client.open(QStringLiteral("other"), QStringLiteral("type=override x=%1 y=%2 w=300 h=200 color=%3")
+                                                       .arg(otherRect.x())
+                                                       .arg(otherRect.y())
+                                                       .arg(otherColour.name())),
+              0u);
+    Monitors* screens = Platform::services().monitors;
+    const auto colourOnScreen = [&](const QPoint& at) {
+        const QImage picture = screens->captureArea(QRectF(at, QSizeF(1, 1)));
+        return picture.isNull() ? QColor() : picture.pixelColor(0, 0);
+    };
+    ASSERT_TRUE(VirtualDesktop::waitUntil([&] {
+        return colourOnScreen(panel.center()) == underColour && colourOnScreen(otherRect.center()) == otherColour;
+    }));
+
+    for (int opening = 1; opening <= 2; ++opening) {
+        SCOPED_TRACE(opening == 1 ? "first opening" : "later opening");
+        ASSERT_TRUE(openPanelByClick());
+        ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return previewsArrived(); }, 10000));
+        ASSERT_EQ(app->panel()->frameGeometry(), panel);
+        // The panel is really on screen where the preview shows the window under it.
+        EXPECT_NE(colourOnScreen(panel.center()), underColour);
+
+        const QList<DisplayCardView*> cards = app->panelContent()->cards();
+        const QImage preview = *cards[monitor]->display().previewImage;
+        ASSERT_EQ(preview.size(), monitors[monitor].size());
+        const QPoint offset = monitors[monitor].topLeft();
+        int wrong = 0;
+        for (int y = panel.top(); y <= panel.bottom(); y += 7) {
+            for (int x = panel.left(); x <= panel.right(); x += 7) {
+                wrong += preview.pixelColor(QPoint(x, y) - offset) == underColour ? 0 : 1;
+            }
+        }
+        for (const QPoint& corner : {panel.topLeft(), panel.topRight(), panel.bottomLeft(), panel.bottomRight()}) {
+            wrong += preview.pixelColor(corner - offset) == underColour ? 0 : 1;
+        }
+        EXPECT_EQ(wrong, 0) << "points of the panel's area that do not show the window under it";
+        // The margin around the panel is the window as it drew itself, and so is the other monitor's window.
+        EXPECT_EQ(preview.pixelColor(QPoint(panel.left() - 20, panel.center().y()) - offset), underColour);
+        EXPECT_EQ(preview.pixelColor(QPoint(panel.center().x(), panel.top() - 20) - offset), underColour);
+        const QImage otherPreview = *cards[other]->display().previewImage;
+        EXPECT_EQ(otherPreview.pixelColor(otherRect.center() - monitors[other].topLeft()), otherColour);
+
+        app->closePanel();
+        ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return panelIsUnmapped(); }));
     }
 }
 

@@ -117,4 +117,23 @@ TEST(PanelPlacement, PanelLargerThanTheScreenKeepsItsTopLeftCornerOnScreen) {
     EXPECT_EQ(panelOrigin(QSize(848, 444), QRect(380, 0, 20, 20), QPoint(), screen), QPoint(0, 0));
 }
 
+TEST(PanelDisplaySpace, ToolkitAndDisplaySpaceAgreeWithoutScaling) {
+    const QRectF area =
+        PanelGeometry::displaySpaceArea(QRect(3780, 996, 700, 420), QRect(1920, 0, 2560, 1440), 1.0, QPoint(0, 0));
+    EXPECT_EQ(area, QRectF(3780, 996, 700, 420));
+}
+
+TEST(PanelDisplaySpace, AScaledScreenKeepsItsCornerAndScalesWhatLiesInside) {
+    // The screen starts at 1920 in both spaces; 80 points into it are 160 pixels.
+    const QRectF area =
+        PanelGeometry::displaySpaceArea(QRect(2000, 500, 400, 300), QRect(1920, 0, 1280, 720), 2.0, QPoint(0, 0));
+    EXPECT_EQ(area, QRectF(2080, 1000, 800, 600));
+}
+
+TEST(PanelDisplaySpace, TheOriginIsThePrimaryMonitorsCorner) {
+    const QRectF area =
+        PanelGeometry::displaySpaceArea(QRect(100, 100, 50, 40), QRect(0, 0, 1920, 1080), 1.0, QPoint(-1280, 200));
+    EXPECT_EQ(area, QRectF(1380, -100, 50, 40));
+}
+
 }  // namespace

@@ -92,3 +92,9 @@ QPoint PanelGeometry::panelOrigin(const QSize& panelSize, const QRect& trayIcon,
     y = std::max(screen.top(), std::min(y, screen.bottom() + 1 - panelSize.height()));
     return {x, y};
 }
+
+QRectF PanelGeometry::displaySpaceArea(const QRect& window, const QRect& screen, double ratio,
+                                       const QPoint& primaryOrigin) {
+    const QPointF topLeft = QPointF(screen.topLeft()) + QPointF(window.topLeft() - screen.topLeft()) * ratio;
+    return {topLeft - QPointF(primaryOrigin), QSizeF(window.size()) * ratio};
+}

@@ -3,6 +3,7 @@
 
 #include <QPoint>
 #include <QRect>
+#include <QRectF>
 #include <QSize>
 
 // Sizes and placement of the tray panel. Pure functions of their arguments.
@@ -22,5 +23,10 @@ double previewHeight(double cardWidth);
 // empty, at the pointer), kept inside screen. The panel drops below an icon in the upper half of the
 // screen and rises above one in the lower half.
 QPoint panelOrigin(const QSize& panelSize, const QRect& trayIcon, const QPoint& pointer, const QRect& screen);
+
+// Where a window of the toolkit lies in the display space the monitors are described in: its own pixels,
+// with the primary monitor's top-left corner as origin. window and screen are in the toolkit's
+// coordinates; a screen keeps its top-left corner there and scales what lies inside it by ratio.
+QRectF displaySpaceArea(const QRect& window, const QRect& screen, double ratio, const QPoint& primaryOrigin);
 
 }  // namespace PanelGeometry

@@ -2,11 +2,13 @@
 #include "app/ui/panel/TrayPanelView.h"
 
 #include <QCoreApplication>
+#include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QScreen>
 #include <QStackedLayout>
 #include <QVBoxLayout>
 #include <algorithm>
@@ -66,6 +68,7 @@ TrayPanelView::TrayPanelView(AppController& controller, QWidget* parent) : QWidg
     connect(&m_controller, &AppController::permissionStateChanged, this, &TrayPanelView::render);
     connect(&m_controller, &AppController::displaysChanged, this, &TrayPanelView::render);
     connect(&m_controller, &AppController::isLoadingPreviewsChanged, this, &TrayPanelView::render);
+    connect(this, &TrayPanelView::cardsPainted, &m_controller, &AppController::previewsViewPainted);
     render();
 }
 
@@ -429,8 +432,25 @@ void TrayPanelView::showEvent(QShowEvent* event) {
     m_cardsPaintedTold = false;
     m_previewsPaintedTold = false;
     QWidget::showEvent(event);
+    // Told before the window is mapped (the toolkit maps it after this event). Only a popup stands where
+    // it was put; a window manager may still move an ordinary window, so no area is known for one.
+    m_controller.previewsViewShowing(window()->windowType() == Qt::Popup ? displaySpaceArea() : QRectF());
     // Opened from the tray by keyboard or mouse, the panel is ready for the keyboard at once.
     focusFirstControl();
+}
+
+QRectF TrayPanelView::displaySpaceArea() const {
+    const QRect frame = window()->frameGeometry();
+    const QScreen* screen = QGuiApplication::screenAt(frame.center());
+    if (screen == nullptr) {
+        screen = QGuiApplication::primaryScreen();
+    }
+    const QScreen* primary = QGuiApplication::primaryScreen();
+    if (screen == nullptr || primary == nullptr) {
+        return {};
+    }
+    return PanelGeometry::displaySpaceArea(frame, screen->geometry(), screen->devicePixelRatio(),
+                                           primary->geometry().topLeft());
 }
 
 void TrayPanelView::resizeEvent(QResizeEvent* event) {

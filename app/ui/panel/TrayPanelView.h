@@ -73,6 +73,8 @@ private:
     // Arrow keys between and within cards, digits for a card's target display.
     bool handleCardKey(DisplayCardView* card, QWidget* control, int key);
     void notePainted(DisplayCardView* card, bool withPreview);
+    // The panel window's area in the display space of the monitors.
+    QRectF displaySpaceArea() const;
 
     AppController& m_controller;
     State m_state = State::PermissionsRequired;

@@ -151,6 +151,34 @@ TEST_F(X11CaptureTest, SegmentsGoWithTheirPicturesWhileTheCaptureStays) {
     EXPECT_EQ(mappedSegments(), before);
 }
 
+TEST_F(X11CaptureTest, AnAreaOfTheGlobalSpaceIsTakenWholeAtItsPlace) {
+    const QColor colour(0x30, 0x60, 0xd0);
+    const quint32 window =
+        client.open(QStringLiteral("blue"), placement(2, 200, 150, 300, 200) + QStringLiteral(" color=#3060d0"));
+    ASSERT_NE(window, 0u);
+    Monitors* monitors = Platform::services().monitors;
+    ASSERT_TRUE(monitors->canCaptureAreas());
+    monitors->monitors();
+    // The window's client area in the global space, and a frame of 10 pixels around it.
+    const QRect clientArea = clientRect(window).translated(-globalOrigin);
+    ASSERT_FALSE(clientArea.isEmpty());
+    const QRectF area = QRectF(clientArea.adjusted(-10, -10, 10, 10));
+    QImage picture;
+    EXPECT_TRUE(VirtualDesktop::waitUntil([&] {
+        picture = monitors->captureArea(area);
+        return !picture.isNull() && picture.pixelColor(picture.rect().center()) == colour;
+    }));
+    ASSERT_EQ(picture.size(), QSize(clientArea.width() + 20, clientArea.height() + 20));
+    // The window fills the picture but for the frame around it.
+    EXPECT_EQ(picture.pixelColor(10, 10), colour);
+    EXPECT_EQ(picture.pixelColor(picture.width() - 11, picture.height() - 11), colour);
+    EXPECT_NE(picture.pixelColor(9, 10), colour);
+    EXPECT_NE(picture.pixelColor(picture.width() - 10, picture.height() - 11), colour);
+    // An area that reaches past the screen would be cut: no picture instead.
+    EXPECT_TRUE(monitors->captureArea(QRectF(QPointF(-100, -100) - QPointF(globalOrigin), QSizeF(200, 200))).isNull());
+    EXPECT_TRUE(monitors->captureArea(QRectF()).isNull());
+}
+
 TEST_F(X11CaptureTest, NothingToCaptureGivesANullPicture) {
     X11Capture capture(platform->connection().displayName());
     EXPECT_TRUE(capture.capture(QRect()).isNull());
