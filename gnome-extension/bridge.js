@@ -33,6 +33,10 @@ var BRIDGE_INTERFACE = `
     </method>
     <method name="Unminimize"><arg type="t" direction="in" name="id"/><arg type="s" direction="out" name="json"/></method>
     <method name="Activate"><arg type="t" direction="in" name="id"/><arg type="s" direction="out" name="json"/></method>
+    <method name="ActivateWhenShown">
+      <arg type="u" direction="in" name="pid"/><arg type="s" direction="in" name="title"/>
+      <arg type="s" direction="out" name="json"/>
+    </method>
     <method name="CaptureMonitor">
       <arg type="i" direction="in" name="monitor"/><arg type="ay" direction="out" name="png"/>
     </method>
@@ -55,6 +59,9 @@ var RELEASE_POLL_MS = 8;
 
 // How long a move waits for the window to report its new frame before answering with what it has.
 var SETTLE_TIMEOUT_MS = 1000;
+
+// How long ActivateWhenShown waits for the window to appear.
+var SHOW_TIMEOUT_MS = 5000;
 
 function frameOf(window) {
     const rect = window.get_frame_rect();
@@ -153,6 +160,8 @@ var LatticaBridge = class LatticaBridge {
         // Grabbed accelerators by Mutter's action number, and the one whose release is awaited.
         this._accelerators = new Map();
         this._held = null;
+        // The signals that close the activated pop-up on a click outside it.
+        this._outsideClickWatch = [];
     }
 
     enable() {
@@ -182,6 +191,7 @@ var LatticaBridge = class LatticaBridge {
         }
         this._latticaOwner = null;
         this._ungrabAll();
+        this._stopClosingOnClickOutside();
         for (const [object, id] of this._signals)
             object.disconnect(id);
         this._signals = [];
@@ -407,6 +417,92 @@ var LatticaBridge = class LatticaBridge {
             this._shell.activateWindow(window);
             return null;
         }, window => this._shell.display.get_focus_window() === window);
+    }
+
+    // Activates the process's window with the title once Mutter shows it: asked for as the window is
+    // being shown, before the client has created its surface, since a Wayland client cannot take the
+    // focus itself. A top bar menu still open (the tray host opens the icon's menu on the first click of
+    // a double click) is closed first: its grab would keep the keyboard and the first click from it.
+    ActivateWhenShownAsync([pid, title], invocation) {
+        if (!this._allowed(invocation))
+            return;
+        const shell = this._shell;
+        shell.closeTopBarMenu();
+        const reply = result => invocation.return_value(new shell.GLib.Variant('(s)', [JSON.stringify(result)]));
+        const matches = window => window.get_pid() === pid && window.get_title() === title;
+        const activate = window => {
+            shell.activateWindow(window);
+            this._closeOnClickOutside(window);
+            reply({result: 'ok', window: describeWindow(shell, window)});
+        };
+        const placed = stackedWindows(shell).filter(matches);
+        if (placed.length > 0) {
+            activate(placed.reduce((newest, window) => window.get_id() > newest.get_id() ? window : newest));
+            return;
+        }
+        // Not placed yet: the window may exist without its first drawing, or not exist yet.
+        const ids = [];
+        let timeout = 0;
+        const stop = () => {
+            for (const [object, handler] of ids)
+                object.disconnect(handler);
+            ids.length = 0;
+            if (timeout)
+                shell.GLib.source_remove(timeout);
+            timeout = 0;
+        };
+        const watch = window => {
+            if (window.get_pid() !== pid)
+                return;
+            ids.push([window, window.connect('shown', () => {
+                if (!matches(window))
+                    return;
+                stop();
+                activate(window);
+            })]);
+        };
+        for (const actor of shell.getWindowActors()) {
+            const window = actor.get_meta_window();
+            if (window)
+                watch(window);
+        }
+        ids.push([shell.display, shell.display.connect('window-created', (display, window) => watch(window))]);
+        timeout = shell.GLib.timeout_add(shell.GLib.PRIORITY_DEFAULT, SHOW_TIMEOUT_MS, () => {
+            timeout = 0;
+            stop();
+            reply({result: 'gone'});
+            return shell.GLib.SOURCE_REMOVE;
+        });
+    }
+
+    // A click on the desktop's background or the Shell's own chrome leaves the focus where it is, and
+    // would leave the pop-up open: while the window has the focus, a press anywhere outside it takes the
+    // focus away, as a click outside does on other desktops. (Presses on windows go to their clients
+    // without passing here, and move the focus anyway.)
+    _closeOnClickOutside(window) {
+        this._stopClosingOnClickOutside();
+        const shell = this._shell;
+        const types = shell.Clutter.EventType;
+        const ids = [];
+        ids.push([shell.stage, shell.stage.connect('captured-event', (stage, event) => {
+            const type = event.type();
+            if ((type === types.BUTTON_PRESS || type === types.TOUCH_BEGIN) &&
+                shell.display.get_focus_window() === window) {
+                const [x, y] = event.get_coords();
+                const frame = frameOf(window);
+                if (x < frame.x || y < frame.y || x >= frame.x + frame.width || y >= frame.y + frame.height)
+                    shell.display.unset_input_focus(event.get_time());
+            }
+            return shell.Clutter.EVENT_PROPAGATE;
+        })]);
+        ids.push([window, window.connect('unmanaged', () => this._stopClosingOnClickOutside())]);
+        this._outsideClickWatch = ids;
+    }
+
+    _stopClosingOnClickOutside() {
+        for (const [object, id] of this._outsideClickWatch)
+            object.disconnect(id);
+        this._outsideClickWatch = [];
     }
 
     _change(id, invocation, change, done) {

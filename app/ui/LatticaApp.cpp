@@ -9,6 +9,7 @@
 #include <QLoggingCategory>
 #include <QMenu>
 #include <QScreen>
+#include <QStyleHints>
 #include <QTimer>
 #include <QVBoxLayout>
 #include <QWindow>
@@ -71,6 +72,7 @@ LatticaApp::LatticaApp(AppController& controller, WindowPresenter& windows, Tray
     connect(qApp, &QGuiApplication::focusWindowChanged, this, [this](const QWindow* window) {
         if (m_panel && window != nullptr && window == m_panel->windowHandle()) {
             m_panelAwaitsFocus = false;
+            qCDebug(lcPanelPaint, "focused at %lld", monotonicNanoseconds());
         }
     });
     connect(qApp, &QGuiApplication::applicationStateChanged, this, [this](Qt::ApplicationState state) {
@@ -164,8 +166,25 @@ void LatticaApp::showTrayIcon() {
     m_trayIcon->setContextMenu(m_trayMenu.get());
     connect(m_trayIcon.get(), &QSystemTrayIcon::activated, this, [this](QSystemTrayIcon::ActivationReason reason) {
         // A click soon after the one that closed the panel comes as a double click.
-        if (reason == QSystemTrayIcon::Trigger || reason == QSystemTrayIcon::DoubleClick) {
-            togglePanel();
+        if (reason != QSystemTrayIcon::Trigger && reason != QSystemTrayIcon::DoubleClick) {
+            return;
+        }
+        // Some hosts report one double click as two activations (GNOME's AppIndicator host does, for
+        // both the press and the release of the second click, until it knows the item takes them): an
+        // activation within the double-click time of the one that opened the panel is part of it, and
+        // would close the panel before it is drawn.
+        const int doubleClickTime = QGuiApplication::styleHints()->mouseDoubleClickInterval();
+        if (m_panel && m_panel->isVisible() && m_openedByActivation.isValid() && doubleClickTime > 0 &&
+            !m_openedByActivation.hasExpired(doubleClickTime)) {
+            return;
+        }
+        const bool opening = !m_panel || !m_panel->isVisible();
+        togglePanel();
+        if (opening) {
+            // Counted from when the opening is done: a repeat sent meanwhile waits in the queue.
+            m_openedByActivation.start();
+        } else {
+            m_openedByActivation.invalidate();
         }
     });
     m_trayIcon->show();

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #pragma once
 
+#include <QElapsedTimer>
 #include <QObject>
 #include <QPoint>
 #include <QRect>
@@ -82,6 +83,8 @@ private:
     // From an opening until the program has been told that the panel has the focus. A deactivation told
     // meanwhile is the focus leaving the panel's previous showing, read late; it must not close this one.
     bool m_panelAwaitsFocus = false;
+    // Since the tray icon's activation that last opened the panel.
+    QElapsedTimer m_openedByActivation;
     // The next paint of the panel's content is the first of an opening (for the paint trace).
     bool m_tracePaint = false;
     QRect m_anchorIcon;

@@ -16,10 +16,16 @@ export default class LatticaExtension extends Extension {
         this._bridge = new LatticaBridge({
             Gio, GLib, Meta, Clutter,
             display: global.display,
+            stage: global.stage,
             tracker: Shell.WindowTracker.get_default(),
             monitorManager: global.backend.get_monitor_manager(),
             getWindowActors: () => global.get_window_actors(),
             activateWindow: window => Main.activateWindow(window),
+            closeTopBarMenu: () => {
+                const menu = Main.panel.menuManager.activeMenu;
+                if (menu)
+                    menu.close();
+            },
             getPointer: () => global.get_pointer(),
             Screenshot: Shell.Screenshot,
             allowKeybinding: (name, allowed) => Main.wm.allowKeybinding(name, allowed

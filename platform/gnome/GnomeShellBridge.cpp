@@ -2,6 +2,7 @@
 #include "platform/gnome/GnomeShellBridge.h"
 
 #include <QDBusMessage>
+#include <QDBusPendingCall>
 #include <QRect>
 
 namespace {
@@ -114,6 +115,13 @@ GnomeChangeAnswer GnomeShellBridge::unminimize(quint64 window) const {
 
 GnomeChangeAnswer GnomeShellBridge::activate(quint64 window) const {
     return change(QStringLiteral("Activate"), {QVariant::fromValue(window)});
+}
+
+void GnomeShellBridge::activateWhenShown(quint32 pid, const QString& title) const {
+    QDBusMessage message =
+        QDBusMessage::createMethodCall(kService, kPath, kInterface, QStringLiteral("ActivateWhenShown"));
+    message.setArguments({pid, title});
+    m_bus.asyncCall(message);
 }
 
 std::optional<QByteArray> GnomeShellBridge::captureMonitor(int monitor, QString* problem) const {

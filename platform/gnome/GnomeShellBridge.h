@@ -32,6 +32,9 @@ public:
     GnomeChangeAnswer setMaximized(quint64 window, bool maximized) const;
     GnomeChangeAnswer unminimize(quint64 window) const;
     GnomeChangeAnswer activate(quint64 window) const;
+    // Asks the Shell to activate the process's window with the title once it shows it, closing an open
+    // top bar menu first; returns at once (the window is to be shown, which takes this thread's turn).
+    void activateWhenShown(quint32 pid, const QString& title) const;
     // The monitor's picture as PNG, by the Shell's index; nothing with the Shell's error in *problem.
     std::optional<QByteArray> captureMonitor(int monitor, QString* problem = nullptr) const;
     // Grabs a Mutter accelerator ("<Control><Alt>0x0b"); its action number, 0 when it is taken or the

@@ -745,4 +745,20 @@ TEST_F(PanelOnDesktop, WorkWindowsStayInTheTaskbarAndOtherWindowsFollowTheChoice
     EXPECT_TRUE(workWindowsListed()) << "the settings window came back without the taskbar";
 }
 
+// Some tray hosts report one double click on the icon as two activations, one right after the other (the
+// GNOME Shell host does, until it knows the icon takes them): the second, within the double-click time of
+// the one that opened the panel, leaves it open. Once that time is over, an activation closes it.
+TEST_F(PanelOnDesktop, AnActivationWithinTheDoubleClickTimeOfTheOpeningLeavesThePanelOpen) {
+    // Longer than the opening can take on a loaded machine.
+    QGuiApplication::styleHints()->setMouseDoubleClickInterval(60000);
+    Q_EMIT app->trayIcon()->activated(QSystemTrayIcon::Trigger);
+    ASSERT_TRUE(app->panel() && app->panel()->isVisible());
+    Q_EMIT app->trayIcon()->activated(QSystemTrayIcon::DoubleClick);
+    EXPECT_TRUE(app->panel()->isVisible());
+
+    QGuiApplication::styleHints()->setMouseDoubleClickInterval(0);
+    Q_EMIT app->trayIcon()->activated(QSystemTrayIcon::Trigger);
+    EXPECT_FALSE(app->panel()->isVisible());
+}
+
 }  // namespace

@@ -54,3 +54,22 @@ bool GnomeSessionProgram::waitForOutput(const QString& text, int timeoutMs) {
                timeoutMs) &&
            m_output.contains(text);
 }
+
+bool GnomeSessionProgram::waitForCount(const QString& text, int count, int timeoutMs) {
+    return VirtualDesktop::waitUntil(
+               [&] {
+                   m_process.waitForReadyRead(50);
+                   m_output += QString::fromUtf8(m_process.readAll());
+                   return m_output.count(text) >= count || m_process.state() == QProcess::NotRunning;
+               },
+               timeoutMs) &&
+           m_output.count(text) >= count;
+}
+
+int GnomeSessionProgram::countOf(const QString& text) {
+    // Takes in what is waiting on the pipe without waiting for more.
+    while (m_process.waitForReadyRead(0)) {
+    }
+    m_output += QString::fromUtf8(m_process.readAll());
+    return int(m_output.count(text));
+}

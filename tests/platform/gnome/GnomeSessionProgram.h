@@ -26,6 +26,10 @@ public:
     bool start();
     // Waits until the program has written the text on either output (or has ended).
     bool waitForOutput(const QString& text, int timeoutMs = 20000);
+    // Waits until the program has written the text count times in all (or has ended).
+    bool waitForCount(const QString& text, int count, int timeoutMs = 20000);
+    // How often the program has written the text so far, with what it has written until now read.
+    int countOf(const QString& text);
     bool isRunning() const { return m_process.state() == QProcess::Running; }
     qint64 processId() const { return m_process.processId(); }
     QString output() const { return m_output; }

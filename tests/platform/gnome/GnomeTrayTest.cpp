@@ -11,8 +11,10 @@
 #include <QImage>
 #include <QStandardPaths>
 #include <QTemporaryDir>
+#include <memory>
 
 #include "tests/platform/gnome/GnomeSessionProgram.h"
+#include "tests/platform/gnome/InputBarrier.h"
 #include "tests/platform/gnome/RemoteDesktopInput.h"
 #include "tests/platform/gnome/ShellScreenshot.h"
 #include "tests/support/VirtualDesktop.h"
@@ -132,16 +134,6 @@ QList<MenuEntry> menuEntries(const QString& item) {
     return entries;
 }
 
-// Tells the program that an entry of its menu was clicked, as the host does.
-bool clickMenuEntry(const QString& item, int id) {
-    const QString service = item.section(QLatin1Char('@'), 0, 0);
-    const QString menuPath = itemProperty(item, QStringLiteral("Menu")).value<QDBusObjectPath>().path();
-    QDBusMessage message = QDBusMessage::createMethodCall(service, menuPath, QStringLiteral("com.canonical.dbusmenu"),
-                                                          QStringLiteral("Event"));
-    message.setArguments({id, QStringLiteral("clicked"), QVariant::fromValue(QDBusVariant(0)), 0U});
-    return QDBusConnection::sessionBus().call(message, QDBus::Block, 5000).type() == QDBusMessage::ReplyMessage;
-}
-
 // The part of a picture that differs from another of the same size.
 QRect changedArea(const QImage& before, const QImage& after) {
     QRect changed;
@@ -198,7 +190,40 @@ protected:
             }
             FAIL() << "run this test inside scripts/virtual-gnome.sh run --tray -- (ctest does)";
         }
+        if (!s_input) {
+            ASSERT_NO_FATAL_FAILURE(startInput());
+        }
+        // The icon of a previous test's program leaves the top bar once the host has seen it go.
+        ASSERT_TRUE(VirtualDesktop::waitUntil([] { return registeredItems().isEmpty(); }));
+        ShellScreenshot screenshot;
+        settled(screenshot, QRect(0, 0, primaryWidth(), kTopBarHeight));
     }
+
+    static void TearDownTestSuite() { s_input.reset(); }
+
+    // One remote desktop session for all the tests, started before any program: it adds the Shell's
+    // "screen is shared" item to the top bar, and its keyboard is made with its first key, which reaches
+    // no window. Both are done with before a test takes its first picture of the top bar or starts the
+    // program, so the bar stays as it is and the program has the keyboard from its start.
+    static void startInput() {
+        ShellScreenshot screenshot;
+        const QRect topBar(0, 0, primaryWidth(), kTopBarHeight);
+        const QImage before = screenshot.area(topBar);
+        ASSERT_FALSE(before.isNull()) << screenshot.error().toStdString();
+        auto input = std::make_unique<RemoteDesktopInput>();
+        ASSERT_TRUE(input->start()) << input->error().toStdString();
+        InputBarrier barrier;
+        ASSERT_TRUE(barrier.afterHandled([&] {
+            return input->send(RemoteDesktopInput::kEvdevLeftShift, true) &&
+                   input->send(RemoteDesktopInput::kEvdevLeftShift, false);
+        })) << input->error().toStdString();
+        EXPECT_TRUE(VirtualDesktop::waitUntil([&] { return screenshot.area(topBar) != before; }))
+            << "the top bar shows no item for the remote desktop session";
+        settled(screenshot, topBar);
+        s_input = std::move(input);
+    }
+
+    static RemoteDesktopInput& input() { return *s_input; }
 
     // Starts the program and waits until it has registered its item.
     QString startAndWaitForItem() {
@@ -226,6 +251,55 @@ protected:
         return current;
     }
 
+    // The session's monitors from its layout ("1920x1080,1280x720"), left to right; the first is primary.
+    static QList<QRect> monitors() {
+        QList<QRect> monitors;
+        int x = 0;
+        for (const QString& part :
+             qEnvironmentVariable("LATTICA_GNOME_LAYOUT").split(QLatin1Char(','), Qt::SkipEmptyParts)) {
+            const QSize size(part.section(QLatin1Char('x'), 0, 0).toInt(),
+                             part.section(QLatin1Char('x'), 1, 1).toInt());
+            monitors.append(QRect(QPoint(x, 0), size));
+            x += size.width();
+        }
+        return monitors;
+    }
+    static int primaryWidth() { return monitors().value(0).width(); }
+
+    // Where the program's icon showed in the top bar, from a picture of the bar taken before it started.
+    static QRect iconInTopBar(ShellScreenshot& screenshot, const QImage& bareTopBar) {
+        QRect icon;
+        VirtualDesktop::waitUntil([&] {
+            icon = newestItem(bareTopBar, screenshot.area(QRect(QPoint(), bareTopBar.size())));
+            return !icon.isEmpty();
+        });
+        return icon;
+    }
+
+    // Where the icon's menu opens: below the icon, on the primary monitor.
+    static QRect belowIcon(const QRect& icon) {
+        return QRect(icon.center().x() - 300, kTopBarHeight, 600, 400).intersected(monitors().value(0));
+    }
+
+    // Waits for the icon's menu to open below the icon, from a picture of that area taken before; the
+    // menu's place once it has stopped moving.
+    static QRect openedMenu(ShellScreenshot& screenshot, const QRect& icon, const QImage& withoutMenu) {
+        const QRect area = belowIcon(icon);
+        QRect menu;
+        if (!VirtualDesktop::waitUntil([&] {
+                menu = changedArea(withoutMenu, screenshot.area(area));
+                return menu.height() > 40;
+            })) {
+            return {};
+        }
+        return changedArea(withoutMenu, settled(screenshot, area)).translated(area.topLeft());
+    }
+
+    // The middle of the menu's first entry ("Open panel"): the entries are a little taller than a sixth
+    // of this three-entry menu, below its top padding.
+    static QPoint firstEntry(const QRect& menu) { return {menu.center().x(), menu.top() + menu.height() / 6}; }
+
+    static inline std::unique_ptr<RemoteDesktopInput> s_input;
     QTemporaryDir m_config;
     GnomeSessionProgram m_lattica{m_config.path()};
 };
@@ -234,15 +308,8 @@ protected:
 // A double click activates the item; a single click opens the item's menu once the double-click time
 // has passed, and the menu's first item opens the panel.
 TEST_F(GnomeTrayTest, TheIconSitsInTheTopBarAndADoubleClickOnItOrItsMenuOpensThePanel) {
-    // A remote desktop session adds the Shell's "screen is shared" item to the top bar: it starts first.
-    RemoteDesktopInput input;
-    ASSERT_TRUE(input.start()) << input.error().toStdString();
     ShellScreenshot screenshot;
-    const int primaryWidth = qEnvironmentVariable("LATTICA_GNOME_LAYOUT")
-                                 .section(QLatin1Char(','), 0, 0)
-                                 .section(QLatin1Char('x'), 0, 0)
-                                 .toInt();
-    const QRect topBar(0, 0, primaryWidth, kTopBarHeight);
+    const QRect topBar(0, 0, primaryWidth(), kTopBarHeight);
     const QImage bare = screenshot.area(topBar);
     ASSERT_FALSE(bare.isNull()) << screenshot.error().toStdString();
 
@@ -254,34 +321,25 @@ TEST_F(GnomeTrayTest, TheIconSitsInTheTopBarAndADoubleClickOnItOrItsMenuOpensThe
         << m_lattica.output().toStdString();
 
     // The icon is where the top bar changed once the item was shown.
-    QRect icon;
-    ASSERT_TRUE(VirtualDesktop::waitUntil([&] {
-        icon = newestItem(bare, screenshot.area(topBar));
-        return !icon.isEmpty();
-    })) << screenshot.error().toStdString();
+    const QRect icon = iconInTopBar(screenshot, bare);
+    ASSERT_FALSE(icon.isEmpty()) << screenshot.error().toStdString();
     EXPECT_LE(icon.width(), 3 * kTopBarHeight) << icon.width() << "x" << icon.height();
 
-    ASSERT_TRUE(input.movePointerTo(icon.center())) << input.error().toStdString();
-    ASSERT_TRUE(input.click()) << input.error().toStdString();
-    ASSERT_TRUE(input.click()) << input.error().toStdString();
+    ASSERT_TRUE(input().movePointerTo(icon.center())) << input().error().toStdString();
+    ASSERT_TRUE(input().click()) << input().error().toStdString();
+    ASSERT_TRUE(input().click()) << input().error().toStdString();
     EXPECT_TRUE(m_lattica.waitForOutput(QStringLiteral("shown at"))) << m_lattica.output().toStdString();
 
     const int openings = int(m_lattica.output().count(QStringLiteral("shown at")));
 
     // A single click opens the menu, once the double-click time has passed, below the icon (the panel
     // shows at the desktop's top left corner, away from it).
-    const QRect belowIcon =
-        QRect(icon.center().x() - 300, kTopBarHeight, 600, 400).intersected(QRect(0, 0, primaryWidth, 4000));
-    const QImage withoutMenu = settled(screenshot, belowIcon);
+    const QImage withoutMenu = settled(screenshot, belowIcon(icon));
     ASSERT_FALSE(withoutMenu.isNull()) << screenshot.error().toStdString();
-    ASSERT_TRUE(input.movePointerTo(icon.center())) << input.error().toStdString();
-    ASSERT_TRUE(input.click()) << input.error().toStdString();
-    QRect menu;
-    ASSERT_TRUE(VirtualDesktop::waitUntil([&] {
-        menu = changedArea(withoutMenu, screenshot.area(belowIcon));
-        return menu.height() > 40;
-    })) << "no menu below the icon";
-    menu = changedArea(withoutMenu, settled(screenshot, belowIcon)).translated(belowIcon.topLeft());
+    ASSERT_TRUE(input().movePointerTo(icon.center())) << input().error().toStdString();
+    ASSERT_TRUE(input().click()) << input().error().toStdString();
+    const QRect menu = openedMenu(screenshot, icon, withoutMenu);
+    ASSERT_FALSE(menu.isEmpty()) << "no menu below the icon";
     const QString savedMenu = QDir::current().filePath(QStringLiteral("gnome-tray-menu.png"));
     screenshot.area(menu.adjusted(-10, -10, 10, 10)).save(savedMenu);
     std::printf("[ picture ] the icon's menu at %d,%d %dx%d: %s\n", menu.x(), menu.y(), menu.width(), menu.height(),
@@ -290,21 +348,13 @@ TEST_F(GnomeTrayTest, TheIconSitsInTheTopBarAndADoubleClickOnItOrItsMenuOpensThe
     m_lattica.waitForOutput(QStringLiteral("shown at"), 100);
     EXPECT_EQ(m_lattica.output().count(QStringLiteral("shown at")), openings) << "the single click opened the panel";
 
-    // Its first entry, "Open panel", opens the panel. Clicked through the menu's D-Bus interface, as the
-    // host reports a click on it: the remote desktop's pointer reaches a point by way of the desktop's top
-    // left corner (over the top bar's Activities button), and a click sent so onto the entry does not
-    // open the panel.
+    // Its first entry, "Open panel", opens the panel, clicked with the pointer.
     const QList<MenuEntry> entries = menuEntries(item);
     ASSERT_FALSE(entries.isEmpty());
     EXPECT_EQ(entries.constFirst().label.toStdString(), "Open panel");
-    ASSERT_TRUE(clickMenuEntry(item, entries.constFirst().id));
-    EXPECT_TRUE(VirtualDesktop::waitUntil(
-        [&] {
-            m_lattica.waitForOutput(QStringLiteral("shown at"), 50);
-            return m_lattica.output().count(QStringLiteral("shown at")) == openings + 1;
-        },
-        20000))
-        << m_lattica.output().toStdString();
+    ASSERT_TRUE(input().movePointerTo(firstEntry(menu))) << input().error().toStdString();
+    ASSERT_TRUE(input().click()) << input().error().toStdString();
+    EXPECT_TRUE(m_lattica.waitForCount(QStringLiteral("shown at"), openings + 1)) << m_lattica.output().toStdString();
 
     // The top bar around the icon as it is now, for a look.
     const QString saved = QDir::current().filePath(QStringLiteral("gnome-tray-icon.png"));
@@ -313,6 +363,73 @@ TEST_F(GnomeTrayTest, TheIconSitsInTheTopBarAndADoubleClickOnItOrItsMenuOpensThe
         .save(saved);
     std::printf("[ picture ] the icon in the top bar, at %d,%d %dx%d: %s\n", icon.x(), icon.y(), icon.width(),
                 icon.height(), qPrintable(saved));
+}
+
+// Opened from the icon (its menu's first entry, as a single click on the icon offers it), the panel has
+// the keyboard: Escape closes it, and so does a click on the desktop away from it, as on the other
+// desktops. Each opening stays open until then.
+TEST_F(GnomeTrayTest, ThePanelOpenedFromTheIconHasTheFocusAndClosesOnEscapeOrAClickOutside) {
+    constexpr int kEvdevEscape = 1;
+    constexpr int kOpenings = 4;
+    ShellScreenshot screenshot;
+    ASSERT_GE(monitors().size(), 2);
+    // The primary monitor below the top bar, whose clock may change meanwhile.
+    const QRect primary = monitors().at(0).adjusted(0, kTopBarHeight, 0, 0);
+    const QImage bare = screenshot.area(QRect(0, 0, primaryWidth(), kTopBarHeight));
+    ASSERT_FALSE(bare.isNull()) << screenshot.error().toStdString();
+    ASSERT_FALSE(startAndWaitForItem().isEmpty()) << m_lattica.output().toStdString();
+    const QRect icon = iconInTopBar(screenshot, bare);
+    ASSERT_FALSE(icon.isEmpty()) << screenshot.error().toStdString();
+    // The middle of the second monitor: bare desktop, far from the panel and the top bar.
+    const QRect second = monitors().at(1);
+    const QImage desktop = settled(screenshot, primary);
+    ASSERT_FALSE(desktop.isNull()) << screenshot.error().toStdString();
+
+    for (int opening = 1; opening <= kOpenings; ++opening) {
+        SCOPED_TRACE(opening);
+        // A click on the icon opens its menu, and one on its first entry the panel.
+        const QImage withoutMenu = settled(screenshot, belowIcon(icon));
+        ASSERT_TRUE(input().movePointerTo(icon.center())) << input().error().toStdString();
+        ASSERT_TRUE(input().click()) << input().error().toStdString();
+        const QRect menu = openedMenu(screenshot, icon, withoutMenu);
+        ASSERT_FALSE(menu.isEmpty()) << "no menu below the icon";
+        ASSERT_TRUE(input().movePointerTo(firstEntry(menu))) << input().error().toStdString();
+        ASSERT_TRUE(input().click()) << input().error().toStdString();
+        ASSERT_TRUE(m_lattica.waitForCount(QStringLiteral("shown at"), opening)) << m_lattica.output().toStdString();
+        // The panel gets the keyboard once it is on screen.
+        ASSERT_TRUE(m_lattica.waitForCount(QStringLiteral("focused at"), opening)) << m_lattica.output().toStdString();
+        // It is on screen, and still open once it has been drawn.
+        QRect panel;
+        ASSERT_TRUE(VirtualDesktop::waitUntil([&] {
+            panel = changedArea(desktop, screenshot.area(primary));
+            return panel.width() > 100 && panel.height() > 100;
+        })) << "the panel is not on screen";
+        panel = changedArea(desktop, settled(screenshot, primary)).translated(primary.topLeft());
+        EXPECT_EQ(m_lattica.countOf(QStringLiteral("hidden at")), opening - 1) << m_lattica.output().toStdString();
+        if (opening == 1) {
+            const QString saved = QDir::current().filePath(QStringLiteral("gnome-panel-open.png"));
+            screenshot.area(panel.adjusted(-10, -10, 10, 10)).save(saved);
+            std::printf("[ picture ] the open panel at %d,%d %dx%d: %s\n", panel.x(), panel.y(), panel.width(),
+                        panel.height(), qPrintable(saved));
+        }
+
+        if (opening % 2 == 1) {
+            ASSERT_TRUE(input().send(kEvdevEscape, true) && input().send(kEvdevEscape, false))
+                << input().error().toStdString();
+        } else {
+            ASSERT_FALSE(panel.intersects(second));
+            ASSERT_TRUE(input().movePointerTo(second.center())) << input().error().toStdString();
+            ASSERT_TRUE(input().click()) << input().error().toStdString();
+        }
+        EXPECT_TRUE(m_lattica.waitForCount(QStringLiteral("hidden at"), opening))
+            << (opening % 2 == 1 ? "Escape" : "a click on the desktop") << " did not close the panel\n"
+            << m_lattica.output().toStdString();
+        // Gone from the screen too.
+        EXPECT_TRUE(VirtualDesktop::waitUntil([&] {
+            const QImage now = screenshot.area(primary);
+            return !now.isNull() && changedArea(desktop, now).height() < 100;
+        })) << "the panel is still on screen";
+    }
 }
 
 // Run from the build tree, with no icon theme holding the program's icons, the host gets the drawn icon's

@@ -4,6 +4,7 @@
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusObjectPath>
+#include <optional>
 
 namespace {
 
@@ -46,11 +47,23 @@ bool RemoteDesktopInput::send(int evdevCode, bool pressed) {
 }
 
 bool RemoteDesktopInput::movePointerTo(QPoint point) {
-    // Far past any corner of the desktop; the pointer stops at the edge.
+    // Mutter keeps a relative motion that would end off the monitors on the monitor the pointer is on:
+    // pushed past the top left corner from a monitor right of the first, the pointer would stop at that
+    // monitor's corner. So the pointer is pushed there only while its place is not known (a new session
+    // puts it on the first monitor), and moved by the difference from where it was put last after that.
+    static std::optional<QPoint> lastPlaced;
     constexpr double kPastTheEdge = -100000.0;
-    return notify(QStringLiteral("NotifyPointerMotionRelative"), {kPastTheEdge, kPastTheEdge}) &&
-           notify(QStringLiteral("NotifyPointerMotionRelative"),
-                  {static_cast<double>(point.x()), static_cast<double>(point.y())});
+    if (!lastPlaced && !notify(QStringLiteral("NotifyPointerMotionRelative"), {kPastTheEdge, kPastTheEdge})) {
+        return false;
+    }
+    const QPoint from = lastPlaced.value_or(QPoint(0, 0));
+    lastPlaced.reset();
+    if (!notify(QStringLiteral("NotifyPointerMotionRelative"),
+                {static_cast<double>(point.x() - from.x()), static_cast<double>(point.y() - from.y())})) {
+        return false;
+    }
+    lastPlaced = point;
+    return true;
 }
 
 bool RemoteDesktopInput::click() {

@@ -103,9 +103,11 @@ class FakeDisplay extends Signals {
 
 const display = new FakeDisplay();
 const monitorManager = new Signals();
+const stage = new Signals();
 let trackerAsked = 0;
 globalThis.global = {
     display,
+    stage,
     backend: {get_monitor_manager: () => monitorManager},
     get_window_actors: () => [{get_meta_window: () => window}],
     get_pointer: () => [0, 0, 0],
@@ -200,6 +202,14 @@ async function main(folder) {
     answer = await call(lattica, owner, 'Activate', new GLib.Variant('(t)', [7]));
     check(mainCalls.some(([name, w]) => name === 'activateWindow' && w === window),
         `a window is activated through Main.activateWindow (${answer.reply || answer.error})`);
+    mainCalls.length = 0;
+    answer = await call(lattica, owner, 'ActivateWhenShown', new GLib.Variant('(us)', [4242, 'fake-window']));
+    check(mainCalls.length === 2 && mainCalls[0][0] === 'closeTopBarMenu' && mainCalls[1][0] === 'activateWindow' &&
+        mainCalls[1][1] === window,
+    `a shown window of the process with the title is activated once the top bar's menu is closed (${answer.reply || answer.error})`);
+    check(JSON.stringify(stage.connectedNames()) === JSON.stringify(['captured-event']) &&
+        window.connectedNames().includes('unmanaged'),
+    `and the stage's presses are watched while it lives, to take its focus on a click outside (${stage.connectedNames()})`);
     answer = await call(lattica, owner, 'GrabAccelerator', new GLib.Variant('(s)', ['<Control><Alt>2']));
     const action = answer.reply ? answer.reply[0] : 0;
     const modes = Shell.ActionMode.NORMAL | Shell.ActionMode.OVERVIEW | Shell.ActionMode.POPUP;
@@ -208,8 +218,9 @@ async function main(folder) {
     `a grabbed accelerator is let through Main.wm.allowKeybinding in the normal modes (${action})`);
 
     extension.disable();
-    check(display.connectedNames().length === 0 && monitorManager.connectedNames().length === 0,
-        'disable lets go of every signal');
+    check(display.connectedNames().length === 0 && monitorManager.connectedNames().length === 0 &&
+        stage.connectedNames().length === 0 && window.connectedNames().length === 0,
+    'disable lets go of every signal');
     check(ungrabbed.includes(action) && grabbed.size === 0, 'disable gives back the grabbed accelerator');
     check(mainCalls.some(([name, binding, mode]) => name === 'allowKeybinding' &&
         binding === Meta.external_binding_name_for_action(action) && mode === Shell.ActionMode.NONE),

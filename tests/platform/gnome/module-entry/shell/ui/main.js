@@ -11,3 +11,14 @@ export const wm = {
         calls.push(['allowKeybinding', name, modes]);
     },
 };
+
+// The top bar, with a menu open.
+export const panel = {
+    menuManager: {
+        activeMenu: {
+            close() {
+                calls.push(['closeTopBarMenu']);
+            },
+        },
+    },
+};
