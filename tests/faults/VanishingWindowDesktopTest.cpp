@@ -12,9 +12,8 @@
 #include "app/controller/AppController.h"
 #include "app/displays/ScreenSnapshotService.h"
 #include "platform/Platform.h"
-#include "platform/WindowControl.h"
-#include "platform/WindowPlacer.h"
 #include "platform/x11/X11Platform.h"
+#include "tests/support/ForwardingWindowControl.h"
 #include "tests/support/VirtualDesktop.h"
 #include "tests/testclient/TestClient.h"
 
@@ -22,51 +21,22 @@ namespace {
 
 // The desktop's own window control, with one fault: just before the first write (a batch of placements or
 // a single move or resize), it runs the given step, which destroys a window that the mover has listed.
-class DestroyBeforeFirstWrite : public WindowControl, public WindowPlacer {
+class DestroyBeforeFirstWrite : public ForwardingWindowControl {
 public:
     DestroyBeforeFirstWrite(WindowControl& real, std::function<void()> destroy)
-        : m_real(real), m_destroy(std::move(destroy)) {}
+        : ForwardingWindowControl(real), m_destroy(std::move(destroy)) {}
 
-    Reading<WindowId> focusedWindow() override { return m_real.focusedWindow(); }
-    Reading<pid_t> focusedApplication() override { return m_real.focusedApplication(); }
-    Reading<WindowId> focusedWindow(pid_t application) override { return m_real.focusedWindow(application); }
-    Reading<WindowId> mainWindow(pid_t application) override { return m_real.mainWindow(application); }
-    Reading<QList<WindowId>> windows(pid_t application, WindowScope scope) override {
-        return m_real.windows(application, scope);
-    }
-    QList<ApplicationWindows> windowsOfApplications(const QList<pid_t>& applications) override {
-        return m_real.windowsOfApplications(applications);
-    }
-    Reading<QRectF> frame(WindowId window) override { return m_real.frame(window); }
-    Reading<WindowRole> role(WindowId window) override { return m_real.role(window); }
-    Reading<bool> minimised(WindowId window) override { return m_real.minimised(window); }
-    QList<WindowFacts> facts(const QList<WindowId>& windows) override { return m_real.facts(windows); }
     Result move(WindowId window, const QPointF& topLeft) override {
         destroyOnce();
-        return m_real.move(window, topLeft);
+        return ForwardingWindowControl::move(window, topLeft);
     }
     Result resize(WindowId window, const QSizeF& size) override {
         destroyOnce();
-        return m_real.resize(window, size);
+        return ForwardingWindowControl::resize(window, size);
     }
-    Result unminimise(WindowId window) override { return m_real.unminimise(window); }
-    Result activate(WindowId window) override { return m_real.activate(window); }
-    Result unhide(pid_t application) override { return m_real.unhide(application); }
     QList<PlacementResult> place(const QList<WindowPlacement>& placements) override {
         destroyOnce();
-        auto* placer = dynamic_cast<WindowPlacer*>(&m_real);
-        if (placer != nullptr) {
-            return placer->place(placements);
-        }
-        QList<PlacementResult> results;
-        for (const WindowPlacement& placement : placements) {
-            PlacementResult result{m_real.move(placement.window, placement.topLeft), {}};
-            if (placement.size) {
-                result.size = m_real.resize(placement.window, *placement.size);
-            }
-            results.append(result);
-        }
-        return results;
+        return ForwardingWindowControl::place(placements);
     }
 
 private:
@@ -76,7 +46,6 @@ private:
         }
     }
 
-    WindowControl& m_real;
     std::function<void()> m_destroy;
 };
 

@@ -8,15 +8,14 @@
 #include "app/displays/ScreenSnapshotService.h"
 #include "app/mover/WindowMover.h"
 #include "platform/Platform.h"
-#include "platform/WindowControl.h"
-#include "platform/WindowPlacer.h"
 #include "platform/x11/X11WindowPlacer.h"
 #include "tests/platform/x11/X11DesktopFixture.h"
+#include "tests/support/ForwardingWindowControl.h"
 
 namespace {
 
 // The desktop's own window control, recording every batch of placements and how long it took.
-class RecordingWindowControl : public WindowControl, public WindowPlacer {
+class RecordingWindowControl : public ForwardingWindowControl {
 public:
     struct Batch {
         QList<WindowPlacement> placements;
@@ -24,7 +23,7 @@ public:
         qint64 milliseconds = 0;
     };
 
-    explicit RecordingWindowControl(WindowControl& real) : m_real(real) {}
+    explicit RecordingWindowControl(WindowControl& real) : ForwardingWindowControl(real) {}
 
     const QList<Batch>& batches() const { return m_batches; }
     // The index of the window's placement in a batch; -1 when it has none.
@@ -38,42 +37,24 @@ public:
     }
     int singleWrites() const { return m_singleWrites; }
 
-    Reading<WindowId> focusedWindow() override { return m_real.focusedWindow(); }
-    Reading<pid_t> focusedApplication() override { return m_real.focusedApplication(); }
-    Reading<WindowId> focusedWindow(pid_t application) override { return m_real.focusedWindow(application); }
-    Reading<WindowId> mainWindow(pid_t application) override { return m_real.mainWindow(application); }
-    Reading<QList<WindowId>> windows(pid_t application, WindowScope scope) override {
-        return m_real.windows(application, scope);
-    }
-    QList<ApplicationWindows> windowsOfApplications(const QList<pid_t>& applications) override {
-        return m_real.windowsOfApplications(applications);
-    }
-    Reading<QRectF> frame(WindowId window) override { return m_real.frame(window); }
-    Reading<WindowRole> role(WindowId window) override { return m_real.role(window); }
-    Reading<bool> minimised(WindowId window) override { return m_real.minimised(window); }
-    QList<WindowFacts> facts(const QList<WindowId>& windows) override { return m_real.facts(windows); }
     Result move(WindowId window, const QPointF& topLeft) override {
         ++m_singleWrites;
-        return m_real.move(window, topLeft);
+        return ForwardingWindowControl::move(window, topLeft);
     }
     Result resize(WindowId window, const QSizeF& size) override {
         ++m_singleWrites;
-        return m_real.resize(window, size);
+        return ForwardingWindowControl::resize(window, size);
     }
-    Result unminimise(WindowId window) override { return m_real.unminimise(window); }
-    Result activate(WindowId window) override { return m_real.activate(window); }
-    Result unhide(pid_t application) override { return m_real.unhide(application); }
     QList<PlacementResult> place(const QList<WindowPlacement>& placements) override {
         QElapsedTimer timer;
         timer.start();
-        Batch batch{placements, dynamic_cast<WindowPlacer&>(m_real).place(placements), 0};
+        Batch batch{placements, ForwardingWindowControl::place(placements), 0};
         batch.milliseconds = timer.elapsed();
         m_batches.append(batch);
         return batch.results;
     }
 
 private:
-    WindowControl& m_real;
     QList<Batch> m_batches;
     int m_singleWrites = 0;
 };
