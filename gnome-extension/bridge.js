@@ -150,6 +150,39 @@ function modifierGroupsOf(shell, accelerator) {
     return groups;
 }
 
+// Signal handlers and a time limit that end together: what a call waits on until its answer.
+class Watch {
+    constructor(shell) {
+        this._shell = shell;
+        this._handlers = [];
+        this._timeout = 0;
+    }
+
+    connect(object, signal, handler) {
+        this._handlers.push([object, object.connect(signal, handler)]);
+    }
+
+    // Stops the watch and calls `expired` after `ms`, unless the watch has stopped before.
+    expireAfter(ms, expired) {
+        const GLib = this._shell.GLib;
+        this._timeout = GLib.timeout_add(GLib.PRIORITY_DEFAULT, ms, () => {
+            this._timeout = 0;
+            this.stop();
+            expired();
+            return GLib.SOURCE_REMOVE;
+        });
+    }
+
+    stop() {
+        for (const [object, handler] of this._handlers)
+            object.disconnect(handler);
+        this._handlers = [];
+        if (this._timeout)
+            this._shell.GLib.source_remove(this._timeout);
+        this._timeout = 0;
+    }
+}
+
 var LatticaBridge = class LatticaBridge {
     constructor(shell) {
         this._shell = shell;
@@ -441,38 +474,24 @@ var LatticaBridge = class LatticaBridge {
             return;
         }
         // Not placed yet: the window may exist without its first drawing, or not exist yet.
-        const ids = [];
-        let timeout = 0;
-        const stop = () => {
-            for (const [object, handler] of ids)
-                object.disconnect(handler);
-            ids.length = 0;
-            if (timeout)
-                shell.GLib.source_remove(timeout);
-            timeout = 0;
-        };
-        const watch = window => {
+        const watch = new Watch(shell);
+        const watchWindow = window => {
             if (window.get_pid() !== pid)
                 return;
-            ids.push([window, window.connect('shown', () => {
+            watch.connect(window, 'shown', () => {
                 if (!matches(window))
                     return;
-                stop();
+                watch.stop();
                 activate(window);
-            })]);
+            });
         };
         for (const actor of shell.getWindowActors()) {
             const window = actor.get_meta_window();
             if (window)
-                watch(window);
+                watchWindow(window);
         }
-        ids.push([shell.display, shell.display.connect('window-created', (display, window) => watch(window))]);
-        timeout = shell.GLib.timeout_add(shell.GLib.PRIORITY_DEFAULT, SHOW_TIMEOUT_MS, () => {
-            timeout = 0;
-            stop();
-            reply({result: 'gone'});
-            return shell.GLib.SOURCE_REMOVE;
-        });
+        watch.connect(shell.display, 'window-created', (display, window) => watchWindow(window));
+        watch.expireAfter(SHOW_TIMEOUT_MS, () => reply({result: 'gone'}));
     }
 
     // A click on the desktop's background or the Shell's own chrome leaves the focus where it is, and
@@ -531,34 +550,20 @@ var LatticaBridge = class LatticaBridge {
             return;
         }
         // Wayland clients take a new size when they next draw, and focus follows later: wait.
-        const ids = [];
-        let timeout = 0;
-        const stop = () => {
-            for (const [object, handler] of ids)
-                object.disconnect(handler);
-            ids.length = 0;
-            if (timeout)
-                shell.GLib.source_remove(timeout);
-            timeout = 0;
-        };
+        const watch = new Watch(shell);
         const check = () => {
             if (done(window)) {
-                stop();
+                watch.stop();
                 answer();
             }
         };
         for (const name of ['position-changed', 'size-changed', 'notify::minimized', 'notify::maximized-horizontally'])
-            ids.push([window, window.connect(name, check)]);
-        ids.push([shell.display, shell.display.connect('notify::focus-window', check)]);
-        ids.push([window, window.connect('unmanaged', () => {
-            stop();
+            watch.connect(window, name, check);
+        watch.connect(shell.display, 'notify::focus-window', check);
+        watch.connect(window, 'unmanaged', () => {
+            watch.stop();
             reply({result: 'gone'});
-        })]);
-        timeout = shell.GLib.timeout_add(shell.GLib.PRIORITY_DEFAULT, SETTLE_TIMEOUT_MS, () => {
-            timeout = 0;
-            stop();
-            answer();
-            return shell.GLib.SOURCE_REMOVE;
         });
+        watch.expireAfter(SETTLE_TIMEOUT_MS, answer);
     }
 };
