@@ -8,6 +8,7 @@
 #include <memory>
 #include <optional>
 
+#include "app/model/Models.h"
 #include "platform/WindowList.h"
 #include "platform/x11/X11Platform.h"
 #include "tests/testclient/TestClient.h"
@@ -32,6 +33,9 @@ protected:
     QRect frameFromTree(quint32 window);
     // The monitors, in the global display space, left to right.
     QList<QRect> monitors() const;
+    // A placeholder snapshot of the display whose bounds are the monitor (numbered left to right), as a
+    // move's target; a failure of the test when there is none.
+    DisplaySnapshot display(int monitor) const;
     // Options that place a w x h window at an offset inside a monitor.
     QString placement(int monitor, int dx, int dy, int width, int height) const;
     // Asks the window manager to activate the window and waits until _NET_ACTIVE_WINDOW names it.

@@ -5,8 +5,8 @@
 
 #include "app/displays/ScreenSnapshotService.h"
 #include "app/mover/WindowMover.h"
-#include "tests/support/VirtualDesktop.h"
 #include "tests/platform/x11/X11DesktopFixture.h"
+#include "tests/support/VirtualDesktop.h"
 
 namespace {
 
@@ -34,15 +34,6 @@ protected:
         X11DesktopFixture::TearDown();
     }
 
-    DisplaySnapshot display(int monitor) {
-        for (const DisplayDescriptor& descriptor : ScreenSnapshotService::currentDisplayDescriptors()) {
-            if (descriptor.bounds == QRectF(monitors().value(monitor))) {
-                return DisplaySnapshot::placeholder(descriptor);
-            }
-        }
-        ADD_FAILURE() << "no display for monitor " << monitor;
-        return {};
-    }
     QString states(quint32 window) {
         return VirtualDesktop::output(
             QStringLiteral("xprop"), {QStringLiteral("-id"), QString::number(window), QStringLiteral("_NET_WM_STATE")});

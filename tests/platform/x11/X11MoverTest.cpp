@@ -7,8 +7,8 @@
 #include "app/mover/WindowMover.h"
 #include "platform/Platform.h"
 #include "platform/WindowControl.h"
-#include "tests/support/VirtualDesktop.h"
 #include "tests/platform/x11/X11DesktopFixture.h"
+#include "tests/support/VirtualDesktop.h"
 
 namespace {
 

@@ -8,8 +8,8 @@
 #include "app/mover/WindowMover.h"
 #include "platform/Platform.h"
 #include "platform/WindowControl.h"
-#include "tests/support/VirtualDesktop.h"
 #include "tests/platform/x11/X11DesktopFixture.h"
+#include "tests/support/VirtualDesktop.h"
 
 namespace {
 
@@ -24,15 +24,6 @@ protected:
         X11DesktopFixture::TearDown();
     }
 
-    DisplaySnapshot display(int monitor) {
-        for (const DisplayDescriptor& descriptor : ScreenSnapshotService::currentDisplayDescriptors()) {
-            if (descriptor.bounds == QRectF(monitors().value(monitor))) {
-                return DisplaySnapshot::placeholder(descriptor);
-            }
-        }
-        ADD_FAILURE() << "no display for monitor " << monitor;
-        return {};
-    }
     bool minimized(quint32 window) {
         const Reading<bool> minimised = Platform::services().windowControl->minimised(window);
         return minimised.result == Result::Ok && minimised.value.value_or(false);

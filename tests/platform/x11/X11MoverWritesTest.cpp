@@ -68,16 +68,6 @@ protected:
         services.windowControl = m_recorder.get();
         Platform::install(services);
     }
-    // The display snapshot whose bounds are the monitor (monitors are numbered left to right).
-    DisplaySnapshot display(int monitor) {
-        for (const DisplayDescriptor& descriptor : ScreenSnapshotService::currentDisplayDescriptors()) {
-            if (descriptor.bounds == QRectF(monitors().value(monitor))) {
-                return DisplaySnapshot::placeholder(descriptor);
-            }
-        }
-        ADD_FAILURE() << "no display for monitor " << monitor;
-        return {};
-    }
     const RecordingWindowControl& recorder() const { return *m_recorder; }
 
 private:

@@ -30,15 +30,6 @@ protected:
         }
         return std::nullopt;
     }
-    DisplaySnapshot display(int monitor) {
-        for (const DisplayDescriptor& descriptor : ScreenSnapshotService::currentDisplayDescriptors()) {
-            if (descriptor.bounds == QRectF(monitors().value(monitor))) {
-                return DisplaySnapshot::placeholder(descriptor);
-            }
-        }
-        ADD_FAILURE() << "no display for monitor " << monitor;
-        return {};
-    }
     qsizetype qualifyingWindowsOf(qint64 pid) {
         qsizetype count = 0;
         for (const QualifiedWindow& window : ScreenSnapshotService::qualifyingWindows()) {
