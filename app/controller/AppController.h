@@ -201,8 +201,7 @@ private:
     };
     std::optional<PendingCapture> m_pendingCapture;
     PreviewBackdrop m_backdrop;
-    bool m_awaitingViewPaint = false;
-    // How long a capture waits for the panel's paint at most.
+    // How long a capture waits for the panel's paint at most; running while it waits.
     QTimer m_viewPaintBound;
     QMetaObject::Connection m_monitorsObserver;
 };

@@ -64,7 +64,6 @@ void AppController::refreshForMenuOpen() {
 
     // This refresh's picture of what lies under the panel comes with the panel's showing, if at all.
     m_backdrop = {};
-    m_awaitingViewPaint = false;
     m_viewPaintBound.stop();
     if (!Platform::services().monitors->canCaptureAreas()) {
         // The panel cannot be left out of the pictures afterwards: they are asked for before it shows.
@@ -78,7 +77,7 @@ void AppController::refreshForMenuOpen() {
     QMetaObject::invokeMethod(
         this,
         [this] {
-            if (!m_awaitingViewPaint) {
+            if (!m_viewPaintBound.isActive()) {
                 startPendingCapture();
             }
         },
@@ -86,7 +85,7 @@ void AppController::refreshForMenuOpen() {
 }
 
 void AppController::previewsViewShowing(const QRectF& area) {
-    if (!m_pendingCapture || m_awaitingViewPaint) {
+    if (!m_pendingCapture || m_viewPaintBound.isActive()) {
         return;
     }
     // Taken before the panel is mapped: the platform answers once the picture is taken.
@@ -97,15 +96,13 @@ void AppController::previewsViewShowing(const QRectF& area) {
         return;
     }
     m_backdrop = {area, under};
-    m_awaitingViewPaint = true;
     m_viewPaintBound.start();
 }
 
 void AppController::previewsViewPainted() {
-    if (!m_awaitingViewPaint) {
+    if (!m_viewPaintBound.isActive()) {
         return;
     }
-    m_awaitingViewPaint = false;
     m_viewPaintBound.stop();
     // Posted: the paint goes to the display server at the end of this turn of the event loop, ahead of
     // the capture's requests, which would otherwise keep the server from drawing it.
@@ -119,7 +116,6 @@ void AppController::startPendingCapture() {
     const PendingCapture pending = *std::exchange(m_pendingCapture, std::nullopt);
     // The capture holds the only reference to the backdrop's picture from now on.
     const PreviewBackdrop backdrop = std::exchange(m_backdrop, {});
-    m_awaitingViewPaint = false;
     m_viewPaintBound.stop();
     // Cancelled before it began (permissions lost): its result would be dropped anyway.
     if (pending.token != m_previewLoadID) {
@@ -166,7 +162,7 @@ void AppController::setPreviewsShown(bool shown) {
         return;
     }
     // The panel went before it was painted: its capture waits no longer.
-    if (m_awaitingViewPaint) {
+    if (m_viewPaintBound.isActive()) {
         startPendingCapture();
     }
     const bool holdsPictures = std::any_of(m_displays.cbegin(), m_displays.cend(),
