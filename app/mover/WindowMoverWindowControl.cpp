@@ -16,6 +16,12 @@ QString listName(WindowScope scope) {
     return scope == WindowScope::Visible ? QStringLiteral("AXWindows") : QStringLiteral("AXAllWindows");
 }
 
+// A window list as the mover keeps it: the windows only when the read succeeded.
+WindowAttributeResult listResult(const Reading<QList<WindowId>>& reading) {
+    return {reading.result,
+            reading.result == Result::Ok ? reading.value.value_or(QList<WindowId>{}) : QList<WindowId>{}};
+}
+
 }  // namespace
 
 WindowControl* WindowMover::windowControl() {
@@ -23,9 +29,7 @@ WindowControl* WindowMover::windowControl() {
 }
 
 WindowAttributeResult WindowMover::windows(pid_t application, WindowScope scope) {
-    const Reading<QList<WindowId>> reading = windowControl()->windows(application, scope);
-    return {reading.result,
-            reading.result == Result::Ok ? reading.value.value_or(QList<WindowId>{}) : QList<WindowId>{}};
+    return listResult(windowControl()->windows(application, scope));
 }
 
 void WindowMover::appendUnique(WindowId window, QList<WindowId>& list) {
@@ -35,11 +39,6 @@ void WindowMover::appendUnique(WindowId window, QList<WindowId>& list) {
 }
 
 namespace {
-
-WindowAttributeResult listResult(const Reading<QList<WindowId>>& reading) {
-    return {reading.result,
-            reading.result == Result::Ok ? reading.value.value_or(QList<WindowId>{}) : QList<WindowId>{}};
-}
 
 void traceListErrors(const QString& appLabel, const WindowAttributeResult& primary, const WindowAttributeResult& all) {
     if (primary.result != Result::Ok) {
