@@ -20,18 +20,19 @@ QJsonObject readDefaults(const QString& path) {
     return QJsonDocument::fromJson(file.readAll()).object();
 }
 
-// Starts the program with its own configuration folder and no update check over the network.
-void startLattica(QProcess& lattica, const QString& configDirectory) {
-    lattica.setProcessEnvironment(VirtualDesktop::programEnvironment(configDirectory));
+// Starts the program with its own configuration and runtime folders and no update check over the network.
+void startLattica(QProcess& lattica, const QString& configDirectory, const QString& runtimeDirectory) {
+    lattica.setProcessEnvironment(VirtualDesktop::soleInstanceEnvironment(configDirectory, runtimeDirectory));
     lattica.setProcessChannelMode(QProcess::ForwardedChannels);
     lattica.start(QStringLiteral(LATTICA_BINARY), {});
 }
 
 TEST(LatticaProcessDesktopTest, FirstStartWritesThePreferenceDefaultsAndSigtermEndsWithStatusZero) {
     QTemporaryDir config;
-    ASSERT_TRUE(config.isValid());
+    QTemporaryDir runtime;
+    ASSERT_TRUE(config.isValid() && runtime.isValid());
     QProcess lattica;
-    startLattica(lattica, config.path());
+    startLattica(lattica, config.path(), runtime.path());
     ASSERT_TRUE(lattica.waitForStarted(5000));
 
     const QString defaultsPath = config.filePath(QStringLiteral("lattica/defaults.json"));
@@ -52,7 +53,8 @@ TEST(LatticaProcessDesktopTest, FirstStartWritesThePreferenceDefaultsAndSigtermE
 
 TEST(LatticaProcessDesktopTest, CorruptPreferencesFileIsKeptAndTheDefaultsRecreated) {
     QTemporaryDir config;
-    ASSERT_TRUE(config.isValid());
+    QTemporaryDir runtime;
+    ASSERT_TRUE(config.isValid() && runtime.isValid());
     QDir().mkpath(config.filePath(QStringLiteral("lattica")));
     const QString defaultsPath = config.filePath(QStringLiteral("lattica/defaults.json"));
     {
@@ -61,7 +63,7 @@ TEST(LatticaProcessDesktopTest, CorruptPreferencesFileIsKeptAndTheDefaultsRecrea
         file.write("\x00\xff garbage {");
     }
     QProcess lattica;
-    startLattica(lattica, config.path());
+    startLattica(lattica, config.path(), runtime.path());
     ASSERT_TRUE(lattica.waitForStarted(5000));
     ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return readDefaults(defaultsPath).size() >= 3; }, 10000));
     const QStringList kept =
