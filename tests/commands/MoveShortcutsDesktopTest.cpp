@@ -47,6 +47,11 @@ protected:
         const Reading<QRectF> frame = m_platform->services().windowControl->frame(window);
         return frame.result == Result::Ok ? frame.value.value_or(QRectF()) : QRectF();
     }
+    // Whether the window has the focus, as the moves read it.
+    bool hasFocus(quint32 window) const {
+        const Reading<WindowId> focused = m_platform->services().windowControl->focusedWindow();
+        return focused.result == Result::Ok && focused.value == WindowId(window);
+    }
     static bool xdotool(const QStringList& arguments) {
         return VirtualDesktop::run(QStringLiteral("xdotool"), arguments) == 0;
     }
@@ -80,6 +85,10 @@ TEST_F(MoveShortcutsDesktopTest, NextMonitorAndSwapShortcutsMoveTheWindows) {
     const quint32 focused = m_client.open(QStringLiteral("a"), QStringLiteral("x=300 y=200 w=640 h=400 title=Focused"));
     ASSERT_NE(focused, 0u);
     ASSERT_TRUE(xdotool({QStringLiteral("windowactivate"), QStringLiteral("--sync"), QString::number(focused)}));
+    // The key's move starts from the focused window: wait until the moves see it focused. xdotool's --sync
+    // is not enough; on a busy machine the key once came while no window had the focus.
+    ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return hasFocus(focused); }, 10000))
+        << "the window manager did not give the window the focus";
     // The window manager places a new window in its own time.
     ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return first.contains(frame(focused).center()); }))
         << "at " << frame(focused).x() << "," << frame(focused).y();
