@@ -63,6 +63,11 @@ int sameReadsListing(X11Connection& connection) {
     xcb_get_property_reply_t* check = xcb_get_property_reply(
         c, xcb_get_property(c, 0, root, connection.atom("_NET_SUPPORTING_WM_CHECK"), XCB_ATOM_WINDOW, 0, 1), nullptr);
     xcb_query_tree_reply_t* tree = xcb_query_tree_reply(c, xcb_query_tree(c, root), nullptr);
+    // Opacity shows only while a compositing manager runs.
+    xcb_get_selection_owner_reply_t* compositor =
+        xcb_get_selection_owner_reply(c, xcb_get_selection_owner(c, connection.atom("_NET_WM_CM_S0")), nullptr);
+    const bool composited = compositor != nullptr && compositor->owner != XCB_NONE;
+    std::free(compositor);
     if (list == nullptr || tree == nullptr) {
         std::free(list);
         std::free(check);
@@ -83,11 +88,12 @@ int sameReadsListing(X11Connection& connection) {
         xcb_atom_t type;
         uint32_t length;
     };
-    const Property kinds[] = {{connection.atom("_NET_FRAME_EXTENTS"), XCB_ATOM_CARDINAL, 4},
-                              {connection.atom("_NET_WM_WINDOW_TYPE"), XCB_ATOM_ATOM, 32},
-                              {connection.atom("_NET_WM_STATE"), XCB_ATOM_ATOM, 32},
-                              {connection.atom("_NET_WM_DESKTOP"), XCB_ATOM_CARDINAL, 1},
-                              {connection.atom("_NET_WM_WINDOW_OPACITY"), XCB_ATOM_CARDINAL, 1}};
+    const Property kinds[] = {
+        {connection.atom("_NET_FRAME_EXTENTS"), XCB_ATOM_CARDINAL, 4},
+        {connection.atom("_NET_WM_WINDOW_TYPE"), XCB_ATOM_ATOM, 32},
+        {connection.atom("_NET_WM_STATE"), XCB_ATOM_ATOM, 32},
+        {connection.atom("_NET_WM_DESKTOP"), XCB_ATOM_CARDINAL, 1},
+        {connection.atom("_NET_WM_WINDOW_OPACITY"), XCB_ATOM_CARDINAL, 1}};  // last: not always read
     // The replies are taken in the order the requests went out, as the window list takes them.
     struct Cookies {
         xcb_get_geometry_cookie_t geometry;
@@ -98,10 +104,11 @@ int sameReadsListing(X11Connection& connection) {
     std::vector<xcb_get_window_attributes_cookie_t> attributes;
     std::vector<xcb_res_client_id_spec_t> clients;
     std::set<uint32_t> clientBases;
+    const size_t propertyCount = composited ? std::size(kinds) : std::size(kinds) - 1;
     for (int i = 0; i < count; ++i) {
         cookies[i].geometry = xcb_get_geometry(c, windows[i]);
         cookies[i].position = xcb_translate_coordinates(c, windows[i], root, 0, 0);
-        for (size_t p = 0; p < std::size(kinds); ++p) {
+        for (size_t p = 0; p < propertyCount; ++p) {
             cookies[i].properties[p] =
                 xcb_get_property(c, 0, windows[i], kinds[p].atom, kinds[p].type, 0, kinds[p].length);
         }
@@ -120,8 +127,8 @@ int sameReadsListing(X11Connection& connection) {
     for (const Cookies& window : cookies) {
         std::free(xcb_get_geometry_reply(c, window.geometry, nullptr));
         std::free(xcb_translate_coordinates_reply(c, window.position, nullptr));
-        for (const xcb_get_property_cookie_t cookie : window.properties) {
-            std::free(xcb_get_property_reply(c, cookie, nullptr));
+        for (size_t p = 0; p < propertyCount; ++p) {
+            std::free(xcb_get_property_reply(c, window.properties[p], nullptr));
         }
     }
     for (const xcb_get_window_attributes_cookie_t cookie : attributes) {

@@ -78,4 +78,7 @@ struct X11RootFacts {
     // The window the window manager names as its own (_NET_SUPPORTING_WM_CHECK), not yet checked to name
     // itself back.
     xcb_window_t windowManagerCheck = XCB_NONE;
+    // A compositing manager owns _NET_WM_CM_S<screen>. Only then does a window's opacity show: without
+    // one the server draws every window fully.
+    bool compositingManager = false;
 };

@@ -71,6 +71,15 @@ X11WindowReader::X11WindowReader(X11Connection& connection, X11WindowCache* cach
                m_connection.atom("_NET_WM_PID"),        m_connection.atom("_NET_WM_WINDOW_OPACITY"),
                m_connection.atom("_NET_WM_NAME")};
     xcb_connection_t* xcb = m_connection.xcb();
+    // The compositing manager's selection is named after the screen the root window belongs to.
+    int screenNumber = 0;
+    for (auto it = xcb_setup_roots_iterator(xcb_get_setup(xcb)); it.rem > 0 && it.data->root != m_connection.root();
+         xcb_screen_next(&it)) {
+        ++screenNumber;
+    }
+    const QByteArray selection = "_NET_WM_CM_S" + QByteArray::number(screenNumber);
+    m_connection.internAtoms({selection.constData()});
+    m_compositingSelection = m_connection.atom(selection.constData());
     const xcb_query_extension_reply_t* resource = xcb_get_extension_data(xcb, &xcb_res_id);
     if (resource != nullptr && resource->present) {
         XcbReply<xcb_res_query_version_reply_t> version(
@@ -98,6 +107,7 @@ X11RootFacts X11WindowReader::readRoot(unsigned fields) {
     };
     xcb_get_property_cookie_t clientList{}, active{}, desktop{}, check{};
     xcb_query_tree_cookie_t tree{};
+    xcb_get_selection_owner_cookie_t compositor{};
     xcb_randr_get_monitors_cookie_t monitors{};
     if (fields & ClientList) {
         clientList = property("_NET_CLIENT_LIST_STACKING", XCB_ATOM_WINDOW, kLongListLength);
@@ -113,6 +123,9 @@ X11RootFacts X11WindowReader::readRoot(unsigned fields) {
     }
     if (fields & Children) {
         tree = xcb_query_tree(xcb, root);
+    }
+    if (fields & CompositingManager) {
+        compositor = xcb_get_selection_owner(xcb, m_compositingSelection);
     }
     bool wantOrigin = (fields & GlobalOrigin) && m_hasRandr;
     if (wantOrigin) {
@@ -149,6 +162,11 @@ X11RootFacts X11WindowReader::readRoot(unsigned fields) {
             const xcb_window_t* children = xcb_query_tree_children(reply.get());
             facts.rootChildren = QList<xcb_window_t>(children, children + xcb_query_tree_children_length(reply.get()));
         }
+    }
+    if (fields & CompositingManager) {
+        const auto reply =
+            take<xcb_get_selection_owner_reply_t>(xcb, compositor, xcb_get_selection_owner_reply, &unused);
+        facts.compositingManager = reply && reply->owner != XCB_NONE;
     }
     if (wantOrigin) {
         const auto reply = take<xcb_randr_get_monitors_reply_t>(xcb, monitors, xcb_randr_get_monitors_reply, &unused);
@@ -421,10 +439,11 @@ QList<X11WindowFacts> X11WindowReader::collectWindows(PendingWindows& pending) {
         X11WindowFacts facts = collectFields(entry, pending.owners, clientPids, displayClients);
         if (m_cache != nullptr && facts.exists) {
             m_cache->store(facts, entry.sentFields, pending.mark);
-            X11WindowFacts known = entry.known.facts;
-            known.window = facts.window;
-            known.copyFields(facts, entry.sentFields);
-            facts = known;
+            // Only the fields asked for: the cache may know others, read under other conditions.
+            const unsigned fromCache = entry.known.fields & entry.request.fields;
+            if (fromCache != 0) {
+                facts.copyFields(entry.known.facts, fromCache);
+            }
         }
         result.append(facts);
     }

@@ -30,6 +30,7 @@ public:
         CurrentDesktop = 1u << 3,
         GlobalOrigin = 1u << 5,
         WindowManagerCheck = 1u << 6,
+        CompositingManager = 1u << 7,
     };
     struct Request {
         xcb_window_t window = XCB_NONE;
@@ -98,6 +99,7 @@ private:
     struct WindowAtoms {
         xcb_atom_t extents, type, state, desktop, pid, opacity, name;
     } m_atoms{};
+    xcb_atom_t m_compositingSelection = XCB_NONE;  // _NET_WM_CM_S<screen>
     bool m_hasResource = false;
     uint32_t m_resourceIdMask = 0;
     bool m_hasRandr = false;

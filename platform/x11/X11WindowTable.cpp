@@ -35,11 +35,16 @@ void merge(QList<X11WindowFacts>& windows, const QList<X11WindowFacts>& extra) {
 X11WindowTable X11WindowTable::read(X11WindowReader& reader, unsigned managedFields,
                                     const std::function<void()>& afterListing) {
     X11WindowTable table;
-    table.root = reader.readRoot(X11WindowReader::ClientList | X11WindowReader::Children |
-                                 X11WindowReader::ActiveWindow | X11WindowReader::CurrentDesktop |
-                                 X11WindowReader::GlobalOrigin | X11WindowReader::WindowManagerCheck);
+    table.root = reader.readRoot(
+        X11WindowReader::ClientList | X11WindowReader::Children | X11WindowReader::ActiveWindow |
+        X11WindowReader::CurrentDesktop | X11WindowReader::GlobalOrigin | X11WindowReader::WindowManagerCheck |
+        ((managedFields & X11WindowFacts::Opacity) ? X11WindowReader::CompositingManager : 0u));
     if (!table.root.connected) {
         return table;
+    }
+    // Without a compositing manager every window is drawn fully, whatever its opacity says.
+    if (!table.root.compositingManager) {
+        managedFields &= ~X11WindowFacts::Opacity;
     }
     if (afterListing) {
         afterListing();
