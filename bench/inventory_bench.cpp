@@ -2,8 +2,12 @@
 // Window-list inventory on a desktop with 50, 200 and 500 managed windows: our window server, the
 // core's qualifying-window inventory on top of it, `wmctrl -lpG` as a whole process, and a minimal
 // pipelined listing (client list, pid, geometry) as the floor. Run on a virtual desktop.
+#include <sys/socket.h>
 #include <xcb/res.h>
 #include <xcb/xcb.h>
+
+#include <QFile>
+#include <ctime>
 
 #include <QCoreApplication>
 #include <QProcess>
@@ -140,6 +144,46 @@ int sameReadsListing(X11Connection& connection) {
     return count;
 }
 
+// CPU time of this thread and of the X server's main thread, in nanoseconds: what a read costs on each
+// side, which the load of a shared machine changes less than the time it takes.
+class CpuClock {
+public:
+    struct Times {
+        double client = 0;
+        double server = 0;
+    };
+    explicit CpuClock(int connectionFd) {
+        ucred peer{};
+        socklen_t length = sizeof peer;
+        if (getsockopt(connectionFd, SOL_SOCKET, SO_PEERCRED, &peer, &length) == 0) {
+            m_server = peer.pid;
+        }
+    }
+    // Adds what the action cost on each side to the sums.
+    void add(Times& sums, const std::function<void()>& action) const {
+        const Times before = now();
+        action();
+        const Times after = now();
+        sums.client += after.client - before.client;
+        sums.server += after.server - before.server;
+    }
+
+private:
+    Times now() const {
+        timespec thread{};
+        clock_gettime(CLOCK_THREAD_CPUTIME_ID, &thread);
+        Times times;
+        times.client = static_cast<double>(thread.tv_sec) * 1e9 + static_cast<double>(thread.tv_nsec);
+        // The first field of schedstat: time spent on a CPU.
+        QFile schedstat(QStringLiteral("/proc/%1/schedstat").arg(m_server));
+        if (m_server > 0 && schedstat.open(QIODevice::ReadOnly)) {
+            times.server = schedstat.readAll().split(' ').value(0).toDouble();
+        }
+        return times;
+    }
+    pid_t m_server = 0;
+};
+
 void runProcess(const QString& program, const QStringList& arguments) {
     QProcess process;
     process.start(program, arguments);
@@ -207,17 +251,29 @@ int main(int argc, char** argv) {
             std::vector<double> sameReads;
             std::vector<double> qualifying;
             std::vector<double> minimal;
-            for (int i = 0; i < 30; ++i) {
-                list.push_back(BenchTable::measure(1, [cache, &windowList] {
-                                   cache->clear();
-                                   windowList.windowsWithoutTitles(DesktopWindows::Exclude);
-                               }).median);
+            const CpuClock cpu(xcb_get_file_descriptor(platform->connection().xcb()));
+            CpuClock::Times listCpu;
+            CpuClock::Times sameReadsCpu;
+            CpuClock::Times minimalCpu;
+            constexpr int kRounds = 30;
+            for (int i = 0; i < kRounds; ++i) {
+                cpu.add(listCpu, [&] {
+                    list.push_back(BenchTable::measure(1, [cache, &windowList] {
+                                       cache->clear();
+                                       windowList.windowsWithoutTitles(DesktopWindows::Exclude);
+                                   }).median);
+                });
                 titledList.push_back(BenchTable::measure(1, [cache, &windowList] {
                                          cache->clear();
                                          windowList.windows(DesktopWindows::Exclude);
                                      }).median);
-                minimal.push_back(BenchTable::measure(1, [&] { minimalListing(platform->connection()); }).median);
-                sameReads.push_back(BenchTable::measure(1, [&] { sameReadsListing(platform->connection()); }).median);
+                cpu.add(minimalCpu, [&] {
+                    minimal.push_back(BenchTable::measure(1, [&] { minimalListing(platform->connection()); }).median);
+                });
+                cpu.add(sameReadsCpu, [&] {
+                    sameReads.push_back(
+                        BenchTable::measure(1, [&] { sameReadsListing(platform->connection()); }).median);
+                });
                 qualifying.push_back(BenchTable::measure(1, [cache] {
                                          cache->clear();
                                          ScreenSnapshotService::qualifyingWindows();
@@ -251,6 +307,17 @@ int main(int argc, char** argv) {
             std::printf("%-58s %10.2f\n",
                         qPrintable(QStringLiteral("%1 windows: cold qualifying / floor, least of each").arg(total)),
                         BenchTable::summarize(qualifying).minimum / leastFloor);
+            // CPU per read on each side, averaged: the cold list (its own thread only), the same reads in
+            // one stage, and the floor.
+            for (const auto& [name, times] :
+                 {std::pair{"cold list", listCpu}, std::pair{"its reads in one stage", sameReadsCpu},
+                  std::pair{"floor", minimalCpu}}) {
+                std::printf("%-58s %10.3f %10.3f\n",
+                            qPrintable(QStringLiteral("%1 windows: CPU ms of %2, ours and server's")
+                                           .arg(total)
+                                           .arg(QLatin1String(name))),
+                            times.client / kRounds / 1e6, times.server / kRounds / 1e6);
+            }
             coldList = BenchTable::summarize(list).median;
             coldTitledList = BenchTable::summarize(titledList).median;
             coldQualifying = BenchTable::summarize(qualifying).median;

@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <span>
 
 #include <QSet>
 
@@ -37,18 +38,18 @@ XcbReply<xcb_get_property_reply_t> takeProperty(xcb_connection_t* xcb, xcb_get_p
     return take<xcb_get_property_reply_t>(xcb, cookie, xcb_get_property_reply, gone);
 }
 
-QList<uint32_t> cardinals(const xcb_get_property_reply_t* reply) {
+// The 32-bit values of a property, inside the reply (which has to outlive them).
+std::span<const uint32_t> cardinals(const xcb_get_property_reply_t* reply) {
     if (reply == nullptr || reply->format != 32) {
         return {};
     }
     const auto* data = static_cast<const uint32_t*>(xcb_get_property_value(reply));
-    const int count = xcb_get_property_value_length(reply) / 4;
-    return QList<uint32_t>(data, data + count);
+    return {data, static_cast<size_t>(xcb_get_property_value_length(reply) / 4)};
 }
 
 std::optional<uint32_t> firstCardinal(const xcb_get_property_reply_t* reply) {
-    const QList<uint32_t> values = cardinals(reply);
-    return values.isEmpty() ? std::nullopt : std::optional<uint32_t>(values.first());
+    const std::span<const uint32_t> values = cardinals(reply);
+    return values.empty() ? std::nullopt : std::optional<uint32_t>(values.front());
 }
 
 QByteArray bytes(const xcb_get_property_reply_t* reply) {
@@ -143,9 +144,8 @@ X11RootFacts X11WindowReader::readRoot(unsigned fields) {
     if (fields & ClientList) {
         const auto reply = takeProperty(xcb, clientList, &unused);
         facts.hasClientList = reply && reply->type != XCB_ATOM_NONE;
-        for (uint32_t window : cardinals(reply.get())) {
-            facts.clientListStacking.append(window);
-        }
+        const std::span<const uint32_t> windows = cardinals(reply.get());
+        facts.clientListStacking = QList<xcb_window_t>(windows.begin(), windows.end());
     }
     if (fields & ActiveWindow) {
         facts.activeWindow = firstCardinal(takeProperty(xcb, active, &unused).get()).value_or(XCB_NONE);
@@ -314,7 +314,8 @@ X11WindowFacts X11WindowReader::collectFields(const PendingWindow& entry, const 
         const auto geometry = take<xcb_get_geometry_reply_t>(xcb, entry.geometry, xcb_get_geometry_reply, &gone);
         const auto position =
             take<xcb_translate_coordinates_reply_t>(xcb, entry.position, xcb_translate_coordinates_reply, &gone);
-        const QList<uint32_t> extents = cardinals(takeProperty(xcb, entry.extents, &gone).get());
+        const auto extentsReply = takeProperty(xcb, entry.extents, &gone);
+        const std::span<const uint32_t> extents = cardinals(extentsReply.get());
         if (geometry && position) {
             facts.clientRect = QRect(position->dst_x, position->dst_y, geometry->width, geometry->height);
             facts.borderWidth = geometry->border_width;
@@ -325,17 +326,17 @@ X11WindowFacts X11WindowReader::collectFields(const PendingWindow& entry, const 
         }
     }
     if (f & X11WindowFacts::Type) {
-        for (uint32_t atom : cardinals(takeProperty(xcb, entry.type, &gone).get())) {
-            facts.types.append(atom);
-        }
+        const auto reply = takeProperty(xcb, entry.type, &gone);
+        const std::span<const uint32_t> atoms = cardinals(reply.get());
+        facts.types = QList<xcb_atom_t>(atoms.begin(), atoms.end());
     }
     if (f & X11WindowFacts::Transient) {
         facts.transientFor = firstCardinal(takeProperty(xcb, entry.transient, &gone).get()).value_or(XCB_NONE);
     }
     if (f & X11WindowFacts::State) {
-        for (uint32_t atom : cardinals(takeProperty(xcb, entry.state, &gone).get())) {
-            facts.states.append(atom);
-        }
+        const auto reply = takeProperty(xcb, entry.state, &gone);
+        const std::span<const uint32_t> atoms = cardinals(reply.get());
+        facts.states = QList<xcb_atom_t>(atoms.begin(), atoms.end());
     }
     if (f & X11WindowFacts::Desktop) {
         facts.desktop = firstCardinal(takeProperty(xcb, entry.desktop, &gone).get());
@@ -380,7 +381,8 @@ X11WindowFacts X11WindowReader::collectFields(const PendingWindow& entry, const 
         }
     }
     if (f & X11WindowFacts::SizeHints) {
-        const QList<uint32_t> hints = cardinals(takeProperty(xcb, entry.hints, &gone).get());
+        const auto hintsReply = takeProperty(xcb, entry.hints, &gone);
+        const std::span<const uint32_t> hints = cardinals(hintsReply.get());
         constexpr uint32_t kMinimumSize = 1u << 4;
         constexpr uint32_t kMaximumSize = 1u << 5;
         if (hints.size() >= 9) {
@@ -406,7 +408,7 @@ X11WindowReader::PendingWindows X11WindowReader::sendWindowRequests(const QList<
     }
     pending.windows.reserve(requests.size());
     for (const Request& request : requests) {
-        PendingWindow entry;
+        PendingWindow& entry = pending.windows.emplace_back();
         entry.request = request;
         if (m_cache != nullptr) {
             entry.known = m_cache->lookup(request.window);
@@ -419,7 +421,6 @@ X11WindowReader::PendingWindows X11WindowReader::sendWindowRequests(const QList<
             m_cache->watch(request.window);
         }
         sendFields(entry);
-        pending.windows.append(entry);
     }
     pending.owners = sendOwnerRequest(pending.windows);
     // What the cache knew is checked against the news that came in before this point: when the reply
@@ -445,7 +446,7 @@ QList<X11WindowFacts> X11WindowReader::collectWindows(PendingWindows& pending) {
                 facts.copyFields(entry.known.facts, fromCache);
             }
         }
-        result.append(facts);
+        result.append(std::move(facts));
     }
     if (pending.usesCache) {
         XcbReply<xcb_get_input_focus_reply_t>(

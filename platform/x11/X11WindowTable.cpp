@@ -93,13 +93,13 @@ X11WindowTable X11WindowTable::read(X11WindowReader& reader, unsigned managedFie
     QList<X11WindowFacts> managedWindows;
     QList<X11WindowReader::Request> extraRequests;
     QSet<pid_t> classOwners;
+    managedWindows.reserve(managedCount);
     for (qsizetype i = 0; i < managedCount; ++i) {
-        const X11WindowFacts& facts = stage2[i];
-        if (!facts.exists) {
+        if (!stage2[i].exists) {
             continue;
         }
-        managedWindows.append(facts);
-        managedWindows.last().managed = true;
+        X11WindowFacts& facts = managedWindows.emplace_back(std::move(stage2[i]));
+        facts.managed = true;
         unsigned extra = 0;
         if (wantsTransient && facts.types.isEmpty()) {
             extra |= X11WindowFacts::Transient;
@@ -136,6 +136,7 @@ X11WindowTable X11WindowTable::read(X11WindowReader& reader, unsigned managedFie
         facts.mapped = attributes.mapped;
     }
 
-    table.windows = unmanagedWindows + managedWindows;
+    table.windows = std::move(unmanagedWindows);
+    table.windows.append(std::move(managedWindows));
     return table;
 }
