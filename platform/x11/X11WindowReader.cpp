@@ -293,10 +293,10 @@ X11WindowReader::ClientPids X11WindowReader::collectOwners(const PendingOwners& 
     return pids;
 }
 
-X11WindowFacts X11WindowReader::collectFields(const PendingWindow& entry, const PendingOwners& owners,
+X11WindowFacts X11WindowReader::collectFields(PendingWindow& entry, const PendingOwners& owners,
                                               const ClientPids& clientPids, X11DisplayClients& displayClients) {
     xcb_connection_t* xcb = m_connection.xcb();
-    X11WindowFacts facts;
+    X11WindowFacts facts = std::move(entry.facts);
     facts.window = entry.request.window;
     const unsigned f = entry.sentFields;
     bool gone = false;
@@ -411,10 +411,10 @@ X11WindowReader::PendingWindows X11WindowReader::sendWindowRequests(const QList<
         PendingWindow& entry = pending.windows.emplace_back();
         entry.request = request;
         if (m_cache != nullptr) {
-            entry.known = m_cache->lookup(request.window);
-            pending.usesCache = pending.usesCache || (entry.known.fields & request.fields) != 0;
+            entry.knownFields = m_cache->lookup(request.window, request.fields, entry.facts);
+            pending.usesCache = pending.usesCache || entry.knownFields != 0;
         }
-        entry.sentFields = request.fields & ~entry.known.fields;
+        entry.sentFields = request.fields & ~entry.knownFields;
         // Watched before its first read from the server, and again once it has ended: a window number can
         // be given to a new window then, and the new one has to be watched too.
         if (m_cache != nullptr && entry.sentFields != 0) {
@@ -436,15 +436,11 @@ QList<X11WindowFacts> X11WindowReader::collectWindows(PendingWindows& pending) {
     result.reserve(pending.windows.size());
     X11DisplayClients displayClients(xcb_get_file_descriptor(m_connection.xcb()));
     const ClientPids clientPids = collectOwners(pending.owners);
-    for (const PendingWindow& entry : pending.windows) {
+    for (PendingWindow& entry : pending.windows) {
+        // Only the fields asked for come from the cache: it may know others, read under other conditions.
         X11WindowFacts facts = collectFields(entry, pending.owners, clientPids, displayClients);
         if (m_cache != nullptr && facts.exists) {
             m_cache->store(facts, entry.sentFields, pending.mark);
-            // Only the fields asked for: the cache may know others, read under other conditions.
-            const unsigned fromCache = entry.known.fields & entry.request.fields;
-            if (fromCache != 0) {
-                facts.copyFields(entry.known.facts, fromCache);
-            }
         }
         result.append(std::move(facts));
     }
@@ -465,8 +461,7 @@ void X11WindowReader::rereadChanged(const PendingWindows& pending, QList<X11Wind
     QList<qsizetype> changed;
     for (qsizetype i = 0; i < pending.windows.size(); ++i) {
         const PendingWindow& entry = pending.windows[i];
-        if ((entry.known.fields & entry.request.fields) != 0 && result[i].exists &&
-            m_cache->hasNewsSince(entry.request.window, pending.mark)) {
+        if (entry.knownFields != 0 && result[i].exists && m_cache->hasNewsSince(entry.request.window, pending.mark)) {
             changed.append(i);
         }
     }

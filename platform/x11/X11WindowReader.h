@@ -39,8 +39,9 @@ public:
     // The cookies of requests in flight.
     struct PendingWindow {
         Request request;
-        X11WindowCache::Known known;  // what the cache already knew of the window
-        unsigned sentFields = 0;      // what was asked of the server
+        unsigned knownFields = 0;  // the fields asked for that the cache knew
+        unsigned sentFields = 0;   // what was asked of the server
+        X11WindowFacts facts;      // what the cache knew, then what the server answered
         xcb_get_window_attributes_cookie_t attributes{};
         xcb_get_geometry_cookie_t geometry{};
         xcb_translate_coordinates_cookie_t position{};
@@ -89,7 +90,7 @@ private:
     // Asks once for the clients of every window whose owner is wanted; X-Resource answers per client.
     PendingOwners sendOwnerRequest(const QList<PendingWindow>& windows);
     ClientPids collectOwners(const PendingOwners& pending);
-    X11WindowFacts collectFields(const PendingWindow& entry, const PendingOwners& owners, const ClientPids& clientPids,
+    X11WindowFacts collectFields(PendingWindow& entry, const PendingOwners& owners, const ClientPids& clientPids,
                                  X11DisplayClients& displayClients);
     // Reads again every window whose cached facts were used although news of it had come in.
     void rereadChanged(const PendingWindows& pending, QList<X11WindowFacts>& result);
