@@ -66,7 +66,7 @@ X11WindowReader::X11WindowReader(X11Connection& connection, X11WindowCache* cach
     m_connection.internAtoms({"_NET_CLIENT_LIST_STACKING", "_NET_ACTIVE_WINDOW", "_NET_CURRENT_DESKTOP",
                               "_NET_FRAME_EXTENTS", "_NET_WM_WINDOW_TYPE", "_NET_WM_STATE", "_NET_WM_DESKTOP",
                               "_NET_WM_PID", "_NET_WM_WINDOW_OPACITY", "_NET_WM_NAME", "UTF8_STRING",
-                              "_NET_SUPPORTING_WM_CHECK"});
+                              "_NET_SUPPORTING_WM_CHECK", "_NET_NUMBER_OF_DESKTOPS"});
     m_atoms = {m_connection.atom("_NET_FRAME_EXTENTS"), m_connection.atom("_NET_WM_WINDOW_TYPE"),
                m_connection.atom("_NET_WM_STATE"),      m_connection.atom("_NET_WM_DESKTOP"),
                m_connection.atom("_NET_WM_PID"),        m_connection.atom("_NET_WM_WINDOW_OPACITY"),
@@ -106,7 +106,7 @@ X11RootFacts X11WindowReader::readRoot(unsigned fields) {
     auto property = [&](const char* name, xcb_atom_t type, uint32_t length) {
         return xcb_get_property(xcb, 0, root, m_connection.atom(name), type, 0, length);
     };
-    xcb_get_property_cookie_t clientList{}, active{}, desktop{}, check{};
+    xcb_get_property_cookie_t clientList{}, active{}, desktop{}, desktopCount{}, check{};
     xcb_query_tree_cookie_t tree{};
     xcb_get_selection_owner_cookie_t compositor{};
     xcb_randr_get_monitors_cookie_t monitors{};
@@ -118,6 +118,9 @@ X11RootFacts X11WindowReader::readRoot(unsigned fields) {
     }
     if (fields & CurrentDesktop) {
         desktop = property("_NET_CURRENT_DESKTOP", XCB_ATOM_CARDINAL, 1);
+    }
+    if (fields & DesktopCount) {
+        desktopCount = property("_NET_NUMBER_OF_DESKTOPS", XCB_ATOM_CARDINAL, 1);
     }
     if (fields & WindowManagerCheck) {
         check = property("_NET_SUPPORTING_WM_CHECK", XCB_ATOM_WINDOW, 1);
@@ -152,6 +155,9 @@ X11RootFacts X11WindowReader::readRoot(unsigned fields) {
     }
     if (fields & CurrentDesktop) {
         facts.currentDesktop = firstCardinal(takeProperty(xcb, desktop, &unused).get());
+    }
+    if (fields & DesktopCount) {
+        facts.desktopCount = firstCardinal(takeProperty(xcb, desktopCount, &unused).get());
     }
     if (fields & WindowManagerCheck) {
         facts.windowManagerCheck = firstCardinal(takeProperty(xcb, check, &unused).get()).value_or(XCB_NONE);

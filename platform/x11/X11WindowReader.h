@@ -31,6 +31,7 @@ public:
         GlobalOrigin = 1u << 5,
         WindowManagerCheck = 1u << 6,
         CompositingManager = 1u << 7,
+        DesktopCount = 1u << 8,
     };
     struct Request {
         xcb_window_t window = XCB_NONE;
