@@ -13,7 +13,6 @@
 #include <QProcess>
 #include <cmath>
 #include <cstdlib>
-#include <iterator>
 #include <set>
 
 #include "app/displays/ScreenSnapshotService.h"
@@ -72,6 +71,12 @@ int sameReadsListing(X11Connection& connection) {
         xcb_get_selection_owner_reply(c, xcb_get_selection_owner(c, connection.atom("_NET_WM_CM_S0")), nullptr);
     const bool composited = compositor != nullptr && compositor->owner != XCB_NONE;
     std::free(compositor);
+    // Which desktop a window is on matters only with more than one.
+    xcb_get_property_reply_t* desktops = xcb_get_property_reply(
+        c, xcb_get_property(c, 0, root, connection.atom("_NET_NUMBER_OF_DESKTOPS"), XCB_ATOM_CARDINAL, 0, 1), nullptr);
+    const bool oneDesktop = desktops != nullptr && xcb_get_property_value_length(desktops) == 4 &&
+                            *static_cast<const uint32_t*>(xcb_get_property_value(desktops)) == 1;
+    std::free(desktops);
     if (list == nullptr || tree == nullptr) {
         std::free(list);
         std::free(check);
@@ -92,23 +97,27 @@ int sameReadsListing(X11Connection& connection) {
         xcb_atom_t type;
         uint32_t length;
     };
-    const Property kinds[] = {
-        {connection.atom("_NET_FRAME_EXTENTS"), XCB_ATOM_CARDINAL, 4},
-        {connection.atom("_NET_WM_WINDOW_TYPE"), XCB_ATOM_ATOM, 32},
-        {connection.atom("_NET_WM_STATE"), XCB_ATOM_ATOM, 32},
-        {connection.atom("_NET_WM_DESKTOP"), XCB_ATOM_CARDINAL, 1},
-        {connection.atom("_NET_WM_WINDOW_OPACITY"), XCB_ATOM_CARDINAL, 1}};  // last: not always read
+    std::vector<Property> kinds = {{connection.atom("_NET_FRAME_EXTENTS"), XCB_ATOM_CARDINAL, 4},
+                                   {connection.atom("_NET_WM_WINDOW_TYPE"), XCB_ATOM_ATOM, 32},
+                                   {connection.atom("_NET_WM_STATE"), XCB_ATOM_ATOM, 32}};
+    if (!oneDesktop) {
+        kinds.push_back({connection.atom("_NET_WM_DESKTOP"), XCB_ATOM_CARDINAL, 1});
+    }
+    if (composited) {
+        kinds.push_back({connection.atom("_NET_WM_WINDOW_OPACITY"), XCB_ATOM_CARDINAL, 1});
+    }
     // The replies are taken in the order the requests went out, as the window list takes them.
+    constexpr size_t kMostProperties = 5;
     struct Cookies {
         xcb_get_geometry_cookie_t geometry;
         xcb_translate_coordinates_cookie_t position;
-        xcb_get_property_cookie_t properties[std::size(kinds)];
+        xcb_get_property_cookie_t properties[kMostProperties];
     };
     std::vector<Cookies> cookies(count);
     std::vector<xcb_get_window_attributes_cookie_t> attributes;
     std::vector<xcb_res_client_id_spec_t> clients;
     std::set<uint32_t> clientBases;
-    const size_t propertyCount = composited ? std::size(kinds) : std::size(kinds) - 1;
+    const size_t propertyCount = kinds.size();
     for (int i = 0; i < count; ++i) {
         cookies[i].geometry = xcb_get_geometry(c, windows[i]);
         cookies[i].position = xcb_translate_coordinates(c, windows[i], root, 0, 0);
