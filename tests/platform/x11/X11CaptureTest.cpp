@@ -4,6 +4,7 @@
 
 #include <QColor>
 #include <QFile>
+#include <chrono>
 #include <cstdlib>
 
 #include "platform/Monitors.h"
@@ -128,27 +129,103 @@ int mappedSegments() {
     return int(maps.readAll().count("SYSV"));
 }
 
-TEST_F(X11CaptureTest, SegmentsGoWithTheirPicturesWhileTheCaptureStays) {
+// Long enough that spares stay for the whole of a test that does not wait for their release.
+constexpr std::chrono::hours kKeptThroughTheTest{1};
+
+TEST_F(X11CaptureTest, SegmentsOfPicturesGoneServeTheNextPicturesOfTheirSize) {
     const QRect rect = VirtualDesktop::layout().value(0);
-    X11Capture capture(platform->connection().displayName());
+    X11Capture capture(platform->connection().displayName(), kKeptThroughTheTest);
+    ASSERT_TRUE(capture.hasSharedMemory());
+    const int before = mappedSegments();
+    ASSERT_GE(before, 0);
+    const auto takeThree = [&] {
+        QList<QImage> pictures;
+        for (int i = 0; i < 3; ++i) {
+            pictures.append(capture.capture(rect, X11Capture::Method::SharedMemory));
+        }
+        return pictures;
+    };
+    {
+        const QList<QImage> pictures = takeThree();
+        for (const QImage& picture : pictures) {
+            ASSERT_FALSE(picture.isNull());
+        }
+        EXPECT_EQ(capture.segmentsMade(), 3);
+        EXPECT_EQ(capture.spareSegments(), 0);
+        EXPECT_EQ(mappedSegments(), before + 3);
+    }
+    // Gone pictures leave their segments as spares, still attached.
+    EXPECT_EQ(capture.spareSegments(), 3);
+    EXPECT_EQ(mappedSegments(), before + 3);
+    EXPECT_EQ(X11Capture::attachedSegments(), 3);
+    {
+        const QList<QImage> again = takeThree();
+        // The same three segments, none made.
+        EXPECT_EQ(capture.segmentsMade(), 3);
+        EXPECT_EQ(capture.spareSegments(), 0);
+        EXPECT_EQ(mappedSegments(), before + 3);
+        // A reused segment holds the new picture, not the old one: the same as GetImage takes now.
+        EXPECT_TRUE(again.value(0) == capture.capture(rect, X11Capture::Method::GetImage));
+        // A picture of another size gets a segment of its own.
+        const QImage smaller = capture.capture(rect.adjusted(0, 0, -10, -10), X11Capture::Method::SharedMemory);
+        ASSERT_FALSE(smaller.isNull());
+        EXPECT_EQ(capture.segmentsMade(), 4);
+        EXPECT_EQ(mappedSegments(), before + 4);
+    }
+    EXPECT_EQ(capture.spareSegments(), 4);
+    capture.releaseSpareSegments();
+    EXPECT_EQ(capture.spareSegments(), 0);
+    EXPECT_EQ(mappedSegments(), before);
+    EXPECT_EQ(X11Capture::attachedSegments(), 0);
+    // And it still takes pictures afterwards, in a segment made anew.
+    EXPECT_FALSE(capture.capture(rect, X11Capture::Method::SharedMemory).isNull());
+    EXPECT_EQ(capture.segmentsMade(), 5);
+}
+
+TEST_F(X11CaptureTest, APictureStillAliveKeepsItsSegmentFromTheNextPicture) {
+    const QRect rect = VirtualDesktop::layout().value(0);
+    X11Capture capture(platform->connection().displayName(), kKeptThroughTheTest);
+    const QImage first = capture.capture(rect, X11Capture::Method::SharedMemory);
+    const QImage second = capture.capture(rect, X11Capture::Method::SharedMemory);
+    ASSERT_FALSE(first.isNull());
+    ASSERT_FALSE(second.isNull());
+    EXPECT_EQ(capture.segmentsMade(), 2);
+    EXPECT_NE(first.constBits(), second.constBits());
+}
+
+TEST_F(X11CaptureTest, SpareSegmentsAreReleasedOnceNoPictureHasComeBackForAWhile) {
+    const QRect rect = VirtualDesktop::layout().value(0);
+    X11Capture capture(platform->connection().displayName(), std::chrono::milliseconds(50));
     ASSERT_TRUE(capture.hasSharedMemory());
     const int before = mappedSegments();
     ASSERT_GE(before, 0);
     {
-        QList<QImage> pictures;
-        for (int i = 0; i < 3; ++i) {
-            pictures.append(capture.capture(rect, X11Capture::Method::SharedMemory));
-            ASSERT_FALSE(pictures.last().isNull());
-        }
-        EXPECT_EQ(mappedSegments(), before + 3);
-        EXPECT_EQ(X11Capture::attachedSegments(), 3);
+        const QImage a = capture.capture(rect, X11Capture::Method::SharedMemory);
+        const QImage b = capture.capture(rect, X11Capture::Method::SharedMemory);
+        ASSERT_FALSE(a.isNull());
+        ASSERT_FALSE(b.isNull());
     }
-    // The capture lives on, as it does for the program's whole run: it holds no memory for pictures gone.
+    // The release comes from the event loop, which has not run since.
+    EXPECT_EQ(capture.spareSegments(), 2);
+    EXPECT_EQ(mappedSegments(), before + 2);
+    EXPECT_TRUE(VirtualDesktop::waitUntil([&] { return capture.spareSegments() == 0 && mappedSegments() == before; }));
+    EXPECT_EQ(X11Capture::attachedSegments(), 0);
+    EXPECT_FALSE(capture.capture(rect, X11Capture::Method::SharedMemory).isNull());
+    EXPECT_EQ(capture.segmentsMade(), 3);
+}
+
+TEST_F(X11CaptureTest, SpareSegmentsGoWithTheCapture) {
+    const QRect rect = VirtualDesktop::layout().value(0);
+    const int before = mappedSegments();
+    ASSERT_GE(before, 0);
+    {
+        X11Capture capture(platform->connection().displayName(), kKeptThroughTheTest);
+        EXPECT_FALSE(capture.capture(rect, X11Capture::Method::SharedMemory).isNull());
+        EXPECT_EQ(capture.spareSegments(), 1);
+        EXPECT_EQ(mappedSegments(), before + 1);
+    }
     EXPECT_EQ(mappedSegments(), before);
     EXPECT_EQ(X11Capture::attachedSegments(), 0);
-    // And it still takes pictures afterwards.
-    EXPECT_FALSE(capture.capture(rect, X11Capture::Method::SharedMemory).isNull());
-    EXPECT_EQ(mappedSegments(), before);
 }
 
 TEST_F(X11CaptureTest, AnAreaOfTheGlobalSpaceIsTakenWholeAtItsPlace) {
