@@ -2,6 +2,7 @@
 #include "app/ui/LatticaApp.h"
 
 #include <QApplication>
+#include <QCloseEvent>
 #include <QCursor>
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
@@ -229,6 +230,12 @@ void LatticaApp::ensurePanel(bool asPopup) {
     });
     connect(m_content, &TrayPanelView::previewsPainted, this, [this] { tracePainted(this, "previews painted"); });
     m_panel->installEventFilter(this);
+    if (asPopup) {
+        // Closing a window makes the toolkit destroy its native window and backing store, which every
+        // opening would then build again: a popup's closing is turned into hiding (see eventFilter).
+        m_panel->winId();
+        m_panel->windowHandle()->installEventFilter(this);
+    }
     resizePanel();
 }
 
@@ -336,6 +343,17 @@ void LatticaApp::togglePanel() {
 bool LatticaApp::eventFilter(QObject* watched, QEvent* event) {
     if (m_panel && watched == m_panel->windowHandle() && event->type() == QEvent::Expose) {
         qCDebug(lcPanelPaint, "exposed at %lld", monotonicNanoseconds());
+    }
+    if (m_panel && m_panelIsPopup && watched == m_panel->windowHandle() && event->type() == QEvent::Close) {
+        // The popup closes (a click outside, the focus gone) as the panel widget decides, but only hides:
+        // its native window stays for the next opening.
+        QCloseEvent close;
+        QCoreApplication::sendEvent(m_panel.get(), &close);
+        if (close.isAccepted()) {
+            m_panel->hide();
+        }
+        event->setAccepted(close.isAccepted());
+        return true;
     }
     if (m_tracePaint && watched == m_content && event->type() == QEvent::Paint) {
         m_tracePaint = false;

@@ -513,6 +513,41 @@ TEST_F(PanelOnDesktop, ClickOutsideThePanelClosesIt) {
     EXPECT_TRUE(VirtualDesktop::waitUntil([&] { return !app->panel()->isVisible(); }, 5000));
 }
 
+// Whether the X server knows the window and has it mapped.
+struct ServerWindowState {
+    bool exists = false;
+    bool mapped = false;
+};
+
+TEST_F(PanelOnDesktop, APanelClosedByAClickOutsideKeepsItsNativeWindowForTheNextOpening) {
+    const auto serverState = [this](xcb_window_t window) {
+        xcb_get_window_attributes_reply_t* reply =
+            xcb_get_window_attributes_reply(xcb(), xcb_get_window_attributes(xcb(), window), nullptr);
+        ServerWindowState state{reply != nullptr, reply != nullptr && reply->map_state != XCB_MAP_STATE_UNMAPPED};
+        std::free(reply);
+        return state;
+    };
+    ASSERT_TRUE(openPanelByClick());
+    const xcb_window_t window = static_cast<xcb_window_t>(app->panel()->internalWinId());
+    ASSERT_NE(window, XCB_NONE);
+    ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return pointerIsGrabbed(); }));
+    click(monitors[1].center());
+    ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return !app->panel()->isVisible(); }, 5000));
+    // Closed as a popup closes, letting the pointer go, but only unmapped.
+    EXPECT_TRUE(VirtualDesktop::waitUntil([&] { return !pointerIsGrabbed(); }));
+    EXPECT_TRUE(VirtualDesktop::waitUntil([&] {
+        const ServerWindowState state = serverState(window);
+        return state.exists && !state.mapped;
+    }));
+    EXPECT_EQ(app->panel()->internalWinId(), WId(window));
+    EXPECT_FALSE(controller->displays().isEmpty());
+    EXPECT_FALSE(controller->displays().first().previewImage.has_value());
+
+    ASSERT_TRUE(openPanelByClick());
+    EXPECT_EQ(app->panel()->internalWinId(), WId(window));
+    EXPECT_TRUE(VirtualDesktop::waitUntil([&] { return serverState(window).mapped; }));
+}
+
 TEST_F(PanelOnDesktop, PresentedSettingsWindowBecomesTheActiveWindow) {
     windows->showSettingsWindow();
     const auto window = static_cast<xcb_window_t>(windows->settingsWindow()->winId());
