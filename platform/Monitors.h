@@ -46,6 +46,9 @@ public:
     // A full-resolution picture of the monitor's current contents; a null image when it cannot be taken.
     // Safe to call from any thread.
     virtual QImage capture(MonitorId id) = 0;
+    // Readies what a first capture needs (on X11 its own connection to the display server), so that the
+    // first panel opening does not wait for it. Captures work without it.
+    virtual void prepareCapture() {}
     // Whether captureArea can take pictures here.
     virtual bool canCaptureAreas() const { return false; }
     // A full-resolution picture of an area of the global space, as it is on screen when the call returns

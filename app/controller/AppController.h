@@ -92,6 +92,8 @@ public:
     void previewsViewShowing(const QRectF& area);
     // The panel's first paint since previewsViewShowing has been drawn.
     void previewsViewPainted();
+    // Readies the capture before the first opening, so that opening does not wait for it.
+    void preparePreviews();
 
     // Move commands; each reports its outcome in statusMessage.
     void moveWindows(const DisplaySnapshot& source, const DisplaySnapshot& destination);

@@ -109,6 +109,10 @@ void AppController::previewsViewPainted() {
     QMetaObject::invokeMethod(this, &AppController::startPendingCapture, Qt::QueuedConnection);
 }
 
+void AppController::preparePreviews() {
+    Platform::services().monitors->prepareCapture();
+}
+
 void AppController::startPendingCapture() {
     if (!m_pendingCapture) {
         return;

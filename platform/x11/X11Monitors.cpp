@@ -223,6 +223,10 @@ QImage X11Monitors::capture(MonitorId id) {
     return m_capture.capture(rect);
 }
 
+void X11Monitors::prepareCapture() {
+    m_capture.hasSharedMemory();
+}
+
 bool X11Monitors::canCaptureAreas() const {
     return true;
 }

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // Display pictures of a real desktop, through shared memory and through GetImage.
+#include <xcb/res.h>
 #include <xcb/xcb.h>
 
 #include <QColor>
@@ -226,6 +227,29 @@ TEST_F(X11CaptureTest, SpareSegmentsGoWithTheCapture) {
     }
     EXPECT_EQ(mappedSegments(), before);
     EXPECT_EQ(X11Capture::attachedSegments(), 0);
+}
+
+TEST_F(X11CaptureTest, PreparingTheCaptureConnectsItOnceAheadOfTheFirstPicture) {
+    // The clients the X server serves now.
+    const auto clients = [this] {
+        xcb_res_query_clients_reply_t* reply =
+            xcb_res_query_clients_reply(xcb(), xcb_res_query_clients(xcb()), nullptr);
+        const int count = reply != nullptr ? int(reply->num_clients) : -1;
+        std::free(reply);
+        return count;
+    };
+    const int before = clients();
+    ASSERT_GT(before, 0);
+    Monitors& service = *Platform::services().monitors;
+    service.prepareCapture();
+    EXPECT_EQ(clients(), before + 1);
+    service.prepareCapture();
+    EXPECT_EQ(clients(), before + 1);
+    const auto display = displayFor(monitors().value(0));
+    ASSERT_TRUE(display.has_value());
+    EXPECT_FALSE(service.capture(*display).isNull());
+    // The picture came through the connection made ahead.
+    EXPECT_EQ(clients(), before + 1);
 }
 
 TEST_F(X11CaptureTest, AnAreaOfTheGlobalSpaceIsTakenWholeAtItsPlace) {
