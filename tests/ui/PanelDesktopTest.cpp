@@ -5,6 +5,7 @@
 #include <xcb/xtest.h>
 
 #include <QApplication>
+#include <QBackingStore>
 #include <QElapsedTimer>
 #include <QGuiApplication>
 #include <QMenu>
@@ -63,6 +64,11 @@ protected:
         }
         return QObject::eventFilter(watched, event);
     }
+};
+
+struct ServerWindowState {
+    bool exists = false;
+    bool mapped = false;
 };
 
 class PanelOnDesktop : public ::testing::Test {
@@ -309,6 +315,15 @@ protected:
         return VirtualDesktop::waitUntil([&] { return app->panel() && app->panel()->isVisible(); }, 5000);
     }
 
+    // Whether the X server knows the window and has it mapped.
+    ServerWindowState serverState(xcb_window_t window) {
+        xcb_get_window_attributes_reply_t* reply =
+            xcb_get_window_attributes_reply(xcb(), xcb_get_window_attributes(xcb(), window), nullptr);
+        const ServerWindowState state{reply != nullptr, reply != nullptr && reply->map_state != XCB_MAP_STATE_UNMAPPED};
+        std::free(reply);
+        return state;
+    }
+
     bool previewsArrived() const {
         const QList<DisplayCardView*> cards = app->panelContent()->cards();
         if (cards.size() != monitors.size() || controller->isLoadingPreviews()) {
@@ -513,20 +528,21 @@ TEST_F(PanelOnDesktop, ClickOutsideThePanelClosesIt) {
     EXPECT_TRUE(VirtualDesktop::waitUntil([&] { return !app->panel()->isVisible(); }, 5000));
 }
 
-// Whether the X server knows the window and has it mapped.
-struct ServerWindowState {
-    bool exists = false;
-    bool mapped = false;
-};
+TEST_F(PanelOnDesktop, ThePanelHasItsNativeWindowAndItsBufferBeforeTheFirstClick) {
+    ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return app->panel() && app->panel()->internalWinId() != 0; }));
+    const xcb_window_t window = static_cast<xcb_window_t>(app->panel()->internalWinId());
+    EXPECT_FALSE(app->panel()->isVisible());
+    const ServerWindowState state = serverState(window);
+    EXPECT_TRUE(state.exists);
+    EXPECT_FALSE(state.mapped);
+    ASSERT_NE(app->panel()->backingStore(), nullptr);
+    EXPECT_EQ(app->panel()->backingStore()->size(), app->panel()->size());
+
+    ASSERT_TRUE(openPanelByClick());
+    EXPECT_EQ(app->panel()->internalWinId(), WId(window));
+}
 
 TEST_F(PanelOnDesktop, APanelClosedByAClickOutsideKeepsItsNativeWindowForTheNextOpening) {
-    const auto serverState = [this](xcb_window_t window) {
-        xcb_get_window_attributes_reply_t* reply =
-            xcb_get_window_attributes_reply(xcb(), xcb_get_window_attributes(xcb(), window), nullptr);
-        ServerWindowState state{reply != nullptr, reply != nullptr && reply->map_state != XCB_MAP_STATE_UNMAPPED};
-        std::free(reply);
-        return state;
-    };
     ASSERT_TRUE(openPanelByClick());
     const xcb_window_t window = static_cast<xcb_window_t>(app->panel()->internalWinId());
     ASSERT_NE(window, XCB_NONE);
