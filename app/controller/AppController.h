@@ -161,6 +161,8 @@ private:
     }
 
     void setPermissionState(const PermissionState& state);
+    // The same as refreshShortcutDisplays() with the connected displays read already.
+    void refreshShortcutDisplays(const QList<DisplayDescriptor>& connected);
     void setDisplays(const QList<DisplaySnapshot>& displays);
     void setIsLoadingPreviews(bool loading);
     void applyCapturedSnapshots(const QList<DisplaySnapshot>& snapshots, const QUuid& token);
