@@ -92,8 +92,9 @@ public:
     void previewsViewShowing(const QRectF& area);
     // The panel's first paint since previewsViewShowing has been drawn.
     void previewsViewPainted();
-    // Readies the capture before the first opening, so that opening does not wait for it.
-    void preparePreviews();
+    // Readies the capture before an opening that would show the previews over area (global space; see
+    // previewsViewShowing), so that the opening does not wait for it.
+    void preparePreviews(const QRectF& area);
 
     // Move commands; each reports its outcome in statusMessage.
     void moveWindows(const DisplaySnapshot& source, const DisplaySnapshot& destination);

@@ -111,8 +111,8 @@ void AppController::previewsViewPainted() {
     QMetaObject::invokeMethod(this, &AppController::startPendingCapture, Qt::QueuedConnection);
 }
 
-void AppController::preparePreviews() {
-    Platform::services().monitors->prepareCapture();
+void AppController::preparePreviews(const QRectF& area) {
+    Platform::services().monitors->prepareCapture(area);
 }
 
 void AppController::startPendingCapture() {

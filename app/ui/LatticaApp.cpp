@@ -282,7 +282,7 @@ void LatticaApp::prebuildPanel() {
     if (QBackingStore* store = m_panel->backingStore()) {
         store->resize(m_panel->size());
     }
-    m_controller.preparePreviews();
+    m_controller.preparePreviews(m_content->displaySpaceArea());
 }
 
 void LatticaApp::resizePanel() {

@@ -39,7 +39,8 @@ int bitsPerPixel(xcb_connection_t* connection, uint8_t depth) {
 // The shared-memory segments of a capture. A picture holds its segment until the image is destroyed,
 // then hands it back here, which may happen on any thread and after the capture is gone. A segment handed
 // back is kept as a spare for the next picture of its size, and the capture's release timer is started
-// again; segments of a closed or earlier connection are let go at once.
+// again; segments of a closed or earlier connection are let go at once. When the timer runs out, every
+// spare is let go.
 class X11Capture::SegmentPool {
 public:
     explicit SegmentPool(QTimer* releaseTimer) : m_releaseTimer(releaseTimer) {}
@@ -80,6 +81,32 @@ public:
             }
         }
         return create(size);
+    }
+
+    // Makes spares ahead of their pictures, one per size given (a size may come more than once), less
+    // the spares of those sizes that wait already.
+    void prepare(std::vector<size_t> sizes) {
+        {
+            QMutexLocker lock(&m_mutex);
+            for (const Segment& spare : m_spares) {
+                const auto same = std::find(sizes.begin(), sizes.end(), spare.size);
+                if (same != sizes.end()) {
+                    sizes.erase(same);
+                }
+            }
+        }
+        for (const size_t size : sizes) {
+            const std::optional<Segment> segment = create(size);
+            if (!segment) {
+                return;
+            }
+            QMutexLocker lock(&m_mutex);
+            if (m_connection == nullptr || segment->generation != m_generation) {
+                destroy(*segment);
+                return;
+            }
+            m_spares.push_back(*segment);
+        }
     }
 
     void give(const Segment& segment) {
@@ -240,6 +267,25 @@ int X11Capture::attachedSegments() {
     return SegmentPool::attachedCount();
 }
 
+void X11Capture::prepare(const QList<QSize>& pictureSizes) {
+    QMutexLocker lock(&m_mutex);
+    if (!ensureConnected() || !m_sharedMemoryUsable || !sharedMemoryFormat()) {
+        return;
+    }
+    std::vector<size_t> sizes;
+    for (const QSize& size : pictureSizes) {
+        if (!size.isEmpty()) {
+            sizes.push_back(size_t(size.width()) * 4 * size_t(size.height()));
+        }
+    }
+    m_pool->prepare(std::move(sizes));
+}
+
+bool X11Capture::sharedMemoryFormat() const {
+    const uint8_t depth = m_screen->root_depth;
+    return (depth == 24 || depth == 32) && bitsPerPixel(m_connection, depth) == 32;
+}
+
 int X11Capture::spareSegments() const {
     return m_pool->spareCount();
 }
@@ -279,8 +325,7 @@ QImage X11Capture::capture(const QRect& rootRect, Method method) {
 }
 
 QImage X11Capture::captureWithSharedMemory(const QRect& rect) {
-    const uint8_t depth = m_screen->root_depth;
-    if ((depth != 24 && depth != 32) || bitsPerPixel(m_connection, depth) != 32) {
+    if (!sharedMemoryFormat()) {
         return {};
     }
     const qsizetype bytesPerLine = qsizetype(rect.width()) * 4;

@@ -4,8 +4,10 @@
 #include <xcb/xcb.h>
 
 #include <QImage>
+#include <QList>
 #include <QMutex>
 #include <QRect>
+#include <QSize>
 #include <QTimer>
 #include <chrono>
 #include <memory>
@@ -15,9 +17,8 @@
 // straight into shared memory that the returned image keeps (no copy), or through plain GetImage when
 // shared memory is unavailable. A segment whose picture is gone is kept for the next picture of the same
 // size (pictures come in sets of the same sizes, one set per panel opening) until no picture has been
-// let go for keepSpares; then every spare segment is released. The release runs on the thread that
-// made the capture, from its event loop: without one, spares stay until releaseSpareSegments or the
-// capture's end.
+// let go for keepSpares; then every spare is released. The release runs from the event loop of the
+// thread that made the capture: without one, spares stay until releaseSpareSegments or the capture's end.
 class X11Capture {
 public:
     enum class Method { Automatic, SharedMemory, GetImage };
@@ -37,6 +38,9 @@ public:
     // Shared-memory segments this process holds, for pictures still alive and as spares, over every
     // capture object.
     static int attachedSegments();
+    // Connects, and makes the segments for pictures of these sizes (in pixels) now, ahead of the pictures,
+    // less the spares that wait already. Thread-safe.
+    void prepare(const QList<QSize>& pictureSizes);
     // Segments of this capture kept for reuse, and how many segments it has made since it was created.
     int spareSegments() const;
     int segmentsMade() const;
@@ -50,6 +54,8 @@ private:
     void disconnect();
     QImage captureWithGetImage(const QRect& rect);
     QImage captureWithSharedMemory(const QRect& rect);
+    // Whether the screen's pixels come in the 32-bit format the pictures read from shared memory.
+    bool sharedMemoryFormat() const;
 
     QByteArray m_displayName;
     QMutex m_mutex;

@@ -5,6 +5,8 @@
 
 #include <QColor>
 #include <QFile>
+#include <QSet>
+#include <algorithm>
 #include <chrono>
 #include <cstdlib>
 
@@ -194,24 +196,92 @@ TEST_F(X11CaptureTest, APictureStillAliveKeepsItsSegmentFromTheNextPicture) {
     EXPECT_NE(first.constBits(), second.constBits());
 }
 
+// The System V shared-memory segments mapped into this process, by identifier.
+QSet<qint64> mappedSegmentIds() {
+    QSet<qint64> ids;
+    QFile maps(QStringLiteral("/proc/self/maps"));
+    if (maps.open(QIODevice::ReadOnly)) {
+        for (const QByteArray& line : maps.readAll().split('\n')) {
+            // address perms offset device inode path: a segment's inode is its identifier.
+            if (line.contains("SYSV")) {
+                ids.insert(line.simplified().split(' ').value(4).toLongLong());
+            }
+        }
+    }
+    return ids;
+}
+
+// Bytes of memory a segment holds, as the kernel counts them; -1 when it has no such segment.
+qint64 residentBytesOfSegment(qint64 id) {
+    QFile table(QStringLiteral("/proc/sysvipc/shm"));
+    if (table.open(QIODevice::ReadOnly)) {
+        for (const QByteArray& line : table.readAll().split('\n').mid(1)) {
+            const QList<QByteArray> fields = line.simplified().split(' ');
+            if (fields.size() >= 15 && fields[1].toLongLong() == id) {
+                return fields[14].toLongLong();
+            }
+        }
+    }
+    return -1;
+}
+
 TEST_F(X11CaptureTest, SpareSegmentsAreReleasedOnceNoPictureHasComeBackForAWhile) {
     const QRect rect = VirtualDesktop::layout().value(0);
     X11Capture capture(platform->connection().displayName(), std::chrono::milliseconds(50));
     ASSERT_TRUE(capture.hasSharedMemory());
-    const int before = mappedSegments();
-    ASSERT_GE(before, 0);
+    const QSet<qint64> before = mappedSegmentIds();
     {
         const QImage a = capture.capture(rect, X11Capture::Method::SharedMemory);
         const QImage b = capture.capture(rect, X11Capture::Method::SharedMemory);
         ASSERT_FALSE(a.isNull());
         ASSERT_FALSE(b.isNull());
     }
+    const QSet<qint64> used = mappedSegmentIds() - before;
+    ASSERT_EQ(used.size(), 2);
+    for (const qint64 id : used) {
+        EXPECT_GT(residentBytesOfSegment(id), 0) << "a segment holds the picture written into it";
+    }
     // The release comes from the event loop, which has not run since.
     EXPECT_EQ(capture.spareSegments(), 2);
-    EXPECT_EQ(mappedSegments(), before + 2);
-    EXPECT_TRUE(VirtualDesktop::waitUntil([&] { return capture.spareSegments() == 0 && mappedSegments() == before; }));
+    EXPECT_TRUE(
+        VirtualDesktop::waitUntil([&] { return capture.spareSegments() == 0 && mappedSegmentIds() == before; }));
     EXPECT_EQ(X11Capture::attachedSegments(), 0);
+    // Gone from the system once the X server has detached them too.
+    EXPECT_TRUE(VirtualDesktop::waitUntil([&] {
+        return std::all_of(used.cbegin(), used.cend(), [](qint64 id) { return residentBytesOfSegment(id) == -1; });
+    }));
     EXPECT_FALSE(capture.capture(rect, X11Capture::Method::SharedMemory).isNull());
+    EXPECT_EQ(capture.segmentsMade(), 3);
+}
+
+TEST_F(X11CaptureTest, APreparedSegmentHoldsNoMemoryUntilThePictureOfItsSizeUsesIt) {
+    const QRect rect = VirtualDesktop::layout().value(0);
+    X11Capture capture(platform->connection().displayName(), kKeptThroughTheTest);
+    const QSet<qint64> before = mappedSegmentIds();
+    capture.prepare({rect.size()});
+    EXPECT_EQ(capture.segmentsMade(), 1);
+    EXPECT_EQ(capture.spareSegments(), 1);
+    const QSet<qint64> prepared = mappedSegmentIds() - before;
+    ASSERT_EQ(prepared.size(), 1);
+    EXPECT_EQ(residentBytesOfSegment(*prepared.cbegin()), 0);
+    const QImage picture = capture.capture(rect, X11Capture::Method::SharedMemory);
+    ASSERT_FALSE(picture.isNull());
+    EXPECT_EQ(capture.segmentsMade(), 1);
+    EXPECT_EQ(capture.spareSegments(), 0);
+    EXPECT_GT(residentBytesOfSegment(*prepared.cbegin()), 0);
+    EXPECT_TRUE(picture == capture.capture(rect, X11Capture::Method::GetImage));
+}
+
+TEST_F(X11CaptureTest, PreparingMakesOneSegmentPerPictureLessTheSparesWaiting) {
+    const QSize size = VirtualDesktop::layout().value(0).size();
+    X11Capture capture(platform->connection().displayName(), kKeptThroughTheTest);
+    capture.prepare({size, size});
+    EXPECT_EQ(capture.segmentsMade(), 2);
+    capture.prepare({size, size, QSize(10, 10)});
+    EXPECT_EQ(capture.segmentsMade(), 3);
+    EXPECT_EQ(capture.spareSegments(), 3);
+    // Empty sizes ask for nothing.
+    capture.prepare({QSize()});
     EXPECT_EQ(capture.segmentsMade(), 3);
 }
 
@@ -229,7 +299,7 @@ TEST_F(X11CaptureTest, SpareSegmentsGoWithTheCapture) {
     EXPECT_EQ(X11Capture::attachedSegments(), 0);
 }
 
-TEST_F(X11CaptureTest, PreparingTheCaptureConnectsItOnceAheadOfTheFirstPicture) {
+TEST_F(X11CaptureTest, PreparingTheCaptureConnectsAndMakesTheSegmentOfTheAreasPictureAhead) {
     // The clients the X server serves now.
     const auto clients = [this] {
         xcb_res_query_clients_reply_t* reply =
@@ -241,14 +311,22 @@ TEST_F(X11CaptureTest, PreparingTheCaptureConnectsItOnceAheadOfTheFirstPicture) 
     const int before = clients();
     ASSERT_GT(before, 0);
     Monitors& service = *Platform::services().monitors;
-    service.prepareCapture();
+    const QRectF area(10, 20, 300, 200);
+    service.prepareCapture(area);
     EXPECT_EQ(clients(), before + 1);
-    service.prepareCapture();
+    // A segment for the area's picture.
+    EXPECT_EQ(X11Capture::attachedSegments(), 1);
+    service.prepareCapture(area);
     EXPECT_EQ(clients(), before + 1);
+    EXPECT_EQ(X11Capture::attachedSegments(), 1);
+    const QImage areaPicture = service.captureArea(area);
+    EXPECT_FALSE(areaPicture.isNull());
+    // The picture came through the connection and the segment made ahead.
+    EXPECT_EQ(clients(), before + 1);
+    EXPECT_EQ(X11Capture::attachedSegments(), 1);
     const auto display = displayFor(monitors().value(0));
     ASSERT_TRUE(display.has_value());
     EXPECT_FALSE(service.capture(*display).isNull());
-    // The picture came through the connection made ahead.
     EXPECT_EQ(clients(), before + 1);
 }
 
