@@ -26,11 +26,12 @@ public:
     Claim claim();
     // Whether this instance owns the bus name.
     bool ownsBusName() const { return m_ownsBusName; }
+
+private:
     // Gives up the bus name, waiting until the bus has taken it back, and then the lock: a Lattica started
     // as soon as the lock is free finds the name free as well.
     void release();
 
-private:
     std::unique_ptr<QLockFile> m_lock;
     bool m_ownsBusName = false;
 };
