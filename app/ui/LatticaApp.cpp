@@ -22,6 +22,7 @@
 #include "app/controller/AppController.h"
 #include "app/displays/ScreenSnapshotService.h"
 #include "app/ui/WindowPresenter.h"
+#include "app/ui/common/PixmapCacheRelease.h"
 #include "app/ui/common/SymbolIcons.h"
 #include "app/ui/panel/PanelGeometry.h"
 #include "app/ui/panel/TrayPanelView.h"
@@ -82,6 +83,7 @@ LatticaApp::LatticaApp(AppController& controller, WindowPresenter& windows, Tray
     });
     // Quitting closes every window first and gives up if one refuses: nothing may refuse from then on.
     qApp->installEventFilter(new QuitWatcher(this, [this] { m_panelAwaitsFocus = false; }));
+    new PixmapCacheRelease(this);
 }
 
 LatticaApp::~LatticaApp() = default;
@@ -257,6 +259,8 @@ void LatticaApp::prebuildPanel() {
     m_panel->setFixedSize(panelSize(m_controller.permissionState().bothGranted(), int(placeholders.size())));
     m_content->prepare(placeholders);
     m_panel->winId();
+    // Painted unseen: nothing hides to empty the caches the painting filled.
+    PixmapCacheRelease::releaseSoon();
 }
 
 void LatticaApp::resizePanel() {

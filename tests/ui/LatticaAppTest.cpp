@@ -4,6 +4,7 @@
 #include <QFile>
 #include <QKeyEvent>
 #include <QMenu>
+#include <QPixmapCache>
 #include <QPointer>
 #include <QPushButton>
 #include <QSet>
@@ -87,6 +88,47 @@ TEST_F(LatticaAppWithoutTray, APanelBuiltAheadShowsTheDisplaysConnectedAtTheOpen
     EXPECT_EQ(app->panelContent()->cards()[1]->display().name, QStringLiteral("Display 2"));
     EXPECT_EQ(app->panel()->size(), expectedSize());
     app->closePanel();
+}
+
+// Qt's pixmap cache wakes the program every 10-30 s while it holds anything: with no window shown it
+// must hold nothing.
+TEST_F(LatticaAppWithoutTray, APanelBuiltAheadLeavesQtsPixmapCacheEmpty) {
+    setDisplayCount(3);
+    makeController();
+    controller().refreshPermissions();
+    app = std::make_unique<LatticaApp>(controller(), windows(), &platform.trayHost);
+    const QString key = QStringLiteral("lattica-test-marker");
+    ASSERT_TRUE(QPixmapCache::insert(key, QPixmap(8, 8)));
+    app->prebuildPanel();
+    // Kept while the painting's turn lasts, emptied after it.
+    EXPECT_TRUE(QPixmapCache::find(key, nullptr));
+    EXPECT_TRUE(waitUntil([&] { return !QPixmapCache::find(key, nullptr); }));
+    EXPECT_FALSE(app->panel()->isVisible());
+}
+
+TEST_F(LatticaAppWithoutTray, HidingAnyWindowEmptiesQtsPixmapCacheButHidingAPartOfOneDoesNot) {
+    makeController();
+    start();
+    ASSERT_TRUE(waitUntil([&] { return app->panel() && app->panel()->isVisible(); }));
+    QPixmap marker(8, 8);
+    marker.fill(Qt::red);
+    const QString key = QStringLiteral("lattica-test-marker");
+    auto cached = [&] { return QPixmapCache::find(key, nullptr); };
+
+    QWidget window;
+    auto* part = new QPushButton(QStringLiteral("part"), &window);
+    window.show();
+    ASSERT_TRUE(QPixmapCache::insert(key, marker));
+    part->hide();
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(cached());
+
+    window.hide();
+    EXPECT_TRUE(waitUntil([&] { return !cached(); }));
+
+    ASSERT_TRUE(QPixmapCache::insert(key, marker));
+    app->closePanel();
+    EXPECT_TRUE(waitUntil([&] { return !cached(); }));
 }
 
 TEST_F(LatticaAppWithoutTray, EveryOpeningRunsTheRefresh) {
