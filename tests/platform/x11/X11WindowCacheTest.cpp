@@ -240,7 +240,8 @@ TEST_F(X11WindowCacheTest, KnownWindowDestroyedBetweenListAndReadsIsLeftOut) {
     X11WindowDesktopEntries entries;
     X11WindowList windowList(platform->connection(), entries, cache);
     windowList.windows(DesktopWindows::Include);
-    ASSERT_TRUE(cache->lookup(doomed).fields != 0);
+    X11WindowFacts known;
+    ASSERT_NE(cache->lookup(doomed, X11WindowFacts::kAllFields, known), 0u);
     windowList.setAfterListingHookForTesting([&] {
         ASSERT_TRUE(client.close(QStringLiteral("doomed")));
         sync();
@@ -279,13 +280,15 @@ TEST_F(X11WindowCacheTest, FactsReadWhileNewsOfTheirWindowArrivesAreNotKept) {
     cache->forget(window);  // the news of a change comes in while the read is under way
     cache->store(facts, X11WindowFacts::Title, mark);
     cache->endRead(mark);
-    EXPECT_EQ(cache->lookup(window).fields, 0u);
+    X11WindowFacts known;
+    EXPECT_EQ(cache->lookup(window, X11WindowFacts::kAllFields, known), 0u);
+    EXPECT_TRUE(known.title.isEmpty());
 
     const quint64 laterMark = cache->beginRead();
     cache->store(facts, X11WindowFacts::Title, laterMark);
     cache->endRead(laterMark);
-    EXPECT_EQ(cache->lookup(window).fields, unsigned(X11WindowFacts::Title));
-    EXPECT_EQ(cache->lookup(window).facts.title, facts.title);
+    EXPECT_EQ(cache->lookup(window, X11WindowFacts::kAllFields, known), unsigned(X11WindowFacts::Title));
+    EXPECT_EQ(known.title, facts.title);
 }
 
 TEST_F(X11WindowCacheTest, MoveThroughTheWindowControlShowsInTheReadBack) {
