@@ -400,6 +400,7 @@ X11WindowFacts X11WindowReader::collectFields(PendingWindow& entry, const Pendin
             }
         }
     }
+    facts.fieldsRead = entry.request.fields;
     facts.exists = !gone;
     return facts;
 }

@@ -20,6 +20,7 @@ void merge(QList<X11WindowFacts>& windows, const QList<X11WindowFacts>& extra) {
         if (found == nullptr) {
             continue;
         }
+        facts.fieldsRead |= found->fieldsRead;
         if (found->transientFor != XCB_NONE) {
             facts.transientFor = found->transientFor;
         }

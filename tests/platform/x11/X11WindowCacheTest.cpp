@@ -6,6 +6,7 @@
 #include <QThreadPool>
 #include <cstdlib>
 #include <cstring>
+#include <functional>
 
 #include "platform/Platform.h"
 #include "platform/WindowControl.h"
@@ -125,6 +126,31 @@ TEST_F(X11WindowCacheTest, ColdReadAsksNothingOfFramesAndNoTitlesWhenLeftOut) {
     // manager runs, so opacity is not read.
     EXPECT_EQ(coldRequests(false) - untitledBefore, 10u * 6);
     EXPECT_EQ(coldRequests(true) - titledBefore, 10u * 7);
+}
+
+TEST_F(X11WindowCacheTest, InventoryAsksNothingMoreThanTheListForWhatTheOwnersHave) {
+    WindowList& windowList = *Platform::services().windowList;
+    const QList<quint32> windows = client.openMany(QStringLiteral("owned"), 10, placement(0, 100, 100, 300, 200));
+    ASSERT_EQ(windows.size(), 10);
+    list();
+    auto coldRequests = [&](const std::function<void()>& read) {
+        cache->clear();
+        const quint32 before = nextSequence();
+        read();
+        return nextSequence() - before - 1;
+    };
+    const quint32 listOnly =
+        coldRequests([&] { EXPECT_TRUE(windowList.windowsWithoutTitles(DesktopWindows::Exclude).has_value()); });
+    std::optional<WindowInventory> inventory;
+    const quint32 withOwners = coldRequests([&] { inventory = windowList.inventory(DesktopWindows::Exclude); });
+    ASSERT_TRUE(inventory.has_value());
+    EXPECT_EQ(withOwners, listOnly);
+    const ApplicationWindowRoles owned = inventory->applications.value(static_cast<pid_t>(client.pid()));
+    ASSERT_EQ(owned.lists.includingMinimised.result, Result::Ok);
+    for (quint32 window : windows) {
+        EXPECT_TRUE(owned.lists.includingMinimised.value->contains(window)) << window;
+        EXPECT_EQ(owned.roles.value(window), (Reading<WindowRole>{Result::Ok, WindowRole::Window})) << window;
+    }
 }
 
 TEST_F(X11WindowCacheTest, TitleReadAfterAListWithoutTitlesIsTheCurrentOne) {
