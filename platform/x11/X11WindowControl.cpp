@@ -59,7 +59,14 @@ X11WindowControl::Batch X11WindowControl::read(unsigned rootFields, const QHash<
     }
     batch.permitted = true;
 
-    // Stage 1: what the root window says, as far as the batch needs it.
+    // Stage 1: what the root window says, as far as the batch needs it, and what it takes to judge which
+    // window fields are worth reading.
+    constexpr unsigned kManagedFields = X11WindowFacts::Pid | X11WindowFacts::Desktop | X11WindowFacts::State;
+    unsigned windowFieldsAsked = unlistedFields | (managed ? kManagedFields : 0u);
+    for (const unsigned fields : windowFields) {
+        windowFieldsAsked |= fields;
+    }
+    rootFields |= X11WindowReader::rootFieldsToJudge(windowFieldsAsked);
     if (managed) {
         rootFields |= X11WindowReader::ClientList | X11WindowReader::CurrentDesktop;
     }
@@ -86,11 +93,12 @@ X11WindowControl::Batch X11WindowControl::read(unsigned rootFields, const QHash<
     }
     QList<X11WindowReader::Request> requests;
     for (auto it = fields.cbegin(); it != fields.cend(); ++it) {
-        requests.append({it.key(), it.value()});
+        requests.append({it.key(), X11WindowReader::worthReading(it.value(), batch.root)});
     }
     const qsizetype ownCount = requests.size();
+    const unsigned managedFields = X11WindowReader::worthReading(kManagedFields, batch.root);
     for (auto it = batch.root.clientListStacking.crbegin(); it != batch.root.clientListStacking.crend(); ++it) {
-        requests.append({*it, X11WindowFacts::Pid | X11WindowFacts::Desktop | X11WindowFacts::State});
+        requests.append({*it, managedFields});
     }
     QList<X11WindowFacts> facts = m_batchReader.readWindows(requests);
     for (qsizetype i = 0; i < facts.size(); ++i) {

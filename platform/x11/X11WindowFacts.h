@@ -69,6 +69,7 @@ struct X11WindowFacts {
 
 // The desktop-wide facts kept on the root window.
 struct X11RootFacts {
+    unsigned fieldsRead = 0;  // the X11WindowReader::RootField values read
     bool connected = false;
     bool hasClientList = false;              // false when no window manager keeps a client list
     QList<xcb_window_t> clientListStacking;  // bottom to top
