@@ -3,6 +3,7 @@
 
 #include <sys/types.h>
 
+#include <QHash>
 #include <QList>
 #include <QPointF>
 #include <QRectF>
@@ -43,6 +44,13 @@ struct Reading {
 struct ApplicationWindows {
     Reading<QList<WindowId>> visible;
     Reading<QList<WindowId>> includingMinimised;
+};
+
+// One application's windows as one read of the desktop found them: both of its lists, and the role of
+// every window in either.
+struct ApplicationWindowRoles {
+    ApplicationWindows lists;
+    QHash<WindowId, Reading<WindowRole>> roles;
 };
 
 // What a batch reads about one window.

@@ -8,6 +8,8 @@
 #include <QString>
 #include <optional>
 
+#include "platform/WindowControl.h"
+
 // One top-level window as the desktop lists it. Fields the desktop cannot tell are left empty.
 struct WindowEntry {
     qint64 id = 0;                     // the window's number, the same one the window controls use
@@ -25,6 +27,13 @@ struct WindowEntry {
 // Whether the list holds the desktop's own background windows (desktop icons, wallpaper).
 enum class DesktopWindows { Include, Exclude };
 
+// The window list and, from the same read of the desktop, what the window control tells of the
+// applications that own its windows, so that the two tell of one moment.
+struct WindowInventory {
+    QList<WindowEntry> windows;                         // as windowsWithoutTitles() lists them
+    QHash<pid_t, ApplicationWindowRoles> applications;  // by owner; an owner left out is not known here
+};
+
 // The desktop's list of top-level windows.
 class WindowList {
 public:
@@ -40,4 +49,7 @@ public:
     virtual std::optional<QList<WindowEntry>> windowsWithoutTitles(DesktopWindows desktopWindows) {
         return windows(desktopWindows);
     }
+    // The list without titles and, read with it, the window lists of its windows' owners and the roles of
+    // their windows. Nothing when the list is unavailable.
+    virtual std::optional<WindowInventory> inventory(DesktopWindows desktopWindows) = 0;
 };

@@ -47,6 +47,10 @@ QList<DisplaySnapshot> captureDisplaySnapshots(const QList<DisplayDescriptor>& d
 // Every qualifying window of every display, front to back.
 QList<QualifiedWindow> qualifyingWindows();
 QHash<pid_t, AXWindowMetadata> axWindowMetadataByOwnerPID(const QSet<pid_t>& pids);
+// The same from the window lists and roles the window list's inventory brought along; applications it did
+// not bring are asked of the window control.
+QHash<pid_t, AXWindowMetadata> axWindowMetadataByOwnerPID(const QSet<pid_t>& pids,
+                                                          const QHash<pid_t, ApplicationWindowRoles>& alreadyRead);
 QList<DisplayAppGroup> groupedApplications(const QList<QualifiedWindow>& windows);
 
 // The window's role when it reads.

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include <QCollator>
+#include <QSet>
 #include <algorithm>
 
 #include "app/displays/ScreenSnapshotService.h"
@@ -11,66 +12,106 @@ std::optional<WindowRole> ScreenSnapshotService::role(WindowId window) {
     return reading.result == Result::Ok ? reading.value : std::nullopt;
 }
 
-QHash<pid_t, AXWindowMetadata> ScreenSnapshotService::axWindowMetadataByOwnerPID(const QSet<pid_t>& pids) {
+namespace {
+
+// Both window lists of each application and the roles of their windows, in two batches of the window control.
+QHash<pid_t, ApplicationWindowRoles> readApplicationWindows(const QList<pid_t>& owners) {
     WindowControl* control = Platform::services().windowControl;
-    const QList<pid_t> owners(pids.cbegin(), pids.cend());
-
-    // First batch: both window lists of every application.
     const QList<ApplicationWindows> lists = control->windowsOfApplications(owners);
-
-    QList<QList<WindowId>> windowsByOwner;
-    QList<bool> querySupported;
     QList<WindowId> allWindows;
-    for (qsizetype i = 0; i < owners.size(); ++i) {
-        QList<WindowId> merged;
-        bool anyListRead = false;
-        const ApplicationWindows owned = lists.value(i);
+    QSet<WindowId> seen;
+    for (const ApplicationWindows& owned : lists) {
         for (const Reading<QList<WindowId>>& list : {owned.visible, owned.includingMinimised}) {
-            anyListRead = anyListRead || list.result == Result::Ok;
-            if (list.result == Result::Ok && list.value) {
-                for (WindowId window : *list.value) {
-                    if (!merged.contains(window)) {
-                        merged.append(window);
-                    }
+            if (list.result != Result::Ok || !list.value) {
+                continue;
+            }
+            for (WindowId window : *list.value) {
+                if (!seen.contains(window)) {
+                    seen.insert(window);
+                    allWindows.append(window);
                 }
             }
         }
-        allWindows.append(merged);
-        windowsByOwner.append(merged);
-        querySupported.append(anyListRead);
     }
-
-    // Second batch: the role of every window of every application.
-    const QList<WindowFacts> facts = control->facts(allWindows);
-
-    QHash<pid_t, AXWindowMetadata> metadata;
-    qsizetype next = 0;
+    const QList<WindowFacts> facts = allWindows.isEmpty() ? QList<WindowFacts>{} : control->facts(allWindows);
+    QHash<WindowId, Reading<WindowRole>> roles;
+    for (qsizetype i = 0; i < allWindows.size(); ++i) {
+        roles.insert(allWindows[i], facts.value(i).role);
+    }
+    QHash<pid_t, ApplicationWindowRoles> answers;
     for (qsizetype i = 0; i < owners.size(); ++i) {
-        QSet<qint64> all;
-        QSet<qint64> roleFiltered;
-        for (WindowId window : windowsByOwner[i]) {
-            const Reading<WindowRole> role = facts.value(next++).role;
+        ApplicationWindowRoles answer;
+        answer.lists = lists.value(i, {{Result::Failure, std::nullopt}, {Result::Failure, std::nullopt}});
+        for (const Reading<QList<WindowId>>& list : {answer.lists.visible, answer.lists.includingMinimised}) {
+            if (list.result == Result::Ok && list.value) {
+                for (WindowId window : *list.value) {
+                    answer.roles.insert(window, roles.value(window));
+                }
+            }
+        }
+        answers.insert(owners[i], answer);
+    }
+    return answers;
+}
+
+AXWindowMetadata metadataOf(const ApplicationWindowRoles& application) {
+    const ApplicationWindows& lists = application.lists;
+    bool anyListRead = false;
+    QSet<qint64> all;
+    QSet<qint64> roleFiltered;
+    for (const Reading<QList<WindowId>>& list : {lists.visible, lists.includingMinimised}) {
+        anyListRead = anyListRead || list.result == Result::Ok;
+        if (list.result != Result::Ok || !list.value) {
+            continue;
+        }
+        for (WindowId window : *list.value) {
             all.insert(window);
+            // A window whose role cannot be read counts as a movable one.
+            const Reading<WindowRole> role = application.roles.value(window);
             if (role.result != Result::Ok || !role.value || WindowListFilters::isMovableRole(*role.value)) {
                 roleFiltered.insert(window);
             }
         }
-        metadata.insert(owners[i], {querySupported[i], roleFiltered.isEmpty() ? all : roleFiltered});
+    }
+    return {anyListRead, roleFiltered.isEmpty() ? all : roleFiltered};
+}
+
+}  // namespace
+
+QHash<pid_t, AXWindowMetadata> ScreenSnapshotService::axWindowMetadataByOwnerPID(const QSet<pid_t>& pids) {
+    return axWindowMetadataByOwnerPID(pids, {});
+}
+
+QHash<pid_t, AXWindowMetadata> ScreenSnapshotService::axWindowMetadataByOwnerPID(
+    const QSet<pid_t>& pids, const QHash<pid_t, ApplicationWindowRoles>& alreadyRead) {
+    QList<pid_t> unread;
+    for (pid_t pid : pids) {
+        if (!alreadyRead.contains(pid)) {
+            unread.append(pid);
+        }
+    }
+    const QHash<pid_t, ApplicationWindowRoles> read =
+        unread.isEmpty() ? QHash<pid_t, ApplicationWindowRoles>{} : readApplicationWindows(unread);
+    QHash<pid_t, AXWindowMetadata> metadata;
+    for (pid_t pid : pids) {
+        const auto known = alreadyRead.constFind(pid);
+        metadata.insert(pid, metadataOf(known != alreadyRead.cend() ? *known : read.value(pid)));
     }
     return metadata;
 }
 
 QList<QualifiedWindow> ScreenSnapshotService::qualifyingWindows() {
-    const std::optional<QList<WindowEntry>> list =
-        Platform::services().windowList->windowsWithoutTitles(DesktopWindows::Exclude);
-    if (!list) {
+    // The list comes with what the window control tells of its owners, read at the same moment.
+    const std::optional<WindowInventory> inventory =
+        Platform::services().windowList->inventory(DesktopWindows::Exclude);
+    if (!inventory) {
         return {};
     }
     const QSet<pid_t> regular = WindowListFilters::regularApplicationPIDs();
-    const QHash<pid_t, AXWindowMetadata> metadata = axWindowMetadataByOwnerPID(regular);
+    const QHash<pid_t, AXWindowMetadata> metadata = axWindowMetadataByOwnerPID(regular, inventory->applications);
 
     QList<QualifiedWindow> windows;
-    for (const WindowEntry& entry : *list) {
+    for (const WindowEntry& entry : inventory->windows) {
         if (!WindowListFilters::isUserWindow(entry, regular)) {
             continue;
         }

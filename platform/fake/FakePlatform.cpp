@@ -2,6 +2,7 @@
 #include "platform/fake/FakePlatform.h"
 
 FakePlatform::FakePlatform() {
+    windowList.answerApplicationsFrom(&windowControl);
     Platform::install({&monitors, &windowList, &runningApplications, &windowControl, &hotKeys, &keyboardLayout,
                        &settings, &autostart, &sessionCheck, &taskbarPresence, &foregroundActivation, &desktopLauncher,
                        &systemInfo, &trayHost});

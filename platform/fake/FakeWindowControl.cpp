@@ -214,6 +214,22 @@ QList<WindowFacts> FakeWindowControl::facts(const QList<WindowId>& windows) {
     return answers;
 }
 
+QHash<pid_t, ApplicationWindowRoles> FakeWindowControl::applicationWindows(const QList<pid_t>& applications) {
+    QMutexLocker locker(&m_mutex);
+    ++m_batchCount;
+    QHash<pid_t, ApplicationWindowRoles> answers;
+    for (pid_t pid : applications) {
+        ApplicationWindowRoles& owned = answers[pid];
+        owned.lists = {listLocked(pid, WindowScope::Visible), listLocked(pid, WindowScope::IncludingMinimised)};
+        for (const Reading<QList<WindowId>>& list : {owned.lists.visible, owned.lists.includingMinimised}) {
+            for (WindowId window : list.value.value_or(QList<WindowId>{})) {
+                owned.roles.insert(window, answer(m_roles, m_roleErrors, window));
+            }
+        }
+    }
+    return answers;
+}
+
 std::optional<Result> FakeWindowControl::recordLocked(const Request& request) {
     m_requests.append(request);
     const qint64 key = changeKey(request.target, request.change);

@@ -76,6 +76,9 @@ public:
     Reading<WindowRole> role(WindowId window) override;
     Reading<bool> minimised(WindowId window) override;
     QList<WindowFacts> facts(const QList<WindowId>& windows) override;
+    // Both lists of each application and the roles of their windows, as one batch (the fake window list's
+    // inventory brings them along).
+    QHash<pid_t, ApplicationWindowRoles> applicationWindows(const QList<pid_t>& applications);
     Result move(WindowId window, const QPointF& topLeft) override;
     Result resize(WindowId window, const QSizeF& size) override;
     Result unminimise(WindowId window) override;

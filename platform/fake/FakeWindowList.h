@@ -2,9 +2,11 @@
 #pragma once
 
 #include <QMutex>
+#include <QSet>
 #include <functional>
 
 #include "platform/WindowList.h"
+#include "platform/fake/FakeWindowControl.h"
 
 // A scripted window list for tests. Safe to query from a background thread.
 class FakeWindowList : public WindowList {
@@ -36,6 +38,36 @@ public:
         return m_windowList;
     }
 
+    // The window control whose scripted lists and roles the inventory brings along; without one it brings
+    // none, and callers ask the window control.
+    void answerApplicationsFrom(FakeWindowControl* control) {
+        QMutexLocker locker(&m_mutex);
+        m_control = control;
+    }
+
+    std::optional<WindowInventory> inventory(DesktopWindows desktopWindows) override {
+        std::optional<QList<WindowEntry>> list = windows(desktopWindows);
+        if (!list) {
+            return std::nullopt;
+        }
+        FakeWindowControl* control = nullptr;
+        {
+            QMutexLocker locker(&m_mutex);
+            control = m_control;
+        }
+        WindowInventory inventory{std::move(*list), {}};
+        if (control != nullptr) {
+            QSet<pid_t> owners;
+            for (const WindowEntry& entry : inventory.windows) {
+                if (entry.pid) {
+                    owners.insert(*entry.pid);
+                }
+            }
+            inventory.applications = control->applicationWindows(QList<pid_t>(owners.cbegin(), owners.cend()));
+        }
+        return inventory;
+    }
+
     std::optional<QList<WindowEntry>> windows(DesktopWindows desktopWindows) override {
         std::function<void(int)> hook;
         std::optional<QList<WindowEntry>> list;
@@ -57,6 +89,7 @@ private:
     mutable QMutex m_mutex;
     std::optional<QList<WindowEntry>> m_windowList = QList<WindowEntry>{};
     std::function<void(int)> m_hook;
+    FakeWindowControl* m_control = nullptr;
     std::optional<DesktopWindows> m_lastDesktopWindows;
     int m_queryCount = 0;
 };

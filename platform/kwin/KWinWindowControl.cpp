@@ -148,6 +148,29 @@ QList<ApplicationWindows> KWinWindowControl::windowsOfApplications(const QList<p
     return lists;
 }
 
+QHash<pid_t, ApplicationWindowRoles> KWinWindowControl::applicationsIn(const KWinState& state, KWinBridge& bridge,
+                                                                       const QSet<pid_t>& applications) {
+    QHash<pid_t, ApplicationWindowRoles> answers;
+    for (pid_t application : applications) {
+        ApplicationWindowRoles owned;
+        QList<WindowId> visible;
+        QList<WindowId> all;
+        for (const KWinWindow& window : frontToBack(state, application)) {
+            const WindowId id = bridge.idOf(window.uuid);
+            if (isListed(window, WindowScope::Visible)) {
+                visible.append(id);
+            }
+            if (isListed(window, WindowScope::IncludingMinimised)) {
+                all.append(id);
+                owned.roles.insert(id, {Result::Ok, roleOf(window)});
+            }
+        }
+        owned.lists = {{Result::Ok, visible}, {Result::Ok, all}};
+        answers.insert(application, owned);
+    }
+    return answers;
+}
+
 WindowFacts KWinWindowControl::factsIn(const KWinState& state, WindowId id) {
     const KWinWindow* window = find(state, m_bridge, id);
     if (window == nullptr) {

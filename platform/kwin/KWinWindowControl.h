@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QJsonObject>
+#include <QSet>
 
 #include "platform/WindowControl.h"
 #include "platform/WindowPlacer.h"
@@ -39,6 +40,9 @@ public:
     static WindowRole roleOf(const KWinWindow& window);
     // Whether the window belongs in an application's window lists.
     static bool isListed(const KWinWindow& window, WindowScope scope);
+    // Both lists of each application and the roles of their windows, as one state tells them.
+    static QHash<pid_t, ApplicationWindowRoles> applicationsIn(const KWinState& state, KWinBridge& bridge,
+                                                               const QSet<pid_t>& applications);
 
 private:
     Reading<QList<WindowId>> windowsIn(const KWinState& state, pid_t application, WindowScope scope);

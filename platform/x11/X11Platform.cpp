@@ -28,9 +28,10 @@ struct X11Platform::Owned {
     std::unique_ptr<X11SessionCheck> sessionCheck;
     std::unique_ptr<X11WindowDesktopEntries> desktopEntries;
     std::unique_ptr<X11WindowCache> windowCache;
+    // The window list answers for the window control too, so the control outlives it.
+    std::unique_ptr<X11WindowControl> windowControl;
     std::unique_ptr<X11WindowList> windowList;
     std::unique_ptr<X11RunningApplications> runningApplications;
-    std::unique_ptr<X11WindowControl> windowControl;
     std::unique_ptr<X11TaskbarPresence> taskbarPresence;
     std::unique_ptr<X11ForegroundActivation> foregroundActivation;
     std::unique_ptr<XdgDesktopLauncher> desktopLauncher;
@@ -66,9 +67,10 @@ X11Platform::X11Platform(std::unique_ptr<X11Connection> owned, X11Connection& co
         m_owned->windowCache = std::make_unique<X11WindowCache>(std::move(watch));
     }
     X11WindowCache* cache = m_owned->windowCache.get();
-    m_owned->windowList = std::make_unique<X11WindowList>(x11, *m_owned->desktopEntries, cache);
-    m_owned->runningApplications = std::make_unique<X11RunningApplications>(x11, *m_owned->desktopEntries, cache);
     m_owned->windowControl = std::make_unique<X11WindowControl>(x11, cache);
+    m_owned->windowList =
+        std::make_unique<X11WindowList>(x11, *m_owned->desktopEntries, cache, m_owned->windowControl.get());
+    m_owned->runningApplications = std::make_unique<X11RunningApplications>(x11, *m_owned->desktopEntries, cache);
     m_owned->taskbarPresence = std::make_unique<X11TaskbarPresence>(x11);
     m_owned->foregroundActivation = std::make_unique<X11ForegroundActivation>(x11);
     m_owned->desktopLauncher = std::make_unique<XdgDesktopLauncher>();

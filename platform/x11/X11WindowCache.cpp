@@ -41,11 +41,6 @@ void X11WindowCache::endRead(quint64 mark) {
     pruneNews();
 }
 
-X11WindowCache::Known X11WindowCache::lookup(xcb_window_t window) const {
-    QMutexLocker lock(&m_mutex);
-    return m_known.value(window);
-}
-
 unsigned X11WindowCache::lookup(xcb_window_t window, unsigned fields, X11WindowFacts& facts) const {
     QMutexLocker lock(&m_mutex);
     const auto found = m_known.constFind(window);

@@ -25,12 +25,6 @@ class X11Connection;
 // and its news can be taken in on any thread without touching the handlers of the main connection.
 class X11WindowCache {
 public:
-    // What the cache knows of a window: the fields read, and what they said.
-    struct Known {
-        X11WindowFacts facts;
-        unsigned fields = 0;
-    };
-
     explicit X11WindowCache(std::unique_ptr<X11Connection> connection);
     ~X11WindowCache();
     X11WindowCache(const X11WindowCache&) = delete;
@@ -48,9 +42,8 @@ public:
     quint64 beginRead();
     void endRead(quint64 mark);
 
-    // Nothing when the window was never read or has changed since.
-    Known lookup(xcb_window_t window) const;
-    // Copies into facts what is known of the given fields of a window; returns the fields it knew.
+    // Copies into facts what is known of the given fields of a window; returns the fields it knew, none
+    // when the window was never read or has changed since.
     unsigned lookup(xcb_window_t window, unsigned fields, X11WindowFacts& facts) const;
     // Asks the server for news of a window; sent before its first read, and again only once the window
     // has ended (its number may then be given to a new window).
@@ -71,6 +64,11 @@ private:
     std::unique_ptr<X11Connection> m_connection;
     int m_handlerId = 0;
     mutable QMutex m_mutex;
+    // What the cache knows of a window: the fields read, and what they said.
+    struct Known {
+        X11WindowFacts facts;
+        unsigned fields = 0;
+    };
     QHash<xcb_window_t, Known> m_known;
     QSet<xcb_window_t> m_watched;
     quint64 m_sequence = 0;

@@ -59,7 +59,14 @@ X11WindowControl::Batch X11WindowControl::read(unsigned rootFields, const QHash<
     }
     batch.permitted = true;
 
-    // Stage 1: what the root window says, as far as the batch needs it.
+    // Stage 1: what the root window says, as far as the batch needs it, and what it takes to judge which
+    // window fields are worth reading.
+    constexpr unsigned kManagedFields = X11WindowFacts::Pid | X11WindowFacts::Desktop | X11WindowFacts::State;
+    unsigned windowFieldsAsked = unlistedFields | (managed ? kManagedFields : 0u);
+    for (const unsigned fields : windowFields) {
+        windowFieldsAsked |= fields;
+    }
+    rootFields |= X11WindowReader::rootFieldsToJudge(windowFieldsAsked);
     if (managed) {
         rootFields |= X11WindowReader::ClientList | X11WindowReader::CurrentDesktop;
     }
@@ -86,11 +93,12 @@ X11WindowControl::Batch X11WindowControl::read(unsigned rootFields, const QHash<
     }
     QList<X11WindowReader::Request> requests;
     for (auto it = fields.cbegin(); it != fields.cend(); ++it) {
-        requests.append({it.key(), it.value()});
+        requests.append({it.key(), X11WindowReader::worthReading(it.value(), batch.root)});
     }
     const qsizetype ownCount = requests.size();
+    const unsigned managedFields = X11WindowReader::worthReading(kManagedFields, batch.root);
     for (auto it = batch.root.clientListStacking.crbegin(); it != batch.root.clientListStacking.crend(); ++it) {
-        requests.append({*it, X11WindowFacts::Pid | X11WindowFacts::Desktop | X11WindowFacts::State});
+        requests.append({*it, managedFields});
     }
     QList<X11WindowFacts> facts = m_batchReader.readWindows(requests);
     for (qsizetype i = 0; i < facts.size(); ++i) {
@@ -142,27 +150,35 @@ Reading<WindowId> X11WindowControl::mainWindow(pid_t application) {
     return focusedWindow(application);
 }
 
-Reading<QList<WindowId>> X11WindowControl::listOf(pid_t application, WindowScope scope, const Batch& batch) const {
-    if (!batch.permitted) {
+QHash<pid_t, X11WindowControl::OwnedWindows> X11WindowControl::managedByOwner(const QList<X11WindowFacts>& windows) {
+    QHash<pid_t, OwnedWindows> owners;
+    for (const X11WindowFacts& window : windows) {
+        if (window.managed && window.pid) {
+            owners[*window.pid].append(&window);
+        }
+    }
+    return owners;
+}
+
+Reading<QList<WindowId>> X11WindowControl::listOf(pid_t application, WindowScope scope, bool permitted,
+                                                  const X11RootFacts& root, const OwnedWindows& owned) const {
+    if (!permitted) {
         return failed<QList<WindowId>>(Result::NotPermitted);
     }
     if (!isProcessNumber(application)) {
         return failed<QList<WindowId>>(Result::Failure);
     }
-    if (!batch.root.connected) {
+    if (!root.connected) {
         return failed<QList<WindowId>>(Result::CannotComplete);
     }
     QList<WindowId> windows;
-    for (const X11WindowFacts& window : batch.managed) {
-        if (window.pid != application) {
-            continue;
-        }
+    for (const X11WindowFacts* window : owned) {
         // Windows on other workspaces are never listed, so no command moves or restores them.
-        if (!m_kinds.isOnDesktop(window, batch.root.currentDesktop) ||
-            (scope == WindowScope::Visible && m_kinds.isHidden(window))) {
+        if (!m_kinds.isOnDesktop(*window, root.currentDesktop) ||
+            (scope == WindowScope::Visible && m_kinds.isHidden(*window))) {
             continue;
         }
-        windows.append(window.window);
+        windows.append(window->window);
     }
     // An application that owns no window any more and whose process is gone is no application at all.
     if (windows.isEmpty() && !QFileInfo::exists(QStringLiteral("/proc/%1").arg(application))) {
@@ -175,7 +191,8 @@ Reading<QList<WindowId>> X11WindowControl::windows(pid_t application, WindowScop
     if (!isProcessNumber(application)) {
         return failed<QList<WindowId>>(Result::Failure);
     }
-    return listOf(application, scope, read(0, {}, true));
+    const Batch batch = read(0, {}, true);
+    return listOf(application, scope, batch.permitted, batch.root, managedByOwner(batch.managed).value(application));
 }
 
 QList<ApplicationWindows> X11WindowControl::windowsOfApplications(const QList<pid_t>& applications) {
@@ -184,8 +201,63 @@ QList<ApplicationWindows> X11WindowControl::windowsOfApplications(const QList<pi
         return answers;
     }
     const Batch batch = read(0, {}, true);
+    const QHash<pid_t, OwnedWindows> owners = managedByOwner(batch.managed);
     for (pid_t pid : applications) {
-        answers.append({listOf(pid, WindowScope::Visible, batch), listOf(pid, WindowScope::IncludingMinimised, batch)});
+        const OwnedWindows owned = owners.value(pid);
+        answers.append({listOf(pid, WindowScope::Visible, batch.permitted, batch.root, owned),
+                        listOf(pid, WindowScope::IncludingMinimised, batch.permitted, batch.root, owned)});
+    }
+    return answers;
+}
+
+QHash<pid_t, ApplicationWindowRoles> X11WindowControl::applicationsIn(const X11WindowTable& table,
+                                                                      const QList<pid_t>& applications) {
+    const bool permitted = !m_connection.hasError() && windowManagerRunning();
+    const QHash<pid_t, OwnedWindows> owners = managedByOwner(table.windows);
+    QHash<pid_t, ApplicationWindowRoles> answers;
+    QHash<xcb_window_t, const X11WindowFacts*> listed;
+    for (pid_t pid : applications) {
+        const OwnedWindows owned = owners.value(pid);
+        ApplicationWindowRoles& answer = answers[pid];
+        answer.lists = {listOf(pid, WindowScope::Visible, permitted, table.root, owned),
+                        listOf(pid, WindowScope::IncludingMinimised, permitted, table.root, owned)};
+        for (const X11WindowFacts* window : owned) {
+            if (m_kinds.isOnDesktop(*window, table.root.currentDesktop)) {
+                listed.insert(window->window, window);
+            }
+        }
+    }
+    // The table reads WM_TRANSIENT_FOR only where a window's kind depends on it; a modal window's role
+    // depends on it too.
+    QList<X11WindowReader::Request> transients;
+    for (const X11WindowFacts* window : std::as_const(listed)) {
+        if (!(window->fieldsRead & X11WindowFacts::Transient) && m_kinds.roleNeedsTransientFor(*window)) {
+            transients.append({window->window, X11WindowFacts::Transient});
+        }
+    }
+    QHash<xcb_window_t, X11WindowFacts> transientsRead;
+    if (!transients.isEmpty()) {
+        for (X11WindowFacts& read : m_batchReader.readWindows(transients)) {
+            transientsRead.insert(read.window, std::move(read));
+        }
+    }
+    for (ApplicationWindowRoles& answer : answers) {
+        if (answer.lists.includingMinimised.result != Result::Ok) {
+            continue;
+        }
+        for (WindowId id : *answer.lists.includingMinimised.value) {
+            const X11WindowFacts& window = *listed.value(static_cast<xcb_window_t>(id));
+            const auto reread = transientsRead.constFind(window.window);
+            if (reread == transientsRead.cend()) {
+                answer.roles.insert(id, ok(m_kinds.role(window)));
+            } else if (!reread->exists) {
+                answer.roles.insert(id, failed<WindowRole>(Result::Gone));
+            } else {
+                X11WindowFacts withTransient = window;
+                withTransient.transientFor = reread->transientFor;
+                answer.roles.insert(id, ok(m_kinds.role(withTransient)));
+            }
+        }
     }
     return answers;
 }

@@ -10,6 +10,7 @@
 #include "platform/x11/X11WindowKinds.h"
 #include "platform/x11/X11WindowPlacer.h"
 #include "platform/x11/X11WindowReader.h"
+#include "platform/x11/X11WindowTable.h"
 
 class X11Connection;
 
@@ -39,7 +40,17 @@ public:
     Result unhide(pid_t application) override;
     QList<PlacementResult> place(const QList<WindowPlacement>& placements) override;
 
+    // Both lists of each application and the roles of their windows, as a table the window list has just
+    // read tells them; what this control would answer had it read them itself at that moment. Asks the
+    // server only for WM_TRANSIENT_FOR of the few windows whose role depends on it when the table has not
+    // read it.
+    QHash<pid_t, ApplicationWindowRoles> applicationsIn(const X11WindowTable& table, const QList<pid_t>& applications);
+
 private:
+    // Each owner's managed windows, front to back.
+    using OwnedWindows = QList<const X11WindowFacts*>;
+    static QHash<pid_t, OwnedWindows> managedByOwner(const QList<X11WindowFacts>& windows);
+
     // What one batch of reads fetched: the root's facts, the windows asked about (and the active
     // one), and every managed window's owner, desktop and state when an application's list is wanted.
     struct Batch {
@@ -54,7 +65,8 @@ private:
     Batch read(unsigned rootFields, const QHash<xcb_window_t, unsigned>& windowFields, bool managed,
                unsigned unlistedFields = 0);
     Batch readFacts(const QList<WindowId>& windows);
-    Reading<QList<WindowId>> listOf(pid_t application, WindowScope scope, const Batch& batch) const;
+    Reading<QList<WindowId>> listOf(pid_t application, WindowScope scope, bool permitted, const X11RootFacts& root,
+                                    const OwnedWindows& owned) const;
     // The active window when the owner (any owner when nothing) has it.
     Reading<WindowId> activeOf(std::optional<pid_t> owner, const Batch& batch) const;
     // The facts of a window of the batch, or the result that says why there are none.

@@ -32,8 +32,9 @@ struct X11WindowFacts {
     static constexpr unsigned kAllFields = (1u << 11) - 1;
 
     xcb_window_t window = XCB_NONE;
-    bool exists = true;    // false once the server has answered that the window is gone
-    bool managed = false;  // listed by the window manager (its map state is then not read)
+    unsigned fieldsRead = 0;  // which fields the read filled
+    bool exists = true;       // false once the server has answered that the window is gone
+    bool managed = false;     // listed by the window manager (its map state is then not read)
     bool overrideRedirect = false;
     bool viewable = false;
     bool mapped = false;
@@ -68,6 +69,7 @@ struct X11WindowFacts {
 
 // The desktop-wide facts kept on the root window.
 struct X11RootFacts {
+    unsigned fieldsRead = 0;  // the X11WindowReader::RootField values read
     bool connected = false;
     bool hasClientList = false;              // false when no window manager keeps a client list
     QList<xcb_window_t> clientListStacking;  // bottom to top

@@ -4,14 +4,17 @@
 #include <QElapsedTimer>
 #include <QHash>
 #include <QLoggingCategory>
+#include <QSet>
 
+#include "platform/x11/X11WindowControl.h"
 #include "platform/x11/X11WindowOwners.h"
 #include "platform/x11/X11WindowTable.h"
 
 Q_LOGGING_CATEGORY(lcWindowList, "lattica.x11.windowlist", QtWarningMsg)
 
-X11WindowList::X11WindowList(X11Connection& connection, X11WindowDesktopEntries& entries, X11WindowCache* cache)
-    : m_reader(connection, cache), m_kinds(connection), m_entries(entries) {}
+X11WindowList::X11WindowList(X11Connection& connection, X11WindowDesktopEntries& entries, X11WindowCache* cache,
+                             X11WindowControl* control)
+    : m_reader(connection, cache), m_kinds(connection), m_entries(entries), m_control(control) {}
 
 std::optional<QList<WindowEntry>> X11WindowList::windows(DesktopWindows desktopWindows) {
     return read(desktopWindows, true);
@@ -21,12 +24,32 @@ std::optional<QList<WindowEntry>> X11WindowList::windowsWithoutTitles(DesktopWin
     return read(desktopWindows, false);
 }
 
-std::optional<QList<WindowEntry>> X11WindowList::read(DesktopWindows desktopWindows, bool withTitles) {
+std::optional<WindowInventory> X11WindowList::inventory(DesktopWindows desktopWindows) {
+    X11WindowTable table;
+    std::optional<QList<WindowEntry>> list = read(desktopWindows, false, &table);
+    if (!list) {
+        return std::nullopt;
+    }
+    WindowInventory inventory{std::move(*list), {}};
+    if (m_control != nullptr) {
+        QSet<pid_t> owners;
+        for (const WindowEntry& entry : inventory.windows) {
+            if (entry.pid) {
+                owners.insert(*entry.pid);
+            }
+        }
+        inventory.applications = m_control->applicationsIn(table, QList<pid_t>(owners.cbegin(), owners.cend()));
+    }
+    return inventory;
+}
+
+std::optional<QList<WindowEntry>> X11WindowList::read(DesktopWindows desktopWindows, bool withTitles,
+                                                      X11WindowTable* tableRead) {
     constexpr unsigned kFields = X11WindowFacts::Geometry | X11WindowFacts::Type | X11WindowFacts::State |
                                  X11WindowFacts::Desktop | X11WindowFacts::Opacity | X11WindowFacts::Class;
     QElapsedTimer timer;
     timer.start();
-    const X11WindowTable table =
+    X11WindowTable table =
         X11WindowTable::read(m_reader, kFields | (withTitles ? X11WindowFacts::Title : 0u), m_afterListing);
     const qint64 readNs = timer.nsecsElapsed();
     if (!table.root.connected) {
@@ -69,5 +92,8 @@ std::optional<QList<WindowEntry>> X11WindowList::read(DesktopWindows desktopWind
     qCDebug(lcWindowList) << table.windows.size() << "windows: read" << readNs / 1000 << "us, owners"
                           << (ownersNs - readNs) / 1000 << "us, entries" << (timer.nsecsElapsed() - ownersNs) / 1000
                           << "us";
+    if (tableRead != nullptr) {
+        *tableRead = std::move(table);
+    }
     return list;
 }

@@ -195,8 +195,24 @@ X11RootFacts X11WindowReader::readRoot(unsigned fields) {
             m_originValidUntil = QDeadlineTimer(kOriginMilliseconds);
         }
     }
+    facts.fieldsRead = fields;
     facts.connected = !m_connection.hasError();
     return facts;
+}
+
+unsigned X11WindowReader::rootFieldsToJudge(unsigned windowFields) {
+    return ((windowFields & X11WindowFacts::Opacity) ? CompositingManager : 0u) |
+           ((windowFields & X11WindowFacts::Desktop) ? DesktopCount : 0u);
+}
+
+unsigned X11WindowReader::worthReading(unsigned windowFields, const X11RootFacts& root) {
+    if ((root.fieldsRead & CompositingManager) && !root.compositingManager) {
+        windowFields &= ~X11WindowFacts::Opacity;
+    }
+    if ((root.fieldsRead & DesktopCount) && root.desktopCount == 1u) {
+        windowFields &= ~X11WindowFacts::Desktop;
+    }
+    return windowFields;
 }
 
 QList<X11WindowFacts> X11WindowReader::readWindows(const QList<Request>& requests) {
@@ -400,6 +416,7 @@ X11WindowFacts X11WindowReader::collectFields(PendingWindow& entry, const Pendin
             }
         }
     }
+    facts.fieldsRead = entry.request.fields;
     facts.exists = !gone;
     return facts;
 }

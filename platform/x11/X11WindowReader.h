@@ -78,6 +78,14 @@ public:
     // One round trip.
     X11RootFacts readRoot(unsigned fields);
 
+    // The root fields that worthReading() needs to judge a read of windows with these fields.
+    static unsigned rootFieldsToJudge(unsigned windowFields);
+    // The window fields worth asking for, judged by the root facts of the same read: which desktop a
+    // window is on is left out while there is a single desktop (the window manager keeps every window on
+    // a desktop that exists), its opacity while no compositing manager runs (the server then draws every
+    // window fully). Every read of windows decides its fields through this.
+    static unsigned worthReading(unsigned windowFields, const X11RootFacts& root);
+
     // One round trip for all the windows.
     QList<X11WindowFacts> readWindows(const QList<Request>& requests);
     PendingWindows sendWindowRequests(const QList<Request>& requests);

@@ -20,6 +20,7 @@ void merge(QList<X11WindowFacts>& windows, const QList<X11WindowFacts>& extra) {
         if (found == nullptr) {
             continue;
         }
+        facts.fieldsRead |= found->fieldsRead;
         if (found->transientFor != XCB_NONE) {
             facts.transientFor = found->transientFor;
         }
@@ -35,23 +36,14 @@ void merge(QList<X11WindowFacts>& windows, const QList<X11WindowFacts>& extra) {
 X11WindowTable X11WindowTable::read(X11WindowReader& reader, unsigned managedFields,
                                     const std::function<void()>& afterListing) {
     X11WindowTable table;
-    table.root = reader.readRoot(
-        X11WindowReader::ClientList | X11WindowReader::Children | X11WindowReader::ActiveWindow |
-        X11WindowReader::CurrentDesktop | X11WindowReader::GlobalOrigin | X11WindowReader::WindowManagerCheck |
-        ((managedFields & X11WindowFacts::Opacity) ? X11WindowReader::CompositingManager : 0u) |
-        ((managedFields & X11WindowFacts::Desktop) ? X11WindowReader::DesktopCount : 0u));
+    table.root =
+        reader.readRoot(X11WindowReader::ClientList | X11WindowReader::Children | X11WindowReader::ActiveWindow |
+                        X11WindowReader::CurrentDesktop | X11WindowReader::GlobalOrigin |
+                        X11WindowReader::WindowManagerCheck | X11WindowReader::rootFieldsToJudge(managedFields));
     if (!table.root.connected) {
         return table;
     }
-    // Without a compositing manager every window is drawn fully, whatever its opacity says.
-    if (!table.root.compositingManager) {
-        managedFields &= ~X11WindowFacts::Opacity;
-    }
-    // With a single desktop every window is on it (the window manager keeps windows on desktops that
-    // exist), so which one a window names is not read.
-    if (table.root.desktopCount == 1u) {
-        managedFields &= ~X11WindowFacts::Desktop;
-    }
+    managedFields = X11WindowReader::worthReading(managedFields, table.root);
     if (afterListing) {
         afterListing();
     }

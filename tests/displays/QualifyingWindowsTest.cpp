@@ -153,6 +153,45 @@ TEST_F(QualifyingWindows, UnmovableRoleOnlyWindowWithUnreadableRoleCountsAsMovab
     EXPECT_EQ(qualifyingNumbers({numbered(1), numbered(2)}), QList<qint64>{2});
 }
 
+TEST_F(QualifyingWindows, WindowControlIsAnsweredByTheListsOwnRead) {
+    platform.windowControl.addWindow(100, {.id = 1, .role = WindowRole::Window});
+    platform.windowControl.addWindow(100, {.id = 2, .role = WindowRole::Other});
+    EXPECT_EQ(qualifyingNumbers({numbered(1), numbered(2), numbered(3)}), QList<qint64>{1});
+    // The one batch is the inventory's: the window control is not asked again.
+    EXPECT_EQ(platform.windowList.queryCount(), 1);
+    EXPECT_EQ(platform.windowControl.batchCount(), 1);
+}
+
+TEST_F(QualifyingWindows, ListThatBringsNoOwnersAsksTheWindowControl) {
+    platform.windowList.answerApplicationsFrom(nullptr);
+    platform.windowControl.addWindow(100, {.id = 1, .role = WindowRole::Window});
+    platform.windowControl.addWindow(100, {.id = 2, .role = WindowRole::Other});
+    EXPECT_EQ(qualifyingNumbers({numbered(1), numbered(2), numbered(3)}), QList<qint64>{1});
+    EXPECT_EQ(platform.windowControl.batchCount(), 2);
+}
+
+TEST(WindowControlMetadata, ApplicationsAlreadyReadAreNotAskedAgain) {
+    FakePlatform platform;
+    platform.windowControl.addWindow(200, {.id = 7, .role = WindowRole::Other});
+    platform.windowControl.addWindow(200, {.id = 8});
+    ApplicationWindowRoles read;
+    read.lists = {{Result::Ok, QList<WindowId>{1}}, {Result::Ok, QList<WindowId>{1, 2, 3}}};
+    read.roles = {{1, {Result::Ok, WindowRole::Window}},
+                  {2, {Result::Ok, WindowRole::Other}},
+                  {3, {Result::NoValue, std::nullopt}}};
+    const QHash<pid_t, ApplicationWindowRoles> alreadyRead{{100, read}};
+
+    EXPECT_EQ(ScreenSnapshotService::axWindowMetadataByOwnerPID({100}, alreadyRead).value(100),
+              (AXWindowMetadata{true, {1, 3}}));
+    EXPECT_EQ(platform.windowControl.batchCount(), 0);
+    // An application the inventory did not bring is read in the window control's two batches.
+    const QHash<pid_t, AXWindowMetadata> metadata =
+        ScreenSnapshotService::axWindowMetadataByOwnerPID({100, 200}, alreadyRead);
+    EXPECT_EQ(platform.windowControl.batchCount(), 2);
+    EXPECT_EQ(metadata.value(100), (AXWindowMetadata{true, {1, 3}}));
+    EXPECT_EQ(metadata.value(200), (AXWindowMetadata{true, {8}}));
+}
+
 TEST(WindowControlMetadata, ReadsAllApplicationsInTwoBatches) {
     FakePlatform platform;
     platform.windowControl.addWindow(100, {.id = 1});

@@ -7,6 +7,7 @@
 #include "platform/RunningApplications.h"
 #include "platform/SessionCheck.h"
 #include "platform/WindowControl.h"
+#include "platform/WindowList.h"
 #include "tests/platform/gnome/GnomeSessionFixture.h"
 
 namespace {
@@ -62,6 +63,20 @@ TEST_F(GnomeInventoryTest, WindowsAreListedFrontToBackWithTheirOwner) {
         Platform::services().windowControl->windows(static_cast<pid_t>(wayland.pid()), WindowScope::Visible);
     ASSERT_EQ(own.result, Result::Ok);
     EXPECT_EQ(own.value->size(), 2);
+    // The inventory tells the same of the owner as the window control, from one question to the Shell.
+    const std::optional<WindowInventory> inventory =
+        Platform::services().windowList->inventory(DesktopWindows::Exclude);
+    ASSERT_TRUE(inventory);
+    const auto pid = static_cast<pid_t>(wayland.pid());
+    ASSERT_TRUE(inventory->applications.contains(pid));
+    const ApplicationWindowRoles owned = inventory->applications.value(pid);
+    EXPECT_EQ(owned.lists.visible, own);
+    EXPECT_EQ(owned.lists.includingMinimised,
+              Platform::services().windowControl->windows(pid, WindowScope::IncludingMinimised));
+    for (WindowId window : *own.value) {
+        EXPECT_EQ(owned.roles.value(window), Platform::services().windowControl->role(window)) << window;
+        EXPECT_EQ(owned.roles.value(window), (Reading<WindowRole>{Result::Ok, WindowRole::Window})) << window;
+    }
 }
 
 TEST_F(GnomeInventoryTest, TheSessionCheckSaysWindowsCanBeMovedAndCaptured) {

@@ -6,6 +6,7 @@
 #include "platform/Platform.h"
 #include "platform/RunningApplications.h"
 #include "platform/WindowControl.h"
+#include "platform/WindowList.h"
 #include "tests/platform/kwin/KWinSessionFixture.h"
 #include "tests/support/VirtualDesktop.h"
 
@@ -69,6 +70,16 @@ TEST_F(KWinInventoryTest, AMinimisedWindowIsListedOnlyWithMinimisedOnes) {
     const pid_t pid = static_cast<pid_t>(wayland.pid());
     EXPECT_TRUE(control.windows(pid, WindowScope::Visible).value->isEmpty());
     EXPECT_EQ(*control.windows(pid, WindowScope::IncludingMinimised).value, QList<WindowId>{entry->id});
+    // The inventory tells the same of the owner as the window control.
+    const std::optional<WindowInventory> inventory =
+        Platform::services().windowList->inventory(DesktopWindows::Exclude);
+    ASSERT_TRUE(inventory);
+    ASSERT_TRUE(inventory->applications.contains(pid));
+    const ApplicationWindowRoles owned = inventory->applications.value(pid);
+    EXPECT_EQ(owned.lists.visible, control.windows(pid, WindowScope::Visible));
+    EXPECT_EQ(owned.lists.includingMinimised, control.windows(pid, WindowScope::IncludingMinimised));
+    EXPECT_EQ(owned.roles.value(entry->id), control.role(entry->id));
+    EXPECT_EQ(owned.roles.value(entry->id), (Reading<WindowRole>{Result::Ok, WindowRole::Window}));
 
     EXPECT_EQ(control.unminimise(entry->id), Result::Ok);
     EXPECT_EQ(control.minimised(entry->id).value, false);

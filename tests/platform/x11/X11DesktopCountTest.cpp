@@ -3,9 +3,11 @@
 // window names; with more than one it does, also for windows read while there was one.
 #include <xcb/xcb.h>
 
+#include <algorithm>
 #include <cstdlib>
 
 #include "platform/Platform.h"
+#include "platform/WindowControl.h"
 #include "platform/x11/X11Connection.h"
 #include "platform/x11/X11WindowCache.h"
 #include "platform/x11/XcbReply.h"
@@ -55,6 +57,15 @@ protected:
         std::free(xcb_get_input_focus_reply(c, cookie, nullptr));
         return cookie.sequence + 1;
     }
+    // How many windows the window manager lists.
+    quint32 managedWindowCount() {
+        const XcbReply<xcb_get_property_reply_t> reply(xcb_get_property_reply(
+            xcb(),
+            xcb_get_property(xcb(), 0, platform->connection().root(),
+                             platform->connection().atom("_NET_CLIENT_LIST_STACKING"), XCB_ATOM_WINDOW, 0, 1u << 16),
+            nullptr));
+        return reply ? static_cast<quint32>(xcb_get_property_value_length(reply.get()) / 4) : 0u;
+    }
     // Requests of a read of the window list with nothing known of any window.
     quint32 coldRequests() {
         cache->clear();
@@ -83,6 +94,36 @@ TEST_F(X11DesktopCountTest, SingleDesktopListsEveryWindowOnScreenWithoutReadingI
     for (quint32 window : windows) {
         EXPECT_TRUE(isOnScreen(window)) << window;
     }
+}
+
+TEST_F(X11DesktopCountTest, SingleDesktopWindowControlListsEveryWindowWithoutReadingItsDesktop) {
+    ASSERT_TRUE(setDesktopCount(2));
+    const QList<quint32> windows = client.openMany(QStringLiteral("w"), 10, placement(0, 100, 100, 300, 200));
+    ASSERT_EQ(windows.size(), 10);
+    QList<WindowId> expected(windows.cbegin(), windows.cend());
+    std::sort(expected.begin(), expected.end());
+    const auto pid = static_cast<pid_t>(client.pid());
+    // Requests of the window control's lists of our application with nothing known of any window.
+    auto coldRequests = [&] {
+        cache->clear();
+        const quint32 before = nextSequence();
+        const QList<ApplicationWindows> lists = Platform::services().windowControl->windowsOfApplications({pid});
+        const quint32 requests = nextSequence() - before - 1;
+        EXPECT_EQ(lists.size(), 1);
+        QList<WindowId> listed =
+            lists.isEmpty() ? QList<WindowId>{} : lists.first().visible.value.value_or(QList<WindowId>{});
+        std::sort(listed.begin(), listed.end());
+        EXPECT_EQ(listed, expected);
+        return requests;
+    };
+    coldRequests();  // every window watched once, so that only reads are counted below
+    const quint32 withTwo = coldRequests();
+    ASSERT_TRUE(setDesktopCount(1));
+    const quint32 withOne = coldRequests();
+    // One _NET_WM_DESKTOP read less per managed window (ours and any other); nothing else changes.
+    const quint32 managed = managedWindowCount();
+    EXPECT_GE(managed, 10u);
+    EXPECT_EQ(withTwo - withOne, managed) << withTwo << " against " << withOne;
 }
 
 TEST_F(X11DesktopCountTest, DesktopsAddedOrRemovedAfterAReadShowInTheNextRead) {

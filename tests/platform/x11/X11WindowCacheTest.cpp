@@ -6,6 +6,7 @@
 #include <QThreadPool>
 #include <cstdlib>
 #include <cstring>
+#include <functional>
 
 #include "platform/Platform.h"
 #include "platform/WindowControl.h"
@@ -127,6 +128,31 @@ TEST_F(X11WindowCacheTest, ColdReadAsksNothingOfFramesAndNoTitlesWhenLeftOut) {
     EXPECT_EQ(coldRequests(true) - titledBefore, 10u * 7);
 }
 
+TEST_F(X11WindowCacheTest, InventoryAsksNothingMoreThanTheListForWhatTheOwnersHave) {
+    WindowList& windowList = *Platform::services().windowList;
+    const QList<quint32> windows = client.openMany(QStringLiteral("owned"), 10, placement(0, 100, 100, 300, 200));
+    ASSERT_EQ(windows.size(), 10);
+    list();
+    auto coldRequests = [&](const std::function<void()>& read) {
+        cache->clear();
+        const quint32 before = nextSequence();
+        read();
+        return nextSequence() - before - 1;
+    };
+    const quint32 listOnly =
+        coldRequests([&] { EXPECT_TRUE(windowList.windowsWithoutTitles(DesktopWindows::Exclude).has_value()); });
+    std::optional<WindowInventory> inventory;
+    const quint32 withOwners = coldRequests([&] { inventory = windowList.inventory(DesktopWindows::Exclude); });
+    ASSERT_TRUE(inventory.has_value());
+    EXPECT_EQ(withOwners, listOnly);
+    const ApplicationWindowRoles owned = inventory->applications.value(static_cast<pid_t>(client.pid()));
+    ASSERT_EQ(owned.lists.includingMinimised.result, Result::Ok);
+    for (quint32 window : windows) {
+        EXPECT_TRUE(owned.lists.includingMinimised.value->contains(window)) << window;
+        EXPECT_EQ(owned.roles.value(window), (Reading<WindowRole>{Result::Ok, WindowRole::Window})) << window;
+    }
+}
+
 TEST_F(X11WindowCacheTest, TitleReadAfterAListWithoutTitlesIsTheCurrentOne) {
     const quint32 window = client.open(QStringLiteral("before"), placement(0, 100, 100, 300, 200));
     ASSERT_NE(window, 0u);
@@ -240,7 +266,8 @@ TEST_F(X11WindowCacheTest, KnownWindowDestroyedBetweenListAndReadsIsLeftOut) {
     X11WindowDesktopEntries entries;
     X11WindowList windowList(platform->connection(), entries, cache);
     windowList.windows(DesktopWindows::Include);
-    ASSERT_TRUE(cache->lookup(doomed).fields != 0);
+    X11WindowFacts known;
+    ASSERT_NE(cache->lookup(doomed, X11WindowFacts::kAllFields, known), 0u);
     windowList.setAfterListingHookForTesting([&] {
         ASSERT_TRUE(client.close(QStringLiteral("doomed")));
         sync();
@@ -279,13 +306,15 @@ TEST_F(X11WindowCacheTest, FactsReadWhileNewsOfTheirWindowArrivesAreNotKept) {
     cache->forget(window);  // the news of a change comes in while the read is under way
     cache->store(facts, X11WindowFacts::Title, mark);
     cache->endRead(mark);
-    EXPECT_EQ(cache->lookup(window).fields, 0u);
+    X11WindowFacts known;
+    EXPECT_EQ(cache->lookup(window, X11WindowFacts::kAllFields, known), 0u);
+    EXPECT_TRUE(known.title.isEmpty());
 
     const quint64 laterMark = cache->beginRead();
     cache->store(facts, X11WindowFacts::Title, laterMark);
     cache->endRead(laterMark);
-    EXPECT_EQ(cache->lookup(window).fields, unsigned(X11WindowFacts::Title));
-    EXPECT_EQ(cache->lookup(window).facts.title, facts.title);
+    EXPECT_EQ(cache->lookup(window, X11WindowFacts::kAllFields, known), unsigned(X11WindowFacts::Title));
+    EXPECT_EQ(known.title, facts.title);
 }
 
 TEST_F(X11WindowCacheTest, MoveThroughTheWindowControlShowsInTheReadBack) {

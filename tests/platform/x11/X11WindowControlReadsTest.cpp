@@ -6,8 +6,9 @@
 
 #include "platform/Platform.h"
 #include "platform/WindowControl.h"
-#include "tests/support/VirtualDesktop.h"
+#include "platform/WindowList.h"
 #include "tests/platform/x11/X11DesktopFixture.h"
+#include "tests/support/VirtualDesktop.h"
 
 namespace {
 
@@ -87,6 +88,48 @@ TEST_F(X11WindowControlReadsTest, RolesFollowWindowTypes) {
     EXPECT_EQ(role(transient), WindowRole::Dialog);
     EXPECT_EQ(role(dock), WindowRole::Other);
     EXPECT_EQ(role(splash), WindowRole::Other);
+}
+
+TEST_F(X11WindowControlReadsTest, InventoryAnswersForTheOwnersLikeTheWindowControl) {
+    const QString at = placement(1, 100, 100, 300, 200);
+    const quint32 normal = client.open(QStringLiteral("normal"), at);
+    const quint32 dialog = client.open(QStringLiteral("dialog"), at + QStringLiteral(" type=dialog"));
+    const quint32 modal =
+        client.open(QStringLiteral("modal"), at + QStringLiteral(" states=modal transient-for=normal"));
+    const quint32 transient =
+        client.open(QStringLiteral("transient"), at + QStringLiteral(" transient-for=normal type=none"));
+    const quint32 splash = client.open(QStringLiteral("splash"), at + QStringLiteral(" type=splash"));
+    const quint32 iconic = client.open(QStringLiteral("iconic"), at + QStringLiteral(" states=minimized"));
+    ASSERT_TRUE(normal && dialog && modal && transient && splash && iconic);
+
+    const std::optional<WindowInventory> inventory =
+        Platform::services().windowList->inventory(DesktopWindows::Exclude);
+    ASSERT_TRUE(inventory.has_value());
+    for (const WindowEntry& entry : inventory->windows) {
+        if (entry.pid) {
+            EXPECT_TRUE(inventory->applications.contains(*entry.pid)) << *entry.pid;
+        }
+    }
+    ASSERT_TRUE(inventory->applications.contains(app()));
+    const ApplicationWindowRoles owned = inventory->applications.value(app());
+    const ApplicationWindows asked = control().windowsOfApplications({app()}).value(0);
+    // The window manager may still restack the new windows between the two reads, so the order is not
+    // compared; both lists come front to back from the same code.
+    EXPECT_EQ(owned.lists.visible.result, asked.visible.result);
+    EXPECT_EQ(owned.lists.includingMinimised.result, asked.includingMinimised.result);
+    EXPECT_EQ(sorted(owned.lists.visible.value.value_or(QList<WindowId>{})),
+              sorted(asked.visible.value.value_or(QList<WindowId>{})));
+    EXPECT_EQ(sorted(owned.lists.includingMinimised.value.value_or(QList<WindowId>{})),
+              sorted(asked.includingMinimised.value.value_or(QList<WindowId>{})));
+    const QList<WindowId> all = sorted(owned.lists.includingMinimised.value.value_or(QList<WindowId>{}));
+    EXPECT_EQ(all, sorted({normal, dialog, modal, transient, splash, iconic}));
+    EXPECT_EQ(owned.roles.size(), all.size());
+    for (WindowId window : all) {
+        EXPECT_EQ(owned.roles.value(window), control().role(window)) << window;
+    }
+    // A modal window's role depends on WM_TRANSIENT_FOR, which the list itself does not read for it.
+    EXPECT_EQ(owned.roles.value(modal), (Reading<WindowRole>{Result::Ok, WindowRole::Dialog}));
+    EXPECT_EQ(owned.roles.value(splash), (Reading<WindowRole>{Result::Ok, WindowRole::Other}));
 }
 
 TEST_F(X11WindowControlReadsTest, FrameAndStateMatchTheWindowList) {
