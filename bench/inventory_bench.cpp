@@ -2,14 +2,17 @@
 // Window-list inventory on a desktop with 50, 200 and 500 managed windows: our window server, the
 // core's qualifying-window inventory on top of it, `wmctrl -lpG` as a whole process, and a minimal
 // pipelined listing (client list, pid, geometry) as the floor. Run on a virtual desktop.
+#include <sys/socket.h>
 #include <xcb/res.h>
 #include <xcb/xcb.h>
+
+#include <QFile>
+#include <ctime>
 
 #include <QCoreApplication>
 #include <QProcess>
 #include <cmath>
 #include <cstdlib>
-#include <iterator>
 #include <set>
 
 #include "app/displays/ScreenSnapshotService.h"
@@ -63,6 +66,17 @@ int sameReadsListing(X11Connection& connection) {
     xcb_get_property_reply_t* check = xcb_get_property_reply(
         c, xcb_get_property(c, 0, root, connection.atom("_NET_SUPPORTING_WM_CHECK"), XCB_ATOM_WINDOW, 0, 1), nullptr);
     xcb_query_tree_reply_t* tree = xcb_query_tree_reply(c, xcb_query_tree(c, root), nullptr);
+    // Opacity shows only while a compositing manager runs.
+    xcb_get_selection_owner_reply_t* compositor =
+        xcb_get_selection_owner_reply(c, xcb_get_selection_owner(c, connection.atom("_NET_WM_CM_S0")), nullptr);
+    const bool composited = compositor != nullptr && compositor->owner != XCB_NONE;
+    std::free(compositor);
+    // Which desktop a window is on matters only with more than one.
+    xcb_get_property_reply_t* desktops = xcb_get_property_reply(
+        c, xcb_get_property(c, 0, root, connection.atom("_NET_NUMBER_OF_DESKTOPS"), XCB_ATOM_CARDINAL, 0, 1), nullptr);
+    const bool oneDesktop = desktops != nullptr && xcb_get_property_value_length(desktops) == 4 &&
+                            *static_cast<const uint32_t*>(xcb_get_property_value(desktops)) == 1;
+    std::free(desktops);
     if (list == nullptr || tree == nullptr) {
         std::free(list);
         std::free(check);
@@ -83,25 +97,31 @@ int sameReadsListing(X11Connection& connection) {
         xcb_atom_t type;
         uint32_t length;
     };
-    const Property kinds[] = {{connection.atom("_NET_FRAME_EXTENTS"), XCB_ATOM_CARDINAL, 4},
-                              {connection.atom("_NET_WM_WINDOW_TYPE"), XCB_ATOM_ATOM, 32},
-                              {connection.atom("_NET_WM_STATE"), XCB_ATOM_ATOM, 32},
-                              {connection.atom("_NET_WM_DESKTOP"), XCB_ATOM_CARDINAL, 1},
-                              {connection.atom("_NET_WM_WINDOW_OPACITY"), XCB_ATOM_CARDINAL, 1}};
+    std::vector<Property> kinds = {{connection.atom("_NET_FRAME_EXTENTS"), XCB_ATOM_CARDINAL, 4},
+                                   {connection.atom("_NET_WM_WINDOW_TYPE"), XCB_ATOM_ATOM, 32},
+                                   {connection.atom("_NET_WM_STATE"), XCB_ATOM_ATOM, 32}};
+    if (!oneDesktop) {
+        kinds.push_back({connection.atom("_NET_WM_DESKTOP"), XCB_ATOM_CARDINAL, 1});
+    }
+    if (composited) {
+        kinds.push_back({connection.atom("_NET_WM_WINDOW_OPACITY"), XCB_ATOM_CARDINAL, 1});
+    }
     // The replies are taken in the order the requests went out, as the window list takes them.
+    constexpr size_t kMostProperties = 5;
     struct Cookies {
         xcb_get_geometry_cookie_t geometry;
         xcb_translate_coordinates_cookie_t position;
-        xcb_get_property_cookie_t properties[std::size(kinds)];
+        xcb_get_property_cookie_t properties[kMostProperties];
     };
     std::vector<Cookies> cookies(count);
     std::vector<xcb_get_window_attributes_cookie_t> attributes;
     std::vector<xcb_res_client_id_spec_t> clients;
     std::set<uint32_t> clientBases;
+    const size_t propertyCount = kinds.size();
     for (int i = 0; i < count; ++i) {
         cookies[i].geometry = xcb_get_geometry(c, windows[i]);
         cookies[i].position = xcb_translate_coordinates(c, windows[i], root, 0, 0);
-        for (size_t p = 0; p < std::size(kinds); ++p) {
+        for (size_t p = 0; p < propertyCount; ++p) {
             cookies[i].properties[p] =
                 xcb_get_property(c, 0, windows[i], kinds[p].atom, kinds[p].type, 0, kinds[p].length);
         }
@@ -120,8 +140,8 @@ int sameReadsListing(X11Connection& connection) {
     for (const Cookies& window : cookies) {
         std::free(xcb_get_geometry_reply(c, window.geometry, nullptr));
         std::free(xcb_translate_coordinates_reply(c, window.position, nullptr));
-        for (const xcb_get_property_cookie_t cookie : window.properties) {
-            std::free(xcb_get_property_reply(c, cookie, nullptr));
+        for (size_t p = 0; p < propertyCount; ++p) {
+            std::free(xcb_get_property_reply(c, window.properties[p], nullptr));
         }
     }
     for (const xcb_get_window_attributes_cookie_t cookie : attributes) {
@@ -132,6 +152,46 @@ int sameReadsListing(X11Connection& connection) {
     std::free(list);
     return count;
 }
+
+// CPU time of this thread and of the X server's main thread, in nanoseconds: what a read costs on each
+// side, which the load of a shared machine changes less than the time it takes.
+class CpuClock {
+public:
+    struct Times {
+        double client = 0;
+        double server = 0;
+    };
+    explicit CpuClock(int connectionFd) {
+        ucred peer{};
+        socklen_t length = sizeof peer;
+        if (getsockopt(connectionFd, SOL_SOCKET, SO_PEERCRED, &peer, &length) == 0) {
+            m_server = peer.pid;
+        }
+    }
+    // Adds what the action cost on each side to the sums.
+    void add(Times& sums, const std::function<void()>& action) const {
+        const Times before = now();
+        action();
+        const Times after = now();
+        sums.client += after.client - before.client;
+        sums.server += after.server - before.server;
+    }
+
+private:
+    Times now() const {
+        timespec thread{};
+        clock_gettime(CLOCK_THREAD_CPUTIME_ID, &thread);
+        Times times;
+        times.client = static_cast<double>(thread.tv_sec) * 1e9 + static_cast<double>(thread.tv_nsec);
+        // The first field of schedstat: time spent on a CPU.
+        QFile schedstat(QStringLiteral("/proc/%1/schedstat").arg(m_server));
+        if (m_server > 0 && schedstat.open(QIODevice::ReadOnly)) {
+            times.server = schedstat.readAll().split(' ').value(0).toDouble();
+        }
+        return times;
+    }
+    pid_t m_server = 0;
+};
 
 void runProcess(const QString& program, const QStringList& arguments) {
     QProcess process;
@@ -200,17 +260,29 @@ int main(int argc, char** argv) {
             std::vector<double> sameReads;
             std::vector<double> qualifying;
             std::vector<double> minimal;
-            for (int i = 0; i < 30; ++i) {
-                list.push_back(BenchTable::measure(1, [cache, &windowList] {
-                                   cache->clear();
-                                   windowList.windowsWithoutTitles(DesktopWindows::Exclude);
-                               }).median);
+            const CpuClock cpu(xcb_get_file_descriptor(platform->connection().xcb()));
+            CpuClock::Times listCpu;
+            CpuClock::Times sameReadsCpu;
+            CpuClock::Times minimalCpu;
+            constexpr int kRounds = 30;
+            for (int i = 0; i < kRounds; ++i) {
+                cpu.add(listCpu, [&] {
+                    list.push_back(BenchTable::measure(1, [cache, &windowList] {
+                                       cache->clear();
+                                       windowList.windowsWithoutTitles(DesktopWindows::Exclude);
+                                   }).median);
+                });
                 titledList.push_back(BenchTable::measure(1, [cache, &windowList] {
                                          cache->clear();
                                          windowList.windows(DesktopWindows::Exclude);
                                      }).median);
-                minimal.push_back(BenchTable::measure(1, [&] { minimalListing(platform->connection()); }).median);
-                sameReads.push_back(BenchTable::measure(1, [&] { sameReadsListing(platform->connection()); }).median);
+                cpu.add(minimalCpu, [&] {
+                    minimal.push_back(BenchTable::measure(1, [&] { minimalListing(platform->connection()); }).median);
+                });
+                cpu.add(sameReadsCpu, [&] {
+                    sameReads.push_back(
+                        BenchTable::measure(1, [&] { sameReadsListing(platform->connection()); }).median);
+                });
                 qualifying.push_back(BenchTable::measure(1, [cache] {
                                          cache->clear();
                                          ScreenSnapshotService::qualifyingWindows();
@@ -244,6 +316,17 @@ int main(int argc, char** argv) {
             std::printf("%-58s %10.2f\n",
                         qPrintable(QStringLiteral("%1 windows: cold qualifying / floor, least of each").arg(total)),
                         BenchTable::summarize(qualifying).minimum / leastFloor);
+            // CPU per read on each side, averaged: the cold list (its own thread only), the same reads in
+            // one stage, and the floor.
+            for (const auto& [name, times] :
+                 {std::pair{"cold list", listCpu}, std::pair{"its reads in one stage", sameReadsCpu},
+                  std::pair{"floor", minimalCpu}}) {
+                std::printf("%-58s %10.3f %10.3f\n",
+                            qPrintable(QStringLiteral("%1 windows: CPU ms of %2, ours and server's")
+                                           .arg(total)
+                                           .arg(QLatin1String(name))),
+                            times.client / kRounds / 1e6, times.server / kRounds / 1e6);
+            }
             coldList = BenchTable::summarize(list).median;
             coldTitledList = BenchTable::summarize(titledList).median;
             coldQualifying = BenchTable::summarize(qualifying).median;

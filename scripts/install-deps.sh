@@ -30,6 +30,7 @@ PACKAGES=(
   at-spi2-core python3-gi gir1.2-atspi-2.0
   # Qt's own texts (the command line's "Usage:", standard buttons) in the user's language
   qt6-translations-l10n
+  xcompmgr  # a compositing manager, for the tests of window opacity (it shows only while one runs)
 )
 
 missing=()

@@ -37,3 +37,17 @@ SingleInstance::Claim SingleInstance::claim() {
     }
     return Claim::Primary;
 }
+
+SingleInstance::~SingleInstance() {
+    release();
+}
+
+void SingleInstance::release() {
+    // Left to the end of the process, the name would be dropped by the bus some time after the lock file is
+    // gone, and a new instance that took the lock in between would be refused the name.
+    if (m_ownsBusName) {
+        QDBusConnection::sessionBus().interface()->unregisterService(LatticaBusService::serviceName);
+        m_ownsBusName = false;
+    }
+    m_lock.reset();
+}

@@ -13,6 +13,12 @@ class SingleInstance {
 public:
     enum class Claim { Primary, AnotherIsRunning };
 
+    SingleInstance() = default;
+    // Lets go of what claim() took.
+    ~SingleInstance();
+    SingleInstance(const SingleInstance&) = delete;
+    SingleInstance& operator=(const SingleInstance&) = delete;
+
     // The lock file's place: lattica.lock in the runtime folder.
     static QString lockPath();
 
@@ -20,6 +26,9 @@ public:
     Claim claim();
     // Whether this instance owns the bus name.
     bool ownsBusName() const { return m_ownsBusName; }
+    // Gives up the bus name, waiting until the bus has taken it back, and then the lock: a Lattica started
+    // as soon as the lock is free finds the name free as well.
+    void release();
 
 private:
     std::unique_ptr<QLockFile> m_lock;

@@ -46,6 +46,17 @@ X11WindowCache::Known X11WindowCache::lookup(xcb_window_t window) const {
     return m_known.value(window);
 }
 
+unsigned X11WindowCache::lookup(xcb_window_t window, unsigned fields, X11WindowFacts& facts) const {
+    QMutexLocker lock(&m_mutex);
+    const auto found = m_known.constFind(window);
+    if (found == m_known.constEnd()) {
+        return 0;
+    }
+    const unsigned known = found->fields & fields;
+    facts.copyFields(found->facts, known);
+    return known;
+}
+
 void X11WindowCache::watch(xcb_window_t window) {
     {
         QMutexLocker lock(&m_mutex);

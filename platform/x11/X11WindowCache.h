@@ -50,6 +50,8 @@ public:
 
     // Nothing when the window was never read or has changed since.
     Known lookup(xcb_window_t window) const;
+    // Copies into facts what is known of the given fields of a window; returns the fields it knew.
+    unsigned lookup(xcb_window_t window, unsigned fields, X11WindowFacts& facts) const;
     // Asks the server for news of a window; sent before its first read, and again only once the window
     // has ended (its number may then be given to a new window).
     void watch(xcb_window_t window);

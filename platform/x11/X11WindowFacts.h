@@ -74,8 +74,12 @@ struct X11RootFacts {
     QList<xcb_window_t> rootChildren;        // bottom to top
     xcb_window_t activeWindow = XCB_NONE;
     std::optional<quint32> currentDesktop;
-    QPoint globalOriginInRoot;  // the primary monitor's top-left corner
+    std::optional<quint32> desktopCount;  // _NET_NUMBER_OF_DESKTOPS
+    QPoint globalOriginInRoot;            // the primary monitor's top-left corner
     // The window the window manager names as its own (_NET_SUPPORTING_WM_CHECK), not yet checked to name
     // itself back.
     xcb_window_t windowManagerCheck = XCB_NONE;
+    // A compositing manager owns _NET_WM_CM_S<screen>. Only then does a window's opacity show: without
+    // one the server draws every window fully.
+    bool compositingManager = false;
 };

@@ -23,8 +23,10 @@ class X11WindowReader;
 // waits on the shared connection's events.
 class X11WindowPlacer {
 public:
-    // The longest a write waits for the window manager before giving up.
-    static constexpr int kConfirmationMilliseconds = 100;
+    // The longest a write waits for the window manager before giving up. A window manager that has to
+    // wait for a busy machine's processor answers a move a few hundred milliseconds late and still makes it;
+    // giving up sooner would report as not done a move the user then sees happen.
+    static constexpr int kConfirmationMilliseconds = 1000;
 
     X11WindowPlacer(X11Connection& connection, X11WindowReader& reader, const X11WindowKinds& kinds);
     X11WindowPlacer(const X11WindowPlacer&) = delete;

@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <memory>
+#include <span>
 
 #include <QSet>
 
@@ -37,18 +38,18 @@ XcbReply<xcb_get_property_reply_t> takeProperty(xcb_connection_t* xcb, xcb_get_p
     return take<xcb_get_property_reply_t>(xcb, cookie, xcb_get_property_reply, gone);
 }
 
-QList<uint32_t> cardinals(const xcb_get_property_reply_t* reply) {
+// The 32-bit values of a property, inside the reply (which has to outlive them).
+std::span<const uint32_t> cardinals(const xcb_get_property_reply_t* reply) {
     if (reply == nullptr || reply->format != 32) {
         return {};
     }
     const auto* data = static_cast<const uint32_t*>(xcb_get_property_value(reply));
-    const int count = xcb_get_property_value_length(reply) / 4;
-    return QList<uint32_t>(data, data + count);
+    return {data, static_cast<size_t>(xcb_get_property_value_length(reply) / 4)};
 }
 
 std::optional<uint32_t> firstCardinal(const xcb_get_property_reply_t* reply) {
-    const QList<uint32_t> values = cardinals(reply);
-    return values.isEmpty() ? std::nullopt : std::optional<uint32_t>(values.first());
+    const std::span<const uint32_t> values = cardinals(reply);
+    return values.empty() ? std::nullopt : std::optional<uint32_t>(values.front());
 }
 
 QByteArray bytes(const xcb_get_property_reply_t* reply) {
@@ -65,12 +66,21 @@ X11WindowReader::X11WindowReader(X11Connection& connection, X11WindowCache* cach
     m_connection.internAtoms({"_NET_CLIENT_LIST_STACKING", "_NET_ACTIVE_WINDOW", "_NET_CURRENT_DESKTOP",
                               "_NET_FRAME_EXTENTS", "_NET_WM_WINDOW_TYPE", "_NET_WM_STATE", "_NET_WM_DESKTOP",
                               "_NET_WM_PID", "_NET_WM_WINDOW_OPACITY", "_NET_WM_NAME", "UTF8_STRING",
-                              "_NET_SUPPORTING_WM_CHECK"});
+                              "_NET_SUPPORTING_WM_CHECK", "_NET_NUMBER_OF_DESKTOPS"});
     m_atoms = {m_connection.atom("_NET_FRAME_EXTENTS"), m_connection.atom("_NET_WM_WINDOW_TYPE"),
                m_connection.atom("_NET_WM_STATE"),      m_connection.atom("_NET_WM_DESKTOP"),
                m_connection.atom("_NET_WM_PID"),        m_connection.atom("_NET_WM_WINDOW_OPACITY"),
                m_connection.atom("_NET_WM_NAME")};
     xcb_connection_t* xcb = m_connection.xcb();
+    // The compositing manager's selection is named after the screen the root window belongs to.
+    int screenNumber = 0;
+    for (auto it = xcb_setup_roots_iterator(xcb_get_setup(xcb)); it.rem > 0 && it.data->root != m_connection.root();
+         xcb_screen_next(&it)) {
+        ++screenNumber;
+    }
+    const QByteArray selection = "_NET_WM_CM_S" + QByteArray::number(screenNumber);
+    m_connection.internAtoms({selection.constData()});
+    m_compositingSelection = m_connection.atom(selection.constData());
     const xcb_query_extension_reply_t* resource = xcb_get_extension_data(xcb, &xcb_res_id);
     if (resource != nullptr && resource->present) {
         XcbReply<xcb_res_query_version_reply_t> version(
@@ -96,8 +106,9 @@ X11RootFacts X11WindowReader::readRoot(unsigned fields) {
     auto property = [&](const char* name, xcb_atom_t type, uint32_t length) {
         return xcb_get_property(xcb, 0, root, m_connection.atom(name), type, 0, length);
     };
-    xcb_get_property_cookie_t clientList{}, active{}, desktop{}, check{};
+    xcb_get_property_cookie_t clientList{}, active{}, desktop{}, desktopCount{}, check{};
     xcb_query_tree_cookie_t tree{};
+    xcb_get_selection_owner_cookie_t compositor{};
     xcb_randr_get_monitors_cookie_t monitors{};
     if (fields & ClientList) {
         clientList = property("_NET_CLIENT_LIST_STACKING", XCB_ATOM_WINDOW, kLongListLength);
@@ -108,11 +119,17 @@ X11RootFacts X11WindowReader::readRoot(unsigned fields) {
     if (fields & CurrentDesktop) {
         desktop = property("_NET_CURRENT_DESKTOP", XCB_ATOM_CARDINAL, 1);
     }
+    if (fields & DesktopCount) {
+        desktopCount = property("_NET_NUMBER_OF_DESKTOPS", XCB_ATOM_CARDINAL, 1);
+    }
     if (fields & WindowManagerCheck) {
         check = property("_NET_SUPPORTING_WM_CHECK", XCB_ATOM_WINDOW, 1);
     }
     if (fields & Children) {
         tree = xcb_query_tree(xcb, root);
+    }
+    if (fields & CompositingManager) {
+        compositor = xcb_get_selection_owner(xcb, m_compositingSelection);
     }
     bool wantOrigin = (fields & GlobalOrigin) && m_hasRandr;
     if (wantOrigin) {
@@ -130,15 +147,17 @@ X11RootFacts X11WindowReader::readRoot(unsigned fields) {
     if (fields & ClientList) {
         const auto reply = takeProperty(xcb, clientList, &unused);
         facts.hasClientList = reply && reply->type != XCB_ATOM_NONE;
-        for (uint32_t window : cardinals(reply.get())) {
-            facts.clientListStacking.append(window);
-        }
+        const std::span<const uint32_t> windows = cardinals(reply.get());
+        facts.clientListStacking = QList<xcb_window_t>(windows.begin(), windows.end());
     }
     if (fields & ActiveWindow) {
         facts.activeWindow = firstCardinal(takeProperty(xcb, active, &unused).get()).value_or(XCB_NONE);
     }
     if (fields & CurrentDesktop) {
         facts.currentDesktop = firstCardinal(takeProperty(xcb, desktop, &unused).get());
+    }
+    if (fields & DesktopCount) {
+        facts.desktopCount = firstCardinal(takeProperty(xcb, desktopCount, &unused).get());
     }
     if (fields & WindowManagerCheck) {
         facts.windowManagerCheck = firstCardinal(takeProperty(xcb, check, &unused).get()).value_or(XCB_NONE);
@@ -149,6 +168,11 @@ X11RootFacts X11WindowReader::readRoot(unsigned fields) {
             const xcb_window_t* children = xcb_query_tree_children(reply.get());
             facts.rootChildren = QList<xcb_window_t>(children, children + xcb_query_tree_children_length(reply.get()));
         }
+    }
+    if (fields & CompositingManager) {
+        const auto reply =
+            take<xcb_get_selection_owner_reply_t>(xcb, compositor, xcb_get_selection_owner_reply, &unused);
+        facts.compositingManager = reply && reply->owner != XCB_NONE;
     }
     if (wantOrigin) {
         const auto reply = take<xcb_randr_get_monitors_reply_t>(xcb, monitors, xcb_randr_get_monitors_reply, &unused);
@@ -275,10 +299,10 @@ X11WindowReader::ClientPids X11WindowReader::collectOwners(const PendingOwners& 
     return pids;
 }
 
-X11WindowFacts X11WindowReader::collectFields(const PendingWindow& entry, const PendingOwners& owners,
+X11WindowFacts X11WindowReader::collectFields(PendingWindow& entry, const PendingOwners& owners,
                                               const ClientPids& clientPids, X11DisplayClients& displayClients) {
     xcb_connection_t* xcb = m_connection.xcb();
-    X11WindowFacts facts;
+    X11WindowFacts facts = std::move(entry.facts);
     facts.window = entry.request.window;
     const unsigned f = entry.sentFields;
     bool gone = false;
@@ -296,7 +320,8 @@ X11WindowFacts X11WindowReader::collectFields(const PendingWindow& entry, const 
         const auto geometry = take<xcb_get_geometry_reply_t>(xcb, entry.geometry, xcb_get_geometry_reply, &gone);
         const auto position =
             take<xcb_translate_coordinates_reply_t>(xcb, entry.position, xcb_translate_coordinates_reply, &gone);
-        const QList<uint32_t> extents = cardinals(takeProperty(xcb, entry.extents, &gone).get());
+        const auto extentsReply = takeProperty(xcb, entry.extents, &gone);
+        const std::span<const uint32_t> extents = cardinals(extentsReply.get());
         if (geometry && position) {
             facts.clientRect = QRect(position->dst_x, position->dst_y, geometry->width, geometry->height);
             facts.borderWidth = geometry->border_width;
@@ -307,17 +332,17 @@ X11WindowFacts X11WindowReader::collectFields(const PendingWindow& entry, const 
         }
     }
     if (f & X11WindowFacts::Type) {
-        for (uint32_t atom : cardinals(takeProperty(xcb, entry.type, &gone).get())) {
-            facts.types.append(atom);
-        }
+        const auto reply = takeProperty(xcb, entry.type, &gone);
+        const std::span<const uint32_t> atoms = cardinals(reply.get());
+        facts.types = QList<xcb_atom_t>(atoms.begin(), atoms.end());
     }
     if (f & X11WindowFacts::Transient) {
         facts.transientFor = firstCardinal(takeProperty(xcb, entry.transient, &gone).get()).value_or(XCB_NONE);
     }
     if (f & X11WindowFacts::State) {
-        for (uint32_t atom : cardinals(takeProperty(xcb, entry.state, &gone).get())) {
-            facts.states.append(atom);
-        }
+        const auto reply = takeProperty(xcb, entry.state, &gone);
+        const std::span<const uint32_t> atoms = cardinals(reply.get());
+        facts.states = QList<xcb_atom_t>(atoms.begin(), atoms.end());
     }
     if (f & X11WindowFacts::Desktop) {
         facts.desktop = firstCardinal(takeProperty(xcb, entry.desktop, &gone).get());
@@ -362,7 +387,8 @@ X11WindowFacts X11WindowReader::collectFields(const PendingWindow& entry, const 
         }
     }
     if (f & X11WindowFacts::SizeHints) {
-        const QList<uint32_t> hints = cardinals(takeProperty(xcb, entry.hints, &gone).get());
+        const auto hintsReply = takeProperty(xcb, entry.hints, &gone);
+        const std::span<const uint32_t> hints = cardinals(hintsReply.get());
         constexpr uint32_t kMinimumSize = 1u << 4;
         constexpr uint32_t kMaximumSize = 1u << 5;
         if (hints.size() >= 9) {
@@ -388,20 +414,19 @@ X11WindowReader::PendingWindows X11WindowReader::sendWindowRequests(const QList<
     }
     pending.windows.reserve(requests.size());
     for (const Request& request : requests) {
-        PendingWindow entry;
+        PendingWindow& entry = pending.windows.emplace_back();
         entry.request = request;
         if (m_cache != nullptr) {
-            entry.known = m_cache->lookup(request.window);
-            pending.usesCache = pending.usesCache || (entry.known.fields & request.fields) != 0;
+            entry.knownFields = m_cache->lookup(request.window, request.fields, entry.facts);
+            pending.usesCache = pending.usesCache || entry.knownFields != 0;
         }
-        entry.sentFields = request.fields & ~entry.known.fields;
+        entry.sentFields = request.fields & ~entry.knownFields;
         // Watched before its first read from the server, and again once it has ended: a window number can
         // be given to a new window then, and the new one has to be watched too.
         if (m_cache != nullptr && entry.sentFields != 0) {
             m_cache->watch(request.window);
         }
         sendFields(entry);
-        pending.windows.append(entry);
     }
     pending.owners = sendOwnerRequest(pending.windows);
     // What the cache knew is checked against the news that came in before this point: when the reply
@@ -417,16 +442,13 @@ QList<X11WindowFacts> X11WindowReader::collectWindows(PendingWindows& pending) {
     result.reserve(pending.windows.size());
     X11DisplayClients displayClients(xcb_get_file_descriptor(m_connection.xcb()));
     const ClientPids clientPids = collectOwners(pending.owners);
-    for (const PendingWindow& entry : pending.windows) {
+    for (PendingWindow& entry : pending.windows) {
+        // Only the fields asked for come from the cache: it may know others, read under other conditions.
         X11WindowFacts facts = collectFields(entry, pending.owners, clientPids, displayClients);
         if (m_cache != nullptr && facts.exists) {
             m_cache->store(facts, entry.sentFields, pending.mark);
-            X11WindowFacts known = entry.known.facts;
-            known.window = facts.window;
-            known.copyFields(facts, entry.sentFields);
-            facts = known;
         }
-        result.append(facts);
+        result.append(std::move(facts));
     }
     if (pending.usesCache) {
         XcbReply<xcb_get_input_focus_reply_t>(
@@ -445,8 +467,7 @@ void X11WindowReader::rereadChanged(const PendingWindows& pending, QList<X11Wind
     QList<qsizetype> changed;
     for (qsizetype i = 0; i < pending.windows.size(); ++i) {
         const PendingWindow& entry = pending.windows[i];
-        if ((entry.known.fields & entry.request.fields) != 0 && result[i].exists &&
-            m_cache->hasNewsSince(entry.request.window, pending.mark)) {
+        if (entry.knownFields != 0 && result[i].exists && m_cache->hasNewsSince(entry.request.window, pending.mark)) {
             changed.append(i);
         }
     }

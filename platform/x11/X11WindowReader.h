@@ -30,6 +30,8 @@ public:
         CurrentDesktop = 1u << 3,
         GlobalOrigin = 1u << 5,
         WindowManagerCheck = 1u << 6,
+        CompositingManager = 1u << 7,
+        DesktopCount = 1u << 8,
     };
     struct Request {
         xcb_window_t window = XCB_NONE;
@@ -38,8 +40,9 @@ public:
     // The cookies of requests in flight.
     struct PendingWindow {
         Request request;
-        X11WindowCache::Known known;  // what the cache already knew of the window
-        unsigned sentFields = 0;      // what was asked of the server
+        unsigned knownFields = 0;  // the fields asked for that the cache knew
+        unsigned sentFields = 0;   // what was asked of the server
+        X11WindowFacts facts;      // what the cache knew, then what the server answered
         xcb_get_window_attributes_cookie_t attributes{};
         xcb_get_geometry_cookie_t geometry{};
         xcb_translate_coordinates_cookie_t position{};
@@ -88,7 +91,7 @@ private:
     // Asks once for the clients of every window whose owner is wanted; X-Resource answers per client.
     PendingOwners sendOwnerRequest(const QList<PendingWindow>& windows);
     ClientPids collectOwners(const PendingOwners& pending);
-    X11WindowFacts collectFields(const PendingWindow& entry, const PendingOwners& owners, const ClientPids& clientPids,
+    X11WindowFacts collectFields(PendingWindow& entry, const PendingOwners& owners, const ClientPids& clientPids,
                                  X11DisplayClients& displayClients);
     // Reads again every window whose cached facts were used although news of it had come in.
     void rereadChanged(const PendingWindows& pending, QList<X11WindowFacts>& result);
@@ -98,6 +101,7 @@ private:
     struct WindowAtoms {
         xcb_atom_t extents, type, state, desktop, pid, opacity, name;
     } m_atoms{};
+    xcb_atom_t m_compositingSelection = XCB_NONE;  // _NET_WM_CM_S<screen>
     bool m_hasResource = false;
     uint32_t m_resourceIdMask = 0;
     bool m_hasRandr = false;

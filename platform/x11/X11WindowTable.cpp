@@ -35,11 +35,22 @@ void merge(QList<X11WindowFacts>& windows, const QList<X11WindowFacts>& extra) {
 X11WindowTable X11WindowTable::read(X11WindowReader& reader, unsigned managedFields,
                                     const std::function<void()>& afterListing) {
     X11WindowTable table;
-    table.root = reader.readRoot(X11WindowReader::ClientList | X11WindowReader::Children |
-                                 X11WindowReader::ActiveWindow | X11WindowReader::CurrentDesktop |
-                                 X11WindowReader::GlobalOrigin | X11WindowReader::WindowManagerCheck);
+    table.root = reader.readRoot(
+        X11WindowReader::ClientList | X11WindowReader::Children | X11WindowReader::ActiveWindow |
+        X11WindowReader::CurrentDesktop | X11WindowReader::GlobalOrigin | X11WindowReader::WindowManagerCheck |
+        ((managedFields & X11WindowFacts::Opacity) ? X11WindowReader::CompositingManager : 0u) |
+        ((managedFields & X11WindowFacts::Desktop) ? X11WindowReader::DesktopCount : 0u));
     if (!table.root.connected) {
         return table;
+    }
+    // Without a compositing manager every window is drawn fully, whatever its opacity says.
+    if (!table.root.compositingManager) {
+        managedFields &= ~X11WindowFacts::Opacity;
+    }
+    // With a single desktop every window is on it (the window manager keeps windows on desktops that
+    // exist), so which one a window names is not read.
+    if (table.root.desktopCount == 1u) {
+        managedFields &= ~X11WindowFacts::Desktop;
     }
     if (afterListing) {
         afterListing();
@@ -88,13 +99,13 @@ X11WindowTable X11WindowTable::read(X11WindowReader& reader, unsigned managedFie
     QList<X11WindowFacts> managedWindows;
     QList<X11WindowReader::Request> extraRequests;
     QSet<pid_t> classOwners;
+    managedWindows.reserve(managedCount);
     for (qsizetype i = 0; i < managedCount; ++i) {
-        const X11WindowFacts& facts = stage2[i];
-        if (!facts.exists) {
+        if (!stage2[i].exists) {
             continue;
         }
-        managedWindows.append(facts);
-        managedWindows.last().managed = true;
+        X11WindowFacts& facts = managedWindows.emplace_back(std::move(stage2[i]));
+        facts.managed = true;
         unsigned extra = 0;
         if (wantsTransient && facts.types.isEmpty()) {
             extra |= X11WindowFacts::Transient;
@@ -131,6 +142,7 @@ X11WindowTable X11WindowTable::read(X11WindowReader& reader, unsigned managedFie
         facts.mapped = attributes.mapped;
     }
 
-    table.windows = unmanagedWindows + managedWindows;
+    table.windows = std::move(unmanagedWindows);
+    table.windows.append(std::move(managedWindows));
     return table;
 }

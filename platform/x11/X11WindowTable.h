@@ -19,7 +19,8 @@ struct X11WindowTable {
     // Reads the whole desktop in three pipelined stages. managedFields says what to read of each
     // managed window; unmanaged windows get the same fields. The owner (Pid) is always read. WM_CLASS,
     // when asked for, is read for the front-most managed window of each owner (and for every unmanaged
-    // window) only.
+    // window) only. Opacity is read only while a compositing manager runs, the desktop only while there
+    // is more than one.
     static X11WindowTable read(X11WindowReader& reader, unsigned managedFields,
                                const std::function<void()>& afterListing = {});
 };

@@ -47,6 +47,11 @@ protected:
         const Reading<QRectF> frame = m_platform->services().windowControl->frame(window);
         return frame.result == Result::Ok ? frame.value.value_or(QRectF()) : QRectF();
     }
+    // Whether the window has the focus, as the moves read it.
+    bool hasFocus(quint32 window) const {
+        const Reading<WindowId> focused = m_platform->services().windowControl->focusedWindow();
+        return focused.result == Result::Ok && focused.value == WindowId(window);
+    }
     static bool xdotool(const QStringList& arguments) {
         return VirtualDesktop::run(QStringLiteral("xdotool"), arguments) == 0;
     }
@@ -78,8 +83,23 @@ TEST_F(MoveShortcutsDesktopTest, NextMonitorAndSwapShortcutsMoveTheWindows) {
                              Name(MoveShortcuts::swapName(displays.at(0).persistentID, displays.at(1).persistentID)));
 
     const quint32 focused = m_client.open(QStringLiteral("a"), QStringLiteral("x=300 y=200 w=640 h=400 title=Focused"));
-    ASSERT_NE(focused, 0u);
+    // Once, on a busy machine, the window was not reported shown within the time limit: say what the
+    // desktop knew of it then.
+    ASSERT_NE(focused, 0u) << "windows titled Focused: "
+                           << qPrintable(VirtualDesktop::output(QStringLiteral("xwininfo"),
+                                                                {QStringLiteral("-root"), QStringLiteral("-tree")})
+                                             .split(QLatin1Char('\n'))
+                                             .filter(QStringLiteral("Focused"))
+                                             .join(QLatin1Char('\n')))
+                           << "\nmanaged: "
+                           << qPrintable(VirtualDesktop::output(
+                                  QStringLiteral("xprop"),
+                                  {QStringLiteral("-root"), QStringLiteral("_NET_CLIENT_LIST")}));
     ASSERT_TRUE(xdotool({QStringLiteral("windowactivate"), QStringLiteral("--sync"), QString::number(focused)}));
+    // The key's move starts from the focused window: wait until the moves see it focused. xdotool's --sync
+    // is not enough; on a busy machine the key once came while no window had the focus.
+    ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return hasFocus(focused); }, 10000))
+        << "the window manager did not give the window the focus";
     // The window manager places a new window in its own time.
     ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return first.contains(frame(focused).center()); }))
         << "at " << frame(focused).x() << "," << frame(focused).y();

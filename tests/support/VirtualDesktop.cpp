@@ -80,6 +80,15 @@ QProcessEnvironment VirtualDesktop::programEnvironment(const QString& configDire
     return environment;
 }
 
+QProcessEnvironment VirtualDesktop::soleInstanceEnvironment(const QString& configDirectory,
+                                                            const QString& runtimeDirectory) {
+    QProcessEnvironment environment = programEnvironment(configDirectory);
+    environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), runtimeDirectory);
+    // An address of an unknown kind: the program finds no bus and starts none.
+    environment.insert(QStringLiteral("DBUS_SESSION_BUS_ADDRESS"), QStringLiteral("disabled:"));
+    return environment;
+}
+
 QString VirtualDesktop::sourcePath(const QString& relative) {
     return QStringLiteral(LATTICA_SOURCE_DIR "/") + relative;
 }

@@ -27,6 +27,10 @@ bool waitUntil(const std::function<bool()>& predicate, int timeoutMs = 5000);
 // folder of its own, and an update feed on a closed port of this machine, so that the check at launch
 // ends at once without the network.
 QProcessEnvironment programEnvironment(const QString& configDirectory);
+// The same for a program that keeps one instance per session, on an X desktop: a runtime folder of its own
+// (where the lock of the running instance lies) and no session bus, so that tests running at the same
+// time never find each other's instance running.
+QProcessEnvironment soleInstanceEnvironment(const QString& configDirectory, const QString& runtimeDirectory);
 // Path of a file in the source tree.
 QString sourcePath(const QString& relative);
 

@@ -28,6 +28,7 @@
 #include "platform/Monitors.h"
 #include "platform/SettingsStore.h"
 #include "platform/TaskbarPresence.h"
+#include "platform/WindowControl.h"
 #include "platform/WindowList.h"
 #include "platform/x11/X11Connection.h"
 #include "platform/x11/X11Platform.h"
@@ -656,6 +657,15 @@ TEST_F(PanelOnDesktop, DisplayShortcutMovesTheFocusedWindowWhileThePanelIsOpen) 
     ASSERT_EQ(VirtualDesktop::run(QStringLiteral("xdotool"), {QStringLiteral("windowactivate"),
                                                               QStringLiteral("--sync"), QString::number(window)}),
               0);
+    // The shortcut moves the window that had the focus before the panel: wait until the moves see it
+    // focused. xdotool's --sync is not enough; on a busy machine a key once came while no window had it.
+    ASSERT_TRUE(VirtualDesktop::waitUntil(
+        [&] {
+            const Reading<WindowId> focused = Platform::services().windowControl->focusedWindow();
+            return focused.result == Result::Ok && focused.value == WindowId(window);
+        },
+        10000))
+        << "the window manager did not give the window the focus";
     ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return monitorOf(frameOf(window)) == 0; }));
     ASSERT_TRUE(openPanelByClick());
     ASSERT_GE(controller->connectedShortcutDisplays().size(), 2);

@@ -32,18 +32,20 @@ bool isManaged(const QString& window) {
     return list.contains(hex);
 }
 
-// Starts the program with a configuration of its own and no update check over the network.
-void startLattica(QProcess& lattica, const QTemporaryDir& config) {
-    lattica.setProcessEnvironment(VirtualDesktop::programEnvironment(config.path()));
+// Starts the program with a configuration and a runtime folder of its own and no update check over the
+// network. With the user's runtime folder it would find the instance of another test running at the same time.
+void startLattica(QProcess& lattica, const QTemporaryDir& config, const QTemporaryDir& runtime) {
+    lattica.setProcessEnvironment(VirtualDesktop::soleInstanceEnvironment(config.path(), runtime.path()));
     lattica.setProcessChannelMode(QProcess::SeparateChannels);
     lattica.start(QStringLiteral(LATTICA_BINARY), {});
 }
 
 TEST(ProgramWithoutTrayHost, SaysSoAndShowsThePanelAsAnOrdinaryWindow) {
     QTemporaryDir config;
-    ASSERT_TRUE(config.isValid());
+    QTemporaryDir runtime;
+    ASSERT_TRUE(config.isValid() && runtime.isValid());
     QProcess lattica;
-    startLattica(lattica, config);
+    startLattica(lattica, config, runtime);
     ASSERT_TRUE(lattica.waitForStarted(5000));
 
     QByteArray output;
@@ -93,9 +95,10 @@ bool trayHoldsAWindowOf(qint64 pid) {
 
 TEST(ProgramWithoutTrayHost, MovesIntoATrayHostThatStartsLater) {
     QTemporaryDir config;
-    ASSERT_TRUE(config.isValid());
+    QTemporaryDir runtime;
+    ASSERT_TRUE(config.isValid() && runtime.isValid());
     QProcess lattica;
-    startLattica(lattica, config);
+    startLattica(lattica, config, runtime);
     ASSERT_TRUE(lattica.waitForStarted(5000));
     QByteArray output;
     ASSERT_TRUE(VirtualDesktop::waitUntil(

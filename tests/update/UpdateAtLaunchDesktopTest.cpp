@@ -18,7 +18,7 @@ namespace {
 class UpdateAtLaunchDesktopTest : public ::testing::Test {
 protected:
     void SetUp() override {
-        ASSERT_TRUE(m_config.isValid());
+        ASSERT_TRUE(m_config.isValid() && m_runtime.isValid());
         ASSERT_TRUE(m_server.isListening());
     }
 
@@ -58,8 +58,8 @@ protected:
     }
 
     void launch() {
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(QStringLiteral("XDG_CONFIG_HOME"), m_config.path());
+        // A runtime folder of its own: tests running at the same time must not find each other's instance.
+        QProcessEnvironment environment = VirtualDesktop::soleInstanceEnvironment(m_config.path(), m_runtime.path());
         environment.insert(QStringLiteral("LATTICA_APPCAST_URL"),
                            m_server.url(QStringLiteral("/appcast.xml")).toString());
         // The updater's own log says which checks it starts and how they end.
@@ -79,6 +79,7 @@ protected:
     }
 
     QTemporaryDir m_config;
+    QTemporaryDir m_runtime;
     LoopbackHttpServer m_server;
     QProcess m_lattica;
     QByteArray m_log;

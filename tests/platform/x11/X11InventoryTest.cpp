@@ -7,8 +7,8 @@
 #include "app/displays/ScreenSnapshotService.h"
 #include "platform/Platform.h"
 #include "platform/WindowControl.h"
-#include "tests/support/VirtualDesktop.h"
 #include "tests/platform/x11/X11DesktopFixture.h"
+#include "tests/support/VirtualDesktop.h"
 
 namespace {
 
@@ -30,9 +30,10 @@ TEST_F(X11InventoryTest, OnlyUserWindowsQualify) {
     const quint32 second = client.open(QStringLiteral("second"), placement(1, 100, 100, 600, 400));
     const quint32 dialog =
         client.open(QStringLiteral("dialog"), placement(2, 100, 100, 300, 200) + QStringLiteral(" type=dialog"));
+    // (A window with opacity 0 counts unless a compositing manager runs: X11CompositorOpacityTest.)
     for (const QString& other :
          {QStringLiteral("type=dock"), QStringLiteral("type=desktop"), QStringLiteral("type=override"),
-          QStringLiteral("opacity=0"), QStringLiteral("states=above"), QStringLiteral("type=menu")}) {
+          QStringLiteral("states=above"), QStringLiteral("type=menu")}) {
         ASSERT_NE(client.open(other.section(QLatin1Char('='), 1),
                               placement(0, 300, 300, 300, 200) + QLatin1Char(' ') + other),
                   0u)

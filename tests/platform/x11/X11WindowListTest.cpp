@@ -142,20 +142,6 @@ TEST_F(X11WindowListTest, DocksDesktopsMenusAndKeepAboveWindowsHaveNonZeroLayers
     EXPECT_TRUE(lists(entries, desktop));
 }
 
-TEST_F(X11WindowListTest, ZeroOpacityWindowCarriesOpacityZero) {
-    const QString at = placement(0, 300, 300, 300, 200);
-    const quint32 invisible = client.open(QStringLiteral("invisible"), at + QStringLiteral(" opacity=0"));
-    const quint32 half = client.open(QStringLiteral("half"), at + QStringLiteral(" opacity=0.5"));
-    ASSERT_NE(invisible, 0u);
-    ASSERT_NE(half, 0u);
-    const std::optional<WindowEntry> invisibleEntry = entryFor(invisible);
-    const std::optional<WindowEntry> halfEntry = entryFor(half);
-    ASSERT_TRUE(invisibleEntry && invisibleEntry->opacity);
-    ASSERT_TRUE(halfEntry && halfEntry->opacity);
-    EXPECT_DOUBLE_EQ(*invisibleEntry->opacity, 0.0);
-    EXPECT_NEAR(*halfEntry->opacity, 0.5, 1e-6);
-}
-
 TEST_F(X11WindowListTest, MinimisedWindowIsListedButNotOnScreen) {
     const quint32 minimised =
         client.open(QStringLiteral("iconic"), placement(2, 100, 100, 300, 200) + QStringLiteral(" states=minimized"));
