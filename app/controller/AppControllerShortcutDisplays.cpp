@@ -7,11 +7,7 @@ QString AppController::shortcutNameRawValue(const QString& persistentID) {
 }
 
 void AppController::refreshShortcutDisplays() {
-    refreshShortcutDisplays(ScreenSnapshotService::currentDisplayDescriptors());
-}
-
-void AppController::refreshShortcutDisplays(const QList<DisplayDescriptor>& connected) {
-    m_displayShortcuts.refresh(connected);
+    m_displayShortcuts.refresh(ScreenSnapshotService::currentDisplayDescriptors());
     publish(m_connectedShortcutDisplays, m_displayShortcuts.connected(),
             &AppController::connectedShortcutDisplaysChanged);
     publish(m_disconnectedShortcutDisplays, m_displayShortcuts.disconnected(),

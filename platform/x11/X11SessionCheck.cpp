@@ -73,22 +73,21 @@ bool X11SessionCheck::hasEwmhWindowManager() {
     return X11Ewmh::windowManagerPresent(m_connection);
 }
 
-X11SessionCheck::Facts X11SessionCheck::facts(bool withWindowManager) {
+X11SessionCheck::Facts X11SessionCheck::facts() {
     Facts facts;
     facts.connected = !m_connection.hasError();
-    facts.ewmhWindowManager = withWindowManager && facts.connected && hasEwmhWindowManager();
+    facts.ewmhWindowManager = facts.connected && hasEwmhWindowManager();
     facts.waylandSession =
         isWaylandSession(qEnvironmentVariable("XDG_SESSION_TYPE"), qEnvironmentVariable("WAYLAND_DISPLAY"));
     return facts;
 }
 
 CapabilityCheck X11SessionCheck::windowControl() {
-    return windowControlFor(facts(true));
+    return windowControlFor(facts());
 }
 
 CapabilityCheck X11SessionCheck::screenCapture() {
-    // Pictures need no window manager: the panel's every opening asks, and would wait for two round trips.
-    return screenCaptureFor(facts(false));
+    return screenCaptureFor(facts());
 }
 
 QUrl X11SessionCheck::helpPage(Capability capability) {

@@ -32,8 +32,7 @@ public:
     bool hasEwmhWindowManager();
 
 private:
-    // Asks the X server for the window manager only when the check needs it.
-    Facts facts(bool withWindowManager);
+    Facts facts();
 
     X11Connection& m_connection;
 };

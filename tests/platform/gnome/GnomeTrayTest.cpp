@@ -267,13 +267,14 @@ protected:
     static int primaryWidth() { return monitors().value(0).width(); }
 
     // Where the program's icon showed in the top bar, from a picture of the bar taken before it started.
+    // The host fades a new icon in and may move it once its picture is loaded: the place is read from the
+    // bar once it has stopped changing, not from the first change.
     static QRect iconInTopBar(ShellScreenshot& screenshot, const QImage& bareTopBar) {
-        QRect icon;
-        VirtualDesktop::waitUntil([&] {
-            icon = newestItem(bareTopBar, screenshot.area(QRect(QPoint(), bareTopBar.size())));
-            return !icon.isEmpty();
-        });
-        return icon;
+        const QRect topBar(QPoint(), bareTopBar.size());
+        if (!VirtualDesktop::waitUntil([&] { return !newestItem(bareTopBar, screenshot.area(topBar)).isEmpty(); })) {
+            return {};
+        }
+        return newestItem(bareTopBar, settled(screenshot, topBar));
     }
 
     // Where the icon's menu opens: below the icon, on the primary monitor.
@@ -392,7 +393,8 @@ TEST_F(GnomeTrayTest, ThePanelOpenedFromTheIconHasTheFocusAndClosesOnEscapeOrACl
         ASSERT_TRUE(input().movePointerTo(icon.center())) << input().error().toStdString();
         ASSERT_TRUE(input().click()) << input().error().toStdString();
         const QRect menu = openedMenu(screenshot, icon, withoutMenu);
-        ASSERT_FALSE(menu.isEmpty()) << "no menu below the icon";
+        ASSERT_FALSE(menu.isEmpty()) << "no menu below the icon at " << icon.x() << "," << icon.y() << " "
+                                     << icon.width() << "x" << icon.height();
         ASSERT_TRUE(input().movePointerTo(firstEntry(menu))) << input().error().toStdString();
         ASSERT_TRUE(input().click()) << input().error().toStdString();
         ASSERT_TRUE(m_lattica.waitForCount(QStringLiteral("shown at"), opening)) << m_lattica.output().toStdString();
