@@ -8,9 +8,6 @@
 //   scripts/virtual-desktop.sh run --no-tray -- build/bench/tray_click_bench build/app/lattica
 //       [OPENINGS_PER_MONITOR] [SOAK_OPENINGS] [IDLE_SECONDS]   (defaults 20, 1000, 60)
 #include <unistd.h>
-#include <xcb/randr.h>
-#include <xcb/xcb.h>
-#include <xcb/xtest.h>
 
 #include <QCoreApplication>
 #include <QDir>
@@ -33,6 +30,7 @@
 #include <vector>
 
 #include "bench/BenchSummary.h"
+#include "bench/tray_click_bench_desktop.h"
 
 namespace {
 
@@ -64,138 +62,6 @@ bool waitFor(const std::function<bool()>& predicate, int timeoutMs, int pollMs =
 
 // For predicates that only read the program's trace, which comes as events.
 constexpr int kOnEventsOnly = 0;
-
-// The benchmark's own X connection: monitors, the tray's windows, and XTEST clicks.
-class Desktop {
-public:
-    Desktop() : m_connection(xcb_connect(nullptr, nullptr)) {
-        m_root = xcb_setup_roots_iterator(xcb_get_setup(m_connection)).data->root;
-        m_pidAtom = atom("_NET_WM_PID");
-        m_trayAtom = atom("_NET_SYSTEM_TRAY_S0");
-    }
-    ~Desktop() { xcb_disconnect(m_connection); }
-    bool ok() const { return xcb_connection_has_error(m_connection) == 0; }
-
-    QList<QRect> monitors() {
-        QList<QRect> rects;
-        auto* reply =
-            xcb_randr_get_monitors_reply(m_connection, xcb_randr_get_monitors(m_connection, m_root, 1), nullptr);
-        if (reply == nullptr) {
-            return rects;
-        }
-        for (auto it = xcb_randr_get_monitors_monitors_iterator(reply); it.rem > 0; xcb_randr_monitor_info_next(&it)) {
-            rects.append(QRect(it.data->x, it.data->y, it.data->width, it.data->height));
-        }
-        std::free(reply);
-        return rects;
-    }
-    // The tray icon of a process once the tray has embedded it: a mapped window of the process inside a
-    // window of the tray.
-    xcb_window_t embeddedWindowOf(qint64 pid, qint64 trayPid) { return find(m_root, pid, trayPid, false); }
-    // A tray host owns the selection of the screen's system tray.
-    bool trayReady() {
-        auto* reply =
-            xcb_get_selection_owner_reply(m_connection, xcb_get_selection_owner(m_connection, m_trayAtom), nullptr);
-        const bool owned = reply != nullptr && reply->owner != XCB_NONE;
-        std::free(reply);
-        return owned;
-    }
-    // Centre of a window in root coordinates.
-    std::optional<QPoint> centre(xcb_window_t window) {
-        auto* geometry = xcb_get_geometry_reply(m_connection, xcb_get_geometry(m_connection, window), nullptr);
-        if (geometry == nullptr) {
-            return std::nullopt;
-        }
-        auto* translated = xcb_translate_coordinates_reply(
-            m_connection,
-            xcb_translate_coordinates(m_connection, window, m_root, geometry->width / 2, geometry->height / 2),
-            nullptr);
-        std::free(geometry);
-        if (translated == nullptr) {
-            return std::nullopt;
-        }
-        const QPoint point(translated->dst_x, translated->dst_y);
-        std::free(translated);
-        return point;
-    }
-    void click(QPoint at) {
-        xcb_test_fake_input(m_connection, XCB_MOTION_NOTIFY, 0, XCB_CURRENT_TIME, m_root, int16_t(at.x()),
-                            int16_t(at.y()), 0);
-        xcb_test_fake_input(m_connection, XCB_BUTTON_PRESS, 1, XCB_CURRENT_TIME, XCB_NONE, 0, 0, 0);
-        xcb_test_fake_input(m_connection, XCB_BUTTON_RELEASE, 1, XCB_CURRENT_TIME, XCB_NONE, 0, 0, 0);
-        xcb_flush(m_connection);
-    }
-    // True when no client holds the pointer: the benchmark can grab it (and lets go at once). A popup
-    // that has just closed may still hold it, and would take the next click for itself.
-    bool pointerFree() {
-        auto* reply =
-            xcb_grab_pointer_reply(m_connection,
-                                   xcb_grab_pointer(m_connection, 0, m_root, 0, XCB_GRAB_MODE_ASYNC,
-                                                    XCB_GRAB_MODE_ASYNC, XCB_NONE, XCB_NONE, XCB_CURRENT_TIME),
-                                   nullptr);
-        const bool free = reply != nullptr && reply->status == XCB_GRAB_STATUS_SUCCESS;
-        std::free(reply);
-        if (free) {
-            xcb_ungrab_pointer(m_connection, XCB_CURRENT_TIME);
-            sync();
-        }
-        return free;
-    }
-    // Waits until the server has handled everything sent so far.
-    void sync() { std::free(xcb_get_input_focus_reply(m_connection, xcb_get_input_focus(m_connection), nullptr)); }
-
-private:
-    xcb_atom_t atom(const char* name) {
-        auto* reply = xcb_intern_atom_reply(
-            m_connection, xcb_intern_atom(m_connection, 0, uint16_t(std::strlen(name)), name), nullptr);
-        const xcb_atom_t value = reply != nullptr ? reply->atom : XCB_NONE;
-        std::free(reply);
-        return value;
-    }
-    qint64 pidOf(xcb_window_t window) {
-        auto* reply = xcb_get_property_reply(
-            m_connection, xcb_get_property(m_connection, 0, window, m_pidAtom, XCB_ATOM_CARDINAL, 0, 1), nullptr);
-        qint64 pid = 0;
-        if (reply != nullptr && xcb_get_property_value_length(reply) == 4) {
-            pid = *static_cast<uint32_t*>(xcb_get_property_value(reply));
-        }
-        std::free(reply);
-        return pid;
-    }
-    bool mapped(xcb_window_t window) {
-        auto* reply =
-            xcb_get_window_attributes_reply(m_connection, xcb_get_window_attributes(m_connection, window), nullptr);
-        const bool viewable = reply != nullptr && reply->map_state == XCB_MAP_STATE_VIEWABLE;
-        std::free(reply);
-        return viewable;
-    }
-    // The first mapped window below parent (depth first) that belongs to the process and lies inside a
-    // window of the tray's process.
-    xcb_window_t find(xcb_window_t parent, qint64 pid, qint64 trayPid, bool insideTray) {
-        auto* tree = xcb_query_tree_reply(m_connection, xcb_query_tree(m_connection, parent), nullptr);
-        if (tree == nullptr) {
-            return XCB_NONE;
-        }
-        const xcb_window_t* children = xcb_query_tree_children(tree);
-        const int count = xcb_query_tree_children_length(tree);
-        xcb_window_t found = XCB_NONE;
-        for (int i = 0; i < count && found == XCB_NONE; ++i) {
-            const qint64 owner = pidOf(children[i]);
-            if (owner == pid && insideTray && mapped(children[i])) {
-                found = children[i];
-            } else if (owner != pid) {
-                found = find(children[i], pid, trayPid, insideTray || owner == trayPid);
-            }
-        }
-        std::free(tree);
-        return found;
-    }
-
-    xcb_connection_t* m_connection;
-    xcb_window_t m_root;
-    xcb_atom_t m_pidAtom;
-    xcb_atom_t m_trayAtom;
-};
 
 // Sum over a process's threads of what /proc says about their scheduling.
 struct Scheduling {
@@ -332,15 +198,28 @@ struct Opening {
 const char* const kOpeningSteps[] = {"opening",  "refreshed",   "shown",        "exposed",
                                      "painting", "cards drawn", "cards painted"};
 
+// Puts the pointer on the icon where it is now: a person clicks the icon, not the place it had when it first showed.
+bool pointAtIcon(TrayClickDesktop& desktop, xcb_window_t icon) {
+    if (waitFor([&] { return desktop.pointAt(icon); }, 5000)) {
+        return true;
+    }
+    std::fprintf(stderr, "tray_click_bench: the icon 0x%x did not come under the pointer (window 0x%x is there)\n",
+                 icon, desktop.windowUnderPointer());
+    return false;
+}
+
 // One click on the icon, until the previews are painted; then a second click closes the panel.
-std::optional<Opening> openAndClose(Desktop& desktop, Program& program, QPoint icon) {
+std::optional<Opening> openAndClose(TrayClickDesktop& desktop, Program& program, xcb_window_t icon) {
     program.forget();
     if (!waitFor([&] { return desktop.pointerFree(); }, 5000)) {
         std::fputs("tray_click_bench: the pointer stays grabbed\n", stderr);
         return std::nullopt;
     }
+    if (!pointAtIcon(desktop, icon)) {
+        return std::nullopt;
+    }
     const qint64 clicked = now();
-    desktop.click(icon);
+    desktop.clickHere();
     std::optional<qint64> cards;
     std::optional<qint64> previews;
     if (!waitFor(
@@ -353,8 +232,10 @@ std::optional<Opening> openAndClose(Desktop& desktop, Program& program, QPoint i
         std::fprintf(stderr, "tray_click_bench: after the click the panel %s, %s its cards and %s its previews\n",
                      program.stamp(QStringLiteral("shown"), clicked) ? "showed" : "did not show",
                      cards ? "painted" : "did not paint", previews ? "painted" : "did not paint");
-        desktop.click(icon);
-        waitFor([&] { return program.stamp(QStringLiteral("hidden"), clicked).has_value(); }, 5000, kOnEventsOnly);
+        if (pointAtIcon(desktop, icon)) {
+            desktop.clickHere();
+            waitFor([&] { return program.stamp(QStringLiteral("hidden"), clicked).has_value(); }, 5000, kOnEventsOnly);
+        }
         return std::nullopt;
     }
     const qint64 handled = program.stamp(QStringLiteral("opening"), clicked).value_or(*cards);
@@ -369,9 +250,12 @@ std::optional<Opening> openAndClose(Desktop& desktop, Program& program, QPoint i
         opening.steps.push_back(at ? msSince(previous, *at) : BenchSummary::kNone);
         previous = at.value_or(previous);
     }
-    const qint64 closing = now();
     // The open panel holds the pointer: a click on the icon is outside it and closes it.
-    desktop.click(icon);
+    if (!pointAtIcon(desktop, icon)) {
+        return std::nullopt;
+    }
+    const qint64 closing = now();
+    desktop.clickHere();
     if (!waitFor([&] { return program.stamp(QStringLiteral("hidden"), closing).has_value(); }, 10000, kOnEventsOnly)) {
         std::fputs("tray_click_bench: the panel did not close on a click of the icon\n", stderr);
         return std::nullopt;
@@ -416,7 +300,7 @@ int main(int argc, char** argv) {
     const int soak = argc > 3 ? std::atoi(argv[3]) : 1000;
     const int idleSeconds = argc > 4 ? std::atoi(argv[4]) : 60;
 
-    Desktop desktop;
+    TrayClickDesktop desktop;
     if (!desktop.ok()) {
         std::fputs("tray_click_bench: no X server\n", stderr);
         return 1;
@@ -474,10 +358,6 @@ int main(int argc, char** argv) {
             return 1;
         }
         starts.push_back(msSince(started, now()));
-        const std::optional<QPoint> centre = desktop.centre(icon);
-        if (!centre) {
-            return 1;
-        }
         // A person clicks once the program has started: its launch work is done when it uses no processor
         // time for a while.
         Scheduling previous = scheduling(program.pid());
@@ -498,7 +378,7 @@ int main(int argc, char** argv) {
             idleAfterStart = idleFor(program.pid(), idleSeconds);
         }
         for (int i = 0; i < perMonitor; ++i) {
-            const std::optional<Opening> opening = openAndClose(desktop, program, *centre);
+            const std::optional<Opening> opening = openAndClose(desktop, program, icon);
             if (!opening) {
                 ++failures;
                 continue;
@@ -521,7 +401,7 @@ int main(int argc, char** argv) {
         }
         if (last) {
             for (int i = perMonitor; i < soak; ++i) {
-                failures += openAndClose(desktop, program, *centre) ? 0 : 1;
+                failures += openAndClose(desktop, program, icon) ? 0 : 1;
             }
             // Once the last opening's pictures are let go.
             ::sleep(2);

@@ -46,6 +46,11 @@ public:
     // A full-resolution picture of the monitor's current contents; a null image when it cannot be taken.
     // Safe to call from any thread.
     virtual QImage capture(MonitorId id) = 0;
+    // Readies what the next capture of an area of this size (global space; none when empty) needs, so that
+    // the panel's opening does not wait for it: on X11 the capture's own connection to the display server
+    // and the shared memory of the area's picture, which holds no memory until a picture is written into
+    // it. Captures work without it.
+    virtual void prepareCapture(const QRectF& area) { Q_UNUSED(area); }
     // Whether captureArea can take pictures here.
     virtual bool canCaptureAreas() const { return false; }
     // A full-resolution picture of an area of the global space, as it is on screen when the call returns

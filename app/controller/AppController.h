@@ -92,6 +92,9 @@ public:
     void previewsViewShowing(const QRectF& area);
     // The panel's first paint since previewsViewShowing has been drawn.
     void previewsViewPainted();
+    // Readies the capture before an opening that would show the previews over area (global space; see
+    // previewsViewShowing), so that the opening does not wait for it.
+    void preparePreviews(const QRectF& area);
 
     // Move commands; each reports its outcome in statusMessage.
     void moveWindows(const DisplaySnapshot& source, const DisplaySnapshot& destination);
@@ -159,6 +162,8 @@ private:
     }
 
     void setPermissionState(const PermissionState& state);
+    // The same as refreshShortcutDisplays() with the connected displays read already.
+    void refreshShortcutDisplays(const QList<DisplayDescriptor>& connected);
     void setDisplays(const QList<DisplaySnapshot>& displays);
     void setIsLoadingPreviews(bool loading);
     void applyCapturedSnapshots(const QList<DisplaySnapshot>& snapshots, const QUuid& token);

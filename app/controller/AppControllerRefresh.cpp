@@ -33,7 +33,10 @@ void AppController::refreshPermissions() {
 
 void AppController::refreshForMenuOpen() {
     refreshPermissions();
-    refreshShortcutDisplays();
+    // One reading of the monitors serves the shortcut records and the panel: each is a round trip to the
+    // display server while the panel waits.
+    const QList<DisplayDescriptor> descriptors = ScreenSnapshotService::currentDisplayDescriptors();
+    refreshShortcutDisplays(descriptors);
 
     if (!m_permissionState.bothGranted()) {
         m_previewLoadID = QUuid::createUuid();
@@ -42,7 +45,6 @@ void AppController::refreshForMenuOpen() {
         return;
     }
 
-    const QList<DisplayDescriptor> descriptors = ScreenSnapshotService::currentDisplayDescriptors();
     if (descriptors.isEmpty()) {
         // No capture starts, so there is nothing to invalidate: the token stays. An earlier refresh's
         // capture that has not started yet never will.
@@ -107,6 +109,10 @@ void AppController::previewsViewPainted() {
     // Posted: the paint goes to the display server at the end of this turn of the event loop, ahead of
     // the capture's requests, which would otherwise keep the server from drawing it.
     QMetaObject::invokeMethod(this, &AppController::startPendingCapture, Qt::QueuedConnection);
+}
+
+void AppController::preparePreviews(const QRectF& area) {
+    Platform::services().monitors->prepareCapture(area);
 }
 
 void AppController::startPendingCapture() {

@@ -7,7 +7,11 @@ QString AppController::shortcutNameRawValue(const QString& persistentID) {
 }
 
 void AppController::refreshShortcutDisplays() {
-    m_displayShortcuts.refresh(ScreenSnapshotService::currentDisplayDescriptors());
+    refreshShortcutDisplays(ScreenSnapshotService::currentDisplayDescriptors());
+}
+
+void AppController::refreshShortcutDisplays(const QList<DisplayDescriptor>& connected) {
+    m_displayShortcuts.refresh(connected);
     publish(m_connectedShortcutDisplays, m_displayShortcuts.connected(),
             &AppController::connectedShortcutDisplaysChanged);
     publish(m_disconnectedShortcutDisplays, m_displayShortcuts.disconnected(),

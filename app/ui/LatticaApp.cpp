@@ -2,6 +2,8 @@
 #include "app/ui/LatticaApp.h"
 
 #include <QApplication>
+#include <QBackingStore>
+#include <QCloseEvent>
 #include <QCursor>
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
@@ -234,6 +236,15 @@ void LatticaApp::ensurePanel(bool asPopup) {
     resizePanel();
 }
 
+void LatticaApp::createPanelWindow() {
+    m_panel->winId();
+    if (m_panelIsPopup) {
+        // Closing a window makes the toolkit destroy its native window and backing store, which every
+        // opening would then build again: a popup's closing is turned into hiding (see eventFilter).
+        m_panel->windowHandle()->installEventFilter(this);
+    }
+}
+
 QSize LatticaApp::panelSize(bool granted, int displayCount) {
     return {qCeil(PanelGeometry::popupWidth(granted, displayCount)),
             qCeil(PanelGeometry::popupHeight(granted, displayCount))};
@@ -258,7 +269,22 @@ void LatticaApp::prebuildPanel() {
     // displays resizes it.
     m_panel->setFixedSize(panelSize(m_controller.permissionState().bothGranted(), int(placeholders.size())));
     m_content->prepare(placeholders);
-    m_panel->winId();
+    // Made where the opening will put it: moving it later would make the toolkit ask the X server for its
+    // frame again after the first mapping.
+    m_anchorIcon = m_trayIcon ? m_trayIcon->geometry() : QRect();
+    m_anchorPointer = QCursor::pos();
+    placePanel();
+    createPanelWindow();
+    // Asks the X server for the window's frame now; the showing reads it.
+    m_panel->frameGeometry();
+    // The arrow pointer is loaded from the cursor theme when a window first shows one.
+    m_panel->setCursor(Qt::ArrowCursor);
+    // The window's buffer at the panel's size (shared memory attached to the X server), made now
+    // rather than in the first opening's paint. Nothing is drawn or shown.
+    if (QBackingStore* store = m_panel->backingStore()) {
+        store->resize(m_panel->size());
+    }
+    m_controller.preparePreviews(m_content->displaySpaceArea());
     // Painted unseen: nothing hides to empty the caches the painting filled.
     PixmapCacheRelease::releaseSoon();
 }
@@ -302,13 +328,13 @@ void LatticaApp::openPanel() {
     if (m_panelIsPopup) {
         placePanel();
     }
+    createPanelWindow();
     // Inactive, or still taking the hidden panel for the focused window: the focus this opening asks
     // for is told after whatever focus change of the previous showing is still unread.
     m_panelAwaitsFocus = QGuiApplication::applicationState() != Qt::ApplicationActive ||
                          QGuiApplication::focusWindow() == m_panel->windowHandle();
     if (lcPanelPaint().isDebugEnabled()) {
         // The window's expose and the content's first paint after showing, for the trace.
-        m_panel->winId();
         m_panel->windowHandle()->installEventFilter(this);
         m_content->installEventFilter(this);
         m_tracePaint = true;
@@ -340,6 +366,17 @@ void LatticaApp::togglePanel() {
 bool LatticaApp::eventFilter(QObject* watched, QEvent* event) {
     if (m_panel && watched == m_panel->windowHandle() && event->type() == QEvent::Expose) {
         qCDebug(lcPanelPaint, "exposed at %lld", monotonicNanoseconds());
+    }
+    if (m_panel && m_panelIsPopup && watched == m_panel->windowHandle() && event->type() == QEvent::Close) {
+        // The popup closes (a click outside, the focus gone) as the panel widget decides, but only hides:
+        // its native window stays for the next opening.
+        QCloseEvent close;
+        QCoreApplication::sendEvent(m_panel.get(), &close);
+        if (close.isAccepted()) {
+            m_panel->hide();
+        }
+        event->setAccepted(close.isAccepted());
+        return true;
     }
     if (m_tracePaint && watched == m_content && event->type() == QEvent::Paint) {
         m_tracePaint = false;

@@ -65,6 +65,8 @@ private:
     // A tray host came after the start: the ordinary panel window gives way to the tray icon.
     void moveIntoTray();
     void ensurePanel(bool asPopup);
+    // Creates the panel's native window (once) and watches its closing.
+    void createPanelWindow();
     static QSize panelSize(bool granted, int displayCount);
     QSize panelSize() const;
     void resizePanel();

@@ -25,7 +25,13 @@ public:
     QList<QRectF> capturedAreas() const { return m_capturedAreas; }
     QList<int> capturesBeforeAreas() const { return m_capturesBeforeAreas; }
 
-    QList<Monitor> monitors() override { return m_monitors; }
+    // How many times the monitors were read.
+    int readCount() const { return m_readCount; }
+
+    QList<Monitor> monitors() override {
+        ++m_readCount;
+        return m_monitors;
+    }
     QImage capture(MonitorId id) override;
     bool canCaptureAreas() const override { return m_areaColour.isValid(); }
     // Called on the main thread only: the controller takes these pictures there.
@@ -35,6 +41,7 @@ private:
     QList<Monitor> m_monitors;
     QHash<MonitorId, QImage> m_pictures;
     std::atomic<int> m_captureCount = 0;
+    std::atomic<int> m_readCount = 0;
     QColor m_areaColour;
     QList<QRectF> m_capturedAreas;
     QList<int> m_capturesBeforeAreas;

@@ -7,9 +7,12 @@
 #include <xcb/shm.h>
 
 #include <QAtomicInt>
+#include <QThreadPool>
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <optional>
+#include <vector>
 
 namespace {
 
@@ -18,6 +21,7 @@ struct Segment {
     int shmId = -1;
     uchar* address = nullptr;
     size_t size = 0;
+    int generation = 0;  // of the connection it is attached on
 };
 
 // Bits per pixel of the server's Z-pixmap format for a depth; 0 when it has none.
@@ -32,29 +36,103 @@ int bitsPerPixel(xcb_connection_t* connection, uint8_t depth) {
 
 }  // namespace
 
-// The shared-memory segments of one connection. A picture holds its segment until the image is
-// destroyed, then hands it back here, which may happen on any thread and after the capture is gone.
-// A segment handed back is let go at once: pictures are taken only when the panel opens, and a full
-// set of them is tens of megabytes that an idle program should not keep.
+// The shared-memory segments of a capture. A picture holds its segment until the image is destroyed,
+// then hands it back here, which may happen on any thread and after the capture is gone. A segment handed
+// back is kept as a spare for the next picture of its size, and the capture's release timer is started
+// again; segments of a closed or earlier connection are let go at once. When the timer runs out, every
+// spare is let go.
 class X11Capture::SegmentPool {
 public:
-    explicit SegmentPool(xcb_connection_t* connection) : m_connection(connection) {}
+    explicit SegmentPool(QTimer* releaseTimer) : m_releaseTimer(releaseTimer) {}
 
-    // A segment of at least the size, attached to the server; nothing when shared memory fails.
-    std::optional<Segment> take(size_t size) { return create(size); }
-
-    void give(const Segment& segment) {
+    // From now on segments are attached on this connection; spares of the one before are let go.
+    void open(xcb_connection_t* connection) {
         QMutexLocker lock(&m_mutex);
-        destroy(segment);
+        destroySpares();
+        m_connection = connection;
+        ++m_generation;
     }
 
-    // The connection is about to close: segments handed back later are only detached from this process.
+    // The connection is about to close: spares go now, segments handed back later are only detached
+    // from this process.
     void close() {
         QMutexLocker lock(&m_mutex);
+        destroySpares();
         m_connection = nullptr;
     }
 
-    // Segments attached and not yet handed back, across every pool.
+    // The capture is gone: nothing starts its timer any more.
+    void forgetTimer() {
+        QMutexLocker lock(&m_mutex);
+        m_releaseTimer = nullptr;
+    }
+
+    // A spare segment of exactly the size, or a new one attached to the server; nothing when shared
+    // memory fails.
+    std::optional<Segment> take(size_t size) {
+        {
+            QMutexLocker lock(&m_mutex);
+            const auto spare = std::find_if(m_spares.begin(), m_spares.end(),
+                                            [size](const Segment& segment) { return segment.size == size; });
+            if (spare != m_spares.end()) {
+                const Segment segment = *spare;
+                m_spares.erase(spare);
+                return segment;
+            }
+        }
+        return create(size);
+    }
+
+    // Makes spares ahead of their pictures, one per size given (a size may come more than once), less
+    // the spares of those sizes that wait already.
+    void prepare(std::vector<size_t> sizes) {
+        {
+            QMutexLocker lock(&m_mutex);
+            for (const Segment& spare : m_spares) {
+                const auto same = std::find(sizes.begin(), sizes.end(), spare.size);
+                if (same != sizes.end()) {
+                    sizes.erase(same);
+                }
+            }
+        }
+        for (const size_t size : sizes) {
+            const std::optional<Segment> segment = create(size);
+            if (!segment) {
+                return;
+            }
+            QMutexLocker lock(&m_mutex);
+            if (m_connection == nullptr || segment->generation != m_generation) {
+                destroy(*segment);
+                return;
+            }
+            m_spares.push_back(*segment);
+        }
+    }
+
+    void give(const Segment& segment) {
+        QMutexLocker lock(&m_mutex);
+        if (m_connection == nullptr || segment.generation != m_generation) {
+            destroy(segment);
+            return;
+        }
+        m_spares.push_back(segment);
+        if (m_releaseTimer != nullptr) {
+            QMetaObject::invokeMethod(m_releaseTimer, qOverload<>(&QTimer::start), Qt::QueuedConnection);
+        }
+    }
+
+    void releaseSpares() {
+        QMutexLocker lock(&m_mutex);
+        destroySpares();
+    }
+
+    int spareCount() {
+        QMutexLocker lock(&m_mutex);
+        return int(m_spares.size());
+    }
+    int madeCount() const { return m_made.loadRelaxed(); }
+
+    // Segments attached and not yet let go, across every pool.
     static int attachedCount() { return s_attached.loadRelaxed(); }
 
 private:
@@ -78,6 +156,7 @@ private:
             return std::nullopt;
         }
         segment.id = xcb_generate_id(m_connection);
+        segment.generation = m_generation;
         const XcbReply<xcb_generic_error_t> error(xcb_request_check(
             m_connection, xcb_shm_attach_checked(m_connection, segment.id, static_cast<uint32_t>(segment.shmId), 0)));
         // Once both sides are attached the segment can be marked for removal: it lives until the last detach.
@@ -87,11 +166,19 @@ private:
             return std::nullopt;
         }
         s_attached.ref();
+        m_made.ref();
         return segment;
     }
 
+    void destroySpares() {
+        for (const Segment& segment : m_spares) {
+            destroy(segment);
+        }
+        m_spares.clear();
+    }
+
     void destroy(const Segment& segment) {
-        if (m_connection != nullptr) {
+        if (m_connection != nullptr && segment.generation == m_generation) {
             xcb_shm_detach(m_connection, segment.id);
             xcb_flush(m_connection);
         }
@@ -100,8 +187,13 @@ private:
     }
 
     static inline QAtomicInt s_attached;
+    QAtomicInt m_made;
     QMutex m_mutex;
-    xcb_connection_t* m_connection;
+    xcb_connection_t* m_connection = nullptr;
+    // Counts the connections opened, so that a segment handed back knows whether its connection is the current one.
+    int m_generation = 0;
+    std::vector<Segment> m_spares;
+    QTimer* m_releaseTimer;
 };
 
 namespace {
@@ -120,18 +212,23 @@ void returnSegment(void* info) {
 
 }  // namespace
 
-X11Capture::X11Capture(QByteArray displayName) : m_displayName(std::move(displayName)) {}
+X11Capture::X11Capture(QByteArray displayName, std::chrono::milliseconds keepSpares)
+    : m_displayName(std::move(displayName)), m_pool(std::make_shared<SegmentPool>(&m_releaseTimer)) {
+    m_releaseTimer.setSingleShot(true);
+    m_releaseTimer.setInterval(keepSpares);
+    // Unmapping tens of megabytes takes milliseconds: not on the thread that may be opening the panel.
+    QObject::connect(&m_releaseTimer, &QTimer::timeout, &m_releaseTimer,
+                     [pool = m_pool] { QThreadPool::globalInstance()->start([pool] { pool->releaseSpares(); }); });
+}
 
 X11Capture::~X11Capture() {
+    m_pool->forgetTimer();
     QMutexLocker lock(&m_mutex);
     disconnect();
 }
 
 void X11Capture::disconnect() {
-    if (m_pool) {
-        m_pool->close();
-        m_pool.reset();
-    }
+    m_pool->close();
     if (m_connection != nullptr) {
         xcb_disconnect(m_connection);
         m_connection = nullptr;
@@ -162,12 +259,43 @@ bool X11Capture::ensureConnected() {
             xcb_shm_query_version_reply(m_connection, xcb_shm_query_version(m_connection), nullptr));
         m_sharedMemoryUsable = version != nullptr;
     }
-    m_pool = std::make_shared<SegmentPool>(m_connection);
+    m_pool->open(m_connection);
     return m_screen != nullptr;
 }
 
 int X11Capture::attachedSegments() {
     return SegmentPool::attachedCount();
+}
+
+void X11Capture::prepare(const QList<QSize>& pictureSizes) {
+    QMutexLocker lock(&m_mutex);
+    if (!ensureConnected() || !m_sharedMemoryUsable || !sharedMemoryFormat()) {
+        return;
+    }
+    std::vector<size_t> sizes;
+    for (const QSize& size : pictureSizes) {
+        if (!size.isEmpty()) {
+            sizes.push_back(size_t(size.width()) * 4 * size_t(size.height()));
+        }
+    }
+    m_pool->prepare(std::move(sizes));
+}
+
+bool X11Capture::sharedMemoryFormat() const {
+    const uint8_t depth = m_screen->root_depth;
+    return (depth == 24 || depth == 32) && bitsPerPixel(m_connection, depth) == 32;
+}
+
+int X11Capture::spareSegments() const {
+    return m_pool->spareCount();
+}
+
+int X11Capture::segmentsMade() const {
+    return m_pool->madeCount();
+}
+
+void X11Capture::releaseSpareSegments() {
+    m_pool->releaseSpares();
 }
 
 bool X11Capture::hasSharedMemory() {
@@ -197,8 +325,7 @@ QImage X11Capture::capture(const QRect& rootRect, Method method) {
 }
 
 QImage X11Capture::captureWithSharedMemory(const QRect& rect) {
-    const uint8_t depth = m_screen->root_depth;
-    if ((depth != 24 && depth != 32) || bitsPerPixel(m_connection, depth) != 32) {
+    if (!sharedMemoryFormat()) {
         return {};
     }
     const qsizetype bytesPerLine = qsizetype(rect.width()) * 4;
@@ -221,7 +348,7 @@ QImage X11Capture::captureWithSharedMemory(const QRect& rect) {
         m_pool->give(*segment);
         return {};
     }
-    // The image reads the segment in place and gives it back to the pool when it is destroyed.
+    // The image reads the segment in place and hands it back to the pool when it is destroyed.
     auto* loan = new SegmentLoan{m_pool, *segment};
     return QImage(segment->address, rect.width(), rect.height(), bytesPerLine, QImage::Format_RGB32, returnSegment,
                   loan);

@@ -223,6 +223,11 @@ QImage X11Monitors::capture(MonitorId id) {
     return m_capture.capture(rect);
 }
 
+void X11Monitors::prepareCapture(const QRectF& area) {
+    // Only the area's picture is taken while the opening waits; the monitors' come after the panel is painted.
+    m_capture.prepare({area.toAlignedRect().size()});
+}
+
 bool X11Monitors::canCaptureAreas() const {
     return true;
 }

@@ -22,6 +22,7 @@ public:
 
     QList<Monitor> monitors() override;
     QImage capture(MonitorId id) override;
+    void prepareCapture(const QRectF& area) override;
     bool canCaptureAreas() const override;
     QImage captureArea(const QRectF& area) override;
     // True from a configuration event until the monitors have been compared with the last announced ones.

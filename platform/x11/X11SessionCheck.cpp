@@ -73,21 +73,22 @@ bool X11SessionCheck::hasEwmhWindowManager() {
     return X11Ewmh::windowManagerPresent(m_connection);
 }
 
-X11SessionCheck::Facts X11SessionCheck::facts() {
+X11SessionCheck::Facts X11SessionCheck::facts(bool withWindowManager) {
     Facts facts;
     facts.connected = !m_connection.hasError();
-    facts.ewmhWindowManager = facts.connected && hasEwmhWindowManager();
+    facts.ewmhWindowManager = withWindowManager && facts.connected && hasEwmhWindowManager();
     facts.waylandSession =
         isWaylandSession(qEnvironmentVariable("XDG_SESSION_TYPE"), qEnvironmentVariable("WAYLAND_DISPLAY"));
     return facts;
 }
 
 CapabilityCheck X11SessionCheck::windowControl() {
-    return windowControlFor(facts());
+    return windowControlFor(facts(true));
 }
 
 CapabilityCheck X11SessionCheck::screenCapture() {
-    return screenCaptureFor(facts());
+    // Pictures need no window manager: the panel's every opening asks, and would wait for two round trips.
+    return screenCaptureFor(facts(false));
 }
 
 QUrl X11SessionCheck::helpPage(Capability capability) {

@@ -32,7 +32,8 @@ public:
     bool hasEwmhWindowManager();
 
 private:
-    Facts facts();
+    // Asks the X server for the window manager only when the check needs it.
+    Facts facts(bool withWindowManager);
 
     X11Connection& m_connection;
 };

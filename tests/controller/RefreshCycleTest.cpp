@@ -50,6 +50,19 @@ TEST_F(RefreshCycle, OpenPublishesPlaceholdersAtOnceThenCapturedSnapshotsInOrder
     EXPECT_EQ(signalLog().mid(5), (QStringList{QStringLiteral("displays"), QStringLiteral("isLoadingPreviews=0")}));
 }
 
+TEST_F(RefreshCycle, AnOpeningReadsTheMonitorsOnceForTheShortcutRecordsAndThePanel) {
+    holdNextCapture();
+    const int before = platform.monitors.readCount();
+    controller().refreshForMenuOpen();
+    EXPECT_EQ(platform.monitors.readCount(), before + 1);
+    // Both got what that reading found.
+    ASSERT_EQ(controller().displays().size(), 2);
+    EXPECT_EQ(controller().connectedShortcutDisplays().size(), 2);
+    ASSERT_TRUE(heldCaptureStarted());
+    release();
+    ASSERT_TRUE(waitUntil([&] { return !controller().isLoadingPreviews(); }));
+}
+
 TEST_F(RefreshCycle, TwoOpensInQuickSuccessionPublishOnlyTheSecondCapture) {
     platform.runningApplications.addApplication(100, QStringLiteral("Editor"));
     platform.windowList.setWindows(

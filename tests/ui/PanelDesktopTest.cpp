@@ -5,6 +5,7 @@
 #include <xcb/xtest.h>
 
 #include <QApplication>
+#include <QBackingStore>
 #include <QElapsedTimer>
 #include <QGuiApplication>
 #include <QMenu>
@@ -64,6 +65,11 @@ protected:
         }
         return QObject::eventFilter(watched, event);
     }
+};
+
+struct ServerWindowState {
+    bool exists = false;
+    bool mapped = false;
 };
 
 class PanelOnDesktop : public ::testing::Test {
@@ -310,6 +316,15 @@ protected:
         return VirtualDesktop::waitUntil([&] { return app->panel() && app->panel()->isVisible(); }, 5000);
     }
 
+    // Whether the X server knows the window and has it mapped.
+    ServerWindowState serverState(xcb_window_t window) {
+        xcb_get_window_attributes_reply_t* reply =
+            xcb_get_window_attributes_reply(xcb(), xcb_get_window_attributes(xcb(), window), nullptr);
+        const ServerWindowState state{reply != nullptr, reply != nullptr && reply->map_state != XCB_MAP_STATE_UNMAPPED};
+        std::free(reply);
+        return state;
+    }
+
     bool previewsArrived() const {
         const QList<DisplayCardView*> cards = app->panelContent()->cards();
         if (cards.size() != monitors.size() || controller->isLoadingPreviews()) {
@@ -512,6 +527,42 @@ TEST_F(PanelOnDesktop, ClickOutsideThePanelClosesIt) {
     ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return pointerIsGrabbed(); }));
     click(monitors[1].center());
     EXPECT_TRUE(VirtualDesktop::waitUntil([&] { return !app->panel()->isVisible(); }, 5000));
+}
+
+TEST_F(PanelOnDesktop, ThePanelHasItsNativeWindowAndItsBufferBeforeTheFirstClick) {
+    ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return app->panel() && app->panel()->internalWinId() != 0; }));
+    const xcb_window_t window = static_cast<xcb_window_t>(app->panel()->internalWinId());
+    EXPECT_FALSE(app->panel()->isVisible());
+    const ServerWindowState state = serverState(window);
+    EXPECT_TRUE(state.exists);
+    EXPECT_FALSE(state.mapped);
+    ASSERT_NE(app->panel()->backingStore(), nullptr);
+    EXPECT_EQ(app->panel()->backingStore()->size(), app->panel()->size());
+
+    ASSERT_TRUE(openPanelByClick());
+    EXPECT_EQ(app->panel()->internalWinId(), WId(window));
+}
+
+TEST_F(PanelOnDesktop, APanelClosedByAClickOutsideKeepsItsNativeWindowForTheNextOpening) {
+    ASSERT_TRUE(openPanelByClick());
+    const xcb_window_t window = static_cast<xcb_window_t>(app->panel()->internalWinId());
+    ASSERT_NE(window, XCB_NONE);
+    ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return pointerIsGrabbed(); }));
+    click(monitors[1].center());
+    ASSERT_TRUE(VirtualDesktop::waitUntil([&] { return !app->panel()->isVisible(); }, 5000));
+    // Closed as a popup closes, letting the pointer go, but only unmapped.
+    EXPECT_TRUE(VirtualDesktop::waitUntil([&] { return !pointerIsGrabbed(); }));
+    EXPECT_TRUE(VirtualDesktop::waitUntil([&] {
+        const ServerWindowState state = serverState(window);
+        return state.exists && !state.mapped;
+    }));
+    EXPECT_EQ(app->panel()->internalWinId(), WId(window));
+    EXPECT_FALSE(controller->displays().isEmpty());
+    EXPECT_FALSE(controller->displays().first().previewImage.has_value());
+
+    ASSERT_TRUE(openPanelByClick());
+    EXPECT_EQ(app->panel()->internalWinId(), WId(window));
+    EXPECT_TRUE(VirtualDesktop::waitUntil([&] { return serverState(window).mapped; }));
 }
 
 TEST_F(PanelOnDesktop, PresentedSettingsWindowBecomesTheActiveWindow) {

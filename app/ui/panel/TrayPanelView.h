@@ -38,6 +38,8 @@ public:
     // The controls Tab walks through, in reading order: each card's buttons from left to right, then
     // Settings and Quit (or the permission buttons when those are shown).
     QList<QWidget*> keyboardOrder() const;
+    // The panel window's area in the display space of the monitors.
+    QRectF displaySpaceArea() const;
 
 Q_SIGNALS:
     // The panel should close (the Settings button asks for it before opening the settings window).
@@ -73,8 +75,6 @@ private:
     // Arrow keys between and within cards, digits for a card's target display.
     bool handleCardKey(DisplayCardView* card, QWidget* control, int key);
     void notePainted(DisplayCardView* card, bool withPreview);
-    // The panel window's area in the display space of the monitors.
-    QRectF displaySpaceArea() const;
 
     AppController& m_controller;
     State m_state = State::PermissionsRequired;

@@ -1,15 +1,19 @@
 // SPDX-License-Identifier: MIT
 #include <gtest/gtest.h>
+#include <xcb/xcb.h>
 
 #include <QFile>
 #include <QLabel>
 #include <QTemporaryDir>
+#include <cstdlib>
+#include <functional>
 #include <memory>
 
 #include "app/controller/AppController.h"
 #include "app/permissions/PermissionService.h"
 #include "app/ui/guide/PermissionGuideView.h"
 #include "app/ui/settings/SettingsPermissionsSection.h"
+#include "platform/x11/X11Connection.h"
 #include "platform/x11/X11Platform.h"
 
 namespace {
@@ -106,6 +110,22 @@ TEST_F(SessionCheckDesktopTest, WithAWindowManagerBothWorkAndNothingNeedsExplain
     EXPECT_FALSE(guideExplanation("accessibilityStep")->isVisibleTo(m_guide.get()));
     EXPECT_EQ(settingsLabel("badge.accessibility")->text(), QStringLiteral("Granted"));
     EXPECT_FALSE(settingsLabel("explanation.accessibility")->isVisibleTo(m_settings.get()));
+}
+
+TEST_F(SessionCheckDesktopTest, OnlyTheWindowControlCheckAsksTheServerForTheWindowManager) {
+    xcb_connection_t* xcb = m_platform->connection().xcb();
+    // Requests sent on the connection while the step runs, counted by the sequence numbers of a request
+    // before and after it.
+    const auto requestsOf = [xcb](const std::function<void()>& step) {
+        const unsigned int before = xcb_get_input_focus(xcb).sequence;
+        step();
+        const unsigned int after = xcb_get_input_focus(xcb).sequence;
+        std::free(xcb_get_input_focus_reply(xcb, xcb_get_input_focus(xcb), nullptr));
+        return int(after - before) - 1;
+    };
+    SessionCheck* check = Platform::services().sessionCheck;
+    EXPECT_EQ(requestsOf([check] { check->screenCapture(); }), 0);
+    EXPECT_GE(requestsOf([check] { check->windowControl(); }), 1);
 }
 
 TEST_F(SessionCheckDesktopTest, WithoutAWindowManagerWindowControlIsMissingAndTheReasonIsShown) {

@@ -1,9 +1,13 @@
 // SPDX-License-Identifier: MIT
 // Display pictures of a real desktop, through shared memory and through GetImage.
+#include <xcb/res.h>
 #include <xcb/xcb.h>
 
 #include <QColor>
 #include <QFile>
+#include <QSet>
+#include <algorithm>
+#include <chrono>
 #include <cstdlib>
 
 #include "platform/Monitors.h"
@@ -128,27 +132,202 @@ int mappedSegments() {
     return int(maps.readAll().count("SYSV"));
 }
 
-TEST_F(X11CaptureTest, SegmentsGoWithTheirPicturesWhileTheCaptureStays) {
+// Long enough that spares stay for the whole of a test that does not wait for their release.
+constexpr std::chrono::hours kKeptThroughTheTest{1};
+
+TEST_F(X11CaptureTest, SegmentsOfPicturesGoneServeTheNextPicturesOfTheirSize) {
     const QRect rect = VirtualDesktop::layout().value(0);
-    X11Capture capture(platform->connection().displayName());
+    X11Capture capture(platform->connection().displayName(), kKeptThroughTheTest);
     ASSERT_TRUE(capture.hasSharedMemory());
     const int before = mappedSegments();
     ASSERT_GE(before, 0);
-    {
+    const auto takeThree = [&] {
         QList<QImage> pictures;
         for (int i = 0; i < 3; ++i) {
             pictures.append(capture.capture(rect, X11Capture::Method::SharedMemory));
-            ASSERT_FALSE(pictures.last().isNull());
         }
+        return pictures;
+    };
+    {
+        const QList<QImage> pictures = takeThree();
+        for (const QImage& picture : pictures) {
+            ASSERT_FALSE(picture.isNull());
+        }
+        EXPECT_EQ(capture.segmentsMade(), 3);
+        EXPECT_EQ(capture.spareSegments(), 0);
         EXPECT_EQ(mappedSegments(), before + 3);
-        EXPECT_EQ(X11Capture::attachedSegments(), 3);
     }
-    // The capture lives on, as it does for the program's whole run: it holds no memory for pictures gone.
+    // Gone pictures leave their segments as spares, still attached.
+    EXPECT_EQ(capture.spareSegments(), 3);
+    EXPECT_EQ(mappedSegments(), before + 3);
+    EXPECT_EQ(X11Capture::attachedSegments(), 3);
+    {
+        const QList<QImage> again = takeThree();
+        // The same three segments, none made.
+        EXPECT_EQ(capture.segmentsMade(), 3);
+        EXPECT_EQ(capture.spareSegments(), 0);
+        EXPECT_EQ(mappedSegments(), before + 3);
+        // A reused segment holds the new picture, not the old one: the same as GetImage takes now.
+        EXPECT_TRUE(again.value(0) == capture.capture(rect, X11Capture::Method::GetImage));
+        // A picture of another size gets a segment of its own.
+        const QImage smaller = capture.capture(rect.adjusted(0, 0, -10, -10), X11Capture::Method::SharedMemory);
+        ASSERT_FALSE(smaller.isNull());
+        EXPECT_EQ(capture.segmentsMade(), 4);
+        EXPECT_EQ(mappedSegments(), before + 4);
+    }
+    EXPECT_EQ(capture.spareSegments(), 4);
+    capture.releaseSpareSegments();
+    EXPECT_EQ(capture.spareSegments(), 0);
     EXPECT_EQ(mappedSegments(), before);
     EXPECT_EQ(X11Capture::attachedSegments(), 0);
-    // And it still takes pictures afterwards.
+    // And it still takes pictures afterwards, in a segment made anew.
     EXPECT_FALSE(capture.capture(rect, X11Capture::Method::SharedMemory).isNull());
+    EXPECT_EQ(capture.segmentsMade(), 5);
+}
+
+TEST_F(X11CaptureTest, APictureStillAliveKeepsItsSegmentFromTheNextPicture) {
+    const QRect rect = VirtualDesktop::layout().value(0);
+    X11Capture capture(platform->connection().displayName(), kKeptThroughTheTest);
+    const QImage first = capture.capture(rect, X11Capture::Method::SharedMemory);
+    const QImage second = capture.capture(rect, X11Capture::Method::SharedMemory);
+    ASSERT_FALSE(first.isNull());
+    ASSERT_FALSE(second.isNull());
+    EXPECT_EQ(capture.segmentsMade(), 2);
+    EXPECT_NE(first.constBits(), second.constBits());
+}
+
+// The System V shared-memory segments mapped into this process, by identifier.
+QSet<qint64> mappedSegmentIds() {
+    QSet<qint64> ids;
+    QFile maps(QStringLiteral("/proc/self/maps"));
+    if (maps.open(QIODevice::ReadOnly)) {
+        for (const QByteArray& line : maps.readAll().split('\n')) {
+            // address perms offset device inode path: a segment's inode is its identifier.
+            if (line.contains("SYSV")) {
+                ids.insert(line.simplified().split(' ').value(4).toLongLong());
+            }
+        }
+    }
+    return ids;
+}
+
+// Bytes of memory a segment holds, as the kernel counts them; -1 when it has no such segment.
+qint64 residentBytesOfSegment(qint64 id) {
+    QFile table(QStringLiteral("/proc/sysvipc/shm"));
+    if (table.open(QIODevice::ReadOnly)) {
+        for (const QByteArray& line : table.readAll().split('\n').mid(1)) {
+            const QList<QByteArray> fields = line.simplified().split(' ');
+            if (fields.size() >= 15 && fields[1].toLongLong() == id) {
+                return fields[14].toLongLong();
+            }
+        }
+    }
+    return -1;
+}
+
+TEST_F(X11CaptureTest, SpareSegmentsAreReleasedOnceNoPictureHasComeBackForAWhile) {
+    const QRect rect = VirtualDesktop::layout().value(0);
+    X11Capture capture(platform->connection().displayName(), std::chrono::milliseconds(50));
+    ASSERT_TRUE(capture.hasSharedMemory());
+    const QSet<qint64> before = mappedSegmentIds();
+    {
+        const QImage a = capture.capture(rect, X11Capture::Method::SharedMemory);
+        const QImage b = capture.capture(rect, X11Capture::Method::SharedMemory);
+        ASSERT_FALSE(a.isNull());
+        ASSERT_FALSE(b.isNull());
+    }
+    const QSet<qint64> used = mappedSegmentIds() - before;
+    ASSERT_EQ(used.size(), 2);
+    for (const qint64 id : used) {
+        EXPECT_GT(residentBytesOfSegment(id), 0) << "a segment holds the picture written into it";
+    }
+    // The release comes from the event loop, which has not run since.
+    EXPECT_EQ(capture.spareSegments(), 2);
+    EXPECT_TRUE(
+        VirtualDesktop::waitUntil([&] { return capture.spareSegments() == 0 && mappedSegmentIds() == before; }));
+    EXPECT_EQ(X11Capture::attachedSegments(), 0);
+    // Gone from the system once the X server has detached them too.
+    EXPECT_TRUE(VirtualDesktop::waitUntil([&] {
+        return std::all_of(used.cbegin(), used.cend(), [](qint64 id) { return residentBytesOfSegment(id) == -1; });
+    }));
+    EXPECT_FALSE(capture.capture(rect, X11Capture::Method::SharedMemory).isNull());
+    EXPECT_EQ(capture.segmentsMade(), 3);
+}
+
+TEST_F(X11CaptureTest, APreparedSegmentHoldsNoMemoryUntilThePictureOfItsSizeUsesIt) {
+    const QRect rect = VirtualDesktop::layout().value(0);
+    X11Capture capture(platform->connection().displayName(), kKeptThroughTheTest);
+    const QSet<qint64> before = mappedSegmentIds();
+    capture.prepare({rect.size()});
+    EXPECT_EQ(capture.segmentsMade(), 1);
+    EXPECT_EQ(capture.spareSegments(), 1);
+    const QSet<qint64> prepared = mappedSegmentIds() - before;
+    ASSERT_EQ(prepared.size(), 1);
+    EXPECT_EQ(residentBytesOfSegment(*prepared.cbegin()), 0);
+    const QImage picture = capture.capture(rect, X11Capture::Method::SharedMemory);
+    ASSERT_FALSE(picture.isNull());
+    EXPECT_EQ(capture.segmentsMade(), 1);
+    EXPECT_EQ(capture.spareSegments(), 0);
+    EXPECT_GT(residentBytesOfSegment(*prepared.cbegin()), 0);
+    EXPECT_TRUE(picture == capture.capture(rect, X11Capture::Method::GetImage));
+}
+
+TEST_F(X11CaptureTest, PreparingMakesOneSegmentPerPictureLessTheSparesWaiting) {
+    const QSize size = VirtualDesktop::layout().value(0).size();
+    X11Capture capture(platform->connection().displayName(), kKeptThroughTheTest);
+    capture.prepare({size, size});
+    EXPECT_EQ(capture.segmentsMade(), 2);
+    capture.prepare({size, size, QSize(10, 10)});
+    EXPECT_EQ(capture.segmentsMade(), 3);
+    EXPECT_EQ(capture.spareSegments(), 3);
+    // Empty sizes ask for nothing.
+    capture.prepare({QSize()});
+    EXPECT_EQ(capture.segmentsMade(), 3);
+}
+
+TEST_F(X11CaptureTest, SpareSegmentsGoWithTheCapture) {
+    const QRect rect = VirtualDesktop::layout().value(0);
+    const int before = mappedSegments();
+    ASSERT_GE(before, 0);
+    {
+        X11Capture capture(platform->connection().displayName(), kKeptThroughTheTest);
+        EXPECT_FALSE(capture.capture(rect, X11Capture::Method::SharedMemory).isNull());
+        EXPECT_EQ(capture.spareSegments(), 1);
+        EXPECT_EQ(mappedSegments(), before + 1);
+    }
     EXPECT_EQ(mappedSegments(), before);
+    EXPECT_EQ(X11Capture::attachedSegments(), 0);
+}
+
+TEST_F(X11CaptureTest, PreparingTheCaptureConnectsAndMakesTheSegmentOfTheAreasPictureAhead) {
+    // The clients the X server serves now.
+    const auto clients = [this] {
+        xcb_res_query_clients_reply_t* reply =
+            xcb_res_query_clients_reply(xcb(), xcb_res_query_clients(xcb()), nullptr);
+        const int count = reply != nullptr ? int(reply->num_clients) : -1;
+        std::free(reply);
+        return count;
+    };
+    const int before = clients();
+    ASSERT_GT(before, 0);
+    Monitors& service = *Platform::services().monitors;
+    const QRectF area(10, 20, 300, 200);
+    service.prepareCapture(area);
+    EXPECT_EQ(clients(), before + 1);
+    // A segment for the area's picture.
+    EXPECT_EQ(X11Capture::attachedSegments(), 1);
+    service.prepareCapture(area);
+    EXPECT_EQ(clients(), before + 1);
+    EXPECT_EQ(X11Capture::attachedSegments(), 1);
+    const QImage areaPicture = service.captureArea(area);
+    EXPECT_FALSE(areaPicture.isNull());
+    // The picture came through the connection and the segment made ahead.
+    EXPECT_EQ(clients(), before + 1);
+    EXPECT_EQ(X11Capture::attachedSegments(), 1);
+    const auto display = displayFor(monitors().value(0));
+    ASSERT_TRUE(display.has_value());
+    EXPECT_FALSE(service.capture(*display).isNull());
+    EXPECT_EQ(clients(), before + 1);
 }
 
 TEST_F(X11CaptureTest, AnAreaOfTheGlobalSpaceIsTakenWholeAtItsPlace) {
